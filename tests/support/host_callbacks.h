@@ -1,0 +1,130 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "model/callbacks.h"
+
+namespace QB::Test {
+
+/// Sets the five host callbacks for the life of the object and restores the earlier ones.
+///
+/// Main-thread work runs at once when posted on the thread that made the fixture, and otherwise
+/// waits until runPending() is called there. Dispatched work runs on a thread of its own, which
+/// the destructor joins. Names are quoted as the family usually does, without exceptions.
+class HostCallbacks {
+public:
+    HostCallbacks() {
+        current() = this;
+        Callback::runOperationOnMainThread = [](std::function<void()> f) {
+            current()->onMain(f);
+        };
+        Callback::runOperationOnDispatchedThread = [](std::function<void()> f) {
+            current()->dispatch(std::move(f));
+        };
+        Callback::isDarkTheme = [] {
+            return current()->isDark;
+        };
+        Callback::showError = [](std::string text) {
+            current()->errors.push_back(text);
+        };
+        Callback::formatIdentifier = quoteAlways;
+    }
+
+    ~HostCallbacks() {
+        joinWorkers();
+        std::tie(Callback::runOperationOnMainThread, Callback::runOperationOnDispatchedThread,
+                 Callback::isDarkTheme, Callback::showError, Callback::formatIdentifier) =
+            m_earlier;
+        current() = m_earlierFixture;
+    }
+
+    HostCallbacks(const HostCallbacks&) = delete;
+    HostCallbacks& operator=(const HostCallbacks&) = delete;
+
+    /// Runs what other threads have posted to the main thread, until nothing is left.
+    void runPending() {
+        for (;;) {
+            std::vector<std::function<void()>> batch;
+            {
+                const std::lock_guard lock(m_mutex);
+                batch.swap(m_pending);
+            }
+            if (batch.empty()) return;
+            for (auto& f : batch)
+                f();
+        }
+    }
+
+    /// Runs main-thread work until every dispatched function has returned.
+    void finishWorkers() {
+        while (m_running.load() > 0) {
+            runPending();
+            std::this_thread::yield();
+        }
+        runPending();
+        joinWorkers();
+    }
+
+    static std::string quoteAlways(const std::string& name, DatabaseType type, int) {
+        const bool isMySQL = type == DatabaseTypeMySQL || type == DatabaseTypeMariaDB;
+        if (type == DatabaseTypeSQLServer) return "[" + name + "]";
+        const char quote = isMySQL ? '`' : '"';
+        return quote + name + quote;
+    }
+
+    bool isDark = false;
+    std::vector<std::string> errors;
+
+private:
+    static HostCallbacks*& current() {
+        static HostCallbacks* instance = nullptr;
+        return instance;
+    }
+
+    void onMain(std::function<void()>& f) {
+        if (std::this_thread::get_id() == m_mainThread) return f();
+        const std::lock_guard lock(m_mutex);
+        m_pending.push_back(std::move(f));
+    }
+
+    void dispatch(std::function<void()> f) {
+        m_running.fetch_add(1);
+        const std::lock_guard lock(m_mutex);
+        m_workers.emplace_back([this, f = std::move(f)]() mutable {
+            f();
+            f = nullptr;  // what the closure owns goes before the work counts as done
+            m_running.fetch_sub(1);
+        });
+    }
+
+    void joinWorkers() {
+        std::vector<std::thread> workers;
+        {
+            const std::lock_guard lock(m_mutex);
+            workers.swap(m_workers);
+        }
+        for (std::thread& worker : workers)
+            worker.join();
+    }
+
+    const std::thread::id m_mainThread = std::this_thread::get_id();
+    std::tuple<decltype(Callback::runOperationOnMainThread),
+               decltype(Callback::runOperationOnDispatchedThread), decltype(Callback::isDarkTheme),
+               decltype(Callback::showError), decltype(Callback::formatIdentifier)>
+        m_earlier = {Callback::runOperationOnMainThread, Callback::runOperationOnDispatchedThread,
+                     Callback::isDarkTheme, Callback::showError, Callback::formatIdentifier};
+    HostCallbacks* m_earlierFixture = current();
+    std::mutex m_mutex;
+    std::vector<std::function<void()>> m_pending;  // guarded by m_mutex
+    std::vector<std::thread> m_workers;            // guarded by m_mutex
+    std::atomic<int> m_running{0};
+};
+
+}  // namespace QB::Test
