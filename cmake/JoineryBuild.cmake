@@ -59,7 +59,7 @@ function(joinery_room name)
     set(target room_${name})
     if(NOT sources MATCHES "\\.cpp")
         # A room of headers alone still is an object library.
-        file(WRITE ${CMAKE_BINARY_DIR}/empty.cpp "")
+        file(WRITE ${CMAKE_BINARY_DIR}/empty.cpp "// no sources yet\n")
         list(APPEND sources ${CMAKE_BINARY_DIR}/empty.cpp)
     endif()
     add_library(${target} OBJECT ${sources})
