@@ -1,0 +1,89 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "model/components.h"
+#include "model/export.h"
+#include "model/variant.h"
+#include "model/vocabulary.h"
+#include "stringifier/stringified_node.h"
+
+namespace QB {
+
+/// Turns a component, a whole statement or any part of one, into text in the dialect of a server,
+/// and remembers the range of every component in that text.
+///
+/// Use: createStringifier, test for null, setCurrentSchema, setParameter where needed,
+/// stringifyQuery, componentRanges. Short-lived: made for one use, though a second run is allowed.
+/// It quotes nothing itself: every name goes through QB::Callback::formatIdentifier.
+/// Thread: any, each thread with its own object; nothing is shared. The caller holds
+/// queryComponentAccessMutex while other threads may change the components.
+class QB_EXPORT QBQueryComponentStringifier {
+public:
+    /// Gives the text of one side of the tree node that is being written: 0 and 2 are the left
+    /// child (2 inside brackets), 1 is the right child. Empty where no source tree is walked.
+    using SourceChildCallback = std::function<StringifiedNode(int side, int level)>;
+    using Ranges = std::map<const Component::AbstractQueryComponent*, QBRange>;
+
+    /// Null for a family without a text form.
+    static std::unique_ptr<QBQueryComponentStringifier> createStringifier(QBDatabaseInfo info);
+
+    /// One level of @p component: its own text, with what it holds deferred. For subclasses; users
+    /// call stringifyQuery.
+    virtual StringifiedNode stringifyComponent(const Component::AbstractQueryComponent* component,
+                                               int level, SourceChildCallback sourceChild) = 0;
+
+    virtual ~QBQueryComponentStringifier();
+    QBQueryComponentStringifier(const QBQueryComponentStringifier&) = delete;
+    QBQueryComponentStringifier& operator=(const QBQueryComponentStringifier&) = delete;
+
+    /// The schema that may be left out of qualified names.
+    void setCurrentSchema(const std::string& schema);
+
+    /// The first value set under a key stays. Known keys: conditionValueListModeKey.
+    void setParameter(const std::string& key, const QBVariant& value);
+
+    /// The text of @p component, at the left margin also when it stands deep in a statement; ""
+    /// for null and for a kind without text. Linear in the size of the text, any depth.
+    /// Errors: what formatIdentifier throws passes through; the object stays usable.
+    std::string stringifyQuery(const Component::AbstractQueryComponent* component);
+
+    /// Where every component of the last run stands in its text, in bytes; a component's range
+    /// encloses those of the components in it, a condition's runs to the end of its chain. One
+    /// without text has a range of length 0. A component met twice keeps the range that ended
+    /// first.
+    Ranges componentRanges() const;
+
+protected:
+    explicit QBQueryComponentStringifier(QBDatabaseInfo info);
+
+    /// A line feed and @p level tabs; the only source of line breaks and indentation.
+    static std::string newlineIndent(int level);
+
+    /// @p name as the host quotes it for the server.
+    std::string quoted(const std::string& name) const;
+
+    /// Null if no parameter is set under @p key.
+    const QBVariant* parameter(const std::string& key) const;
+
+    /// Called at the start of each run; an earlier run may have ended in an exception.
+    virtual void resetRun();
+
+    const QBDatabaseInfo& databaseInfo() const { return m_databaseInfo; }
+    const std::string& currentSchema() const { return m_currentSchema; }
+
+private:
+    std::map<std::string, QBVariant> m_parameters;
+    QBDatabaseInfo m_databaseInfo;
+    std::string m_currentSchema;
+    ComponentRangeList m_ranges;  // of the last run, in the order in which they ended
+};
+
+/// Parameter of type int: how a value list that is not the operand of a comparison is written.
+/// 1 (the default): items separated by commas; 2: two items with AND between; else the first item.
+inline const std::string conditionValueListModeKey = "SQLConditionValueListMode";
+
+}  // namespace QB
