@@ -133,7 +133,7 @@ function(joinery_gtest name)
                           Threads::Threads ${TEST_LIBS})
     target_compile_definitions(test_${name} PRIVATE JOINERY_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}")
     add_test(NAME ${name} COMMAND test_${name})
-    set_tests_properties(${name} PROPERTIES LABELS "${TEST_LABELS}" TIMEOUT 600
+    set_tests_properties(${name} PROPERTIES LABELS "${TEST_LABELS}" TIMEOUT ${JOINERY_TEST_TIMEOUT}
                          ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()
 
@@ -153,7 +153,7 @@ function(joinery_qtest name)
         target_compile_definitions(${target} PRIVATE
                                    JOINERY_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}")
         add_test(NAME ${name}_${stem} COMMAND ${target})
-        set_tests_properties(${name}_${stem} PROPERTIES LABELS "${TEST_LABELS}" TIMEOUT 600
+        set_tests_properties(${name}_${stem} PROPERTIES LABELS "${TEST_LABELS}" TIMEOUT ${JOINERY_TEST_TIMEOUT}
                              ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
     endforeach()
 endfunction()
