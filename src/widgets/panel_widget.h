@@ -89,7 +89,7 @@ Q_SIGNALS:
 
 private:
     void connectEngine();
-    bool concernsThisPanel(const QBEngine_LINUX* engine,
+    bool concernsThisPanel(const QBEngine_LINUX* sendingEngine,
                            const QSet<TopLevelQueryComponentElementEnum>& elements, int layer,
                            void* sender) const;
 

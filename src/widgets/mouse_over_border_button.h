@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QPushButton>
+
+#include "model/export.h"
+
+namespace QB {
+
+/// A push button that is flat until the mouse is over it.
+class QB_EXPORT QBMouseOverBorderButton : public QPushButton {
+    Q_OBJECT
+
+public:
+    explicit QBMouseOverBorderButton(QWidget* parent = nullptr);
+
+protected:
+    void enterEvent(QEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+};
+
+}  // namespace QB
