@@ -1,0 +1,78 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/candidate_tree.h"
+#include "engine/retired_parts.h"
+#include "model/components.h"
+
+namespace QB {
+
+/// What outlives an engine while tasks that it started still run: they capture this core by
+/// shared_ptr, and touch the engine itself only on the main thread, inside runIfAlive with the
+/// engine's id.
+///
+/// Order of locks: identifierTreeMutex, then queryComponentAccessMutex; the others are innermost
+/// and held for a few instructions.
+class QBEngineCore {
+public:
+    /// A node to fetch: its names below the root, and whether to fetch it though it has children.
+    using RefreshRequest = std::pair<std::vector<std::string>, bool>;
+
+    QBEngineCore() = default;
+    ~QBEngineCore();
+    QBEngineCore(const QBEngineCore&) = delete;
+    QBEngineCore& operator=(const QBEngineCore&) = delete;
+
+    /// How a worker reads a statement that it was handed earlier: runs @p read under
+    /// queryComponentAccessMutex if the component with @p componentId still exists, else nothing.
+    /// True if @p read ran. Statements, and all that edits detach from them, are destroyed only
+    /// under this mutex, so the whole statement stays for the length of @p read.
+    ///
+    ///     const auto core = engine->core();                                     // main thread
+    ///     auto* statement = engine->topLevelQueryComponent(0);
+    ///     const long id = statement->id();
+    ///     ... on the worker:  core->withLiveComponent(id, [&] { text = generate(statement); });
+    ///
+    /// @p read must not wait for the main thread. Do not call this from inside a runIfAlive with a
+    /// component's id: the one who destroys that component holds the mutex and waits for the block.
+    /// Thread: any, also after the engine is gone.
+    bool withLiveComponent(long componentId, const std::function<void()>& read);
+
+    void setUpdater(const QBCandidateChildrenUpdater& updater);
+    /// A copy, so that no lock is held while it runs.
+    QBCandidateChildrenUpdater updater() const;
+    void setSearcher(const QBForeignKeySearcher& searcher);
+    QBForeignKeySearcher searcher() const;
+
+    void addRequest(RefreshRequest request);
+    /// All waiting requests; the queue is empty afterwards.
+    std::vector<RefreshRequest> takeRequests();
+
+    /// Guards the statements: held for a block, a conversion or a text generation, never while a
+    /// notification is sent or a thread waits.
+    std::recursive_mutex queryComponentAccessMutex;
+    /// Held for one request of a refresh with its server queries, so that two tasks do not fill a
+    /// node twice. Readers of candidates never take it.
+    std::mutex identifierTreeMutex;
+
+    CandidateTree candidates;
+    RetiredParts retired;
+    /// Requests minus fetches: a hint for a wait indicator, may leave zero for a while.
+    std::atomic<int> runningRefreshCount{0};
+
+private:
+    mutable std::mutex m_callbackMutex;
+    QBCandidateChildrenUpdater m_updater;
+    QBForeignKeySearcher m_searcher;
+    std::mutex m_requestMutex;
+    std::vector<RefreshRequest> m_requests;
+};
+
+}  // namespace QB
