@@ -1,0 +1,72 @@
+"""Checks on what was linked: `core PROGRAM` and `exports LIBRARY...`."""
+import re
+import subprocess
+import sys
+
+# What may be visible: our own names, and what the compiler makes for them.
+OURS = r"(?:QB|Tolk)::|sqlet_"
+MADE_FOR_OURS = (r"(?:vtable|typeinfo(?: name)?|VTT|guard variable|reference temporary .*) for "
+                 r"(?:QB|Tolk)::|(?:non-)?virtual thunk to QB::")
+# Weak copies of templates and inline functions of the libraries that we use: the compiler gives
+# them the visibility of those libraries.
+FOREIGN_INLINE = r"std::|__gnu_cxx::|Q[A-Z]\w*|q[A-Z]\w*|operator|typeinfo|vtable|void |bool |int "
+
+
+def output(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def needed(program):
+    """The shared libraries that a program asks the loader for."""
+    return re.findall(r"\(NEEDED\).*\[(.+)\]", output("readelf", "-d", program))
+
+
+def faults_of_core(libraries):
+    if not any(name.startswith("libQt5Core") for name in libraries):
+        return ["does not link Qt Core: is this the right program?"]
+    return [f"asks for {name}" for name in libraries
+            if name.startswith("libQt") and not name.startswith("libQt5Core")]
+
+
+def exports(library):
+    """(kind, name) of every symbol that a library shows."""
+    lines = output("nm", "-DC", "--defined-only", library).splitlines()
+    return [tuple(line.split(None, 2)[1:]) for line in lines if len(line.split(None, 2)) == 3]
+
+
+def faults_of_exports(symbols):
+    if not any(re.match(OURS, name) for _, name in symbols):
+        return ["exports nothing of ours: is this the right library?"]
+    faults = []
+    for kind, name in symbols:
+        if re.match(OURS, name) or re.match(MADE_FOR_OURS, name): continue
+        if kind in "WVu" and re.match(FOREIGN_INLINE, name): continue
+        faults.append(f"exports {kind} {name}")
+    return faults
+
+
+def seeded_faults_are_seen():
+    assert faults_of_core(["libQt5Core.so.5", "libc.so.6"]) == []
+    assert len(faults_of_core(["libQt5Core.so.5", "libQt5Gui.so.5"])) == 1
+    assert len(faults_of_core(["libc.so.6"])) == 1
+    sound = [("T", "QB::f()"), ("V", "vtable for QB::A"), ("W", "std::vector<int>::size() const")]
+    assert faults_of_exports(sound) == []
+    for symbol in (("T", "helper()"), ("B", "counter"), ("T", "std::swap()"), ("W", "Mine::f()"),
+                   ("T", "qInitResources_icons()")):
+        assert len(faults_of_exports(sound + [symbol])) == 1, symbol
+    assert len(faults_of_exports([("T", "main")])) == 1
+
+
+def main(kind, *files):
+    seeded_faults_are_seen()
+    failed = False
+    for file in files:
+        faults = faults_of_core(needed(file)) if kind == "core" else faults_of_exports(exports(file))
+        for fault in faults:
+            print(f"{file} {fault}")
+        failed = failed or bool(faults)
+    return failed
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))

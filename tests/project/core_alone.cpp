@@ -1,0 +1,7 @@
+// Links every object file of the core rooms with Qt Core alone; see CMakeLists.txt.
+#include <QCoreApplication>
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    return 0;
+}
