@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QWidget>
+
+#include "model/export.h"
+
+class QLabel;
+
+namespace QB {
+
+/// Lies over an empty diagram and says how to fill it. Takes no mouse events: clicks and drops go
+/// to what is below.
+class QB_EXPORT QBDiagramHintWidget : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit QBDiagramHintWidget(QWidget* parent = nullptr);
+    ~QBDiagramHintWidget() override;
+
+    /// Whether an object that can be dropped hovers over the diagram: a second fill says so.
+    void setTakesDrop(bool takesDrop);
+    bool takesDrop() const { return m_takesDrop; }
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void retranslate();
+    void paintDropFeedback(QPainter& painter) const;
+
+    QLabel* m_label;  // owned by the widget
+    bool m_takesDrop = false;
+};
+
+}  // namespace QB

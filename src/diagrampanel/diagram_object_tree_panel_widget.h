@@ -1,0 +1,103 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <memory>
+
+#include "model/export.h"
+#include "widgets/panel_widget.h"
+
+class QPoint;
+class QTreeWidgetItem;
+
+namespace Ui {
+class QBDiagramObjectTreePanelWidget;
+}
+
+namespace QB {
+
+class ObjectTreeRows;
+class QBDiagramPanelWidget;
+struct QBIdentifierCandidate;
+
+/// The tree of database objects that the host has given the engine, with a filter line above it.
+///
+/// Rows load when the user opens them. A row of the QTreeWidget "diagramPaneObjectTreeWidget" holds
+/// in column 0: the name, the icon, role 257 (the QBIdentifierCandidate* as a 64-bit integer) and
+/// role 258 (true while the row loads). Rows are created, filtered and destroyed in slices of a few
+/// milliseconds between events, whatever their number; signalTreeSettled() tells the end. What is
+/// expanded, the current row and the scroll position survive a reload, by name.
+///
+/// Mouse and keyboard: a double click, Enter or Return hands a table or view to the partner
+/// diagram, as does dragging it there; F5 refreshes the current row, or everything if there is
+/// none; the menu key opens the row's menu; Ctrl+F goes to the filter line, from which Escape
+/// clears the text and Down goes back to the tree.
+/// Thread: main.
+class QB_EXPORT QBDiagramObjectTreePanelWidget : public QBPanelWidget {
+    Q_OBJECT
+
+public:
+    explicit QBDiagramObjectTreePanelWidget(QWidget* parent = nullptr);
+    ~QBDiagramObjectTreePanelWidget() override;
+
+    /// The diagram that takes the objects; null for none.
+    /// Ownership: stays with the caller.
+    void setPartnerDiagram(QBDiagramPanelWidget* diagram);
+    QBDiagramPanelWidget* partnerDiagram() const;
+
+    /// Loading of @p candidate's children has begun; null stands for the root. Its rows go. For the
+    /// root the panel is disabled under the loading overlay until the load has ended.
+    void startProcessingItem(QBEngine_LINUX* engine, QBIdentifierCandidate* candidate);
+
+    /// Loading has ended: creates the rows of @p candidate's children, and of theirs, anew. Returns
+    /// after a few milliseconds; many rows go on arriving afterwards. Null stands for the root.
+    void reloadItemSubtree(QBEngine_LINUX* engine, QBIdentifierCandidate* candidate);
+
+    /// The names from the outermost down to @p candidate, each followed by U+001F; empty for the
+    /// root. Equal for candidates at the same place, also when one replaced the other.
+    QString obtainIdentifierCandidateKey(QBIdentifierCandidate* candidate);
+
+    /// True while no rows wait to be created or filtered.
+    bool isSettled() const;
+
+public Q_SLOTS:
+    /// Loads the children of the current row again; nothing without a current row.
+    void slotRefreshSelectedItem();
+    /// @p position is in coordinates of the tree's viewport.
+    void showCellContextMenu(const QPoint& position);
+    void on_diagramPaneObjectTreeWidget_itemDoubleClicked(QTreeWidgetItem* item, int column);
+
+Q_SIGNALS:
+    /// All rows that are known exist, filtered and expanded as they should be. Fires after each
+    /// reload and after each change of the filter.
+    void signalTreeSettled();
+
+protected:
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void setUpTree();
+    void setUpFilterLine();
+    void setUpShortcuts();
+    void retranslate();
+    void connectEngine();
+    void databaseTypeChanged();
+    void currentSchemaChanged();
+    void setLoadingWholeTree(bool isLoading);
+    void showCurrentSchema();
+    void refreshCurrentOrAll();
+    void applyFilter();
+    void leaveFilterLine();
+    void addToDiagram(const QTreeWidgetItem* item);
+    void loadChildren(QBIdentifierCandidate* candidate, bool force);
+    bool treeKeyPressed(int key);
+    bool filterKeyPressed(int key);
+
+    const std::unique_ptr<Ui::QBDiagramObjectTreePanelWidget> ui;
+    QBDiagramPanelWidget* m_partnerDiagram = nullptr;  // not owned: set by who builds the panels
+    std::unique_ptr<ObjectTreeRows> m_rows;
+    QMetaObject::Connection m_expanding;
+};
+
+}  // namespace QB
