@@ -1,0 +1,48 @@
+# Translations: resources/i18n/<catalogue>_<language>.ts become resources ":/i18n/....qm" of a
+# target. To add a language, name it here, build the target update_translations, and translate the
+# new .ts files (Qt Linguist, or any editor).
+set(JOINERY_LANGUAGES de)
+
+# joinery_add_translations(<target> <catalogue> <file or folder>...)
+#
+# Compiles the catalogue into the target, and lets update_translations collect its texts from the
+# given files, or from the C++ files below the given folders.
+function(joinery_add_translations target catalogue)
+    string(MAKE_C_IDENTIFIER ${catalogue} name)
+    set(folder ${CMAKE_BINARY_DIR}/i18n)
+    set(qm_files "")
+    set(ts_files "")
+    set(entries "")
+    foreach(language ${JOINERY_LANGUAGES})
+        set(stem ${catalogue}_${language})
+        set(ts ${CMAKE_SOURCE_DIR}/resources/i18n/${stem}.ts)
+        list(APPEND ts_files ${ts})
+        if(EXISTS ${ts})
+            add_custom_command(OUTPUT ${folder}/${stem}.qm DEPENDS ${ts}
+                COMMAND Qt5::lrelease -silent -nounfinished ${ts} -qm ${folder}/${stem}.qm)
+            list(APPEND qm_files ${folder}/${stem}.qm)
+            string(APPEND entries "<file>${stem}.qm</file>")
+        endif()
+    endforeach()
+
+    file(CONFIGURE OUTPUT ${folder}/${catalogue}.qrc CONTENT
+         "<RCC><qresource prefix=\"/i18n\">@entries@</qresource></RCC>\n" @ONLY)
+    add_custom_command(OUTPUT ${folder}/qrc_${name}.cpp DEPENDS ${folder}/${catalogue}.qrc ${qm_files}
+        COMMAND Qt5::rcc --name ${name}_i18n -o ${folder}/qrc_${name}.cpp
+                ${folder}/${catalogue}.qrc)
+    target_sources(${target} PRIVATE ${folder}/qrc_${name}.cpp)
+    set_source_files_properties(${folder}/qrc_${name}.cpp PROPERTIES
+        SKIP_AUTOGEN ON SKIP_PRECOMPILE_HEADERS ON
+        COMPILE_OPTIONS "-Wno-conversion;-Wno-sign-conversion")
+
+    add_custom_target(update_${name}_translations
+        COMMAND Qt5::lupdate -silent -locations none -no-obsolete -extensions h,cpp,inc,ui ${ARGN}
+                -ts ${ts_files}
+        WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} COMMENT "Collecting the texts of ${catalogue}")
+    if(NOT TARGET update_translations)
+        add_custom_target(update_translations)
+    endif()
+    add_dependencies(update_translations update_${name}_translations)
+    string(REPLACE ";" "," sources "${ARGN}")
+    set_property(GLOBAL APPEND PROPERTY JOINERY_CATALOGUES "${catalogue}=${sources}")
+endfunction()

@@ -1,0 +1,91 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE">
+<context>
+    <name>Tolk</name>
+    <message>
+        <source>Main query</source>
+        <translation>Hauptabfrage</translation>
+    </message>
+    <message>
+        <source>Subquery %d</source>
+        <translation>Unterabfrage %d</translation>
+    </message>
+    <message>
+        <source>Build &amp;&amp; run</source>
+        <translation>Erstellen &amp;&amp; ausführen</translation>
+    </message>
+    <message>
+        <source>Build</source>
+        <translation>Erstellen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Show or hide the object tree</source>
+        <translation>Objektbaum ein- oder ausblenden</translation>
+    </message>
+    <message>
+        <source>Show or hide the query preview</source>
+        <translation>Abfragevorschau ein- oder ausblenden</translation>
+    </message>
+    <message>
+        <source>Path of query layers</source>
+        <translation>Pfad der Abfrageebenen</translation>
+    </message>
+    <message>
+        <source>Query preview</source>
+        <translation>Abfragevorschau</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Copy the query text to the clipboard</source>
+        <translation>Den Abfragetext in die Zwischenablage kopieren</translation>
+    </message>
+    <message>
+        <source>Double click tree item or drag it here</source>
+        <translation>Objekt im Baum doppelklicken oder hierher ziehen</translation>
+    </message>
+    <message>
+        <source>Table Relation</source>
+        <translation>Tabellenbeziehung</translation>
+    </message>
+    <message>
+        <source>Field Relation</source>
+        <translation>Feldbeziehung</translation>
+    </message>
+    <message>
+        <source>Diagram</source>
+        <translation>Diagramm</translation>
+    </message>
+    <message>
+        <source>Database objects</source>
+        <translation>Datenbankobjekte</translation>
+    </message>
+    <message>
+        <source>Refresh</source>
+        <translation>Aktualisieren</translation>
+    </message>
+    <message>
+        <source>Add to query</source>
+        <translation>Zur Abfrage hinzufügen</translation>
+    </message>
+    <message>
+        <source>Filter objects</source>
+        <translation>Objekte filtern</translation>
+    </message>
+    <message>
+        <source>Show only objects whose name contains this text</source>
+        <translation>Nur Objekte zeigen, deren Name diesen Text enthält</translation>
+    </message>
+    <message>
+        <source>Loading...</source>
+        <translation>Wird geladen ...</translation>
+    </message>
+</context>
+</TS>
