@@ -62,7 +62,9 @@ public:
         const std::size_t index = indexOfItem(item);
         if (index == m_items.size() || item->isPlaceholder) return;
         const T element = elementFromComponent(item->component);
-        const auto isRemoved = [&](const T& other) { return elementsEqual(other, element); };
+        const auto isRemoved = [&](const T& other) {
+            return elementsEqual(other, element);
+        };
         m_root->erase(std::remove_if(m_root->begin(), m_root->end(), isRemoved), m_root->end());
         m_detached.add(std::unique_ptr<Component::AbstractQueryComponent>(item->component));
         eraseRows({index, index});

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "model/components.h"
+
+/// Cuts and splices in a join tree, without rows: what they do to the order of the text is what the
+/// rows show.
+///
+/// A slot is the address of an owning pointer of the tree, never null; *slot may be null. An
+/// operand is a leaf or a bracket; the joins between the operands of one bracket, or of the top
+/// level, are a group. Walks are loops: any depth of tree.
+namespace QB::SourceTree {
+
+using Component::SQL::SourceNode;
+using Component::SQL::SQLAbstractSourceComponent;
+using Slot = SourceNode**;
+
+bool isJoin(const SQLAbstractSourceComponent* component);
+bool isBracket(const SQLAbstractSourceComponent* component);
+/// A table, free text or a subquery.
+bool isLeaf(const SQLAbstractSourceComponent* component);
+
+enum class PlaceKind { Empty, Node, Close };
+
+/// What one row shows: a leaf, join or bracket with its slot; the end of a bracket, with the
+/// bracket as its component; or an empty slot.
+struct Place {
+    PlaceKind kind;
+    Slot slot;  ///< null for the end of a bracket
+    SQLAbstractSourceComponent* component;
+    int level;  ///< number of brackets around it
+};
+
+/// The tree below @p root in text order. Values of no known class are left out.
+std::vector<Place> flatten(Slot root);
+
+enum class Side { Left, Right };
+
+/// Puts a new join into @p target, with the subtree that is there and @p operand below it, the
+/// operand at @p side. Left of a subtree the join is a comma, right of it a custom join.
+/// Returns the join's component. Every other slot stays valid.
+SQLAbstractSourceComponent* joinWith(Slot target, std::unique_ptr<SourceNode> operand, Side side);
+
+/// Takes the operand in @p slot out, together with the join right above it, if there is one: the
+/// join's slot then holds its other side. Otherwise @p slot is left null.
+/// Returns the join node with the operand below it, or the operand alone.
+[[nodiscard]] std::unique_ptr<SourceNode> takeOperand(Slot root, Slot slot);
+
+/// True if a bracket fits around the operands from the one in @p first to the one in @p last, of
+/// one group: that is, unless one end lies inside the right side of a join whose other operands are
+/// partly outside. Only commas may be in the way; the text does not show where they stand in the
+/// tree.
+bool canWrap(Slot root, Slot first, Slot last);
+
+/// Puts a new bracket around those operands and returns its component. canWrap must be true.
+SQLAbstractSourceComponent* wrap(Slot root, Slot first, Slot last);
+
+/// Puts the content of the bracket in @p slot in its place, so that a chain of joins leans to the
+/// left again. Returns the bracket node without its content.
+[[nodiscard]] std::unique_ptr<SourceNode> takeBracketAway(Slot root, Slot slot);
+
+}  // namespace QB::SourceTree
