@@ -1,0 +1,149 @@
+#include "tools/identifier_tools.h"
+
+#include <utility>
+
+#include "layouts/source_tree_layout.h"
+#include "model/tree_walks.h"
+
+namespace QB::Tools::Identifier {
+
+using namespace Component;
+using namespace Component::SQL;
+using QBComponentsListLayout_Private::SourceTreeLayout;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+struct WalkResult {
+    QBIdentifierCandidate* deepest = nullptr;  ///< null if not even the first name is known
+    bool isComplete = false;                   ///< all names were found
+};
+
+WalkResult walk(const QBEngine* engine, const Names& names) {
+    WalkResult result;
+    for (const std::string& name : names) {
+        QBIdentifierCandidate* child = engine->findChildCandidate(result.deepest, name);
+        if (!child) return result;
+        result.deepest = child;
+    }
+    result.isComplete = !names.empty();
+    return result;
+}
+
+QBIdentifierCandidate* findExactly(const QBEngine* engine, Names qualifiers,
+                                   const std::string& name) {
+    qualifiers.push_back(name);
+    const WalkResult result = walk(engine, qualifiers);
+    return result.isComplete ? result.deepest : nullptr;
+}
+
+CandidateResult candidateOfSource(const SQLAbstractSourceComponent* component, QBEngine* engine) {
+    const auto* source = dynamic_cast<const SQLIdentifierSourceComponent*>(component);
+    if (!source) return {};
+    CandidateResult result;
+    result.path = source->path;
+    result.path.push_back(source->name);
+    const bool hasPath = !source->path.empty();
+    result.candidate =
+        findExactly(engine, hasPath ? source->path : Names{engine->currentSchema()}, source->name);
+    if (!result.candidate && source->path.size() > 1) {
+        result.candidate = findExactly(engine, {source->path.back()}, source->name);
+    }
+    return result;
+}
+
+CandidateResult candidateOfField(const SQLFieldColumnComponent* column, QBEngine* engine,
+                                 bool stopAtSource) {
+    CandidateResult table;
+    bool isExact = true;
+    if (column->source) {
+        table = candidateOfSource(column->source, engine);
+    } else {
+        const WalkResult walked = walk(engine, column->parentPath);
+        table = {walked.deepest, column->parentPath};
+        isExact = walked.isComplete;
+    }
+    if (stopAtSource) return table;
+    if (column->isAsterisk) return {};
+    // A table that is unknown, or of which only the schema is, has no fields to look among.
+    if (!table.candidate || !isExact) return {nullptr, table.path};
+    CandidateResult field;
+    field.path = engine->candidatePath(table.candidate);
+    field.path.push_back(column->fieldName);
+    field.candidate = engine->findChildCandidate(table.candidate, column->fieldName);
+    return field;
+}
+
+}  // namespace
+
+CandidateResult findTargetIdentifierCandidate(const AbstractQueryComponent* component,
+                                              QBEngine* engine, bool stopAtSource) {
+    if (!component || !engine) return {};
+    if (const auto* source = dynamic_cast<const SQLAbstractSourceComponent*>(component)) {
+        return candidateOfSource(source, engine);
+    }
+    const auto* column = dynamic_cast<const SQLFieldColumnComponent*>(component);
+    return column ? candidateOfField(column, engine, stopAtSource) : CandidateResult();
+}
+
+std::unique_ptr<SQLIdentifierSourceComponent> makeIdentifierComponent(
+    QBEngine* engine, const QBIdentifierCandidate* candidate) {
+    Names names = candidate ? engine->candidatePath(candidate) : Names();
+    if (names.empty()) return nullptr;
+    auto component = std::make_unique<SQLIdentifierSourceComponent>();
+    component->name = std::move(names.back());
+    names.pop_back();
+    component->path = std::move(names);
+    return component;
+}
+
+SQLAbstractSourceComponent* addSourceComponentToExpression(
+    QBEngine* engine, void* sender, std::unique_ptr<SQLAbstractSourceComponent> component) {
+    SQLAbstractSourceComponent* added = nullptr;
+    const auto append = [&](ELEMSQLSourceExpr* element) {
+        SourceTreeLayout layout(&element->root);
+        layout.rebuildItems();
+        const int last = static_cast<int>(layout.items().size()) - 1;
+        const auto rows = layout.addItem(component.get(), last);
+        if (rows.empty()) return false;
+        added = component.release();
+        // The first source of a clause comes without a join.
+        auto* join = dynamic_cast<SQLJoinSourceNodeComponent*>(rows.front()->component);
+        if (join) join->joinType = SQLJoinTypeComma;
+        layout.updateItemFlags();
+        engine->retire(layout.takeDetachedParts());
+        return true;
+    };
+    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
+        ElementSource, engine->currentTopLevelQueryComponentLayer(), append, sender);
+    return added;
+}
+
+SQLIdentifierSourceComponent* addIdentifierComponentToExpression(
+    QBEngine* engine, void* sender, const QBIdentifierCandidate* candidate) {
+    auto component = makeIdentifierComponent(engine, candidate);
+    SQLIdentifierSourceComponent* source = component.get();
+    return addSourceComponentToExpression(engine, sender, std::move(component)) ? source : nullptr;
+}
+
+}  // namespace QB::Tools::Identifier
+
+namespace QB::Tools {
+
+using namespace Component::SQL;
+
+std::vector<SQLIdentifierSourceComponent*> findTargetIdentifierSourceNodes(
+    const ELEMSQLSourceExpr* element, const std::vector<std::string>& path, const std::string& name,
+    const std::string& alias, bool ignoreAlias) {
+    std::vector<SQLIdentifierSourceComponent*> found;
+    if (!element) return found;
+    visitSourceNodes(element->root, [&](const SourceNode* node) {
+        auto* source = dynamic_cast<SQLIdentifierSourceComponent*>(node->value);
+        if (!source || source->path != path || source->name != name) return;
+        if (ignoreAlias || source->alias == alias) found.push_back(source);
+    });
+    return found;
+}
+
+}  // namespace QB::Tools
