@@ -48,9 +48,8 @@ public:
     bool contains(const QBIdentifierCandidate* node) const;
 
 private:
-    const QBIdentifierCandidate& orRoot(const QBIdentifierCandidate* node) const {
-        return node ? *node : m_root;
-    }
+    /// The node, the root for null, or null for an address that is not one of ours.
+    const QBIdentifierCandidate* known(const QBIdentifierCandidate* node) const;
     QBIdentifierCandidate& orRoot(QBIdentifierCandidate* node) { return node ? *node : m_root; }
 
     mutable std::mutex m_mutex;

@@ -246,20 +246,21 @@ protected:
 private:
     enum class BlockOutcome { Inconsistent, Unchanged, Changed };
     using UntypedBlock = std::function<BlockOutcome(ELEMAbstractTopLevelQueryExpr*)>;
-    struct ListenerEntry;
+    using Statement = Component::AbstractTopLevelQueryComponent;
     struct Layer {
-        Component::AbstractTopLevelQueryComponent* statement;  // not owned: see the class
+        Statement* statement;  // not owned: see the class
         std::string name;
     };
+    struct ListenerEntry;
 
     void runModification(TopLevelQueryComponentElementEnum element, int layer,
                          const UntypedBlock& block, void* sender);
     void postModified(TopLevelQueryComponentElementEnum element, int layer, void* sender,
-                      unsigned long modification);
-    void deliverModified(const QBNotificationParameters& params, unsigned long modification);
+                      std::function<void()> delivered);
     void sweepRetired(unsigned long modification);
-    std::vector<Component::AbstractTopLevelQueryComponent*> layerStatements() const;
-    bool isLayer(int layer) const;
+
+    void replaceRootStatement();
+    std::vector<Layer> layers() const;
 
     const long m_id;
     const std::shared_ptr<QBEngineCore> m_core;

@@ -22,10 +22,6 @@ public:
     void notified(std::string name, const QBNotificationParameters* params) override;
 
 private:
-    void emitCandidateUpdate(const std::string& name, const QBNotificationParameters& params);
-    void emitLayerChanged(const QBNotificationParameters* params);
-    void emitElementModified(const QBNotificationParameters& params, void* sender);
-
     const std::unique_ptr<QBEngineSignalEmitter> m_signalEmitter;
 };
 

@@ -58,6 +58,8 @@ private:
         DetachedParts parts;
     };
 
+    Number open();
+    void close(Number number, bool isAnnounced);
     void takeDelivered();
 
     mutable std::mutex m_mutex;
