@@ -12,12 +12,12 @@
         <translation>Unterabfrage %d</translation>
     </message>
     <message>
-        <source>Build &amp;&amp; run</source>
-        <translation>Erstellen &amp;&amp; ausführen</translation>
+        <source>Build &amp;&amp; &amp;run</source>
+        <translation>Erstellen &amp;&amp; &amp;ausführen</translation>
     </message>
     <message>
-        <source>Build</source>
-        <translation>Erstellen</translation>
+        <source>&amp;Build</source>
+        <translation>&amp;Erstellen</translation>
     </message>
     <message>
         <source>Cancel</source>
@@ -36,12 +36,16 @@
         <translation>Pfad der Abfrageebenen</translation>
     </message>
     <message>
+        <source>Clauses of the query</source>
+        <translation>Teile der Abfrage</translation>
+    </message>
+    <message>
         <source>Query preview</source>
         <translation>Abfragevorschau</translation>
     </message>
     <message>
-        <source>Copy</source>
-        <translation>Kopieren</translation>
+        <source>Cop&amp;y</source>
+        <translation>&amp;Kopieren</translation>
     </message>
     <message>
         <source>Copy the query text to the clipboard</source>
