@@ -83,12 +83,12 @@ int QBTopLevelElementPanelWidget::firstRelatedElement() const {
 void QBTopLevelElementPanelWidget::connectEngine() {
     const QBEngineSignalEmitter* emitter = engine()->signalEmitter();
     connect(emitter, &QBEngineSignalEmitter::topLevelQueryComponentLayerChanged, this,
-            [this](QBEngine_LINUX* sendingEngine,
+            [this](QBEngine* sendingEngine,
                    Component::AbstractTopLevelQueryComponent* poppedLayer) {
                 if (sendingEngine == engine()) topLevelQueryComponentLayerChanged(poppedLayer);
             });
     connect(emitter, &QBEngineSignalEmitter::topLevelQueryComponentElementModified, this,
-            [this](QBEngine_LINUX* sendingEngine,
+            [this](QBEngine* sendingEngine,
                    const QSet<TopLevelQueryComponentElementEnum>& elements, int layer,
                    void* sender) {
                 if (concernsThisPanel(sendingEngine, elements, layer, sender))
@@ -97,7 +97,7 @@ void QBTopLevelElementPanelWidget::connectEngine() {
 }
 
 bool QBTopLevelElementPanelWidget::concernsThisPanel(
-    const QBEngine_LINUX* sendingEngine, const QSet<TopLevelQueryComponentElementEnum>& elements,
+    const QBEngine* sendingEngine, const QSet<TopLevelQueryComponentElementEnum>& elements,
     int layer, void* sender) const {
     if (sendingEngine != engine()) return false;
     if (layer != sendingEngine->currentTopLevelQueryComponentLayer()) return false;

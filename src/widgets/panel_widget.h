@@ -9,6 +9,7 @@
 
 namespace QB {
 
+class QBEngine;
 class QBEngine_LINUX;
 
 namespace Component {
@@ -89,7 +90,7 @@ Q_SIGNALS:
 
 private:
     void connectEngine();
-    bool concernsThisPanel(const QBEngine_LINUX* sendingEngine,
+    bool concernsThisPanel(const QBEngine* sendingEngine,
                            const QSet<TopLevelQueryComponentElementEnum>& elements, int layer,
                            void* sender) const;
 
