@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QString>
-#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "engine/identifier_candidate.h"
@@ -48,8 +46,6 @@ struct ForeignKeyField {
     std::string referencedField;
 };
 
-using ForeignKeyPairs = std::set<std::pair<QBIdentifierFieldPath, QBIdentifierFieldPath>>;
-
 /// Reads what a database holds, over the calling thread's connection. Blocks for the server: use
 /// it on a worker. Internal tables of the server and the shadow tables of virtual tables are left
 /// out.
@@ -75,9 +71,9 @@ public:
     /// first; self references when @p object is among the others. Schemas and objects are spelled
     /// as in the arguments, fields as the server spells them. An empty schema stands for the
     /// default one. An error is reported through @p error when given; what was found stays.
-    ForeignKeyPairs findForeignKeys(const QBIdentifierObjectPath& object,
-                                    const std::set<QBIdentifierObjectPath>& others,
-                                    QString* error = nullptr) const;
+    QBForeignKeys findForeignKeys(const QBIdentifierObjectPath& object,
+                                  const std::set<QBIdentifierObjectPath>& others,
+                                  QString* error = nullptr) const;
 
 private:
     Database m_database;

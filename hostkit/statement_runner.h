@@ -31,7 +31,9 @@ struct StatementSummary {
 /// run() or cancel(). A slot may start the next run or destroy the runner.
 /// A worker that is far ahead of the receiver waits for it, so memory stays bounded.
 /// Destroying the runner cancels what runs and does not wait for it.
-/// Thread: the runner lives on a thread with an event loop. Needs no installCallbacks().
+/// A statement that leaves a transaction open fails and is rolled back: the next one may run on
+/// another connection, and would wait for this one for ever.
+/// Thread: the runner lives on a thread with an event loop. Needs installCallbacks().
 class QB_EXPORT StatementRunner : public QObject {
     Q_OBJECT
 
@@ -42,7 +44,8 @@ public:
     /// Starts @p sql; a closed database fails the run.
     void run(const QString& sql, const StatementOptions& options = StatementOptions());
 
-    /// Stops the running statement; cancelled() follows. No effect when nothing runs.
+    /// Stops the running statement; cancelled() follows, or what the statement came to if that was
+    /// quicker. No effect when nothing runs.
     void cancel();
 
     bool isRunning() const;
@@ -61,6 +64,10 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
+    void deliver();
+    void stopTimer(int& timer);
+    void stopTimers();
+
     struct Private;
     std::unique_ptr<Private> m;
 };
