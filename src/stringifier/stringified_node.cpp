@@ -1,7 +1,6 @@
 #include "stringifier/stringified_node.h"
 
 #include <cstdint>
-#include <iterator>
 
 namespace QB {
 
@@ -35,7 +34,9 @@ StringifiedNode::~StringifiedNode() {
 }
 
 void StringifiedNode::setText(std::string newText) {
-    *this = StringifiedNode(std::move(newText));
+    StringifiedNode formerChildren;
+    formerChildren.children.swap(children);
+    text = std::move(newText);
 }
 
 void StringifiedNode::append(std::string childText) {
@@ -92,8 +93,7 @@ private:
     }
 
     QBRange rangeFrom(std::size_t start) const {
-        return {static_cast<std::int32_t>(start),
-                static_cast<std::int32_t>(m_text.size() - start)};
+        return {static_cast<std::int32_t>(start), static_cast<std::int32_t>(m_text.size() - start)};
     }
 
     ComponentRangeList& m_ranges;

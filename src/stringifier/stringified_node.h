@@ -50,7 +50,8 @@ struct StringifiedNode {
 };
 
 /// Where each component of a flattened tree stands, those inside before those around them.
-using ComponentRangeList = std::vector<std::pair<const Component::AbstractQueryComponent*, QBRange>>;
+using ComponentRangeList =
+    std::vector<std::pair<const Component::AbstractQueryComponent*, QBRange>>;
 
 /// The text of @p root and of all that it defers; appends the range of every node that has a
 /// component to @p ranges, when the last of its text is written. Linear, any depth.

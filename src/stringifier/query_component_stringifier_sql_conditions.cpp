@@ -1,0 +1,171 @@
+// Conditions: the chains of WHERE, HAVING and ON, and their operands.
+
+#include <algorithm>
+#include <utility>
+
+#include "stringifier/query_component_stringifier_sql.h"
+
+namespace QB {
+
+using namespace Component;
+using namespace Component::SQL;
+
+namespace {
+
+// How a value list is written.
+constexpr int listModeFromParameter = -1;
+constexpr int listModeFirst = 0;
+constexpr int listModeComma = 1;
+constexpr int listModeRange = 2;
+
+/// What a comparison writes around its right operand.
+struct OperatorText {
+    const char* before;
+    bool hasRight;
+    const char* after;
+    int listMode;
+};
+
+constexpr OperatorText operatorTexts[] = {
+    {" ", true, "", listModeFirst},               // CompareOpNone
+    {" = ", true, "", listModeFirst},             // CompareOpEqual
+    {" <> ", true, "", listModeFirst},            // CompareOpNotEqual
+    {" < ", true, "", listModeFirst},             // CompareOpLess
+    {" <= ", true, "", listModeFirst},            // CompareOpLessOrEqual
+    {" > ", true, "", listModeFirst},             // CompareOpGreater
+    {" >= ", true, "", listModeFirst},            // CompareOpGreaterOrEqual
+    {" LIKE ", true, "", listModeFirst},          // CompareOpLike
+    {" NOT LIKE ", true, "", listModeFirst},      // CompareOpNotLike
+    {" LIKE '%", true, "%'", listModeFirst},      // CompareOpContains
+    {" NOT LIKE '%", true, "%'", listModeFirst},  // CompareOpNotContains
+    {" LIKE '", true, "%'", listModeFirst},       // CompareOpBeginsWith
+    {" NOT LIKE '", true, "%'", listModeFirst},   // CompareOpNotBeginsWith
+    {" LIKE '%", true, "'", listModeFirst},       // CompareOpEndsWith
+    {" NOT LIKE '%", true, "'", listModeFirst},   // CompareOpNotEndsWith
+    {" IS NULL", false, "", listModeFirst},       // CompareOpIsNull
+    {" IS NOT NULL", false, "", listModeFirst},   // CompareOpIsNotNull
+    {" = \"\"", false, "", listModeFirst},        // CompareOpIsEmpty
+    {" <> \"\"", false, "", listModeFirst},       // CompareOpIsNotEmpty
+    {" BETWEEN ", true, "", listModeRange},       // CompareOpBetween
+    {" NOT BETWEEN ", true, "", listModeRange},   // CompareOpNotBetween
+    {" IN (", true, ")", listModeComma},          // CompareOpIn
+    {" NOT IN (", true, ")", listModeComma},      // CompareOpNotIn
+};
+static_assert(std::size(operatorTexts) == CompareOpNotIn - CompareOpNone + 1);
+
+/// Null for a value outside the enumeration.
+const OperatorText* operatorText(CompareOp op) {
+    if (op < CompareOpNone || op > CompareOpNotIn) return nullptr;
+    return &operatorTexts[op - CompareOpNone];
+}
+
+StringifiedNode startOf(const SQLAbstractConditionComponent* condition) {
+    StringifiedNode node;
+    if (condition->negated) node.append("NOT ");
+    return node;
+}
+
+std::string logicText(SQLLogicGate gate) {
+    if (gate == SQLLogicGateOr) return "OR";
+    if (gate == SQLLogicGateAnd) return "AND";
+    return {};
+}
+
+std::string separatorOf(int listMode) {
+    if (listMode == listModeComma) return ",";
+    if (listMode == listModeRange) return " AND ";
+    return {};
+}
+
+std::size_t itemCount(const SQLConditionValueComponent* value, int listMode) {
+    if (listMode == listModeComma) return value->values.size();
+    return listMode == listModeRange ? 2 : 1;
+}
+
+const SQLAbstractColumnComponent* itemAt(const SQLConditionValueComponent* value,
+                                         std::size_t index) {
+    return index < value->values.size() ? value->values[index] : nullptr;
+}
+
+/// The second shape of a range: a value whose upper bound is the next link of its chain.
+bool isRangeChain(const SQLConditionValueComponent* value, int listMode) {
+    return listMode == listModeRange && value->values.size() < 2 && value->next &&
+           value->next->logicGate == SQLLogicGateAnd;
+}
+
+}  // namespace
+
+StringifiedNode QBQueryComponentStringifier_SQL::stringifyNextCondition(
+    const SQLAbstractConditionComponent* condition, int level) {
+    StringifiedNode node;
+    if (!condition->next) return node;
+    node.append(" " + logicText(condition->next->logicGate));
+    node.append(newlineIndent(level));
+    node.append(deferComponent(condition->next, level));
+    return node;
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLBracketedConditionComponent(
+    const SQLBracketedConditionComponent* condition, int level) {
+    StringifiedNode node = startOf(condition);
+    node.append("(");
+    node.append(newlineIndent(level + 1));
+    node.append(deferComponent(condition->inner, level + 1));
+    node.append(newlineIndent(level));
+    node.append(")");
+    node.append(stringifyNextCondition(condition, level));
+    return node;
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLCompareConditionComponent(
+    const SQLCompareConditionComponent* condition, int level) {
+    StringifiedNode node = startOf(condition);
+    if (const OperatorText* op = operatorText(condition->compareOp)) {
+        node.append(deferComponent(condition->leftValue, level));
+        node.append(op->before);
+        if (op->hasRight) node.append(rightOperand(condition->rightValue, level, op->listMode));
+        node.append(op->after);
+    }
+    node.append(stringifyNextCondition(condition, level));
+    return node;
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::rightOperand(
+    const SQLAbstractConditionComponent* operand, int level, int listMode) {
+    // A value is written by the operator's list mode, and so without a range of its own.
+    if (const auto* value = dynamic_cast<const SQLConditionValueComponent*>(operand))
+        return stringifyComponent_SQLConditionValueComponent(value, level, listMode);
+    return deferComponent(operand, level);
+}
+
+int QBQueryComponentStringifier_SQL::listModeParameter() const {
+    const QBVariant* mode = parameter(conditionValueListModeKey);
+    return mode ? mode->toInt() : listModeComma;
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLConditionValueComponent(
+    const SQLConditionValueComponent* value, int level, int listMode) {
+    if (listMode == listModeFromParameter) listMode = listModeParameter();
+    if (isRangeChain(value, listMode)) return betweenChain(value, level);
+
+    StringifiedNode items;
+    for (std::size_t i = 0; i < itemCount(value, listMode); ++i) {
+        if (!items.isEmpty()) items.append(separatorOf(listMode));
+        if (const auto* item = itemAt(value, i)) items.append(deferComponent(item, level));
+    }
+    StringifiedNode node = startOf(value);
+    node.append(std::move(items));
+    node.append(stringifyNextCondition(value, level));
+    return node;
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::betweenChain(
+    const SQLConditionValueComponent* value, int level) {
+    StringifiedNode node = startOf(value);
+    node.append(deferComponent(itemAt(value, 0), level));
+    node.append(separatorOf(listModeRange));
+    node.append(deferComponent(value->next, level));
+    return node;
+}
+
+}  // namespace QB
