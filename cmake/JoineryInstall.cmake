@@ -21,7 +21,8 @@ install(TARGETS joinery EXPORT joineryTargets LIBRARY DESTINATION ${CMAKE_INSTAL
 set(pc_files joinery)
 if(TARGET joinery::qtsql)
     get_target_property(qtsql joinery::qtsql ALIASED_TARGET)
-    set_target_properties(${qtsql} PROPERTIES EXPORT_NAME qtsql INSTALL_RPATH "$ORIGIN")
+    set_target_properties(${qtsql} PROPERTIES OUTPUT_NAME joinery-qtsql EXPORT_NAME qtsql
+                          INSTALL_RPATH "$ORIGIN")
     install(TARGETS ${qtsql} EXPORT joineryTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
     list(APPEND pc_files joinery-qtsql)
 endif()
