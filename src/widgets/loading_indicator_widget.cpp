@@ -8,12 +8,12 @@
 namespace QB {
 namespace {
 
-constexpr int frameInterval = 33;      // milliseconds
+constexpr int frameInterval = 33;  // milliseconds
 constexpr int framesPerTurn = 30;
-constexpr int arcSpan = 1440;          // sixteenths of a degree: a quarter
-constexpr int arcStepPerFrame = 192;   // sixteenths of a degree: a thirtieth of a turn
-constexpr int ringWidth = 4;           // logical pixels
-constexpr int ringDiameter = 40;       // logical pixels, where there is room
+constexpr int arcSpan = 1440;         // sixteenths of a degree: a quarter
+constexpr int arcStepPerFrame = 192;  // sixteenths of a degree: a thirtieth of a turn
+constexpr int ringWidth = 4;          // logical pixels
+constexpr int ringDiameter = 40;      // logical pixels, where there is room
 
 int currentFrame = 0;
 int shownIndicators = 0;
@@ -24,9 +24,8 @@ QTimer* sharedTimer() {
     if (timer) return timer;
     timer = new QTimer(QCoreApplication::instance());
     timer->setInterval(frameInterval);
-    QObject::connect(timer, &QTimer::timeout, [] {
-        currentFrame = (currentFrame + 1) % framesPerTurn;
-    });
+    QObject::connect(timer, &QTimer::timeout,
+                     [] { currentFrame = (currentFrame + 1) % framesPerTurn; });
     return timer;
 }
 

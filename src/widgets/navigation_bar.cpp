@@ -36,7 +36,9 @@ protected:
 }  // namespace
 
 QBNavigationBar::QBNavigationBar(QWidget* parent)
-    : QWidget(parent), m_scrollArea(new LineScrollArea(this)), m_buttonGroup(new QButtonGroup(this)) {
+    : QWidget(parent)
+    , m_scrollArea(new LineScrollArea(this))
+    , m_buttonGroup(new QButtonGroup(this)) {
     auto* content = new QWidget;
     content->setObjectName(QStringLiteral("scrollAreaContentWidget"));
     m_layout = new QHBoxLayout(content);
@@ -106,7 +108,8 @@ void QBNavigationBar::addButton(const QString& name, int layer, bool isCurrent) 
     m_layout->addWidget(button);
     if (!isCurrent) return;
     // Its place is known when the layout has run.
-    QTimer::singleShot(0, button, [this, button] { m_scrollArea->ensureWidgetVisible(button, 0, 0); });
+    QTimer::singleShot(0, button,
+                       [this, button] { m_scrollArea->ensureWidgetVisible(button, 0, 0); });
 }
 
 bool QBNavigationBar::eventFilter(QObject* watched, QEvent* event) {

@@ -24,9 +24,8 @@ bool haveCommonElement(const QSet<TopLevelQueryComponentElementEnum>& a,
                        const QSet<TopLevelQueryComponentElementEnum>& b) {
     const auto& smaller = a.size() < b.size() ? a : b;
     const auto& larger = a.size() < b.size() ? b : a;
-    return std::any_of(smaller.begin(), smaller.end(), [&larger](auto element) {
-        return larger.contains(element);
-    });
+    return std::any_of(smaller.begin(), smaller.end(),
+                       [&larger](auto element) { return larger.contains(element); });
 }
 
 }  // namespace
@@ -82,15 +81,14 @@ int QBTopLevelElementPanelWidget::firstRelatedElement() const {
 
 void QBTopLevelElementPanelWidget::connectEngine() {
     const QBEngineSignalEmitter* emitter = engine()->signalEmitter();
-    connect(emitter, &QBEngineSignalEmitter::topLevelQueryComponentLayerChanged, this,
-            [this](QBEngine* sendingEngine,
-                   Component::AbstractTopLevelQueryComponent* poppedLayer) {
-                if (sendingEngine == engine()) topLevelQueryComponentLayerChanged(poppedLayer);
-            });
+    connect(
+        emitter, &QBEngineSignalEmitter::topLevelQueryComponentLayerChanged, this,
+        [this](QBEngine* sendingEngine, Component::AbstractTopLevelQueryComponent* poppedLayer) {
+            if (sendingEngine == engine()) topLevelQueryComponentLayerChanged(poppedLayer);
+        });
     connect(emitter, &QBEngineSignalEmitter::topLevelQueryComponentElementModified, this,
-            [this](QBEngine* sendingEngine,
-                   const QSet<TopLevelQueryComponentElementEnum>& elements, int layer,
-                   void* sender) {
+            [this](QBEngine* sendingEngine, const QSet<TopLevelQueryComponentElementEnum>& elements,
+                   int layer, void* sender) {
                 if (concernsThisPanel(sendingEngine, elements, layer, sender))
                     relatedElementModified(sender, elements);
             });

@@ -62,8 +62,8 @@ public:
     /// Not called for changes whose sender is a widget inside the panel, which shows them already.
     /// It is called when the panel itself is the sender.
     /// @p sender is null or an address to compare with, never to cast.
-    virtual void relatedElementModified(void* sender,
-                                        const QSet<TopLevelQueryComponentElementEnum>& elements) = 0;
+    virtual void relatedElementModified(
+        void* sender, const QSet<TopLevelQueryComponentElementEnum>& elements) = 0;
 
     /// Another layer is the current one. @p poppedLayer is the statement of the layer that was
     /// left by a pop, null after a push.

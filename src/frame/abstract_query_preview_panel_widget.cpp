@@ -1,0 +1,239 @@
+#include "frame/abstract_query_preview_panel_widget.h"
+
+#include <utility>
+
+#include "engine/engine_core.h"
+#include "engine/engine_linux.h"
+#include "model/callbacks.h"
+#include "model/liveness.h"
+#include "stringifier/query_component_stringifier.h"
+#include "widgets/loading_indicator_widget.h"
+#include "widgets/overlap_layout.h"
+
+namespace QB {
+namespace {
+
+constexpr int updateInterval = 500;    // milliseconds
+constexpr int unpaintedLoading = 200;  // milliseconds
+
+constexpr long noComponent = -1;
+
+}  // namespace
+
+/// What a generation needs on its worker. The panel is looked at on the main thread only.
+struct QBAbstractQueryPreviewPanelWidget::Generation {
+    long engineId;
+    std::shared_ptr<QBEngineCore> core;
+    Component::AbstractTopLevelQueryComponent* statement;  // not owned: asked for by its id
+    long statementId;
+    QBDatabaseInfo databaseInfo;
+    std::string currentSchema;
+    QPointer<QBAbstractQueryPreviewPanelWidget> panel;
+};
+
+struct QBAbstractQueryPreviewPanelWidget::Result {
+    /// False if the statement was gone, or the host's quoting threw.
+    bool isComplete = false;
+    std::string text;
+    ComponentRanges ranges;
+};
+
+QBAbstractQueryPreviewPanelWidget::QBAbstractQueryPreviewPanelWidget(QWidget* parent)
+    : QBPanelWidget(parent), m_loadingWidget(new QBLoadingIndicatorWidget(this)) {
+    m_loadingWidget->setObjectName(QStringLiteral("loadingWidget"));
+    m_loadingWidget->hide();
+    auto* overlap = new QBOverlapLayout(this);
+    overlap->setObjectName(QStringLiteral("overlapLayout"));
+    overlap->addWidget(m_loadingWidget);
+
+    m_timer.setInterval(updateInterval);
+    connect(&m_timer, &QTimer::timeout, this,
+            &QBAbstractQueryPreviewPanelWidget::updatePreviewQuery);
+    m_unpaintedTimer.setInterval(unpaintedLoading);
+    m_unpaintedTimer.setSingleShot(true);
+    connect(&m_unpaintedTimer, &QTimer::timeout, this, [this] { setUpdatesEnabled(true); });
+    connect(this, &QBPanelWidget::engineSet, this,
+            &QBAbstractQueryPreviewPanelWidget::connectEngine);
+}
+
+QBAbstractQueryPreviewPanelWidget::~QBAbstractQueryPreviewPanelWidget() = default;
+
+void QBAbstractQueryPreviewPanelWidget::setContent(QWidget* content) {
+    layout()->addWidget(content);
+    m_loadingWidget->raise();
+}
+
+void QBAbstractQueryPreviewPanelWidget::connectEngine() {
+    const QBEngineSignalEmitter* emitter = engine()->signalEmitter();
+    const auto setDirty = [this] {
+        m_needsUpdateQuery = true;
+    };
+    connect(emitter, &QBEngineSignalEmitter::databaseTypeChanged, this, setDirty);
+    connect(emitter, &QBEngineSignalEmitter::currentSchemaChanged, this, setDirty);
+    connect(emitter, &QBEngineSignalEmitter::topLevelQueryComponentElementModified, this, setDirty);
+    connect(emitter, &QBEngineSignalEmitter::uiReset, this,
+            &QBAbstractQueryPreviewPanelWidget::forgetFocus);
+    connect(emitter, &QBEngineSignalEmitter::topLevelQueryComponentLayerChanged, this,
+            [this](QBEngine* sendingEngine, Component::AbstractTopLevelQueryComponent* popped) {
+                if (sendingEngine != engine()) return;
+                forgetFocus();
+                topLevelQueryComponentLayerChanged(popped);
+            });
+    connect(emitter, &QBEngineSignalEmitter::componentFocusChanged, this,
+            [this](QBEngine* sendingEngine, Component::AbstractQueryComponent* component,
+                   bool focused) {
+                if (sendingEngine == engine()) markFocusedComponent(component, focused);
+            });
+    forgetFocus();
+    m_needsUpdateQuery = true;
+}
+
+void QBAbstractQueryPreviewPanelWidget::topLevelQueryComponentLayerChanged(
+    Component::AbstractTopLevelQueryComponent*) {
+    m_needsUpdateQuery = true;
+}
+
+void QBAbstractQueryPreviewPanelWidget::forgetFocus() {
+    m_focusedComponents.clear();
+    highlightAllFocusedComponent();
+}
+
+void QBAbstractQueryPreviewPanelWidget::markFocusedComponent(
+    Component::AbstractQueryComponent* component, bool focused) {
+    if (focused)
+        m_focusedComponents.insert(component);
+    else
+        m_focusedComponents.erase(component);
+    highlightAllFocusedComponent();
+}
+
+void QBAbstractQueryPreviewPanelWidget::highlightAllFocusedComponent() {
+    std::vector<QBRange> ranges;
+    // Both are ordered by address: this is the order of the map.
+    for (const Component::AbstractQueryComponent* component : m_focusedComponents) {
+        const auto found = m_componentRanges.find(component);
+        if (found != m_componentRanges.end()) ranges.push_back(found->second);
+    }
+    highlightText(HighlightTypeFocusedComponent, std::move(ranges));
+}
+
+void QBAbstractQueryPreviewPanelWidget::setShowsCurrentLayerOnly(bool currentLayerOnly) {
+    m_showsCurrentLayerOnly = currentLayerOnly;
+    m_needsUpdateQuery = true;
+    updatePreviewQuery();
+}
+
+Component::AbstractTopLevelQueryComponent* QBAbstractQueryPreviewPanelWidget::shownStatement()
+    const {
+    if (engine()->currentTopLevelQueryComponentLayer() < 0) return nullptr;
+    return m_showsCurrentLayerOnly ? engine()->currentTopLevelQueryComponent()
+                                   : engine()->topLevelQueryComponent(0);
+}
+
+void QBAbstractQueryPreviewPanelWidget::updatePreviewQuery() {
+    // A change during a run keeps the flag set, and the timer comes back.
+    if (!m_needsUpdateQuery || m_isGenerating || engine() == nullptr) return;
+    m_needsUpdateQuery = false;
+    m_isGenerating = true;
+    setLoading(true);
+
+    Component::AbstractTopLevelQueryComponent* statement = shownStatement();
+    const Generation generation{engine()->id(),
+                                engine()->core(),
+                                statement,
+                                statement == nullptr ? noComponent : statement->id(),
+                                engine()->databaseInfo(),
+                                engine()->currentSchema(),
+                                this};
+    Callback::runOperationOnDispatchedThread([generation] { run(generation); });
+}
+
+void QBAbstractQueryPreviewPanelWidget::run(const Generation& generation) {
+    auto result = std::make_shared<Result>();
+    const auto deliver = [&generation, &result] {
+        Callback::runOperationOnMainThread([generation, result] {
+            runIfAlive(generation.engineId, [&](bool isEngineAlive) {
+                if (generation.panel)
+                    generation.panel->finishGeneration(generation, isEngineAlive, *result);
+            });
+        });
+    };
+    try {
+        generateText(generation, *result);
+    } catch (...) {
+        // The host's function threw: its thread hears of it, but the panel must not wait forever.
+        deliver();
+        throw;
+    }
+    deliver();
+}
+
+void QBAbstractQueryPreviewPanelWidget::generateText(const Generation& generation, Result& result) {
+    const auto stringifier =
+        QBQueryComponentStringifier::createStringifier(generation.databaseInfo);
+    if (stringifier == nullptr || generation.statement == nullptr) {
+        result.isComplete = true;  // there is nothing to show
+        return;
+    }
+    stringifier->setCurrentSchema(generation.currentSchema);
+    result.isComplete = generation.core->withLiveComponent(generation.statementId, [&] {
+        result.text = stringifier->stringifyQuery(generation.statement);
+        result.ranges = stringifier->componentRanges();
+    });
+}
+
+void QBAbstractQueryPreviewPanelWidget::finishGeneration(const Generation& generation,
+                                                         bool isEngineAlive, const Result& result) {
+    m_isGenerating = false;
+    const bool isForThisEngine =
+        isEngineAlive && engine() != nullptr && engine()->id() == generation.engineId;
+    if (isForThisEngine && result.isComplete) {
+        m_componentRanges = result.ranges;
+        setPreviewQuery(result.text);
+        highlightAllFocusedComponent();
+    }
+    setLoading(false);
+}
+
+void QBAbstractQueryPreviewPanelWidget::setLoading(bool loading) {
+    if (loading && isEnabled()) {
+        takeFocusAway();
+        if (isVisible()) {
+            setUpdatesEnabled(false);
+            m_unpaintedTimer.start();
+        }
+    }
+    setEnabled(!loading);
+    if (auto* ring = findChild<QBLoadingIndicatorWidget*>()) ring->setVisible(loading);
+    if (loading) return;
+    m_unpaintedTimer.stop();
+    setUpdatesEnabled(true);
+    giveFocusBack();
+}
+
+// Disabling would pass the focus on to the next widget, and with it what the user types: to a
+// button, for example. Nothing has it instead.
+void QBAbstractQueryPreviewPanelWidget::takeFocusAway() {
+    QWidget* focused = window()->focusWidget();
+    if (focused == nullptr || !isAncestorOf(focused)) return;
+    m_focusedBeforeLoading = focused;
+    focused->clearFocus();
+}
+
+void QBAbstractQueryPreviewPanelWidget::giveFocusBack() {
+    if (m_focusedBeforeLoading && window()->focusWidget() == nullptr)
+        m_focusedBeforeLoading->setFocus(Qt::OtherFocusReason);
+    m_focusedBeforeLoading = nullptr;
+}
+
+void QBAbstractQueryPreviewPanelWidget::showEvent(QShowEvent* event) {
+    QBPanelWidget::showEvent(event);
+    m_timer.start();
+}
+
+void QBAbstractQueryPreviewPanelWidget::hideEvent(QHideEvent* event) {
+    QBPanelWidget::hideEvent(event);
+    m_timer.stop();
+}
+
+}  // namespace QB

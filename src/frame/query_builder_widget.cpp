@@ -1,0 +1,289 @@
+#include "frame/query_builder_widget.h"
+
+#include <QCloseEvent>
+#include <QPushButton>
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "engine/engine_linux.h"
+#include "frame/clause_tabs.h"
+#include "frame/simple_query_preview_panel_widget.h"
+#include "model/callbacks.h"
+#include "platform/tolk/text_ids.h"
+#include "platform/tolk/tolk.h"
+#include "ui_query_builder_widget.h"
+#include "widgets/invalid_component_excluder.h"
+#include "widgets/panel_widget.h"
+
+namespace QB {
+namespace {
+
+QIcon paneIcon(const QString& direction, bool isPaneHidden) {
+    QString path = QStringLiteral(":/images/TB_Expand_") + direction;
+    if (!isPaneHidden) path += QLatin1String("_Selected");
+    if (Callback::isDarkTheme())
+        path += isPaneHidden ? QLatin1String("_White") : QLatin1String("_LB");
+    return QIcon(path + QLatin1String(".png"));
+}
+
+void describe(QWidget* widget, Tolk::TextId text) {
+    widget->setAccessibleName(Tolk::localize(text));
+    widget->setToolTip(Tolk::localize(text));
+}
+
+bool isTabStop(const QWidget* widget) {
+    return (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->focusProxy() == nullptr;
+}
+
+}  // namespace
+
+QBQueryBuilderWidget::QBQueryBuilderWidget(QWidget* parent)
+    : QBQueryBuilderWidget(allClauseTabs(), parent) {}
+
+QBQueryBuilderWidget::QBQueryBuilderWidget(std::vector<ClauseTab> clauseTabs, QWidget* parent)
+    : QWidget(parent)
+    , ui(std::make_unique<Ui::QBQueryBuilderWidget>())
+    , m_clauseTabs(std::move(clauseTabs))
+    , m_clausePanels(m_clauseTabs.size(), nullptr) {
+    ui->setupUi(this);
+    setupUi();
+}
+
+QBQueryBuilderWidget::~QBQueryBuilderWidget() = default;
+
+void QBQueryBuilderWidget::setupUi() {
+    localizeControls();
+    ui->objectTreePanel->setPartnerDiagram(ui->diagramPanel);
+    connectDiagram();
+    updateButtonIcons();
+    connectPaneButtons();
+    connect(ui->tabWidget, &QTabWidget::currentChanged, this,
+            &QBQueryBuilderWidget::deactivateOtherPanels);
+    connect(ui->navigationBar, &QBNavigationBar::layerClicked, this,
+            &QBQueryBuilderWidget::goToLayer);
+    setQueryPreviewPanel(new QBSimpleQueryPreviewPanelWidget);
+    connectDialogButtons();
+    rebuildNavigationBar();
+    renewPanelsIfNeeded();
+}
+
+void QBQueryBuilderWidget::connectDiagram() {
+    connect(ui->diagramPanel, &QBDiagramPanelWidget::signalExcludeInvalidConditionComponent, this,
+            &QBQueryBuilderWidget::excludeInvalidComponent);
+    connect(ui->diagramPanel, &QBDiagramPanelWidget::signalJumpToPanel, this,
+            &QBQueryBuilderWidget::selectPanel);
+}
+
+void QBQueryBuilderWidget::connectPaneButtons() {
+    const std::array<std::pair<QToolButton*, QWidget*>, 2> panes = {
+        {{ui->objectTreeButton, ui->objectTreePanel}, {ui->previewButton, ui->previewContainer}}};
+    for (const auto& [button, pane] : panes)
+        connect(button, &QToolButton::clicked, this, [this, pane = pane] {
+            pane->setHidden(!pane->isHidden());
+            updateButtonIcons();
+        });
+}
+
+void QBQueryBuilderWidget::connectDialogButtons() {
+    const auto button = [this](QDialogButtonBox::StandardButton which) {
+        return ui->buttonBox->button(which);
+    };
+    connect(button(QDialogButtonBox::Yes), &QPushButton::clicked, this,
+            [this] { buildQuery(true); });
+    connect(button(QDialogButtonBox::Ok), &QPushButton::clicked, this,
+            [this] { buildQuery(false); });
+    connect(button(QDialogButtonBox::Cancel), &QPushButton::clicked, this,
+            &QBQueryBuilderWidget::cancelDialogButtonClicked);
+}
+
+void QBQueryBuilderWidget::localizeControls() {
+    using Box = QDialogButtonBox;
+    ui->buttonBox->button(Box::Yes)->setText(Tolk::localize(Tolk::TextBuildAndRun));
+    ui->buttonBox->button(Box::Ok)->setText(Tolk::localize(Tolk::TextBuild));
+    ui->buttonBox->button(Box::Cancel)->setText(Tolk::localize(Tolk::TextCancel));
+    describe(ui->objectTreeButton, Tolk::TextToggleObjectTree);
+    describe(ui->previewButton, Tolk::TextTogglePreview);
+    ui->tabWidget->setAccessibleName(Tolk::localize(Tolk::TextClauses));
+}
+
+void QBQueryBuilderWidget::updateButtonIcons() {
+    ui->objectTreeButton->setIcon(
+        paneIcon(QStringLiteral("Left"), ui->objectTreePanel->isHidden()));
+    ui->previewButton->setIcon(paneIcon(QStringLiteral("Right"), ui->previewContainer->isHidden()));
+}
+
+void QBQueryBuilderWidget::setEngine(QBEngine_LINUX* engine) {
+    if (engine == nullptr) return;
+    if (m_emitter) m_emitter->disconnect(this);
+    m_engine = engine;
+    m_emitter = engine->signalEmitter();
+    enumeratePanelWidgets([engine](QBPanelWidget* panel) { panel->setEngine(engine); });
+    renewPanelsIfNeeded();
+    connectEngine();
+    rebuildNavigationBar();
+}
+
+QBEngine_LINUX* QBQueryBuilderWidget::engine() const {
+    return m_emitter ? m_engine : nullptr;
+}
+
+void QBQueryBuilderWidget::connectEngine() {
+    const QBEngineSignalEmitter* emitter = m_engine->signalEmitter();
+    connect(emitter, &QBEngineSignalEmitter::uiReset, this, &QBQueryBuilderWidget::resetUi);
+    connect(emitter, &QBEngineSignalEmitter::databaseTypeChanged, this,
+            &QBQueryBuilderWidget::renewPanelsIfNeeded);
+    connect(emitter, &QBEngineSignalEmitter::topLevelQueryComponentLayerChanged, this,
+            &QBQueryBuilderWidget::rebuildNavigationBar);
+}
+
+void QBQueryBuilderWidget::resetUi() {
+    if (ui->tabWidget->count() > 0) ui->tabWidget->setCurrentIndex(0);
+}
+
+void QBQueryBuilderWidget::renewPanelsIfNeeded() {
+    ui->tabWidget->clear();
+    const QBDatabaseInfo info = engine() != nullptr ? engine()->databaseInfo() : QBDatabaseInfo();
+    for (std::size_t i = 0; i < m_clauseTabs.size(); ++i) {
+        if (!m_clauseTabs[i].createPanel || !hasClause(info, m_clauseTabs[i].element)) continue;
+        addTab(m_clauseTabs[i], obtainPanel(i));
+    }
+    enumeratePanelWidgets([this](QBPanelWidget* panel) {
+        if (panel->engine() == nullptr) panel->setEngine(engine());
+    });
+    ui->tabWidget->setVisible(ui->tabWidget->count() > 0);
+}
+
+QBTopLevelElementPanelWidget* QBQueryBuilderWidget::obtainPanel(std::size_t tabIndex) {
+    QBTopLevelElementPanelWidget*& panel = m_clausePanels[tabIndex];
+    if (panel != nullptr) return panel;
+    panel = m_clauseTabs[tabIndex].createPanel(ui->tabWidget);
+    panel->setRelatedElements({m_clauseTabs[tabIndex].element});
+    connect(panel, &QBTopLevelElementPanelWidget::signalIconNeedsUpdate, this, [this, panel] {
+        const int index = ui->tabWidget->indexOf(panel);
+        if (index >= 0) ui->tabWidget->setTabIcon(index, panel->tabIcon());
+    });
+    return panel;
+}
+
+void QBQueryBuilderWidget::addTab(const ClauseTab& clauseTab, QBTopLevelElementPanelWidget* panel) {
+    ui->tabWidget->addTab(panel, panel->tabIcon(), QString::fromLatin1(clauseTab.text));
+}
+
+QBTopLevelElementPanelWidget* QBQueryBuilderWidget::findPanel(
+    TopLevelQueryComponentElementEnum element) const {
+    const auto panels = findChildren<QBTopLevelElementPanelWidget*>();
+    for (QBTopLevelElementPanelWidget* panel : panels)
+        if (panel->firstRelatedElement() == element) return panel;
+    return nullptr;
+}
+
+void QBQueryBuilderWidget::selectPanel(TopLevelQueryComponentElementEnum element) {
+    QWidget* panel = findPanel(element);
+    if (panel != nullptr && ui->tabWidget->indexOf(panel) >= 0)
+        ui->tabWidget->setCurrentWidget(panel);
+}
+
+void QBQueryBuilderWidget::enumeratePanelWidgets(const std::function<void(QBPanelWidget*)>& visit) {
+    const auto panels = findChildren<QBPanelWidget*>();
+    for (QBPanelWidget* panel : panels)
+        visit(panel);
+}
+
+bool QBQueryBuilderWidget::needShowBuildWarning() const {
+    const auto panels = findChildren<QBTopLevelElementPanelWidget*>();
+    return std::any_of(panels.begin(), panels.end(), [](const QBTopLevelElementPanelWidget* panel) {
+        return panel->hasInvalidComponents();
+    });
+}
+
+void QBQueryBuilderWidget::excludeInvalidComponent(
+    Component::SQL::SQLAbstractConditionComponent** componentRef) {
+    auto* excluder = dynamic_cast<IQBInvalidComponentExcluder*>(findPanel(ElementWhere));
+    if (excluder != nullptr) excluder->excludeInvalidComponent(componentRef);
+}
+
+void QBQueryBuilderWidget::deactivateOtherPanels() {
+    const auto panels = findChildren<QBTopLevelElementPanelWidget*>();
+    for (QBTopLevelElementPanelWidget* panel : panels)
+        if (panel != ui->tabWidget->currentWidget()) panel->panelBecomeInactive();
+}
+
+void QBQueryBuilderWidget::goToLayer(int layer) {
+    while (engine() != nullptr && layer < engine()->currentTopLevelQueryComponentLayer())
+        engine()->popCurrentLayerTopLevelQueryComponent();
+}
+
+void QBQueryBuilderWidget::rebuildNavigationBar() {
+    const int current = engine() != nullptr ? engine()->currentTopLevelQueryComponentLayer() : -1;
+    QStringList names;
+    for (int layer = 0; layer <= current; ++layer)
+        names.append(QString::fromStdString(engine()->topLevelQueryComponentLayerName(layer)));
+    ui->navigationBar->setLayerNames(names);
+    ui->navigationBar->setHidden(current <= 0);
+}
+
+void QBQueryBuilderWidget::setSupportBuildAndRun(bool isSupported) {
+    ui->buttonBox->button(QDialogButtonBox::Yes)->setVisible(isSupported);
+}
+
+bool QBQueryBuilderWidget::isDialogButtonBoxVisible() const {
+    return !ui->buttonBox->isHidden();
+}
+
+void QBQueryBuilderWidget::setDialogButtonBoxVisible(bool isVisible) {
+    ui->buttonBox->setVisible(isVisible);
+}
+
+void QBQueryBuilderWidget::setQueryPreviewPanel(QBAbstractQueryPreviewPanelWidget* panel) {
+    if (panel == nullptr || panel == m_previewPanel) return;
+    delete std::exchange(m_previewPanel, panel);
+    ui->previewLayout->addWidget(panel);
+    panel->setEngine(engine());
+}
+
+void QBQueryBuilderWidget::buildQuery(bool run) {
+    if (engine() == nullptr) return;
+    Q_EMIT okDialogButtonClicked(QString::fromStdString(engine()->buildQuery()), run);
+}
+
+void QBQueryBuilderWidget::closeEvent(QCloseEvent* event) {
+    QWidget::closeEvent(event);
+    if (event->isAccepted()) Q_EMIT aboutToClose();
+}
+
+bool QBQueryBuilderWidget::event(QEvent* event) {
+    const bool isHandled = QWidget::event(event);
+    // The button box sets its own texts when the change of language comes to it, a moment ago.
+    if (event->type() == QEvent::LanguageChange) localizeControls();
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
+        updateButtonIcons();
+    return isHandled;
+}
+
+bool QBQueryBuilderWidget::focusNextPrevChild(bool next) {
+    // Panels make widgets at any time, and Qt puts each new one at the end.
+    arrangeTabOrder();
+    return QWidget::focusNextPrevChild(next);
+}
+
+void QBQueryBuilderWidget::arrangeTabOrder() {
+    const std::array<QWidget*, 6> areas = {ui->objectTreePanel,  ui->diagramPanel,
+                                           ui->previewContainer, ui->paneBar,
+                                           ui->tabWidget,        ui->buttonBox};
+    std::array<std::vector<QWidget*>, 6> stops;
+    for (QWidget* widget = nextInFocusChain(); widget != this;
+         widget = widget->nextInFocusChain()) {
+        if (!isTabStop(widget)) continue;
+        for (std::size_t i = 0; i < areas.size(); ++i)
+            if (areas[i] == widget || areas[i]->isAncestorOf(widget)) stops[i].push_back(widget);
+    }
+    QWidget* previous = nullptr;
+    for (const std::vector<QWidget*>& area : stops)
+        for (QWidget* widget : area) {
+            if (previous != nullptr) setTabOrder(previous, widget);
+            previous = widget;
+        }
+}
+
+}  // namespace QB

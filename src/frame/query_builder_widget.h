@@ -1,0 +1,115 @@
+#pragma once
+
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "model/export.h"
+#include "model/vocabulary.h"
+
+namespace Ui {
+class QBQueryBuilderWidget;
+}
+
+namespace QB {
+
+class QBAbstractQueryPreviewPanelWidget;
+class QBEngine_LINUX;
+class QBPanelWidget;
+class QBTopLevelElementPanelWidget;
+struct ClauseTab;
+namespace Component::SQL {
+class SQLAbstractConditionComponent;
+}
+
+/// The one widget that a host embeds: object tree, diagram, query preview and clause tabs, bound
+/// to one engine, with the buttons that hand the SQL text to the host. Inert until setEngine().
+///
+/// The host destroys it before the engine, though it bears the other order.
+/// Texts follow QEvent::LanguageChange, icons a change of palette.
+/// Thread: main.
+class QB_EXPORT QBQueryBuilderWidget : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit QBQueryBuilderWidget(QWidget* parent = nullptr);
+    ~QBQueryBuilderWidget() override;
+
+    /// Gives @p engine to every panel and sets up the tabs for its family. Null is ignored. Another
+    /// engine takes the place of the earlier one, to which all connections are cut.
+    /// Ownership: stays with the caller.
+    void setEngine(QBEngine_LINUX* engine);
+    /// Null before setEngine() and after the engine was destroyed.
+    QBEngine_LINUX* engine() const;
+
+    void localizeControls();
+    void updateButtonIcons();
+    /// Goes back to the first tab.
+    void resetUi();
+    /// Sets the tabs for the engine's present family and version. A panel that loses its tab is
+    /// kept for the time when the tab comes back.
+    void renewPanelsIfNeeded();
+
+    /// Makes the tab of that clause the current one; nothing if there is none.
+    void selectPanel(TopLevelQueryComponentElementEnum element);
+    /// Calls @p visit for every panel, also for one that is in no tab.
+    void enumeratePanelWidgets(const std::function<void(QBPanelWidget*)>& visit);
+    /// Whether a panel has components that would make the query fail. A host asks before it uses
+    /// the text of okDialogButtonClicked().
+    bool needShowBuildWarning() const;
+
+    /// Shows or hides the button that builds and runs.
+    void setSupportBuildAndRun(bool isSupported);
+    bool isDialogButtonBoxVisible() const;
+    void setDialogButtonBoxVisible(bool isVisible);
+
+    QBAbstractQueryPreviewPanelWidget* queryPreviewPanel() const { return m_previewPanel; }
+    /// Shows @p panel instead of the present preview, which is destroyed. Null and the present one
+    /// are ignored.
+    /// Ownership: passes to the builder.
+    void setQueryPreviewPanel(QBAbstractQueryPreviewPanelWidget* panel);
+
+Q_SIGNALS:
+    /// The user wants the text of the whole statement; @p run: and its rows.
+    void okDialogButtonClicked(const QString& query, bool run);
+    void cancelDialogButtonClicked();
+    /// The widget closes: fetch now what is to be kept.
+    void aboutToClose();
+
+protected:
+    /// With other tabs than the library's.
+    QBQueryBuilderWidget(std::vector<ClauseTab> clauseTabs, QWidget* parent);
+
+    void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    void setupUi();
+    void connectDiagram();
+    void connectPaneButtons();
+    void connectDialogButtons();
+    void connectEngine();
+    void addTab(const ClauseTab& clauseTab, QBTopLevelElementPanelWidget* panel);
+    QBTopLevelElementPanelWidget* obtainPanel(std::size_t tabIndex);
+    QBTopLevelElementPanelWidget* findPanel(TopLevelQueryComponentElementEnum element) const;
+    void excludeInvalidComponent(Component::SQL::SQLAbstractConditionComponent** componentRef);
+    void deactivateOtherPanels();
+    void goToLayer(int layer);
+    void rebuildNavigationBar();
+    void buildQuery(bool run);
+    void arrangeTabOrder();
+
+    const std::unique_ptr<Ui::QBQueryBuilderWidget> ui;
+    QBEngine_LINUX* m_engine = nullptr;  // not owned: m_emitter tells whether it still lives
+    QPointer<QObject> m_emitter;         // not owned: the engine's signal emitter
+    QBAbstractQueryPreviewPanelWidget* m_previewPanel = nullptr;  // not owned: a child
+    const std::vector<ClauseTab> m_clauseTabs;
+    /// By tab; null until the tab was needed.
+    std::vector<QBTopLevelElementPanelWidget*> m_clausePanels;  // not owned: children
+};
+
+}  // namespace QB
