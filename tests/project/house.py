@@ -198,8 +198,22 @@ def check_public_headers(root):
     return faults
 
 
-# Put together here, so that this file passes its own check.
-WORDS = re.compile(r"\b(?:" + "specif" + r"ications?|spec\.md|(?:[Pp]arts?) \d+\.\d+)\b", re.I)
+LINK = re.compile(r"\]\(([^)#\s]+)(?:#[^)]*)?\)")
+
+
+def check_links(root, files):
+    """Links between the documents lead to files."""
+    faults = []
+    for name in files:
+        if not name.endswith(".md"): continue
+        for target in LINK.findall((root / name).read_text()):
+            if "://" in target or (root / name).parent.joinpath(target).exists(): continue
+            faults.append(f"{name}: links to {target}, which is not there")
+    return faults
+
+
+# Put together here, so that this file passes its own check. In capitals it is a word of SQL.
+WORDS = re.compile(r"\b(?:[Ss]" + r"pecifications?|spec\.md|[Pp]arts? \d+\.\d+)\b")
 TEXT_FILES = SOURCES + (".md", ".py", ".txt", ".cmake", ".in", ".json", ".ts", ".sql", ".yml",
                         ".svg", ".sh", ".qrc", ".golden", ".1", ".desktop", "")
 

@@ -41,6 +41,9 @@ class TheTree(unittest.TestCase):
     def test_no_file_speaks_of_documents_that_readers_do_not_have(self):
         self.expect_none(house.check_words(ROOT, tracked_files()))
 
+    def test_links_between_documents_lead_somewhere(self):
+        self.expect_none(house.check_links(ROOT, tracked_files()))
+
 
 TABLE = """
 | Floor | Room | Qt | What |
@@ -123,10 +126,15 @@ class SeededFaults(unittest.TestCase):
         self.expect(check, {"src/low/low.h": '#include "beside/beside.h"'}, "which is not")
         self.expect(check, {"src/beside/beside.h": "class QB_EXPORT A;"}, "exports something")
 
+    def test_links(self):
+        self.expect(house.check_links, {"docs/a.md": "[b](b.md#x) [l](architecture.md)"},
+                    "links to b.md", ["docs/a.md"])
+
     def test_words(self):
         for line in ("as the " + "specif" + "ication says", "see sp" + "ec.md", "// Pa" + "rt 4.2"):
             self.expect(house.check_words, {"src/low/a.cpp": line}, "a.cpp:1", ["src/low/a.cpp"])
-        self.assertEqual(self.faults(house.check_words, {"a.md": "Specify part 2 of 4."}, ["a.md"]),
+        self.assertEqual(self.faults(house.check_words, {"a.md": "Specify part 2 of 4: SPECIFIC"
+                                                               "ATION."}, ["a.md"]),
                          [])
 
 

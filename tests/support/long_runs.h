@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdlib>
+
+namespace QB::Test {
+
+/// How often a random test repeats itself: @p usual times, or 50 times as often in `./test --long`,
+/// which sets JOINERY_LONG.
+inline int repetitions(int usual) {
+    return std::getenv("JOINERY_LONG") ? usual * 50 : usual;
+}
+
+}  // namespace QB::Test
