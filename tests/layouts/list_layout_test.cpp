@@ -1,0 +1,293 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "engine/engine.h"
+#include "layouts/column_vector_layout.h"
+#include "layouts/components_list_layout.h"
+#include "support/host_callbacks.h"
+#include "tree_notation.h"
+
+namespace QB::Test {
+
+using namespace Component;
+using namespace Component::SQL;
+using QBComponentsListLayout_Private::ColumnVectorLayout;
+
+namespace {
+
+/// Columns named by letters, with their rows.
+class Columns {
+public:
+    explicit Columns(const std::string& names) : layout(&m_columns) {
+        for (const char name : names)
+            m_columns.push_back(make(std::string(1, name)));
+        layout.rebuildItems();
+        layout.updateItemFlags();
+    }
+    ~Columns() {
+        for (auto* column : m_columns)
+            delete column;
+    }
+    Columns(const Columns&) = delete;
+    Columns& operator=(const Columns&) = delete;
+
+    static SQLFieldColumnComponent* make(const std::string& name) {
+        auto* column = new SQLFieldColumnComponent;
+        column->fieldName = name;
+        return column;
+    }
+
+    Item* row(std::size_t index) const { return layout.items().at(index); }
+
+    /// The names in the vector, after a check that the rows say the same. "_" for no column.
+    std::string names() {
+        layout.updateItemFlags();
+        std::string text;
+        for (const auto* column : m_columns)
+            text += dynamic_cast<const SQLFieldColumnComponent*>(column)->fieldName;
+        const Items& rows = layout.items();
+        if (m_columns.empty()) {
+            EXPECT_TRUE(rows.size() == 1 && rows[0]->isPlaceholder && rows[0]->isGroupTail);
+            return "_";
+        }
+        EXPECT_EQ(rows.size(), m_columns.size());
+        for (std::size_t i = 0; i < rows.size() && i < m_columns.size(); ++i) {
+            EXPECT_EQ(rows[i]->component, m_columns[i]);
+            EXPECT_EQ(rows[i]->level, 0);
+            EXPECT_EQ(rows[i]->isGroupTail, i + 1 == rows.size());
+            EXPECT_FALSE(rows[i]->isPlaceholder);
+        }
+        return text;
+    }
+
+    ColumnVectorLayout layout;
+
+private:
+    std::vector<SQLAbstractColumnComponent*> m_columns;
+};
+
+}  // namespace
+
+// ---- the column vector ------------------------------------------------------------------------
+
+TEST(ColumnRows, InsertTakesThePositionOfTheRowAndClampsTheRest) {
+    const auto insertedAt = [](const char* names, int index) {
+        Columns columns(names);
+        EXPECT_EQ(columns.layout.insertItem(Columns::make("n"), index).size(), 1u);
+        return columns.names();
+    };
+    EXPECT_EQ(insertedAt("", 0), "n");
+    EXPECT_EQ(insertedAt("", -1), "n");
+    EXPECT_EQ(insertedAt("", 7), "n");
+    EXPECT_EQ(insertedAt("abc", 0), "nabc");
+    EXPECT_EQ(insertedAt("abc", 2), "abnc");
+    EXPECT_EQ(insertedAt("abc", -1), "abcn");
+    EXPECT_EQ(insertedAt("abc", 99), "abcn");
+    Columns columns("abc");
+    columns.layout.addItem(Columns::make("n"), 0);
+    EXPECT_EQ(columns.names(), "abcn");
+    SQLIdentifierSourceComponent source;
+    EXPECT_TRUE(columns.layout.insertItem(&source, 0).empty());
+    EXPECT_EQ(columns.names(), "abcn");
+}
+
+TEST(ColumnRows, MoveLandsBeforeTheTarget) {
+    const auto moved = [](std::size_t from, unsigned long target) {
+        Columns columns("abcd");
+        columns.layout.moveItem(columns.row(from), target);
+        return columns.names();
+    };
+    EXPECT_EQ(moved(0, 0), "abcd");
+    EXPECT_EQ(moved(0, 1), "abcd");
+    EXPECT_EQ(moved(0, 2), "bacd");
+    EXPECT_EQ(moved(0, 4), "bcda");
+    EXPECT_EQ(moved(1, 99), "acdb");
+    EXPECT_EQ(moved(3, 0), "dabc");
+    EXPECT_EQ(moved(2, 1), "acbd");
+}
+
+TEST(ColumnRows, RemovingTheLastColumnLeavesAPlaceholder) {
+    Columns columns("ab");
+    Item foreign;
+    columns.layout.removeItem_internal(columns.row(0));
+    EXPECT_EQ(columns.names(), "b");
+    columns.layout.removeItem_internal(columns.row(0));
+    EXPECT_EQ(columns.names(), "_");
+    columns.layout.removeItem_internal(columns.row(0));
+    columns.layout.removeItem_internal(&foreign);
+    EXPECT_EQ(columns.names(), "_");
+    EXPECT_EQ(columns.layout.takeDetachedParts().size(), 2u);
+}
+
+TEST(ColumnRows, ReplaceKeepsTheRowAndDetachesTheOldColumnIfAsked) {
+    Columns columns("ab");
+    Item* row = columns.row(1);
+    const std::unique_ptr<AbstractQueryComponent> old(row->component);
+    columns.layout.replaceItemComponent(row, Columns::make("x"), false);
+    columns.layout.replaceItemComponent(row, Columns::make("y"), true);
+    columns.layout.replaceItemComponent(row, row->component, true);
+    columns.layout.replaceItemComponent(row, nullptr, true);
+    EXPECT_EQ(columns.names(), "ay");
+    EXPECT_EQ(columns.row(1), row);
+    EXPECT_EQ(columns.layout.takeDetachedParts().size(), 1u);
+    EXPECT_FALSE(columns.layout.canGroupItemsByBracket({row}));
+    EXPECT_FALSE(columns.layout.canUngroupItemsByBracket({row}));
+}
+
+// ---- the facade -------------------------------------------------------------------------------
+
+namespace {
+
+class CountingEngine : public QBEngine {
+public:
+    ~CountingEngine() override {
+        endLife();
+        for (auto* statement : m_statements) {
+            destroyUnownedClauses(statement);
+            delete statement;
+        }
+    }
+
+    void notified(std::string name, const QBNotificationParameters* params) override {
+        if (name != "TopLevelQueryComponentElementModifiedNotification") return;
+        senders.push_back(params->at("sender").toPointer());
+        if (onModified) onModified();
+    }
+
+    SQLSelectStmtComponent* start() {
+        setDatabaseInfo(DatabaseTypeSQLite, 1);
+        auto* statement = dynamic_cast<SQLSelectStmtComponent*>(currentTopLevelQueryComponent());
+        m_statements.push_back(statement);
+        return statement;
+    }
+
+    std::vector<void*> senders;
+    std::function<void()> onModified;
+
+private:
+    std::vector<AbstractTopLevelQueryComponent*> m_statements;
+};
+
+class Facade : public testing::Test {
+protected:
+    void open(const char* tree) {
+        m_statement = m_engine.start();
+        m_statement->sourceExpr->root = readTree(tree);
+        auto impl = std::make_unique<SourceTreeLayout>(&m_statement->sourceExpr->root);
+        impl->rebuildItems();
+        impl->updateItemFlags();
+        m_layout.setImplementation(std::move(impl));
+    }
+
+    std::string tree() const {
+        expectInStep(dynamic_cast<SourceTreeLayout&>(*m_layout.implementation()),
+                     &m_statement->sourceExpr->root);
+        return writeTree(m_statement->sourceExpr->root);
+    }
+    Item* row(std::size_t index) const { return m_layout.items().at(index); }
+    std::size_t notifications() const { return m_engine.senders.size(); }
+
+    HostCallbacks m_callbacks;
+    CountingEngine m_engine;
+    SQLSelectStmtComponent* m_statement = nullptr;
+    QBComponentsListLayout m_layout;
+    int m_sender = 0;
+};
+
+}  // namespace
+
+TEST_F(Facade, EachEditIsOneModificationOfItsSender) {
+    open("a");
+    EXPECT_EQ(m_layout.addItem(&m_engine, ElementSource, &m_sender, makeTable("b"), 0).size(), 2u);
+    m_layout.insertItem(&m_engine, ElementSource, &m_sender, makeTable("c"), 0);
+    EXPECT_EQ(tree(), "J(C(c,a),b)");
+    m_layout.groupItemsByBracket(&m_engine, ElementSource, &m_sender, {row(0), row(1), row(2)}, 0);
+    EXPECT_EQ(tree(), "J([C(c,a)],b)");
+    m_layout.ungroupItemsByBracket(&m_engine, ElementSource, &m_sender, {row(0)});
+    m_layout.replaceItemComponent(&m_engine, ElementSource, &m_sender, row(0), makeTable("d"),
+                                  true);
+    m_layout.removeItems(&m_engine, ElementSource, &m_sender, {row(4)});
+    EXPECT_EQ(tree(), "C(d,a)");
+    EXPECT_EQ(m_engine.senders, std::vector<void*>(6, &m_sender));
+}
+
+TEST_F(Facade, RowsThatWentWithAnEarlierOneAreSkipped) {
+    open("I([L(a,b)],c)");
+    const Items whole(m_layout.items().begin(), m_layout.items().begin() + 5);
+    m_layout.removeItems(&m_engine, ElementSource, &m_sender, whole);
+    EXPECT_EQ(tree(), "c");
+    m_layout.removeItems(&m_engine, ElementSource, &m_sender, m_layout.items());
+    EXPECT_EQ(tree(), "_");
+    EXPECT_EQ(notifications(), 2u);
+}
+
+TEST_F(Facade, NothingIsAnnouncedForRowsThatAreNotHere) {
+    open("I(a,b)");
+    // The address of a record that is gone: it may be compared but not read.
+    auto* gone = reinterpret_cast<Item*>(alignof(Item));
+    SQLIdentifierSourceComponent table;
+    m_layout.removeItems(&m_engine, ElementSource, &m_sender, {gone, nullptr});
+    m_layout.moveItem(&m_engine, ElementSource, &m_sender, gone, 0);
+    m_layout.replaceItemComponent(&m_engine, ElementSource, &m_sender, gone, &table, true);
+    EXPECT_EQ(m_layout.indexOfItem(gone), 3u);
+    EXPECT_EQ(notifications(), 0u);
+    m_layout.removeItems(&m_engine, ElementSource, &m_sender, {gone, row(0)});
+    EXPECT_EQ(tree(), "b");
+}
+
+TEST_F(Facade, WhatARemovalTookLivesUntilTheListenersKnow) {
+    open("I(a,b)");
+    const auto* removed = dynamic_cast<SQLIdentifierSourceComponent*>(row(2)->component);
+    std::string nameSeen;
+    m_engine.onModified = [&] {
+        nameSeen = removed->name;
+    };
+    m_layout.removeItems(&m_engine, ElementSource, &m_sender, {row(2)});
+    EXPECT_EQ(nameSeen, "b");
+}
+
+TEST_F(Facade, AListenerMayInstallANewImplementation) {
+    open("I(a,b)");
+    m_engine.onModified = [&] {
+        auto impl = std::make_unique<SourceTreeLayout>(&m_statement->sourceExpr->root);
+        impl->rebuildItems();
+        impl->updateItemFlags();
+        m_layout.setImplementation(std::move(impl));
+    };
+    m_layout.removeItems(&m_engine, ElementSource, nullptr, {row(0)});
+    EXPECT_EQ(tree(), "b");
+}
+
+TEST_F(Facade, WithoutStatementOrImplementationTheCallerKeepsTheComponent) {
+    SQLIdentifierSourceComponent table;
+    EXPECT_TRUE(m_layout.addItem(&m_engine, ElementSource, nullptr, &table, 0).empty());
+    EXPECT_TRUE(m_layout.items().empty());
+    EXPECT_FALSE(m_layout.canGroupItemsByBracket({}));
+    SourceNode* root = nullptr;
+    auto impl = std::make_unique<SourceTreeLayout>(&root);
+    impl->rebuildItems();
+    m_layout.setImplementation(std::move(impl));
+    EXPECT_TRUE(m_layout.insertItem(&m_engine, ElementSource, nullptr, &table, 0).empty());
+    EXPECT_EQ(root, nullptr);
+    EXPECT_EQ(notifications(), 0u);
+}
+
+TEST_F(Facade, ColumnsAreEditedUnderTheirOwnElement) {
+    open("a");
+    auto& columns = m_statement->orderByExpr->columns;
+    auto impl = std::make_unique<ColumnVectorLayout>(&columns);
+    impl->rebuildItems();
+    m_layout.setImplementation(std::move(impl));
+    for (const char* name : {"a", "b"})
+        m_layout.addItem(&m_engine, ElementOrderBy, &m_sender, Columns::make(name), -1);
+    m_layout.moveItem(&m_engine, ElementOrderBy, &m_sender, row(1), 0);
+    ASSERT_EQ(columns.size(), 2u);
+    EXPECT_EQ(dynamic_cast<SQLFieldColumnComponent*>(columns[0])->fieldName, "b");
+    m_layout.removeItems(&m_engine, ElementOrderBy, &m_sender, m_layout.items());
+    EXPECT_TRUE(columns.empty());
+    m_layout.moveItem(&m_engine, ElementOrderBy, &m_sender, row(0), 1);
+    EXPECT_EQ(notifications(), 4u) << "a placeholder moved";
+}
+
+}  // namespace QB::Test
