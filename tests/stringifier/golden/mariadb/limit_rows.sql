@@ -1,0 +1,5 @@
+SELECT
+	`t`.`a`
+FROM
+	`t`
+LIMIT 10

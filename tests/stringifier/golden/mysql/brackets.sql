@@ -1,0 +1,22 @@
+SELECT
+	*
+FROM
+	`a`
+	CROSS JOIN
+	(
+		`b`,
+		(
+			`c`
+		) AS `k`
+		INNER JOIN
+		`d`
+	)
+WHERE
+	NOT `a`.`x` = 1 AND
+	(
+		`a`.`x` = 1 OR
+		NOT (
+			`b`.`x` = 1
+		)
+	) AND
+	y

@@ -1,0 +1,7 @@
+SELECT
+	`t`.`a`
+FROM
+	`t`
+ORDER BY
+	`t`.`a` ASC
+LIMIT 0

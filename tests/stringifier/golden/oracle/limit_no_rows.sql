@@ -1,0 +1,7 @@
+SELECT
+	"t"."a"
+FROM
+	"t"
+ORDER BY
+	"t"."a" ASC
+FETCH FIRST 0 ROWS ONLY

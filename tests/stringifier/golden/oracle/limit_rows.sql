@@ -1,0 +1,5 @@
+SELECT
+	"t"."a"
+FROM
+	"t"
+FETCH FIRST 10 ROWS ONLY

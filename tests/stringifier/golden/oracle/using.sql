@@ -1,0 +1,10 @@
+SELECT
+	*
+FROM
+	"a"
+	INNER JOIN
+	"b"
+	USING (id, "day")
+	INNER JOIN
+	"c"
+	USING ()

@@ -1,0 +1,17 @@
+SELECT
+	"a"."x", 
+	"server"."shop"."deep"."z"
+FROM
+	"a",
+	(
+		SELECT
+			"shop"."a"."x", 
+			"depot"."b"."y", 
+			"shop"."a".*
+		FROM
+			"shop"."a",
+			"depot"."b"
+	) AS "s",
+	"server"."shop"."deep"
+WHERE
+	"a"."x" IS NOT NULL

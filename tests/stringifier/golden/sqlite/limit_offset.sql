@@ -1,0 +1,6 @@
+SELECT
+	"t"."a"
+FROM
+	"t"
+LIMIT -1
+OFFSET 0

@@ -1,0 +1,8 @@
+SELECT
+	"t"."a"
+FROM
+	"t"
+ORDER BY
+	"t"."a" ASC
+LIMIT 10
+OFFSET 5

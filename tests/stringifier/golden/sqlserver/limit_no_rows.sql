@@ -1,0 +1,8 @@
+SELECT
+	[t].[a]
+FROM
+	[t]
+ORDER BY
+	[t].[a] ASC
+OFFSET 0 ROWS
+FETCH NEXT 0 ROWS ONLY

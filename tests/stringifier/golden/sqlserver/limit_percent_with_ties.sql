@@ -1,0 +1,8 @@
+SELECT
+	[t].[a]
+FROM
+	[t]
+ORDER BY
+	[t].[a] ASC
+OFFSET 5 ROWS
+FETCH NEXT 10 ROWS ONLY

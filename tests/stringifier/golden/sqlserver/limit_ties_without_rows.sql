@@ -1,0 +1,6 @@
+SELECT
+	[t].[a]
+FROM
+	[t]
+ORDER BY 1
+OFFSET 5 ROWS

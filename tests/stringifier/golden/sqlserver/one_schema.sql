@@ -1,0 +1,7 @@
+SELECT
+	[a].[x], 
+	[b].[y], 
+	[a].*
+FROM
+	[shop].[a],
+	[shop].[b]

@@ -1,0 +1,7 @@
+SELECT
+	u.*, 
+	*, 
+	[COUNT](*) AS [n], 
+	[SUM](u.[a]) AS [total]
+FROM
+	[t] AS [u]

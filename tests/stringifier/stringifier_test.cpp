@@ -1,0 +1,170 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "stringifier/dialects.h"
+#include "stringifier/statement_builder.h"
+#include "support/host_callbacks.h"
+
+using namespace QB;
+using namespace QB::Test;
+using Component::AbstractQueryComponent;
+
+namespace {
+
+TEST(StringifiedNodes, AreWrittenWithTheRangesOfTheirComponents) {
+    const std::unique_ptr<AbstractQueryComponent> x(expression(""));
+    StringifiedNode marked("c");
+    marked.component = x.get();
+    StringifiedNode node("a");
+    node.append("b");
+    node.append(std::move(marked));
+    ComponentRangeList ranges;
+    EXPECT_EQ(flatten(std::move(node), ranges), "abc");
+    EXPECT_EQ(ranges, (ComponentRangeList{{x.get(), {2, 1}}}));
+}
+
+TEST(StringifiedNodes, AreEmptyOnlyWithoutTextAndChildren) {
+    StringifiedNode node;
+    EXPECT_TRUE(node.isEmpty());
+    node.append("");
+    EXPECT_FALSE(node.isEmpty());
+    node.setText("");
+    EXPECT_TRUE(node.isEmpty());
+}
+
+class Stringifier : public testing::Test {
+protected:
+    std::unique_ptr<QBQueryComponentStringifier> create(DatabaseType type) {
+        return QBQueryComponentStringifier::createStringifier({type, 0});
+    }
+
+    HostCallbacks m_host;
+    std::unique_ptr<QBQueryComponentStringifier> m_mysql = create(DatabaseTypeMySQL);
+};
+
+TEST_F(Stringifier, ExistsForTheFamiliesWithAText) {
+    EXPECT_FALSE(create(DatabaseTypeNone));
+    EXPECT_FALSE(create(DatabaseTypeReserved));
+    EXPECT_FALSE(create(static_cast<DatabaseType>(9)));
+    EXPECT_FALSE(create(static_cast<DatabaseType>(-1)));
+    const Statement statement = newStatement();
+    const auto mongo = create(DatabaseTypeMongoDB);
+    ASSERT_TRUE(mongo);
+    EXPECT_EQ(mongo->stringifyQuery(statement.get()), "");
+    EXPECT_TRUE(mongo->componentRanges().empty());
+}
+
+TEST_F(Stringifier, GivesNothingForNothing) {
+    const Statement statement = newStatement();
+    m_mysql->stringifyQuery(statement.get());
+    EXPECT_EQ(m_mysql->componentRanges().size(), 1U);
+    EXPECT_EQ(m_mysql->stringifyQuery(nullptr), "");
+    EXPECT_TRUE(m_mysql->componentRanges().empty());
+    const struct : AbstractQueryComponent {
+    } unknown;
+    EXPECT_EQ(m_mysql->stringifyQuery(&unknown), "");
+    EXPECT_TRUE(m_mysql->componentRanges().empty());
+}
+
+TEST_F(Stringifier, WritesASubqueryAloneAtTheLeftMargin) {
+    Statement inner = newStatement();
+    inner->sourceExpr->root = table("t", "", {"shop"});
+    const AbstractQueryComponent* innerStatement = inner.get();
+    const Statement outer = newStatement();
+    outer->sourceExpr->root = subquery(std::move(inner));
+    m_mysql->setCurrentSchema("shop");
+    EXPECT_EQ(m_mysql->stringifyQuery(innerStatement), "SELECT\n\t*\nFROM\n\t`t`");
+    // Outside a statement nothing says which schemas are in use, so all names are whole.
+    const auto* source =
+        static_cast<SQLSelectStmtComponent*>(
+            static_cast<SQLSubquerySourceComponent*>(outer->sourceExpr->root->value)->subquery)
+            ->sourceExpr->root->value;
+    EXPECT_EQ(m_mysql->stringifyQuery(source), "`shop`.`t`");
+}
+
+TEST_F(Stringifier, KeepsTheKeywordOfAClauseWithoutText) {
+    const Statement s = newStatement();
+    s->selectColumnExpr->selectOption = "DISTINCT";
+    s->whereExpr->root = value({});
+    s->groupByExpr->columns = {expression(""), expression("")};
+    EXPECT_EQ(m_mysql->stringifyQuery(s.get()), "SELECT\n\t*\nWHERE\n\t\nGROUP BY\n\t, \n\t");
+}
+
+TEST_F(Stringifier, WritesOperandsThatAreMissing) {
+    const auto text = [this](CompareOp op, std::vector<SQLAbstractColumnComponent*> right) {
+        const std::unique_ptr<AbstractQueryComponent> c(compare(expression("a"), op, right));
+        return m_mysql->stringifyQuery(c.get());
+    };
+    EXPECT_EQ(text(CompareOpBetween, {expression("1")}), "a BETWEEN 1 AND ");
+    EXPECT_EQ(text(CompareOpBetween, {}), "a BETWEEN ");
+    EXPECT_EQ(text(CompareOpIn, {}), "a IN ()");
+    EXPECT_EQ(text(CompareOpIn, {nullptr, expression("1"), nullptr}), "a IN (1,)");
+    EXPECT_EQ(text(static_cast<CompareOp>(22), {expression("1")}), "");
+    const SQLCompareConditionComponent empty;
+    EXPECT_EQ(m_mysql->stringifyQuery(&empty), " = ");
+}
+
+TEST_F(Stringifier, WritesAValueListAsTheFirstParameterSays) {
+    const std::unique_ptr<SQLConditionValueComponent> list(
+        negated(value({expression("1"), expression("2"), expression("3")})));
+    EXPECT_EQ(m_mysql->stringifyQuery(list.get()), "NOT 1,2,3");
+    m_mysql->setParameter(conditionValueListModeKey, 2);
+    m_mysql->setParameter(conditionValueListModeKey, 0);
+    EXPECT_EQ(m_mysql->stringifyQuery(list.get()), "NOT 1 AND 2");
+}
+
+TEST_F(Stringifier, LeavesARangeOpenThatIsChainedByOr) {
+    auto* condition = compare(expression("a"), CompareOpBetween, {expression("1")});
+    const std::unique_ptr<AbstractQueryComponent> owner(condition);
+    condition->rightValue->next = value({expression("b")});
+    condition->rightValue->next->logicGate = SQLLogicGateOr;
+    EXPECT_EQ(m_mysql->stringifyQuery(condition), "a BETWEEN 1 AND  OR\nb");
+}
+
+TEST_F(Stringifier, StaysUsableWhenTheHostThrows) {
+    const Statement s = newStatement();
+    s->sourceExpr->root = table("t", "", {"shop"});
+    m_mysql->setCurrentSchema("shop");
+    Callback::formatIdentifier = [](const std::string&, DatabaseType, int) -> std::string {
+        throw std::runtime_error("no connection");
+    };
+    EXPECT_THROW(m_mysql->stringifyQuery(s.get()), std::runtime_error);
+    EXPECT_TRUE(m_mysql->componentRanges().empty());
+    Callback::formatIdentifier = HostCallbacks::quoteAlways;
+    EXPECT_EQ(m_mysql->stringifyQuery(s->sourceExpr->root->value), "`shop`.`t`");
+}
+
+/// Opens the clauses to a call with the wrong enumeration.
+class Exposed : public QBQueryComponentStringifier_SQLITE {
+public:
+    using QBQueryComponentStringifier_SQLITE::QBQueryComponentStringifier_SQLITE;
+
+    template <typename Element>
+    std::string text(StringifiedNode (QBQueryComponentStringifier_SQL::*clause)(
+                         const Element*, int, TopLevelQueryComponentElementEnum),
+                     const Element* element) {
+        ComponentRangeList ranges;
+        return flatten((this->*clause)(element, 0, ElementLimit), ranges);
+    }
+    std::string where(const ELEMSQLConditionExpr* e) {
+        return text(&Exposed::stringifyExpr_ELEMSQLConditionExpr, e);
+    }
+    std::string columns(const ELEMSQLSelectColumnExpr* e) {
+        return text(&Exposed::stringifyExpr_ELEMSQLSelectColumnExpr, e);
+    }
+};
+
+TEST_F(Stringifier, LeavesTheKeywordOutOfAClauseThatIsNotItsOwn) {
+    const Statement s = newStatement();
+    s->whereExpr->root = value({expression("x")});
+    s->selectColumnExpr->columns = {expression("y")};
+    Exposed exposed({DatabaseTypeSQLite, 0});
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(exposed.where(s->whereExpr), "\n\n\tx");
+    EXPECT_EQ(exposed.columns(s->selectColumnExpr), "\n\ty");
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("Inconsistent Top Level Element"),
+              std::string::npos);
+}
+
+}  // namespace
