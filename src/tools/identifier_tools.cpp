@@ -99,7 +99,8 @@ std::unique_ptr<SQLIdentifierSourceComponent> makeIdentifierComponent(
 }
 
 SQLAbstractSourceComponent* addSourceComponentToExpression(
-    QBEngine* engine, void* sender, std::unique_ptr<SQLAbstractSourceComponent> component) {
+    QBEngine* engine, void* sender, std::unique_ptr<SQLAbstractSourceComponent> component,
+    int layer) {
     SQLAbstractSourceComponent* added = nullptr;
     const auto append = [&](ELEMSQLSourceExpr* element) {
         SourceTreeLayout layout(&element->root);
@@ -116,7 +117,8 @@ SQLAbstractSourceComponent* addSourceComponentToExpression(
         return true;
     };
     engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-        ElementSource, engine->currentTopLevelQueryComponentLayer(), append, sender);
+        ElementSource, layer < 0 ? engine->currentTopLevelQueryComponentLayer() : layer, append,
+        sender);
     return added;
 }
 

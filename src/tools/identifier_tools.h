@@ -37,13 +37,14 @@ QB_EXPORT CandidateResult findTargetIdentifierCandidate(
 [[nodiscard]] QB_EXPORT std::unique_ptr<Component::SQL::SQLIdentifierSourceComponent>
 makeIdentifierComponent(QBEngine* engine, const QBIdentifierCandidate* candidate);
 
-/// Appends a source to the FROM clause of the current layer, after a comma, in one modification
-/// with one notification. Joins with conditions come later. Not inside another modification block.
+/// Appends a source to the FROM clause of a layer, after a comma, in one modification with one
+/// notification. Joins with conditions come later. Not inside another modification block.
+/// @p layer counts from 0, the root; -1 is the current one.
 /// Ownership: passes to the statement. If there is no statement, or @p component is null or no
 /// source (a join), nothing is added, it is destroyed and the result is null.
 QB_EXPORT Component::SQL::SQLAbstractSourceComponent* addSourceComponentToExpression(
     QBEngine* engine, void* sender,
-    std::unique_ptr<Component::SQL::SQLAbstractSourceComponent> component);
+    std::unique_ptr<Component::SQL::SQLAbstractSourceComponent> component, int layer = -1);
 
 /// Makes the source that names @p candidate and appends it. Null if nothing was added.
 QB_EXPORT Component::SQL::SQLIdentifierSourceComponent* addIdentifierComponentToExpression(
