@@ -88,6 +88,10 @@
         <translation>Nur Objekte zeigen, deren Name diesen Text enthält</translation>
     </message>
     <message>
+        <source>No loaded object has such a name</source>
+        <translation>Kein geladenes Objekt hat einen solchen Namen</translation>
+    </message>
+    <message>
         <source>Loading...</source>
         <translation>Wird geladen ...</translation>
     </message>

@@ -1,13 +1,15 @@
 #pragma once
 
-#include <QHash>
+#include <QPointer>
 #include <QString>
 #include <memory>
+#include <vector>
 
 #include "model/export.h"
 #include "widgets/panel_widget.h"
 
 class QPoint;
+class QTimer;
 class QTreeWidgetItem;
 
 namespace Ui {
@@ -40,7 +42,7 @@ public:
     explicit QBDiagramObjectTreePanelWidget(QWidget* parent = nullptr);
     ~QBDiagramObjectTreePanelWidget() override;
 
-    /// The diagram that takes the objects; null for none.
+    /// The diagram that takes the objects; null for none, and after it was destroyed.
     /// Ownership: stays with the caller.
     void setPartnerDiagram(QBDiagramPanelWidget* diagram);
     QBDiagramPanelWidget* partnerDiagram() const;
@@ -74,6 +76,7 @@ Q_SIGNALS:
 
 protected:
     void changeEvent(QEvent* event) override;
+    /// Watches the keys of the tree and of the filter line.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -82,22 +85,25 @@ private:
     void setUpShortcuts();
     void retranslate();
     void connectEngine();
-    void databaseTypeChanged();
-    void currentSchemaChanged();
     void setLoadingWholeTree(bool isLoading);
     void showCurrentSchema();
+    void loadMissing(const std::vector<QBIdentifierCandidate*>& candidates);
+    void requestChildren(QBIdentifierCandidate* candidate, bool force);
     void refreshCurrentOrAll();
+    bool canAddToDiagram(const QTreeWidgetItem* item) const;
+    void addToDiagram(const QTreeWidgetItem* item);
+    bool treeKeyPressed(int key, bool isPlain);
+    bool filterKeyPressed(int key);
     void applyFilter();
     void leaveFilterLine();
-    void addToDiagram(const QTreeWidgetItem* item);
-    void loadChildren(QBIdentifierCandidate* candidate, bool force);
-    bool treeKeyPressed(int key);
-    bool filterKeyPressed(int key);
 
     const std::unique_ptr<Ui::QBDiagramObjectTreePanelWidget> ui;
-    QBDiagramPanelWidget* m_partnerDiagram = nullptr;  // not owned: set by who builds the panels
+    QPointer<QBDiagramPanelWidget> m_partnerDiagram;  // not owned: cleared when it is destroyed
     std::unique_ptr<ObjectTreeRows> m_rows;
-    QMetaObject::Connection m_expanding;
+    QTimer* m_filterDelay;  // owned by the widget
+    QString m_appliedFilter;
+    bool m_hadTreeFocus = false;         ///< when the panel was disabled
+    QPointer<QWidget> m_focusMeanwhile;  // not owned; what got the focus then
 };
 
 }  // namespace QB

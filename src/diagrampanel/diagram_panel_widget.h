@@ -2,7 +2,6 @@
 
 #include <QPoint>
 #include <memory>
-#include <vector>
 
 #include "model/export.h"
 #include "model/vocabulary.h"
@@ -22,7 +21,8 @@ class QBDiagramHintWidget;
 struct QBIdentifierCandidate;
 namespace Component::SQL {
 class SQLAbstractConditionComponent;
-}
+class SQLIdentifierSourceComponent;
+}  // namespace Component::SQL
 
 /// The panel of the diagram: takes tables and views from the object tree, by drop or by
 /// addIdentifierCandidateToDiagram(), and adds them to the query.
@@ -41,7 +41,7 @@ public:
     ///
     /// If its fields are not known yet they are loaded first and the source is added when the load
     /// has ended, also when it brought no fields. It then goes to the layer that was current at the
-    /// time of the call.
+    /// time of the call; if that layer has been left, as soon as it is entered again.
     /// A candidate that is not in the engine's tree, or is no table or view, is ignored: any
     /// address may be given.
     void addIdentifierCandidateToDiagram(QBIdentifierCandidate* candidate);
@@ -61,6 +61,8 @@ Q_SIGNALS:
     void signalJumpToPanel(QB::TopLevelQueryComponentElementEnum element);
 
 protected:
+    void changeEvent(QEvent* event) override;
+    /// Takes drags from a QTreeWidget before the usual handling.
     bool event(QEvent* event) override;
     /// The widget that a drag comes from; null if it comes from another program.
     virtual QObject* dragSource(const QDropEvent* event) const;
@@ -70,12 +72,14 @@ private:
     void connectEngine();
     bool dragEntered(QDropEvent* event);
     bool dropped(QDropEvent* event);
+    void addSource(std::unique_ptr<Component::SQL::SQLIdentifierSourceComponent> source, int layer,
+                   QPoint dropPoint);
 
     const std::unique_ptr<Ui::QBDiagramPanelWidget> ui;
     QButtonGroup* m_relationGroup;       // owned by the widget
     QBDiagramHintWidget* m_hintOverlay;  // owned by the widget
     QPoint m_dropPoint{-1, -1};
-    std::unique_ptr<PendingDiagramItems> m_pendingItems;
+    const std::unique_ptr<PendingDiagramItems> m_pendingItems;
 };
 
 }  // namespace QB

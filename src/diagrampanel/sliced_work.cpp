@@ -1,0 +1,29 @@
+#include "diagrampanel/sliced_work.h"
+
+#include <QScopedValueRollback>
+#include <utility>
+
+namespace QB {
+
+SlicedWork::SlicedWork(Step step) : m_step(std::move(step)) {
+    m_timer.setInterval(0);
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { slice(); });
+}
+
+void SlicedWork::run() {
+    if (m_isInSlice) return;
+    m_timer.start();
+    slice();
+}
+
+void SlicedWork::slice() {
+    const QScopedValueRollback<bool> guard(m_isInSlice, true);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (m_step()) {
+        if (elapsed.nsecsElapsed() > sliceBudget * 1'000'000) return;
+    }
+    m_timer.stop();
+}
+
+}  // namespace QB
