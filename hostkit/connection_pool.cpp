@@ -1,5 +1,6 @@
 #include "hostkit/connection_pool.h"
 
+#include <QScopedValueRollback>
 #include <QSqlDriver>
 #include <algorithm>
 #include <vector>
@@ -76,7 +77,8 @@ ThreadConnection::~ThreadConnection() {
     QSqlDatabase::removeDatabase(m_name);
 }
 
-QString ThreadConnection::open(const ConnectionPool& pool) {
+QString ThreadConnection::open(const ConnectionPool& pool, const StopToken* token) {
+    const QScopedValueRollback<const StopToken*> watched(m_watch.token, token);
     const ConnectionSettings& settings = pool.settings();
     QSqlDatabase connection =
         QSqlDatabase::addDatabase(QString::fromLatin1(m_description.qtDriver), m_name);
@@ -105,7 +107,7 @@ ConnectionPool::~ConnectionPool() {
     WorkerPool::instance().tidyIdleThreads();
 }
 
-ThreadConnection* ConnectionPool::connection(QString* error) {
+ThreadConnection* ConnectionPool::connection(const StopToken& token, QString* error) {
     closeDeadThreadConnections();
     if (isClosed()) {
         *error = Tolk::localize(Tolk::TextDatabaseClosed);
@@ -114,10 +116,28 @@ ThreadConnection* ConnectionPool::connection(QString* error) {
     for (const OwnConnection& own : ownConnections())
         if (own.pool.lock().get() == this) return own.connection.get();
     auto fresh = std::make_unique<ThreadConnection>(*this);
-    *error = fresh->open(*this);
+    *error = fresh->open(*this, &token);
     if (!error->isEmpty()) return nullptr;
     ownConnections().push_back({weak_from_this(), std::move(fresh)});
     return ownConnections().back().connection.get();
+}
+
+QString ConnectionPool::probe() {
+    const auto token = std::make_shared<StopToken>();
+    enter(token);
+    ThreadConnection connection(*this);
+    QString error = connection.open(*this, token.get());
+    if (error.isEmpty()) error = askVersion(connection);
+    leave(token);
+    return error;
+}
+
+QString ConnectionPool::askVersion(const ThreadConnection& connection) {
+    QSqlQuery query(connection.database());
+    if (!query.exec(QString::fromLatin1(m_description.versionSql)) || !query.next())
+        return messageOf(query.lastError());
+    m_version = m_description.parseVersion(query.value(0).toString());
+    return QString();
 }
 
 void ConnectionPool::close() {
@@ -168,18 +188,19 @@ void ConnectionPool::leave(const std::shared_ptr<StopToken>& token) {
     m_tokens.erase(token);
 }
 
-StatementScope::StatementScope(ConnectionPool& pool, ThreadConnection& connection,
-                               std::shared_ptr<StopToken> token)
-    : m_pool(pool), m_connection(connection), m_token(std::move(token)) {
-    connection.m_watch.token = m_token.get();
-    m_token->arm(connection.handle(), connection.description().cancel);
+StatementScope::StatementScope(ConnectionPool& pool, std::shared_ptr<StopToken> token)
+    : m_pool(pool), m_token(std::move(token)) {
     pool.enter(m_token);
+    m_connection = pool.connection(*m_token, &m_error);
+    if (!m_connection) return;
+    m_connection->m_watch.token = m_token.get();
+    m_token->arm(m_connection->handle(), m_connection->description().cancel);
 }
 
 StatementScope::~StatementScope() {
     m_pool.leave(m_token);
     m_token->disarm();
-    m_connection.m_watch.token = nullptr;
+    if (m_connection) m_connection->m_watch.token = nullptr;
 }
 
 void closeDeadThreadConnections() {

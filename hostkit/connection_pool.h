@@ -57,8 +57,9 @@ public:
     ThreadConnection(const ThreadConnection&) = delete;
     ThreadConnection& operator=(const ThreadConnection&) = delete;
 
-    /// Empty, or the text for the user.
-    QString open(const ConnectionPool& pool);
+    /// @param token stops the opening; may be null.
+    /// Returns: empty, or the text for the user.
+    QString open(const ConnectionPool& pool, const StopToken* token);
 
     QSqlDatabase database() const { return QSqlDatabase::database(m_name, false); }
     QVariant handle() const;
@@ -80,13 +81,12 @@ public:
     const ConnectionSettings& settings() const { return m_settings; }
     const DriverDescription& description() const { return m_description; }
 
-    /// The server's, as QBDatabaseInfo counts it; set once, before the pool is shared.
+    /// The server's, as QBDatabaseInfo counts it; known after probe(), which comes first of all.
     int version() const { return m_version; }
-    void setVersion(int version) { m_version = version; }
 
-    /// The calling thread's connection, opened if need be; null with a text for the user on an
-    /// error. Valid until the thread next idles in the worker pool or ends, or close().
-    ThreadConnection* connection(QString* error);
+    /// Connects on the calling thread and lets go again, to see whether it works, and asks for the
+    /// version. Returns: empty, or the text for the user.
+    QString probe();
 
     /// Cancels what runs; every thread closes its connection when it next idles.
     void close();
@@ -102,6 +102,8 @@ private:
     friend class StatementScope;
     void enter(const std::shared_ptr<StopToken>& token);
     void leave(const std::shared_ptr<StopToken>& token);
+    ThreadConnection* connection(const StopToken& token, QString* error);
+    QString askVersion(const ThreadConnection& connection);
 
     const ConnectionSettings m_settings;
     const DriverDescription& m_description;
@@ -111,19 +113,26 @@ private:
     std::set<std::shared_ptr<StopToken>> m_tokens;  // guarded by m_mutex: of running statements
 };
 
-/// Makes a statement stoppable while it is in scope, on the connection's thread.
+/// The calling thread's connection for one piece of work, which the token stops, even while the
+/// connection is still being opened.
 class StatementScope {
 public:
-    StatementScope(ConnectionPool& pool, ThreadConnection& connection,
-                   std::shared_ptr<StopToken> token);
+    /// @param pool outlives the scope.
+    StatementScope(ConnectionPool& pool, std::shared_ptr<StopToken> token);
     ~StatementScope();
     StatementScope(const StatementScope&) = delete;
     StatementScope& operator=(const StatementScope&) = delete;
 
+    /// Null on an error. Stays valid as long as the scope.
+    ThreadConnection* connection() const { return m_connection; }
+    /// Why there is no connection, for the user.
+    const QString& error() const { return m_error; }
+
 private:
     ConnectionPool& m_pool;
-    ThreadConnection& m_connection;
     const std::shared_ptr<StopToken> m_token;
+    QString m_error;
+    ThreadConnection* m_connection = nullptr;  // not owned: the thread's
 };
 
 /// Closes the calling thread's connections to databases that have been closed, or all of them.

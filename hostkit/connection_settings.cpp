@@ -32,7 +32,8 @@ ConnectionSettings ConnectionSettings::sqliteFile(const QString& file) {
 }
 
 QString ConnectionSettings::displayName() const {
-    if (!databaseFile.isEmpty()) return password.scrub(QFileInfo(databaseFile).fileName());
+    // Scrubbed first: the end of a path may be the end of the password.
+    if (!databaseFile.isEmpty()) return QFileInfo(password.scrub(databaseFile)).fileName();
     const QString place = socket.isEmpty() ? host : socket;
     return password.scrub(place.isEmpty() ? database : database + QLatin1Char('@') + place);
 }

@@ -7,22 +7,6 @@
 namespace QB::HostKit {
 namespace {
 
-QString askVersion(ConnectionPool& pool, ThreadConnection& connection, int* version) {
-    QSqlQuery query(connection.database());
-    if (!query.exec(QString::fromLatin1(pool.description().versionSql)) || !query.next())
-        return pool.messageOf(query.lastError());
-    *version = pool.description().parseVersion(query.value(0).toString());
-    return QString();
-}
-
-/// Connects on the calling thread, and lets go again: what opens a database is rarely the thread
-/// that works with it.
-QString probe(ConnectionPool& pool, int* version) {
-    ThreadConnection connection(pool);
-    const QString error = connection.open(pool);
-    return error.isEmpty() ? askVersion(pool, connection, version) : error;
-}
-
 QString cannotOpenText(const ConnectionSettings& settings, const QString& message) {
     const QString text = Tolk::localizeWithArgs(Tolk::TextCannotOpenDatabase,
                                                 settings.displayName().toUtf8().constData(),
@@ -44,10 +28,8 @@ QString Database::open(const ConnectionSettings& settings) {
     const QString problem = description->checkSettings(settings);
     if (!problem.isEmpty()) return settings.password.scrub(problem);
     const auto connections = std::make_shared<ConnectionPool>(settings, *description);
-    int version = 0;
-    const QString error = probe(*connections, &version);
+    const QString error = connections->probe();
     if (!error.isEmpty()) return cannotOpenText(settings, error);
-    connections->setVersion(version);
     m_connections = connections;
     return QString();
 }

@@ -41,10 +41,12 @@ Fetched<Row> fetch(const Database& database, const char* DriverDescription::*sql
         result.error = Tolk::localize(Tolk::TextDatabaseClosed);
         return result;
     }
-    ThreadConnection* const connection = pool->connection(&result.error);
-    if (!connection) return result;
-    const StatementScope scope(*pool, *connection, std::make_shared<StopToken>());
-    QSqlQuery query(connection->database());
+    const StatementScope scope(*pool, std::make_shared<StopToken>());
+    if (!scope.connection()) {
+        result.error = scope.error();
+        return result;
+    }
+    QSqlQuery query(scope.connection()->database());
     query.setForwardOnly(true);
     const bool isPrepared = query.prepare(QString::fromLatin1(pool->description().*sql));
     if (isPrepared) arguments.bindTo(query);

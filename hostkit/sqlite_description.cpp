@@ -171,14 +171,14 @@ const char* const columnsSql =
     " FROM pragma_table_xinfo(:object, :schema) WHERE hidden <> 1 ORDER BY cid";
 
 /// A key that names no columns refers to the primary key; names are given as the tables spell
-/// them, whatever the key's own spelling is. Keys never leave their schema.
+/// them, whatever the key's own spelling is. Keys never leave their schema, which the hidden column
+/// of the function gives back.
 const char* const foreignKeysSql =
-    "WITH home(schema) AS (SELECT :schema)"
-    " SELECT k.id, k.\"from\", home.schema, k.\"table\","
-    "  (SELECT c.name FROM pragma_table_xinfo(k.\"table\", home.schema) c"
+    "SELECT k.id, k.\"from\", k.schema, k.\"table\","
+    "  (SELECT c.name FROM pragma_table_xinfo(k.\"table\", k.schema) c"
     "   WHERE CASE WHEN k.\"to\" IS NULL THEN c.pk = k.seq + 1"
     "         ELSE c.name = k.\"to\" COLLATE NOCASE END)"
-    " FROM home, pragma_foreign_key_list(:object, home.schema) k ORDER BY k.id, k.seq";
+    " FROM pragma_foreign_key_list(:object, :schema) k ORDER BY k.id, k.seq";
 
 }  // namespace
 

@@ -142,14 +142,7 @@ public:
     }
 
     void execute(const std::shared_ptr<ConnectionPool>& pool) {
-        Outcome outcome;
-        if (!pool) {
-            outcome = failure(Tolk::localize(Tolk::TextDatabaseClosed), -1);
-        } else if (ThreadConnection* const connection = pool->connection(&outcome.message)) {
-            outcome = executeOn(*pool, *connection);
-        } else {
-            outcome.kind = Outcome::Failed;
-        }
+        Outcome outcome = outcomeOn(pool);
         if (m_token->isStopped() && outcome.kind == Outcome::Failed)
             outcome.kind = Outcome::Stopped;
         outcome.summary.elapsedMs = m_clock.elapsed();
@@ -157,7 +150,7 @@ public:
     }
 
 private:
-    static Outcome failure(const QString& message, int position) {
+    static Outcome failure(const QString& message, int position = -1) {
         Outcome outcome;
         outcome.kind = Outcome::Failed;
         outcome.message = message;
@@ -165,21 +158,25 @@ private:
         return outcome;
     }
 
-    Outcome executeOn(ConnectionPool& pool, ThreadConnection& connection) {
-        const StatementScope scope(pool, connection, m_token);
-        Outcome outcome = fetchAll(pool, connection);
+    Outcome outcomeOn(const std::shared_ptr<ConnectionPool>& pool) {
+        if (!pool) return failure(Tolk::localize(Tolk::TextDatabaseClosed));
+        if (m_sql.trimmed().isEmpty()) return failure(Tolk::localize(Tolk::TextNoStatement));
+        const StatementScope scope(*pool, m_token);
+        if (!scope.connection()) return failure(scope.error());
+        ThreadConnection& connection = *scope.connection();
+        Outcome outcome = fetchAll(*pool, connection);
         const auto isInTransaction = connection.description().isInTransaction;
         if (!isInTransaction || !isInTransaction(connection.handle())) return outcome;
         // The next statement may run on another connection: it would wait for this one for ever.
         QSqlQuery(connection.database()).exec(QStringLiteral("ROLLBACK"));
         if (outcome.kind != Outcome::Finished) return outcome;
-        return failure(Tolk::localize(Tolk::TextTransactionLeftOpen), -1);
+        return failure(Tolk::localize(Tolk::TextTransactionLeftOpen));
     }
 
     Outcome fetchAll(ConnectionPool& pool, ThreadConnection& connection) {
         QSqlQuery query(connection.database());
         query.setForwardOnly(true);
-        if (m_token->isStopped()) return failure(QString(), -1);
+        if (m_token->isStopped()) return failure(QString());
         if (!query.prepare(m_sql)) return serverFailure(pool, connection, query);
         m_box->putColumns(columnNames(connection, query));
         if (!query.exec()) return serverFailure(pool, connection, query);
