@@ -143,7 +143,10 @@ public:
 
     void execute(const std::shared_ptr<ConnectionPool>& pool) {
         Outcome outcome = outcomeOn(pool);
-        if (m_token->isStopped() && outcome.kind == Outcome::Failed)
+        const bool isCutShort = m_token->isStopped() && outcome.kind != Outcome::Finished;
+        if (isCutShort && pool && pool->isClosed())
+            outcome = failure(Tolk::localize(Tolk::TextDatabaseClosed));
+        else if (isCutShort)
             outcome.kind = Outcome::Stopped;
         outcome.summary.elapsedMs = m_clock.elapsed();
         m_box->putOutcome(std::move(outcome));
