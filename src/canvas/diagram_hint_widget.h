@@ -2,15 +2,13 @@
 
 #include <QWidget>
 
-#include "model/export.h"
-
 class QLabel;
 
 namespace QB {
 
 /// Lies over an empty diagram and says how to fill it. Takes no mouse events: clicks and drops go
 /// to what is below.
-class QB_EXPORT QBDiagramHintWidget : public QWidget {
+class QBDiagramHintWidget : public QWidget {
     Q_OBJECT
 
 public:

@@ -3,7 +3,6 @@
 #include <QPoint>
 #include <memory>
 
-#include "model/export.h"
 #include "model/vocabulary.h"
 #include "widgets/panel_widget.h"
 
@@ -30,7 +29,7 @@ class SQLIdentifierSourceComponent;
 /// The form has a bar with the table or field relation switch, which says how the diagram's links
 /// are drawn; it is hidden while there is no canvas to draw them on.
 /// Thread: main.
-class QB_EXPORT QBDiagramPanelWidget : public QBPanelWidget {
+class QBDiagramPanelWidget : public QBPanelWidget {
     Q_OBJECT
 
 public:

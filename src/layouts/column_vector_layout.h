@@ -8,7 +8,6 @@
 
 #include "layouts/components_list_layout_impl.h"
 #include "model/components.h"
-#include "model/export.h"
 
 namespace QB::QBComponentsListLayout_Private {
 
@@ -128,8 +127,7 @@ private:
 
 /// The columns of SELECT, GROUP BY or ORDER BY.
 template <>
-class QB_EXPORT
-    QBComponentsListLayoutImpl<std::vector<Component::SQL::SQLAbstractColumnComponent*>*>
+class QBComponentsListLayoutImpl<std::vector<Component::SQL::SQLAbstractColumnComponent*>*>
     : public QBComponentVectorListLayoutImpl<Component::SQL::SQLAbstractColumnComponent*> {
 public:
     using Column = Component::SQL::SQLAbstractColumnComponent;

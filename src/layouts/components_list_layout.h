@@ -6,7 +6,6 @@
 
 #include "layouts/components_list_layout_impl.h"
 #include "layouts/components_list_layout_item.h"
-#include "model/export.h"
 #include "model/vocabulary.h"
 
 namespace QB {
@@ -23,7 +22,7 @@ class QBEngine;
 /// with one notification that carries @p sender, and hands what it removed to the engine to be
 /// retired. None may be called inside another block: tools that need this call the implementation.
 /// Thread: main thread. Without an implementation there are no rows, and edits do nothing.
-class QB_EXPORT QBComponentsListLayout {
+class QBComponentsListLayout {
 public:
     using Item = QBComponentsListLayoutItem;
     using Items = std::vector<Item*>;

@@ -7,7 +7,6 @@
 
 #include "layouts/components_list_layout_item.h"
 #include "model/detached_parts.h"
-#include "model/export.h"
 
 namespace QB::QBComponentsListLayout_Private {
 
@@ -19,7 +18,7 @@ namespace QB::QBComponentsListLayout_Private {
 /// until takeDetachedParts; parts that nobody takes are freed with the implementation.
 /// Thread: main thread; edits run inside a modification block of the engine, and each edit, or run
 /// of edits, ends with updateItemFlags.
-class QB_EXPORT BasicQBComponentsListLayoutImpl {
+class BasicQBComponentsListLayoutImpl {
 public:
     using Item = QBComponentsListLayoutItem;
     using Items = std::vector<Item*>;

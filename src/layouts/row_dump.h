@@ -3,13 +3,11 @@
 #include <string>
 
 #include "layouts/components_list_layout_impl.h"
-#include "model/export.h"
 
 namespace QB {
 
 /// The rows of a layout as text, one line a row: number, level, kind, component in short, flags.
 /// Stable, without addresses; equal dumps mean equal rows. For tests and debugging.
-QB_EXPORT std::string dumpRows(
-    const QBComponentsListLayout_Private::BasicQBComponentsListLayoutImpl& layout);
+std::string dumpRows(const QBComponentsListLayout_Private::BasicQBComponentsListLayoutImpl& layout);
 
 }  // namespace QB

@@ -4,7 +4,6 @@
 
 #include "layouts/components_list_layout_impl.h"
 #include "model/components.h"
-#include "model/export.h"
 
 namespace QB::QBComponentsListLayout_Private {
 
@@ -15,7 +14,7 @@ namespace QB::QBComponentsListLayout_Private {
 /// node is reached (a child field or the root), never null itself. A row's slot is right until the
 /// next edit.
 template <>
-class QB_EXPORT QBComponentsListLayoutImpl<Component::SQL::SourceNode**>
+class QBComponentsListLayoutImpl<Component::SQL::SourceNode**>
     : public BasicQBComponentsListLayoutImpl {
 public:
     using Slot = Component::SQL::SourceNode**;

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "model/components.h"
-#include "model/export.h"
 #include "model/variant.h"
 #include "model/vocabulary.h"
 #include "stringifier/stringified_node.h"
@@ -21,7 +20,7 @@ namespace QB {
 /// It quotes nothing itself: every name goes through QB::Callback::formatIdentifier.
 /// Thread: any, each thread with its own object; nothing is shared. The caller holds
 /// queryComponentAccessMutex while other threads may change the components.
-class QB_EXPORT QBQueryComponentStringifier {
+class QBQueryComponentStringifier {
 public:
     /// Gives the text of one side of the tree node that is being written: 0 and 2 are the left
     /// child (2 inside brackets), 1 is the right child. Empty where no source tree is walked.

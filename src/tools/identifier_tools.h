@@ -7,7 +7,6 @@
 #include "engine/engine.h"
 #include "model/components.h"
 #include "model/element_expressions.h"
-#include "model/export.h"
 
 namespace QB::Tools::Identifier {
 
@@ -29,25 +28,25 @@ struct CandidateResult {
 /// only the first few are known then give the deepest node that was found. A wildcard has no
 /// candidate of its own.
 /// Thread: any that may read @p component.
-QB_EXPORT CandidateResult findTargetIdentifierCandidate(
-    const Component::AbstractQueryComponent* component, QBEngine* engine, bool stopAtSource);
+CandidateResult findTargetIdentifierCandidate(const Component::AbstractQueryComponent* component,
+                                              QBEngine* engine, bool stopAtSource);
 
 /// A source that names @p candidate, with the names above it as its path. Null for the root and for
 /// a candidate that the engine does not know.
-[[nodiscard]] QB_EXPORT std::unique_ptr<Component::SQL::SQLIdentifierSourceComponent>
-makeIdentifierComponent(QBEngine* engine, const QBIdentifierCandidate* candidate);
+[[nodiscard]] std::unique_ptr<Component::SQL::SQLIdentifierSourceComponent> makeIdentifierComponent(
+    QBEngine* engine, const QBIdentifierCandidate* candidate);
 
 /// Appends a source to the FROM clause of a layer, after a comma, in one modification with one
 /// notification. Joins with conditions come later. Not inside another modification block.
 /// @p layer counts from 0, the root; -1 is the current one.
 /// Ownership: passes to the statement. If there is no statement, or @p component is null or no
 /// source (a join), nothing is added, it is destroyed and the result is null.
-QB_EXPORT Component::SQL::SQLAbstractSourceComponent* addSourceComponentToExpression(
+Component::SQL::SQLAbstractSourceComponent* addSourceComponentToExpression(
     QBEngine* engine, void* sender,
     std::unique_ptr<Component::SQL::SQLAbstractSourceComponent> component, int layer = -1);
 
 /// Makes the source that names @p candidate and appends it. Null if nothing was added.
-QB_EXPORT Component::SQL::SQLIdentifierSourceComponent* addIdentifierComponentToExpression(
+Component::SQL::SQLIdentifierSourceComponent* addIdentifierComponentToExpression(
     QBEngine* engine, void* sender, const QBIdentifierCandidate* candidate);
 
 }  // namespace QB::Tools::Identifier
@@ -58,9 +57,8 @@ namespace QB::Tools {
 /// @p ignoreAlias, only those with this alias. Looks through joins and brackets, not into
 /// subqueries. None for a null @p element.
 /// Thread: the caller may read the statement.
-QB_EXPORT std::vector<Component::SQL::SQLIdentifierSourceComponent*>
-findTargetIdentifierSourceNodes(const ELEMSQLSourceExpr* element,
-                                const std::vector<std::string>& path, const std::string& name,
-                                const std::string& alias, bool ignoreAlias);
+std::vector<Component::SQL::SQLIdentifierSourceComponent*> findTargetIdentifierSourceNodes(
+    const ELEMSQLSourceExpr* element, const std::vector<std::string>& path, const std::string& name,
+    const std::string& alias, bool ignoreAlias);
 
 }  // namespace QB::Tools

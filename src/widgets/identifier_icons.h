@@ -2,7 +2,6 @@
 
 #include <QIcon>
 
-#include "model/export.h"
 #include "model/vocabulary.h"
 
 namespace QB {
@@ -10,6 +9,6 @@ namespace QB {
 /// The icon of an identifier candidate, from the resources of the host. Families whose databases
 /// hold schemas show the schema sign where the others show the database sign. Empty for
 /// IdentifierTypeReserved and for a value outside the enumeration.
-QB_EXPORT QIcon iconForIdentifierType(IdentifierType type, DatabaseType databaseType);
+QIcon iconForIdentifierType(IdentifierType type, DatabaseType databaseType);
 
 }  // namespace QB

@@ -3,8 +3,6 @@
 #include <QLabel>
 #include <QPixmap>
 
-#include "model/export.h"
-
 namespace QB {
 
 /// A text or image that can be clicked. Main thread only.
@@ -12,7 +10,7 @@ namespace QB {
 /// Under the mouse a text is underlined and an image fades to 150/255 of its opacity; afterwards
 /// the first look comes back. A clickable label with a focus policy can be operated with the space
 /// bar and the Enter keys.
-class QB_EXPORT QBLabel : public QLabel {
+class QBLabel : public QLabel {
     Q_OBJECT
 
 public:

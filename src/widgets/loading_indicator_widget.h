@@ -3,13 +3,11 @@
 #include <QMetaObject>
 #include <QWidget>
 
-#include "model/export.h"
-
 namespace QB {
 
 /// A turning ring laid over a panel. It runs while it is visible, follows the size of its parent
 /// and shows itself above its siblings. All indicators of the process turn together. Main thread.
-class QB_EXPORT QBLoadingIndicatorWidget : public QWidget {
+class QBLoadingIndicatorWidget : public QWidget {
     Q_OBJECT
 
 public:

@@ -2,12 +2,10 @@
 
 #include <QPushButton>
 
-#include "model/export.h"
-
 namespace QB {
 
 /// A push button that is flat until the mouse is over it.
-class QB_EXPORT QBMouseOverBorderButton : public QPushButton {
+class QBMouseOverBorderButton : public QPushButton {
     Q_OBJECT
 
 public:

@@ -3,8 +3,6 @@
 #include <QStringList>
 #include <QWidget>
 
-#include "model/export.h"
-
 class QButtonGroup;
 class QHBoxLayout;
 class QLabel;
@@ -15,7 +13,7 @@ namespace QB {
 
 /// The path of query layers, from the root to the current one, as a line of buttons. Where the
 /// line is too long it scrolls by wheel, by dragging and with the keyboard focus. Main thread.
-class QB_EXPORT QBNavigationBar : public QWidget {
+class QBNavigationBar : public QWidget {
     Q_OBJECT
 
 public:

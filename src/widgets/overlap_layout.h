@@ -3,13 +3,11 @@
 #include <QLayout>
 #include <QList>
 
-#include "model/export.h"
-
 namespace QB {
 
 /// Stacks its items on top of each other: each takes the whole rectangle of the layout. Which one
 /// lies above is the stacking order of the widgets.
-class QB_EXPORT QBOverlapLayout : public QLayout {
+class QBOverlapLayout : public QLayout {
     Q_OBJECT
 
 public:
