@@ -27,14 +27,6 @@ struct QBEngine::ListenerEntry {
     long token() const { return static_cast<long>(reinterpret_cast<std::intptr_t>(this)); }
 };
 
-namespace {
-
-bool isIndex(int layer, std::size_t count) {
-    return layer >= 0 && static_cast<std::size_t>(layer) < count;
-}
-
-}  // namespace
-
 QBEngine::QBEngine() : m_id(issueId()), m_core(std::make_shared<QBEngineCore>()) {}
 
 QBEngine::~QBEngine() {
@@ -73,7 +65,9 @@ void QBEngine::setDatabaseInfo(DatabaseType type, int version) {
         const std::lock_guard lock(m_stateMutex);
         m_databaseInfo = {type, version};
     }
+    const long id = m_id;
     dbInfoChanged();
+    if (!isAlive(id)) return;
     const QBNotificationParameters params = {{"dbTypeChanged", int(isTypeChanged)},
                                              {"dbVersionChanged", int(isVersionChanged)}};
     notifyChange(Notification::databaseServerChanged, &params);
@@ -125,9 +119,19 @@ std::string QBEngine::generateTopLevelQueryComponentRootLayerName() const {
     return "(" + Tolk::localize(Tolk::TextMainQuery).toStdString() + ")";
 }
 
-std::vector<QBEngine::Layer> QBEngine::layers() const {
+std::vector<AbstractTopLevelQueryComponent*> QBEngine::layerStatements() const {
     const std::lock_guard lock(m_stateMutex);
-    return m_layers;
+    std::vector<Statement*> statements;
+    for (const Layer& layer : m_layers)
+        statements.push_back(layer.statement);
+    return statements;
+}
+
+/// Null for a layer outside the stack.
+AbstractTopLevelQueryComponent* QBEngine::findStatement(int layer) const {
+    const std::lock_guard lock(m_stateMutex);
+    const bool isLayer = layer >= 0 && layer < static_cast<int>(m_layers.size());
+    return isLayer ? m_layers[static_cast<std::size_t>(layer)].statement : nullptr;
 }
 
 int QBEngine::currentTopLevelQueryComponentLayer() const {
@@ -181,8 +185,11 @@ void QBEngine::popCurrentLayerTopLevelQueryComponent() {
 }
 
 void QBEngine::resetUi() {
-    while (currentTopLevelQueryComponentLayer() > 0)
+    const long id = m_id;
+    while (currentTopLevelQueryComponentLayer() > 0) {
         popCurrentLayerTopLevelQueryComponent();
+        if (!isAlive(id)) return;
+    }
     notifyChange(Notification::uiReset, nullptr);
 }
 
@@ -190,9 +197,7 @@ void QBEngine::resetUi() {
 
 ELEMAbstractTopLevelQueryExpr* QBEngine::modify_obtainElement(
     TopLevelQueryComponentElementEnum element, int layer) const {
-    const std::vector<Layer> stack = layers();
-    if (!isIndex(layer, stack.size())) return nullptr;
-    Statement* const statement = stack[static_cast<std::size_t>(layer)].statement;
+    Statement* const statement = findStatement(layer);
     return statement ? statement->element(element) : nullptr;
 }
 
@@ -240,21 +245,19 @@ void QBEngine::sweepRetired(unsigned long modification) {
     const std::lock_guard lock(m_core->queryComponentAccessMutex);
     m_core->retired.sweep([this] {
         DetachedParts::References references;
-        for (const Layer& layer : layers()) {
-            if (layer.statement) references.insert(layer.statement);
-            collectReferences(layer.statement, references);
+        for (const Statement* statement : layerStatements()) {
+            if (statement) references.insert(statement);
+            collectReferences(statement, references);
         }
         return references;
     });
 }
 
 std::string QBEngine::buildQuery() const {
-    const std::vector<Layer> stack = layers();
-    if (stack.empty()) return {};
     const auto stringifier = QBQueryComponentStringifier::createStringifier(databaseInfo());
     if (!stringifier) return {};
     stringifier->setCurrentSchema(currentSchema());
-    return stringifier->stringifyQuery(stack.front().statement);
+    return stringifier->stringifyQuery(findStatement(0));
 }
 
 // ---- listeners ------------------------------------------------------------------------------

@@ -199,7 +199,7 @@ public:
     /// @p async, else to the host's dispatched thread, whose function has to catch it. All locks
     /// are free by then and the requests left over are dropped.
     /// Not @p async on the main thread only if the host runs main-thread closures at once there and
-    /// no other refresh is running.
+    /// no other refresh is running; what its notifications set off may refresh again.
     void refreshRequestedIdentifierCandidateChildren(bool async);
     /// A hint for a wait indicator: may be false for a while during a refresh, and stay true after
     /// one that had nothing to fetch. Any thread.
@@ -260,7 +260,8 @@ private:
     void sweepRetired(unsigned long modification);
 
     void replaceRootStatement();
-    std::vector<Layer> layers() const;
+    std::vector<Statement*> layerStatements() const;
+    Statement* findStatement(int layer) const;
 
     const long m_id;
     const std::shared_ptr<QBEngineCore> m_core;

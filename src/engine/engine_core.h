@@ -59,8 +59,9 @@ public:
     /// notification is sent or a thread waits.
     std::recursive_mutex queryComponentAccessMutex;
     /// Held for one request of a refresh with its server queries, so that two tasks do not fill a
-    /// node twice. Readers of candidates never take it.
-    std::mutex identifierTreeMutex;
+    /// node twice. Readers of candidates never take it. Recursive, since on a thread that is main
+    /// at the same time the notifications of one refresh may set off another.
+    std::recursive_mutex identifierTreeMutex;
 
     CandidateTree candidates;
     RetiredParts retired;

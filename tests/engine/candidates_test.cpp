@@ -138,7 +138,7 @@ protected:
     }
 
     bool isTreeMutexFree() const {
-        std::mutex& mutex = engine->core()->identifierTreeMutex;
+        std::recursive_mutex& mutex = engine->core()->identifierTreeMutex;
         return std::async(std::launch::async,
                           [&mutex] {
                               const std::unique_lock lock(mutex, std::try_to_lock);
@@ -188,6 +188,17 @@ TEST_F(RefreshTest, RequestsOfOneRunAreSortedSoThatParentsComeFirst) {
     EXPECT_EQ(fetched, (Names{"root", "s", "sa"}));
     engine->refreshRequestedIdentifierCandidateChildren(false);
     EXPECT_EQ(fetched.size(), 3U);  // the queue was emptied
+}
+
+TEST_F(RefreshTest, AListenerMayRefreshAgainFromWithinARunOnTheMainThread) {
+    const long token = engine->registerNotifyChangeListener(
+        ended, [this, isNested = false](const std::string&, const auto*) mutable {
+            if (std::exchange(isNested, true)) return;
+            engine->addRefreshIdentifierCandidateChildrenRequest({"a"}, false);
+            engine->refreshRequestedIdentifierCandidateChildren(false);
+        });
+    EXPECT_EQ(refresh({}, false), (Names{"root", "a"}));
+    engine->unregisterNotifyChangeListener(ended, token);
 }
 
 TEST_F(RefreshTest, ARunOffTheMainThreadNotifiesOnTheMainThreadAndIsCounted) {

@@ -222,6 +222,14 @@ TEST_F(SignalTest, AReceiverMayDestroyTheEngine) {
     EXPECT_EQ(log.text, "reset;");
 }
 
+TEST_F(SignalTest, AReceiverMayDestroyTheEngineBetweenTwoNoticesOfOneCall) {
+    QObject::connect(engine->signalEmitter(),
+                     &QBEngineSignalEmitter::topLevelQueryComponentLayerChanged,
+                     [this] { engine.destroy(); });
+    engine->setDatabaseInfo(DatabaseTypeMySQL, 1);
+    EXPECT_EQ(log.text, "layer null;");
+}
+
 // ---- event triggers ---------------------------------------------------------------------------
 
 class TriggerTest : public ::testing::Test {
