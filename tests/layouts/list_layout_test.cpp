@@ -2,10 +2,11 @@
 
 #include <functional>
 
-#include "engine/engine.h"
 #include "layouts/column_vector_layout.h"
 #include "layouts/components_list_layout.h"
+#include "model/notification_names.h"
 #include "support/host_callbacks.h"
+#include "support/owned_engine.h"
 #include "tree_notation.h"
 
 namespace QB::Test {
@@ -139,40 +140,21 @@ TEST(ColumnRows, ReplaceKeepsTheRowAndDetachesTheOldColumnIfAsked) {
 
 namespace {
 
-class CountingEngine : public QBEngine {
-public:
-    ~CountingEngine() override {
-        endLife();
-        for (auto* statement : m_statements) {
-            destroyUnownedClauses(statement);
-            delete statement;
-        }
-    }
-
-    void notified(std::string name, const QBNotificationParameters* params) override {
-        if (name != "TopLevelQueryComponentElementModifiedNotification") return;
-        senders.push_back(params->at("sender").toPointer());
-        if (onModified) onModified();
-    }
-
-    SQLSelectStmtComponent* start() {
-        setDatabaseInfo(DatabaseTypeSQLite, 1);
-        auto* statement = dynamic_cast<SQLSelectStmtComponent*>(currentTopLevelQueryComponent());
-        m_statements.push_back(statement);
-        return statement;
-    }
-
-    std::vector<void*> senders;
-    std::function<void()> onModified;
-
-private:
-    std::vector<AbstractTopLevelQueryComponent*> m_statements;
-};
-
 class Facade : public testing::Test {
 protected:
+    Facade() {
+        m_engine->registerNotifyChangeListener(
+            Notification::topLevelQueryComponentElementModified,
+            [this](const std::string&, const QBNotificationParameters* params) {
+                m_senders.push_back(params->at("sender").toPointer());
+                if (m_onModified) m_onModified();
+            });
+    }
+
     void open(const char* tree) {
-        m_statement = m_engine.start();
+        m_engine->setDatabaseInfo(DatabaseTypeSQLite, 1);
+        m_statement =
+            dynamic_cast<SQLSelectStmtComponent*>(m_engine->currentTopLevelQueryComponent());
         m_statement->sourceExpr->root = readTree(tree);
         auto impl = std::make_unique<SourceTreeLayout>(&m_statement->sourceExpr->root);
         impl->rebuildItems();
@@ -186,10 +168,12 @@ protected:
         return writeTree(m_statement->sourceExpr->root);
     }
     Item* row(std::size_t index) const { return m_layout.items().at(index); }
-    std::size_t notifications() const { return m_engine.senders.size(); }
+    std::size_t notifications() const { return m_senders.size(); }
 
     HostCallbacks m_callbacks;
-    CountingEngine m_engine;
+    OwnedEngine<> m_engine;
+    std::vector<void*> m_senders;
+    std::function<void()> m_onModified;
     SQLSelectStmtComponent* m_statement = nullptr;
     QBComponentsListLayout m_layout;
     int m_sender = 0;
@@ -199,25 +183,27 @@ protected:
 
 TEST_F(Facade, EachEditIsOneModificationOfItsSender) {
     open("a");
-    EXPECT_EQ(m_layout.addItem(&m_engine, ElementSource, &m_sender, makeTable("b"), 0).size(), 2u);
-    m_layout.insertItem(&m_engine, ElementSource, &m_sender, makeTable("c"), 0);
+    EXPECT_EQ(m_layout.addItem(m_engine.get(), ElementSource, &m_sender, makeTable("b"), 0).size(),
+              2u);
+    m_layout.insertItem(m_engine.get(), ElementSource, &m_sender, makeTable("c"), 0);
     EXPECT_EQ(tree(), "J(C(c,a),b)");
-    m_layout.groupItemsByBracket(&m_engine, ElementSource, &m_sender, {row(0), row(1), row(2)}, 0);
+    m_layout.groupItemsByBracket(m_engine.get(), ElementSource, &m_sender, {row(0), row(1), row(2)},
+                                 0);
     EXPECT_EQ(tree(), "J([C(c,a)],b)");
-    m_layout.ungroupItemsByBracket(&m_engine, ElementSource, &m_sender, {row(0)});
-    m_layout.replaceItemComponent(&m_engine, ElementSource, &m_sender, row(0), makeTable("d"),
+    m_layout.ungroupItemsByBracket(m_engine.get(), ElementSource, &m_sender, {row(0)});
+    m_layout.replaceItemComponent(m_engine.get(), ElementSource, &m_sender, row(0), makeTable("d"),
                                   true);
-    m_layout.removeItems(&m_engine, ElementSource, &m_sender, {row(4)});
+    m_layout.removeItems(m_engine.get(), ElementSource, &m_sender, {row(4)});
     EXPECT_EQ(tree(), "C(d,a)");
-    EXPECT_EQ(m_engine.senders, std::vector<void*>(6, &m_sender));
+    EXPECT_EQ(m_senders, std::vector<void*>(6, &m_sender));
 }
 
 TEST_F(Facade, RowsThatWentWithAnEarlierOneAreSkipped) {
     open("I([L(a,b)],c)");
     const Items whole(m_layout.items().begin(), m_layout.items().begin() + 5);
-    m_layout.removeItems(&m_engine, ElementSource, &m_sender, whole);
+    m_layout.removeItems(m_engine.get(), ElementSource, &m_sender, whole);
     EXPECT_EQ(tree(), "c");
-    m_layout.removeItems(&m_engine, ElementSource, &m_sender, m_layout.items());
+    m_layout.removeItems(m_engine.get(), ElementSource, &m_sender, m_layout.items());
     EXPECT_EQ(tree(), "_");
     EXPECT_EQ(notifications(), 2u);
 }
@@ -227,12 +213,12 @@ TEST_F(Facade, NothingIsAnnouncedForRowsThatAreNotHere) {
     // The address of a record that is gone: it may be compared but not read.
     auto* gone = reinterpret_cast<Item*>(alignof(Item));
     SQLIdentifierSourceComponent table;
-    m_layout.removeItems(&m_engine, ElementSource, &m_sender, {gone, nullptr});
-    m_layout.moveItem(&m_engine, ElementSource, &m_sender, gone, 0);
-    m_layout.replaceItemComponent(&m_engine, ElementSource, &m_sender, gone, &table, true);
+    m_layout.removeItems(m_engine.get(), ElementSource, &m_sender, {gone, nullptr});
+    m_layout.moveItem(m_engine.get(), ElementSource, &m_sender, gone, 0);
+    m_layout.replaceItemComponent(m_engine.get(), ElementSource, &m_sender, gone, &table, true);
     EXPECT_EQ(m_layout.indexOfItem(gone), 3u);
     EXPECT_EQ(notifications(), 0u);
-    m_layout.removeItems(&m_engine, ElementSource, &m_sender, {gone, row(0)});
+    m_layout.removeItems(m_engine.get(), ElementSource, &m_sender, {gone, row(0)});
     EXPECT_EQ(tree(), "b");
 }
 
@@ -240,35 +226,35 @@ TEST_F(Facade, WhatARemovalTookLivesUntilTheListenersKnow) {
     open("I(a,b)");
     const auto* removed = dynamic_cast<SQLIdentifierSourceComponent*>(row(2)->component);
     std::string nameSeen;
-    m_engine.onModified = [&] {
+    m_onModified = [&] {
         nameSeen = removed->name;
     };
-    m_layout.removeItems(&m_engine, ElementSource, &m_sender, {row(2)});
+    m_layout.removeItems(m_engine.get(), ElementSource, &m_sender, {row(2)});
     EXPECT_EQ(nameSeen, "b");
 }
 
 TEST_F(Facade, AListenerMayInstallANewImplementation) {
     open("I(a,b)");
-    m_engine.onModified = [&] {
+    m_onModified = [&] {
         auto impl = std::make_unique<SourceTreeLayout>(&m_statement->sourceExpr->root);
         impl->rebuildItems();
         impl->updateItemFlags();
         m_layout.setImplementation(std::move(impl));
     };
-    m_layout.removeItems(&m_engine, ElementSource, nullptr, {row(0)});
+    m_layout.removeItems(m_engine.get(), ElementSource, nullptr, {row(0)});
     EXPECT_EQ(tree(), "b");
 }
 
 TEST_F(Facade, WithoutStatementOrImplementationTheCallerKeepsTheComponent) {
     SQLIdentifierSourceComponent table;
-    EXPECT_TRUE(m_layout.addItem(&m_engine, ElementSource, nullptr, &table, 0).empty());
+    EXPECT_TRUE(m_layout.addItem(m_engine.get(), ElementSource, nullptr, &table, 0).empty());
     EXPECT_TRUE(m_layout.items().empty());
     EXPECT_FALSE(m_layout.canGroupItemsByBracket({}));
     SourceNode* root = nullptr;
     auto impl = std::make_unique<SourceTreeLayout>(&root);
     impl->rebuildItems();
     m_layout.setImplementation(std::move(impl));
-    EXPECT_TRUE(m_layout.insertItem(&m_engine, ElementSource, nullptr, &table, 0).empty());
+    EXPECT_TRUE(m_layout.insertItem(m_engine.get(), ElementSource, nullptr, &table, 0).empty());
     EXPECT_EQ(root, nullptr);
     EXPECT_EQ(notifications(), 0u);
 }
@@ -280,13 +266,13 @@ TEST_F(Facade, ColumnsAreEditedUnderTheirOwnElement) {
     impl->rebuildItems();
     m_layout.setImplementation(std::move(impl));
     for (const char* name : {"a", "b"})
-        m_layout.addItem(&m_engine, ElementOrderBy, &m_sender, Columns::make(name), -1);
-    m_layout.moveItem(&m_engine, ElementOrderBy, &m_sender, row(1), 0);
+        m_layout.addItem(m_engine.get(), ElementOrderBy, &m_sender, Columns::make(name), -1);
+    m_layout.moveItem(m_engine.get(), ElementOrderBy, &m_sender, row(1), 0);
     ASSERT_EQ(columns.size(), 2u);
     EXPECT_EQ(dynamic_cast<SQLFieldColumnComponent*>(columns[0])->fieldName, "b");
-    m_layout.removeItems(&m_engine, ElementOrderBy, &m_sender, m_layout.items());
+    m_layout.removeItems(m_engine.get(), ElementOrderBy, &m_sender, m_layout.items());
     EXPECT_TRUE(columns.empty());
-    m_layout.moveItem(&m_engine, ElementOrderBy, &m_sender, row(0), 1);
+    m_layout.moveItem(m_engine.get(), ElementOrderBy, &m_sender, row(0), 1);
     EXPECT_EQ(notifications(), 4u) << "a placeholder moved";
 }
 

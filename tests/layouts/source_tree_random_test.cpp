@@ -124,11 +124,26 @@ private:
         ASSERT_FALSE(rows.empty());
         static_cast<void>(source.release());
         expectInserted(rows, isAdding, index);
+        if (isJoinRow(rows.front())) expectBindsAllBefore(rows);
         for (const Item* row : rows) {
             auto* join = dynamic_cast<SQLJoinSourceNodeComponent*>(row->component);
             if (join) join->joinType = pickJoinType();
         }
         m_expected = words();
+    }
+
+    /// A join that came before its source takes all of its group that stands to its left: else the
+    /// text would bind it to the last operand alone.
+    void expectBindsAllBefore(const Items& rows) {
+        const std::size_t behind = m_edit.layout.indexOfItem(rows.back()) + 1;
+        Item* next = behind < m_edit.layout.items().size() ? m_edit.row(behind) : nullptr;
+        SourceNode** slot = m_edit.root();
+        if (next) slot = &(*m_edit.layout.slotOf(next->component ? next : next->partnerItem))->left;
+        EXPECT_EQ(m_edit.layout.slotOf(rows.front()), slot);
+    }
+
+    static bool isJoinRow(const Item* row) {
+        return dynamic_cast<SQLJoinSourceNodeComponent*>(row->component) != nullptr;
     }
 
     /// All other words as before, the new ones together, and where they were asked for.
@@ -166,9 +181,6 @@ private:
     Words wordsWithout(std::size_t index) {
         if (m_before[index] == "_") return m_before;
         Item* row = m_edit.row(index);
-        const auto isJoinRow = [](const Item* item) {
-            return dynamic_cast<SQLJoinSourceNodeComponent*>(item->component) != nullptr;
-        };
         if (isJoinRow(row)) row = m_edit.row(++index);
         if (row->partnerItem) index = m_edit.layout.indexOfItem(row->partnerItem);
         std::size_t end = index + 1;

@@ -1,0 +1,260 @@
+#include "tools/identifier_tools.h"
+
+#include <gtest/gtest.h>
+
+#include "model/detached_parts.h"
+#include "model/dump.h"
+#include "model/notification_names.h"
+#include "support/host_callbacks.h"
+#include "support/owned_engine.h"
+
+namespace QB::Test {
+
+using namespace Component::SQL;
+using Names = std::vector<std::string>;
+
+namespace {
+
+class IdentifierTools : public testing::Test {
+protected:
+    IdentifierTools() {
+        m_engine->setDatabaseInfo(DatabaseTypePostgreSQL, 150000);
+        m_engine->setCurrentSchema("shop");
+        QBIdentifierCandidate* shop = add(nullptr, "shop", IdentifierTypeSchema);
+        add(add(shop, "orders", IdentifierTypeTable), "id", IdentifierTypeField);
+        add(shop, "items", IdentifierTypeTable);
+        QBIdentifierCandidate* archive = add(nullptr, "archive", IdentifierTypeSchema);
+        add(add(archive, "orders", IdentifierTypeTable), "year", IdentifierTypeField);
+        // A catalogue of the same name as a schema, with a schema in it.
+        add(add(archive, "shop", IdentifierTypeSchema), "deep", IdentifierTypeTable);
+        m_engine->registerNotifyChangeListener(
+            Notification::topLevelQueryComponentElementModified,
+            [this](const std::string&, const QBNotificationParameters* params) {
+                m_senders.push_back(params->at("sender").toPointer());
+                m_seen = dumpStatement(statement());
+            });
+    }
+
+    QBIdentifierCandidate* add(QBIdentifierCandidate* parent, const std::string& name,
+                               IdentifierType type) {
+        QBEngineIdentifierCandidateAccessor accessor(m_engine->core());
+        QBIdentifierCandidate* candidate = accessor.addChild(parent);
+        accessor.setName(candidate, name);
+        accessor.setType(candidate, type);
+        return candidate;
+    }
+
+    QBIdentifierCandidate* at(const Names& path) const {
+        QBIdentifierCandidate* candidate = nullptr;
+        for (const std::string& name : path)
+            candidate = m_engine->findChildCandidate(candidate, name);
+        return candidate;
+    }
+
+    SQLSelectStmtComponent* statement() const {
+        return dynamic_cast<SQLSelectStmtComponent*>(m_engine->currentTopLevelQueryComponent());
+    }
+
+    /// What the component is found to name, as "schema.table.field"; "-" if nothing.
+    std::string found(const Component::AbstractQueryComponent& component, bool stopAtSource,
+                      const Names& path) {
+        const auto result = Tools::Identifier::findTargetIdentifierCandidate(
+            &component, m_engine.get(), stopAtSource);
+        EXPECT_EQ(result.path, path);
+        if (!result.candidate) return "-";
+        std::string text;
+        for (const std::string& name : m_engine->candidatePath(result.candidate))
+            text += (text.empty() ? "" : ".") + name;
+        return text;
+    }
+
+    std::string foundSource(const Names& path, const std::string& name) {
+        SQLIdentifierSourceComponent source;
+        source.path = path;
+        source.name = name;
+        Names names = path;
+        names.push_back(name);
+        return found(source, false, names);
+    }
+
+    HostCallbacks m_callbacks;
+    OwnedEngine<> m_engine;
+    std::vector<void*> m_senders;
+    std::string m_seen;
+    int m_sender = 0;
+};
+
+}  // namespace
+
+TEST_F(IdentifierTools, ASourceIsFoundInItsSchemaOrInTheCurrentOne) {
+    EXPECT_EQ(foundSource({}, "orders"), "shop.orders");
+    EXPECT_EQ(foundSource({"archive"}, "orders"), "archive.orders");
+    EXPECT_EQ(foundSource({"archive"}, "items"), "-");
+    EXPECT_EQ(foundSource({"nowhere"}, "orders"), "-");
+    m_engine->setCurrentSchema("archive");
+    EXPECT_EQ(foundSource({}, "orders"), "archive.orders");
+}
+
+TEST_F(IdentifierTools, ALongerPathIsWalkedAndThenTriedByItsSchemaAlone) {
+    EXPECT_EQ(foundSource({"archive", "shop"}, "deep"), "archive.shop.deep");
+    EXPECT_EQ(foundSource({"archive", "shop"}, "items"), "shop.items");
+    EXPECT_EQ(foundSource({"catalogue", "shop"}, "items"), "shop.items");
+    EXPECT_EQ(foundSource({"shop", "nowhere"}, "items"), "-");
+}
+
+TEST_F(IdentifierTools, OnlyNamedSourcesAndFieldsHaveCandidates) {
+    const SQLSubquerySourceComponent subquery;
+    const SQLJoinSourceNodeComponent join;
+    const SQLAnyExpressionColumnComponent expression;
+    EXPECT_EQ(found(subquery, true, {}), "-");
+    EXPECT_EQ(found(join, false, {}), "-");
+    EXPECT_EQ(found(expression, false, {}), "-");
+    const SQLIdentifierSourceComponent table;
+    EXPECT_FALSE(
+        Tools::Identifier::findTargetIdentifierCandidate(&table, nullptr, false).candidate);
+    EXPECT_TRUE(Tools::Identifier::findTargetIdentifierCandidate(nullptr, m_engine.get(), false)
+                    .path.empty());
+}
+
+TEST_F(IdentifierTools, AFieldIsFoundThroughItsSource) {
+    SQLIdentifierSourceComponent orders;
+    orders.name = "orders";
+    SQLFieldColumnComponent field;
+    field.source = &orders;
+    field.fieldName = "id";
+    EXPECT_EQ(found(field, false, {"shop", "orders", "id"}), "shop.orders.id");
+    EXPECT_EQ(found(field, true, {"orders"}), "shop.orders");
+    field.fieldName = "missing";
+    EXPECT_EQ(found(field, false, {"shop", "orders", "missing"}), "-");
+    orders.name = "unknown";
+    EXPECT_EQ(found(field, false, {"unknown"}), "-");
+    SQLSubquerySourceComponent subquery;
+    field.source = &subquery;
+    EXPECT_EQ(found(field, false, {}), "-");
+}
+
+TEST_F(IdentifierTools, AFieldWithoutSourceIsFoundThroughItsQualifiers) {
+    SQLFieldColumnComponent field;
+    field.fieldName = "year";
+    EXPECT_EQ(found(field, false, {}), "-");
+    field.parentPath = {"archive", "orders"};
+    EXPECT_EQ(found(field, false, {"archive", "orders", "year"}), "archive.orders.year");
+    field.parentPath = {"archive", "orders", "more"};
+    EXPECT_EQ(found(field, true, field.parentPath), "archive.orders") << "the deepest known";
+    EXPECT_EQ(found(field, false, field.parentPath), "-") << "a part of the way is no match";
+    field.parentPath = {"nowhere"};
+    EXPECT_EQ(found(field, true, {"nowhere"}), "-");
+}
+
+TEST_F(IdentifierTools, AWildcardNamesOnlyItsSource) {
+    SQLIdentifierSourceComponent orders;
+    orders.name = "orders";
+    SQLFieldColumnComponent wildcard;
+    wildcard.source = &orders;
+    wildcard.isAsterisk = true;
+    EXPECT_EQ(found(wildcard, false, {}), "-");
+    EXPECT_EQ(found(wildcard, true, {"orders"}), "shop.orders");
+}
+
+// ---- adding -----------------------------------------------------------------------------------
+
+TEST_F(IdentifierTools, CandidatesAreAddedAfterACommaEachWithOneNotification) {
+    using Tools::Identifier::addIdentifierComponentToExpression;
+    const auto* first =
+        addIdentifierComponentToExpression(m_engine.get(), &m_sender, at({"shop", "orders"}));
+    const auto* second = addIdentifierComponentToExpression(m_engine.get(), &m_sender,
+                                                            at({"archive", "shop", "deep"}));
+    ASSERT_TRUE(first && second);
+    const std::string expected =
+        "statement\n  select\n  from\n    join ,\n"
+        "      table \"orders\" path=[\"shop\"]\n"
+        "      table \"deep\" path=[\"archive\", \"shop\"]\n";
+    EXPECT_EQ(dumpStatement(statement()), expected);
+    EXPECT_EQ(m_seen, expected) << "the listeners saw a join that was not yet set";
+    EXPECT_EQ(m_senders, (std::vector<void*>{&m_sender, &m_sender}));
+}
+
+TEST_F(IdentifierTools, AnAddedSourceFollowsTheWholeOfAnEarlierBracket) {
+    auto bracket = std::make_unique<SQLBracketedSourceNodeComponent>();
+    using Tools::Identifier::addSourceComponentToExpression;
+    EXPECT_TRUE(addSourceComponentToExpression(m_engine.get(), nullptr, std::move(bracket)));
+    auto subquery = std::make_unique<SQLSubquerySourceComponent>();
+    EXPECT_TRUE(addSourceComponentToExpression(m_engine.get(), nullptr, std::move(subquery)));
+    EXPECT_EQ(dumpStatement(statement()),
+              "statement\n  select\n  from\n    join ,\n      bracket\n        (empty)\n"
+              "      subquery\n        (null)\n");
+}
+
+TEST_F(IdentifierTools, ASourceCanBeAddedBelowTheOpenLayer) {
+    auto* inner = new SQLSelectStmtComponent;
+    auto subquery = std::make_unique<SQLSubquerySourceComponent>();
+    subquery->subquery = inner;
+    using Tools::Identifier::addSourceComponentToExpression;
+    addSourceComponentToExpression(m_engine.get(), nullptr, std::move(subquery));
+    m_engine->pushNewLayerTopLevelQueryComponent(inner, "inner");
+    auto outer = std::make_unique<SQLIdentifierSourceComponent>();
+    addSourceComponentToExpression(m_engine.get(), nullptr, std::move(outer), 0);
+    EXPECT_EQ(inner->sourceExpr->root, nullptr);
+    addSourceComponentToExpression(m_engine.get(), nullptr,
+                                   std::make_unique<SQLIdentifierSourceComponent>());
+    EXPECT_NE(inner->sourceExpr->root, nullptr);
+}
+
+TEST_F(IdentifierTools, NothingIsAddedWithoutStatementOrForNoSource) {
+    using namespace Tools::Identifier;
+    EXPECT_FALSE(addIdentifierComponentToExpression(m_engine.get(), nullptr, nullptr));
+    EXPECT_FALSE(addIdentifierComponentToExpression(m_engine.get(), nullptr,
+                                                    m_engine->identifierCandidateRootNode()));
+    EXPECT_FALSE(addSourceComponentToExpression(m_engine.get(), nullptr,
+                                                std::make_unique<SQLJoinSourceNodeComponent>()));
+    EXPECT_FALSE(addSourceComponentToExpression(m_engine.get(), nullptr, nullptr));
+    EXPECT_TRUE(m_senders.empty());
+    OwnedEngine<> withoutStatement;
+    EXPECT_FALSE(addSourceComponentToExpression(withoutStatement.get(), nullptr,
+                                                std::make_unique<SQLIdentifierSourceComponent>()));
+}
+
+// ---- finding sources --------------------------------------------------------------------------
+
+TEST_F(IdentifierTools, SourcesAreFoundThroughJoinsAndBracketsButNotInSubqueries) {
+    const auto named = [](const Names& path, const std::string& alias) {
+        auto table = std::make_unique<SQLIdentifierSourceComponent>();
+        table->path = path;
+        table->name = "t";
+        table->alias = alias;
+        return table;
+    };
+    const auto add = [&](std::unique_ptr<SQLAbstractSourceComponent> source) {
+        return Tools::Identifier::addSourceComponentToExpression(m_engine.get(), nullptr,
+                                                                 std::move(source));
+    };
+    const auto* x = add(named({"s"}, "x"));
+    const auto* y = add(named({"s"}, "y"));
+    add(named({}, "x"));
+    add(named({"c", "s"}, "x"));
+    auto subquery = std::make_unique<SQLSubquerySourceComponent>();
+    auto* inner = new SQLSelectStmtComponent;
+    subquery->subquery = inner;
+    inner->sourceExpr->root = new SourceNode;
+    inner->sourceExpr->root->value = named({"s"}, "x").release();
+    add(std::move(subquery));
+    // The first one into a bracket.
+    SourceNode* pair = statement()->sourceExpr->root->left->left->left;
+    auto* content = new SourceNode;
+    std::swap(content->value, pair->left->value);
+    pair->left->value = new SQLBracketedSourceNodeComponent;
+    pair->left->left = content;
+
+    const auto find = [&](const std::string& alias, bool ignoreAlias) {
+        const auto sources = Tools::findTargetIdentifierSourceNodes(statement()->sourceExpr, {"s"},
+                                                                    "t", alias, ignoreAlias);
+        return std::vector<const SQLAbstractSourceComponent*>(sources.begin(), sources.end());
+    };
+    using Sources = std::vector<const SQLAbstractSourceComponent*>;
+    EXPECT_EQ(find("", true), (Sources{x, y}));
+    EXPECT_EQ(find("y", false), (Sources{y}));
+    EXPECT_EQ(find("", false), Sources());
+    EXPECT_TRUE(Tools::findTargetIdentifierSourceNodes(nullptr, {}, "t", "", true).empty());
+}
+
+}  // namespace QB::Test
