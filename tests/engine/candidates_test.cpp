@@ -270,9 +270,16 @@ TEST_F(RefreshTest, ARunEndsWhenTheEngineGoesDuringAFetch) {
 }
 
 TEST_F(RefreshTest, ARunEndsWhenTheEngineGoesBeforeItsFirstNotification) {
+    static std::promise<std::function<void()>> posted;
+    posted = {};
+    Callback::runOperationOnMainThread = [](std::function<void()> f) {
+        posted.set_value(f);
+    };
     engine->addRefreshRootIdentifierCandidateChildrenRequest(true);
     engine->refreshRequestedIdentifierCandidateChildren(true);
+    const std::function<void()> begin = posted.get_future().get();
     engine.destroy();
+    begin();
     host.finishWorkers();
     EXPECT_EQ(fetched, Names{});
 }
@@ -286,10 +293,17 @@ TEST_F(EngineTest, ACallWaitsForItsClosureAndSaysWhetherItRan) {
     EXPECT_FALSE(callOnMainThread(-1, [] { ADD_FAILURE(); }));
 }
 
-TEST_F(EngineTest, ACallReturnsWhenTheHostDropsItsClosure) {
+TEST_F(EngineTest, ACallReturnsWhetherTheHostDropsItsClosureOrKeepsIt) {
     Callback::runOperationOnMainThread = [](std::function<void()>) {
     };
     EXPECT_FALSE(callOnMainThread(engine->id(), [] { ADD_FAILURE(); }));
+    static std::vector<std::function<void()>> kept;
+    Callback::runOperationOnMainThread = [](std::function<void()> f) {
+        f();
+        kept.push_back(std::move(f));
+    };
+    EXPECT_TRUE(callOnMainThread(engine->id(), [] {}));
+    kept.clear();
 }
 
 TEST_F(EngineTest, ACallReturnsWhenItsClosureThrows) {
