@@ -99,6 +99,9 @@ void installCallbacks() {
         WorkerPool::instance().setHousekeeping(closeDeadThreadConnections,
                                                closeAllThreadConnections);
         WorkerPool::instance().start();
+        // QtSql takes its drivers away in an end routine of its own, which it adds here at the
+        // latest. The last added runs first, and workers must have ended before the drivers go.
+        QSqlDatabase::drivers();
         qAddPostRoutine(endWithApplication);
     }
     isDarkTheme();

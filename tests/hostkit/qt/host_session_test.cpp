@@ -118,10 +118,10 @@ private Q_SLOTS:
     }
 
     void sessionEngineAndDatabaseMayGoInAnyOrderWhileFetchesRun() {
-        std::string script;
+        std::string script = "BEGIN;";
         for (int i = 0; i < 300; ++i)
             script += "CREATE TABLE t" + std::to_string(i) + " (a, b, c);";
-        const SqliteFile file(script);
+        const SqliteFile file(script + "COMMIT;");
         for (int order = 0; order < 24; ++order) {
             auto database = std::make_unique<Database>(file.open());
             auto engine = std::make_unique<QBEngine_LINUX>();
