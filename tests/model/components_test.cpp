@@ -60,19 +60,7 @@ TEST(Statement, ANewOneIsEmptyWithNoLimit) {
     EXPECT_EQ(countOwned(&statement), 1);
     EXPECT_EQ(statement.limitExpr->offset, -1);
     EXPECT_EQ(statement.limitExpr->rowCount, -1);
-    EXPECT_FALSE(statement.limitExpr->isPercent);
     EXPECT_EQ(statement.limitExpr->returnOption, "ONLY");
-}
-
-TEST(Components, ANewOneHasTheEmptyValueInEveryField) {
-    const SQLJoinSourceNodeComponent join;
-    EXPECT_EQ(join.joinType, SQLJoinTypeCustom);
-    EXPECT_FALSE(join.hasCondition());
-    EXPECT_TRUE(join.needsCondition());
-    const SQLCompareConditionComponent compare;
-    EXPECT_EQ(compare.compareOp, 0);
-    EXPECT_EQ(compare.logicGate, -1);
-    EXPECT_EQ(SQLSubquerySourceComponent().subquery, nullptr);  // and is destroyed without harm
 }
 
 TEST(Components, CommaAndCrossAreTheJoinsThatNeedNoCondition) {
@@ -91,6 +79,12 @@ TEST(ConditionValue, TheFirstSlotIsMadeOnlyWhenItIsAskedForByReference) {
     value.firstValueRef()->alias = "same slot";
     EXPECT_EQ(value.values.size(), 1U);
     EXPECT_EQ(value.firstValue()->alias, "same slot");
+}
+
+TEST(Components, WhatAPartDoesNotHaveIsDestroyedWithoutHarm) {
+    EXPECT_EQ(SQLSubquerySourceComponent().subquery, nullptr);
+    EXPECT_EQ(SQLCompareConditionComponent().leftValue, nullptr);
+    EXPECT_EQ(SQLCompareConditionComponent().logicGate, SQLLogicGateNone);
 }
 
 TEST(FieldColumn, LeavesWhatItRefersTo) {

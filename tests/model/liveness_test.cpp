@@ -20,16 +20,6 @@ bool isAlive(long id) {
 
 }  // namespace
 
-TEST(Liveness, AnIdIsAliveFromIssueToRetirementAndNeverComesBack) {
-    const long first = QB::issueId();
-    EXPECT_TRUE(isAlive(first));
-    QB::retireId(first);
-    EXPECT_FALSE(isAlive(first));
-    const long second = QB::issueId();
-    EXPECT_GT(second, first);
-    QB::retireId(second);
-}
-
 TEST(Liveness, AnIdThatWasNeverIssuedAndOneRetiredTwiceAreDead) {
     EXPECT_FALSE(isAlive(-1));
     const long id = QB::issueId();
