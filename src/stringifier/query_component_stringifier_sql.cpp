@@ -49,6 +49,13 @@ std::string usingColumns(const SQLAbstractConditionComponent* condition) {
     return columns ? columns->expression : std::string();
 }
 
+/// @p node as the text of @p component. Null and unknown classes never get here: they have no
+/// range.
+StringifiedNode marked(StringifiedNode node, const AbstractQueryComponent* component) {
+    node.component = component;
+    return node;
+}
+
 StringifiedNode sourceSide(const QBQueryComponentStringifier::SourceChildCallback& sourceChild,
                            int side, int level) {
     return sourceChild ? sourceChild(side, level) : StringifiedNode();
@@ -77,34 +84,51 @@ bool QBQueryComponentStringifier_SQL::keepsTableSchema() const {
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent(
     const AbstractQueryComponent* component, int level, SourceChildCallback sourceChild) {
-    // An unknown class and null give an empty node, which has no range.
-    const auto of = [component](StringifiedNode node) {
-        node.component = component;
-        return node;
-    };
+    // By base class first: a failed cast is dear, and conditions and columns come by the thousand.
+    if (const auto* c = dynamic_cast<const SQLAbstractConditionComponent*>(component))
+        return stringifyAnyCondition(c, level);
+    if (const auto* c = dynamic_cast<const SQLAbstractColumnComponent*>(component))
+        return stringifyAnyColumn(c, level);
+    if (const auto* c = dynamic_cast<const SQLAbstractSourceComponent*>(component))
+        return stringifyAnySource(c, level, std::move(sourceChild));
     if (const auto* c = dynamic_cast<const SQLSelectStmtComponent*>(component))
-        return of(stringifyComponent_SQLSelectStmtComponent(c, level));
-    if (const auto* c = dynamic_cast<const SQLFieldColumnComponent*>(component))
-        return of(stringifyComponent_SQLFieldColumnComponent(c, level));
-    if (const auto* c = dynamic_cast<const SQLAnyExpressionColumnComponent*>(component))
-        return of(stringifyComponent_SQLAnyExpressionColumnComponent(c, level));
-    if (const auto* c = dynamic_cast<const SQLIdentifierSourceComponent*>(component))
-        return of(stringifyComponent_SQLIdentifierSourceComponent(c, level));
-    if (const auto* c = dynamic_cast<const SQLJoinSourceNodeComponent*>(component))
-        return of(stringifyComponent_SQLJoinSourceNodeComponent(c, level, std::move(sourceChild)));
-    if (const auto* c = dynamic_cast<const SQLSubquerySourceComponent*>(component))
-        return of(stringifyComponent_SQLSubquerySourceComponent(c, level));
-    if (const auto* c = dynamic_cast<const SQLBracketedSourceNodeComponent*>(component))
-        return of(
-            stringifyComponent_SQLBracketedSourceNodeComponent(c, level, std::move(sourceChild)));
-    if (const auto* c = dynamic_cast<const SQLAnyExpressionSourceComponent*>(component))
-        return of(stringifyComponent_SQLAnyExpressionSourceComponent(c, level));
-    if (const auto* c = dynamic_cast<const SQLConditionValueComponent*>(component))
-        return of(stringifyComponent_SQLConditionValueComponent(c, level, -1));
-    if (const auto* c = dynamic_cast<const SQLCompareConditionComponent*>(component))
-        return of(stringifyComponent_SQLCompareConditionComponent(c, level));
-    if (const auto* c = dynamic_cast<const SQLBracketedConditionComponent*>(component))
-        return of(stringifyComponent_SQLBracketedConditionComponent(c, level));
+        return marked(stringifyComponent_SQLSelectStmtComponent(c, level), c);
+    return {};
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::stringifyAnyCondition(
+    const SQLAbstractConditionComponent* condition, int level) {
+    if (const auto* c = dynamic_cast<const SQLConditionValueComponent*>(condition))
+        return marked(stringifyComponent_SQLConditionValueComponent(c, level, -1), c);
+    if (const auto* c = dynamic_cast<const SQLCompareConditionComponent*>(condition))
+        return marked(stringifyComponent_SQLCompareConditionComponent(c, level), c);
+    if (const auto* c = dynamic_cast<const SQLBracketedConditionComponent*>(condition))
+        return marked(stringifyComponent_SQLBracketedConditionComponent(c, level), c);
+    return {};
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::stringifyAnyColumn(
+    const SQLAbstractColumnComponent* column, int level) {
+    if (const auto* c = dynamic_cast<const SQLFieldColumnComponent*>(column))
+        return marked(stringifyComponent_SQLFieldColumnComponent(c, level), c);
+    if (const auto* c = dynamic_cast<const SQLAnyExpressionColumnComponent*>(column))
+        return marked(stringifyComponent_SQLAnyExpressionColumnComponent(c, level), c);
+    return {};
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::stringifyAnySource(
+    const SQLAbstractSourceComponent* source, int level, SourceChildCallback side) {
+    if (const auto* c = dynamic_cast<const SQLIdentifierSourceComponent*>(source))
+        return marked(stringifyComponent_SQLIdentifierSourceComponent(c, level), c);
+    if (const auto* c = dynamic_cast<const SQLJoinSourceNodeComponent*>(source))
+        return marked(stringifyComponent_SQLJoinSourceNodeComponent(c, level, std::move(side)), c);
+    if (const auto* c = dynamic_cast<const SQLSubquerySourceComponent*>(source))
+        return marked(stringifyComponent_SQLSubquerySourceComponent(c, level), c);
+    if (const auto* c = dynamic_cast<const SQLBracketedSourceNodeComponent*>(source))
+        return marked(stringifyComponent_SQLBracketedSourceNodeComponent(c, level, std::move(side)),
+                      c);
+    if (const auto* c = dynamic_cast<const SQLAnyExpressionSourceComponent*>(source))
+        return marked(stringifyComponent_SQLAnyExpressionSourceComponent(c, level), c);
     return {};
 }
 
@@ -257,42 +281,45 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLAnyExpres
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLSubquerySourceComponent(
     const SQLSubquerySourceComponent* source, int level) {
-    StringifiedNode node("(");
-    node.append(newlineIndent(level + 1));
+    StringifiedNode node("(" + newlineIndent(level + 1));
     node.append(deferComponent(source->subquery, level + 1));
-    node.append(newlineIndent(level));
-    node.append(")");
+    node.append(newlineIndent(level) + ")");
     appendSourceAlias(node, source->alias);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLBracketedSourceNodeComponent(
     const SQLBracketedSourceNodeComponent* source, int level, SourceChildCallback sourceChild) {
-    StringifiedNode node("(");
-    node.append(newlineIndent(level + 1));
+    StringifiedNode node("(" + newlineIndent(level + 1));
     node.append(sourceSide(sourceChild, 2, level + 1));
-    node.append(newlineIndent(level));
-    node.append(")");
+    node.append(newlineIndent(level) + ")");
     appendSourceAlias(node, source->alias);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLJoinSourceNodeComponent(
     const SQLJoinSourceNodeComponent* join, int level, SourceChildCallback sourceChild) {
-    const std::string newline = newlineIndent(level);
-    const bool isComma = join->joinType == SQLJoinTypeComma;
+    // The rest waits as one deferred node while the left side, which may be long, is written.
     StringifiedNode node;
     node.append(sourceSide(sourceChild, 0, level));
-    node.append((isComma ? "" : newline) + joinKeyword(join) + newline);
-    node.append(sourceSide(sourceChild, 1, level));
+    node.appendDeferred([this, join, level, sourceChild] {
+        return stringifyJoinRest(join, level, sourceSide(sourceChild, 1, level));
+    });
+    return node;
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::stringifyJoinRest(
+    const SQLJoinSourceNodeComponent* join, int level, StringifiedNode rightSide) {
+    const std::string newline = newlineIndent(level);
+    const bool isComma = join->joinType == SQLJoinTypeComma;
+    StringifiedNode node((isComma ? "" : newline) + joinKeyword(join) + newline);
+    node.append(std::move(rightSide));
     if (!join->needsCondition() || !join->hasCondition()) return node;
     if (join->isUsing) {
-        node.append(newline + "USING ");
-        node.append("(" + usingColumns(join->condition) + ")");
+        node.append(newline + "USING (" + usingColumns(join->condition) + ")");
         return node;
     }
-    node.append(newline + "ON ");
-    node.append(newlineIndent(level + 1));
+    node.append(newline + "ON " + newlineIndent(level + 1));
     node.append(deferComponent(join->condition, level + 1));
     return node;
 }

@@ -80,6 +80,16 @@ protected:
     void resetRun() override;
 
 private:
+    // The dispatch: every result is marked with its component.
+    StringifiedNode stringifyAnyCondition(
+        const Component::SQL::SQLAbstractConditionComponent* condition, int level);
+    StringifiedNode stringifyAnyColumn(const Component::SQL::SQLAbstractColumnComponent* column,
+                                       int level);
+    StringifiedNode stringifyAnySource(const Component::SQL::SQLAbstractSourceComponent* source,
+                                       int level, SourceChildCallback side);
+    /// The operator, the right side and what follows it.
+    StringifiedNode stringifyJoinRest(const Component::SQL::SQLJoinSourceNodeComponent* join,
+                                      int level, StringifiedNode rightSide);
     StringifiedNode deferComponent(const Component::AbstractQueryComponent* component, int level);
     StringifiedNode walkSources(const Component::SQL::SourceNode* node, int level);
     StringifiedNode columnList(

@@ -59,9 +59,10 @@ const OperatorText* operatorText(CompareOp op) {
     return &operatorTexts[op - CompareOpNone];
 }
 
+/// What stands before every condition.
 StringifiedNode startOf(const SQLAbstractConditionComponent* condition) {
-    StringifiedNode node;
-    if (condition->negated) node.append("NOT ");
+    StringifiedNode node(condition->negated ? "NOT " : "");
+    node.children.reserve(5);  // what a comparison needs, the longest of them
     return node;
 }
 
@@ -99,8 +100,7 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyNextCondition(
     const SQLAbstractConditionComponent* condition, int level) {
     StringifiedNode node;
     if (!condition->next) return node;
-    node.append(" " + logicText(condition->next->logicGate));
-    node.append(newlineIndent(level));
+    node.setText(" " + logicText(condition->next->logicGate) + newlineIndent(level));
     node.append(deferComponent(condition->next, level));
     return node;
 }
@@ -108,11 +108,9 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyNextCondition(
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLBracketedConditionComponent(
     const SQLBracketedConditionComponent* condition, int level) {
     StringifiedNode node = startOf(condition);
-    node.append("(");
-    node.append(newlineIndent(level + 1));
+    node.append("(" + newlineIndent(level + 1));
     node.append(deferComponent(condition->inner, level + 1));
-    node.append(newlineIndent(level));
-    node.append(")");
+    node.append(newlineIndent(level) + ")");
     node.append(stringifyNextCondition(condition, level));
     return node;
 }

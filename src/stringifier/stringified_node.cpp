@@ -61,11 +61,10 @@ public:
     std::string run(StringifiedNode root) {
         open(std::move(root));
         while (!m_open.empty()) {
-            OpenNode& top = m_open.back();
-            if (top.next == top.children.size()) {
+            if (m_open.back().next == m_open.back().children.size()) {
                 close();
             } else {
-                open(std::move(top.children[top.next++]));
+                open(takeNextChild());
             }
         }
         return std::move(m_text);
@@ -84,6 +83,20 @@ private:
             node = StringifiedNode::Producer(std::move(node.producer))();
         m_open.push_back({std::move(node.children), 0, m_text.size(), node.component});
         m_text += node.text;
+    }
+
+    StringifiedNode takeNextChild() {
+        OpenNode& top = m_open.back();
+        StringifiedNode child = std::move(top.children[top.next++]);
+        if (top.next < top.children.size()) return child;
+        // Each link of a chain is the last child of the one before: what is written of them goes
+        // now, and only what still needs a range stays open until the chain ends.
+        if (top.component) {
+            top = {{}, 0, top.start, top.component};
+        } else {
+            m_open.pop_back();
+        }
+        return child;
     }
 
     void close() {
