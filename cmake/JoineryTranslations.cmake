@@ -1,6 +1,7 @@
 # Translations: resources/i18n/<catalogue>_<language>.ts become resources ":/i18n/....qm" of a
 # target. To add a language, name it here, build the target update_translations, and translate the
-# new .ts files (Qt Linguist, or any editor).
+# new .ts files (Qt Linguist, or any editor). The sources are English, so English has only the texts
+# with plural forms: it is updated where resources/i18n/<catalogue>_en.ts exists.
 set(JOINERY_LANGUAGES de)
 
 # joinery_add_translations(<target> <catalogue> <file or folder>...)
@@ -13,10 +14,12 @@ function(joinery_add_translations target catalogue)
     set(qm_files "")
     set(ts_files "")
     set(entries "")
-    foreach(language ${JOINERY_LANGUAGES})
+    foreach(language ${JOINERY_LANGUAGES} en)
         set(stem ${catalogue}_${language})
         set(ts ${CMAKE_SOURCE_DIR}/resources/i18n/${stem}.ts)
-        list(APPEND ts_files ${ts})
+        if(NOT language STREQUAL en)
+            list(APPEND ts_files ${ts})
+        endif()
         if(EXISTS ${ts})
             add_custom_command(OUTPUT ${folder}/${stem}.qm DEPENDS ${ts}
                 COMMAND Qt5::lrelease -silent -nounfinished ${ts} -qm ${folder}/${stem}.qm)
@@ -35,7 +38,13 @@ function(joinery_add_translations target catalogue)
         SKIP_AUTOGEN ON SKIP_PRECOMPILE_HEADERS ON
         COMPILE_OPTIONS "-Wno-conversion;-Wno-sign-conversion")
 
-    add_custom_target(update_${name}_translations
+    set(english ${CMAKE_SOURCE_DIR}/resources/i18n/${catalogue}_en.ts)
+    set(update_english "")
+    if(EXISTS ${english})
+        set(update_english COMMAND Qt5::lupdate -silent -locations none -no-obsolete -pluralonly
+            -extensions h,cpp,inc,ui ${ARGN} -ts ${english})
+    endif()
+    add_custom_target(update_${name}_translations ${update_english}
         COMMAND Qt5::lupdate -silent -locations none -no-obsolete -extensions h,cpp,inc,ui ${ARGN}
                 -ts ${ts_files}
         WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} COMMENT "Collecting the texts of ${catalogue}")

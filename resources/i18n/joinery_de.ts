@@ -95,5 +95,57 @@
         <source>Loading...</source>
         <translation>Wird geladen ...</translation>
     </message>
+    <message>
+        <source>The host kit cannot connect to %s yet.</source>
+        <translation>Das Host-Kit kann noch keine Verbindung zu %s herstellen.</translation>
+    </message>
+    <message>
+        <source>No database file is given.</source>
+        <translation>Es ist keine Datenbankdatei angegeben.</translation>
+    </message>
+    <message>
+        <source>There is no file %s.</source>
+        <translation>Die Datei %s gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>%s is a folder, not a database file.</source>
+        <translation>%s ist ein Ordner, keine Datenbankdatei.</translation>
+    </message>
+    <message>
+        <source>%s is not a regular file.</source>
+        <translation>%s ist keine gewöhnliche Datei.</translation>
+    </message>
+    <message>
+        <source>%s cannot be read: permission denied.</source>
+        <translation>%s kann nicht gelesen werden: Zugriff verweigert.</translation>
+    </message>
+    <message>
+        <source>Cannot open %s: %s</source>
+        <translation>%s kann nicht geöffnet werden: %s</translation>
+    </message>
+    <message>
+        <source>The database is closed.</source>
+        <translation>Die Datenbank ist geschlossen.</translation>
+    </message>
+    <message>
+        <source>The server gave no reason.</source>
+        <translation>Der Server hat keinen Grund genannt.</translation>
+    </message>
+    <message>
+        <source>Cannot read the database objects: %s</source>
+        <translation>Die Datenbankobjekte können nicht gelesen werden: %s</translation>
+    </message>
+    <message>
+        <source>There is no statement to run.</source>
+        <translation>Es gibt keine Anweisung zum Ausführen.</translation>
+    </message>
+    <message>
+        <source>The statement was stopped after %d ms.</source>
+        <translation>Die Anweisung wurde nach %d ms angehalten.</translation>
+    </message>
+    <message>
+        <source>The statement left a transaction open; it was rolled back.</source>
+        <translation>Die Anweisung ließ eine Transaktion offen; sie wurde zurückgerollt.</translation>
+    </message>
 </context>
 </TS>

@@ -15,8 +15,10 @@ ACCESS_KEY = re.compile(r"&(?=[^&\s])")
 
 
 def read_texts(ts):
-    """{(context, source, comment): [translations]}; a text without a finished one has []."""
-    texts = {}
+    """{(context, source, comment): [translations]}, and the keys that have plural forms.
+
+    A text without a finished translation has []."""
+    texts, plurals = {}, set()
     for context in xml.parse(ts).getroot().iter("context"):
         for message in context.iter("message"):
             key = (context.findtext("name"), message.findtext("source"),
@@ -26,7 +28,8 @@ def read_texts(ts):
             forms = forms or [translation.text or ""]
             is_done = "type" not in translation.attrib and all(forms)
             texts[key] = forms if is_done else []
-    return texts
+            if message.get("numerus") == "yes": plurals.add(key)
+    return texts, plurals
 
 
 def access_keys(text):
@@ -74,12 +77,15 @@ def main(root, lupdate, *catalogues):
     faults = []
     for catalogue in catalogues:
         name, _, sources = catalogue.partition("=")
-        current = current_texts(root, lupdate, sources.split(","))
+        current, plurals = current_texts(root, lupdate, sources.split(","))
         if not current: faults.append(f"{name}: lupdate finds no text in {sources}")
         translations = sorted(Path(root, "resources/i18n").glob(f"{name}_??.ts"))
         if not translations: faults.append(f"{name}: has no translation")
+        if plurals and Path(root, f"resources/i18n/{name}_en.ts") not in translations:
+            faults.append(f"{name}: has texts with plural forms, so it needs {name}_en.ts")
         for ts in translations:
-            faults += [f"{ts.name}: {fault}" for fault in faults_of(read_texts(ts), current)]
+            wanted = plurals if ts.stem.endswith("_en") else current
+            faults += [f"{ts.name}: {fault}" for fault in faults_of(read_texts(ts)[0], wanted)]
     print("\n".join(faults) or f"{len(catalogues)} catalogues are complete")
     return bool(faults)
 

@@ -10,8 +10,9 @@ namespace {
 
 const char* const translatorName = "joinery translation";
 
-/// "de" for German in any country.
+/// "de" for German in any country; the texts without a locale are English, too.
 QString codeOf(const QLocale& locale) {
+    if (locale.language() == QLocale::C) return QStringLiteral("en");
     return locale.name().section(QLatin1Char('_'), 0, 0);
 }
 
@@ -38,17 +39,18 @@ void install(const QString& catalogue) {
 
 bool setLanguage(const QLocale& locale) {
     removeTranslators();
-    if (locale.language() == QLocale::English || locale.language() == QLocale::C) return true;
-    const QStringList found = catalogues(codeOf(locale));
+    const QString language = codeOf(locale);
+    const QStringList found = catalogues(language);
     for (const QString& catalogue : found)
         install(catalogue);
-    return !found.isEmpty();
+    return language == QLatin1String("en") || !found.isEmpty();
 }
 
 QStringList translatedLanguages() {
     QSet<QString> languages;
     for (const QString& name : catalogues(QStringLiteral("*")))
         languages.insert(name.section(QLatin1Char('_'), -1).section(QLatin1Char('.'), 0, 0));
+    languages.remove(QStringLiteral("en"));
     QStringList sorted(languages.begin(), languages.end());
     sorted.sort();
     return sorted;

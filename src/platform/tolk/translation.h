@@ -12,7 +12,7 @@ namespace Tolk {
 /// QEvent::LanguageChange.
 ///
 /// Looks for the resources ":/i18n/joinery*_<language>.qm"; joinery_add_translations in
-/// cmake/JoineryTranslations.cmake makes them. English needs none.
+/// cmake/JoineryTranslations.cmake makes them. English has one only for texts with plural forms.
 /// Returns: false if there is no translation into that language; the texts then are English.
 /// Ownership: the translators belong to the application object, which must exist.
 /// Thread: main.
