@@ -179,7 +179,7 @@ INSERT INTO customer (id, first_name, last_name, email, born_on, recommended_by,
 SELECT i + 1, first_names.name, last_names.name,
        CASE WHEN i % 9 <> 4 THEN printf('kunde%03d@example.org', i + 1) END,
        CASE WHEN i % 5 <> 2 THEN date('1950-01-01', (i * 197 % 20000) || ' days') END,
-       CASE WHEN i % 3 = 1 THEN 1 + i * 7 % i END,
+       CASE WHEN i % 3 = 1 THEN 1 + i * 61 % 89 % i END,
        CASE i % 20
            WHEN 3 THEN 'prefers bikes with a low step'
            WHEN 11 THEN 'Rechnung an die Firma, bitte mit Kostenstelle'
@@ -200,15 +200,16 @@ WITH RECURSIVE
     ride AS (
         SELECT i, 1 + i * 29 % 72 AS bike_id, 1 + i * 53 % 120 AS customer_id,
                datetime('2024-03-01 06:10:00', (i * 407 + i * i % 211) || ' minutes') AS started_at,
-               4 + i * 17 % 83 AS minutes
+               4 + i * 17 % 83 AS minutes,
+               replace(1 + i * i % 31 % 10, 7, 1) AS from_id, replace(1 + i * 3 % 10, 7, 2) AS to_id
         FROM n
     )
 INSERT INTO rental (id, bike_id, customer_id, tariff_id, from_station_id, to_station_id,
                     started_at, ended_at, distance_km)
 SELECT i, bike_id, customer_id,
        CASE WHEN bike_model.kind = 'cargo' THEN 4 ELSE 1 + customer_id % 3 END,
-       1 + i * 3 % 10,
-       CASE WHEN i <= 633 THEN 1 + (i * 3 + i % 4) % 10 END,
+       from_id,
+       CASE WHEN i <= 633 THEN to_id END,
        started_at,
        CASE WHEN i <= 633 THEN datetime(started_at, minutes || ' minutes') END,
        CASE WHEN i <= 633 AND i % 31 <> 0 THEN round(minutes * (0.12 + i % 7 * 0.02), 1) END

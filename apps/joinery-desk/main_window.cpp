@@ -1,0 +1,408 @@
+#include "apps/joinery-desk/main_window.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPointer>
+#include <QPushButton>
+#include <QSettings>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTreeWidget>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "apps/joinery-desk/language.h"
+#include "apps/joinery-desk/message_bar.h"
+#include "apps/joinery-desk/result_grid.h"
+#include "apps/joinery-desk/sample_database.h"
+#include "apps/joinery-desk/window_actions.h"
+#include "apps/joinery-desk/workspace.h"
+#include "diagrampanel/diagram_object_tree_panel_widget.h"
+#include "frame/highlighting_query_preview_panel_widget.h"
+#include "frame/query_builder_widget.h"
+#include "hostkit/threads.h"
+
+namespace QB::Desk {
+namespace {
+
+constexpr int noteMs = 6000;  // how long the status bar tells of something done
+
+const char* const geometryKey = "window/geometry";
+const char* const themeKey = "view/theme";
+const char* const languageKey = "view/language";
+const char* const rowLimitKey = "result/rowLimit";
+
+QString splitterKey(const QSplitter* splitter) {
+    return QStringLiteral("splitters/") + splitter->objectName();
+}
+
+/// Shares of the panes in a window that nobody has arranged yet.
+QList<int> firstSizes(const QSplitter* splitter) {
+    if (splitter->count() == 3) return {240, 600, 360};
+    return {460, 300};
+}
+
+/// The one local file of a drag; empty if it brings something else.
+QString draggedFile(const QMimeData* data) {
+    const QList<QUrl> urls = data->urls();
+    return urls.size() == 1 ? urls.first().toLocalFile() : QString();
+}
+
+void check(const QActionGroup* group, const QString& data) {
+    const QList<QAction*> actions = group->actions();
+    for (QAction* action : actions)
+        if (action->data().toString() == data) action->setChecked(true);
+}
+
+}  // namespace
+
+MainWindow::MainWindow(QSettings* settings, const QString& sampleFile, QWidget* parent)
+    : QMainWindow(parent)
+    , m_settings(settings)
+    , m_sampleFile(sampleFile)
+    , m_recentFiles(settings)
+    , m_actions(new WindowActions(this))
+    , m_builder(new QBQueryBuilderWidget)
+    , m_grid(new ResultGrid)
+    , m_messageBar(new MessageBar)
+    , m_splitter(new QSplitter(Qt::Vertical)) {
+    setAcceptDrops(true);
+    setUpContent();
+    setUpBuilder();
+    connectActions();
+    connect(m_grid, &ResultGrid::runningChanged, this, &MainWindow::updateActions);
+    HostKit::setErrorHandler(
+        [this](const std::string& text) { showError(QString::fromStdString(text)); });
+    restoreState();
+    updateRecentFiles();
+    retranslate();
+    updateActions();
+}
+
+MainWindow::~MainWindow() {
+    HostKit::setErrorHandler(nullptr);
+    delete m_builder;
+}
+
+void MainWindow::setUpContent() {
+    m_splitter->setObjectName(QStringLiteral("windowSplitter"));
+    m_splitter->setChildrenCollapsible(false);
+    m_splitter->addWidget(m_builder);
+    m_splitter->addWidget(m_grid);
+    m_splitter->setStretchFactor(0, 3);
+    m_splitter->setStretchFactor(1, 2);
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_messageBar);
+    layout->addWidget(m_splitter, 1);
+    setCentralWidget(content);
+    setStatusBar(m_grid->footLine());
+}
+
+void MainWindow::setUpBuilder() {
+    m_builder->setQueryPreviewPanel(new QBHighlightingQueryPreviewPanelWidget);
+    // The builder is no dialog here: there is nothing that this button could close.
+    if (auto* box = m_builder->findChild<QDialogButtonBox*>())
+        box->button(QDialogButtonBox::Cancel)->hide();
+    connect(m_builder, &QBQueryBuilderWidget::okDialogButtonClicked, this, &MainWindow::takeQuery);
+    connect(objectTree(), &QBDiagramObjectTreePanelWidget::signalTreeSettled, this,
+            &MainWindow::showDefaultSchema);
+}
+
+void MainWindow::connectActions() {
+    const auto on = [this](const QAction* action, void (MainWindow::*what)()) {
+        connect(action, &QAction::triggered, this, what);
+    };
+    on(m_actions->open, &MainWindow::chooseFile);
+    on(m_actions->openSample, &MainWindow::openSample);
+    on(m_actions->newQuery, &MainWindow::startQuery);
+    on(m_actions->run, &MainWindow::runQuery);
+    on(m_actions->copyText, &MainWindow::copyQuery);
+    on(m_actions->about, &MainWindow::showAbout);
+    connect(m_actions->quit, &QAction::triggered, this, &QWidget::close);
+    connect(m_actions->stop, &QAction::triggered, m_grid, &ResultGrid::cancel);
+    connect(m_actions->reload, &QAction::triggered, this,
+            [this] { m_workspace->session()->reloadCandidates(); });
+    connect(m_actions, &WindowActions::recentFileTriggered, this, &MainWindow::openFile);
+    connect(m_actions->clearRecent, &QAction::triggered, this, [this] {
+        m_recentFiles.clear();
+        updateRecentFiles();
+    });
+    connect(m_actions->themes, &QActionGroup::triggered, this, [this](const QAction* action) {
+        m_settings->setValue(QLatin1String(themeKey), action->data());
+        setTheme(themeOfName(action->data().toString()));
+    });
+    connect(m_actions->languages, &QActionGroup::triggered, this, [this](const QAction* action) {
+        m_settings->setValue(QLatin1String(languageKey), action->data());
+        setLanguage(action->data().toString());
+    });
+}
+
+QBDiagramObjectTreePanelWidget* MainWindow::objectTree() const {
+    return m_builder->findChild<QBDiagramObjectTreePanelWidget*>();
+}
+
+// ---- Opening
+
+void MainWindow::chooseFile() {
+    const QString folder = QFileInfo(m_recentFiles.files().value(0)).absolutePath();
+    const QString file = QFileDialog::getOpenFileName(
+        this, tr("Open Database"), folder,
+        tr("SQLite databases (*.sqlite *.sqlite3 *.db *.db3);;All files (*)"));
+    if (!file.isEmpty()) openFile(file);
+}
+
+void MainWindow::openSample() {
+    const QString error = ensureSampleDatabase(m_sampleFile);
+    if (error.isEmpty()) return openFile(m_sampleFile);
+    showError(error);
+    Q_EMIT openFailed(error);
+}
+
+void MainWindow::openLast() {
+    const QString last = m_recentFiles.files().value(0);
+    if (last.isEmpty() || !QFileInfo::exists(last)) return openSample();
+    openFile(last);
+}
+
+void MainWindow::openFile(const QString& file) {
+    if (!confirmDiscard()) return;
+    // Nothing is ever written: the builder makes SELECT statements only.
+    auto settings = HostKit::ConnectionSettings::sqliteFile(QFileInfo(file).absoluteFilePath());
+    settings.readOnly = true;
+    m_isOpening = true;
+    statusBar()->showMessage(tr("Opening \"%1\"…").arg(settings.displayName()));
+    const int number = ++m_openNumber;
+    HostKit::Database::openInBackground(
+        settings, [window = QPointer(this), number, path = settings.databaseFile](
+                      const HostKit::Database& database, const QString& error) {
+            if (window && number == window->m_openNumber)
+                window->finishOpening(path, database, error);
+        });
+}
+
+void MainWindow::finishOpening(const QString& file, const HostKit::Database& database,
+                               const QString& error) {
+    m_isOpening = false;
+    statusBar()->clearMessage();
+    if (error.isEmpty()) {
+        m_recentFiles.add(file);
+        adopt(database);
+    } else {
+        if (!QFileInfo::exists(file)) m_recentFiles.remove(file);
+        showError(error);
+    }
+    updateRecentFiles();
+    if (error.isEmpty()) return Q_EMIT databaseOpened();
+    Q_EMIT openFailed(error);
+}
+
+void MainWindow::adopt(const HostKit::Database& database) {
+    const std::unique_ptr<Workspace> earlier = std::move(m_workspace);
+    m_workspace = std::make_unique<Workspace>(database);
+    m_isSchemaLoaded = false;
+    m_isSchemaExpanded = false;
+    m_isQueryUnsaved = false;
+    m_messageBar->hide();
+    m_grid->setDatabase(database);
+    m_builder->setEngine(m_workspace->engine());
+    connectEngine();
+    m_workspace->connect();
+    updateTitle();
+    updateActions();
+}
+
+void MainWindow::connectEngine() {
+    using Emitter = QBEngineSignalEmitter;
+    const Emitter* emitter = m_workspace->engine()->signalEmitter();
+    connect(emitter, &Emitter::topLevelQueryComponentElementModified, this,
+            [this](QBEngine*, const QSet<TopLevelQueryComponentElementEnum>& elements) {
+                m_isQueryUnsaved = true;
+                if (elements.contains(ElementSource)) Q_EMIT sourcesChanged();
+            });
+    connect(emitter, &Emitter::identifierCandidateChildrenUpdateEnded, this,
+            [this](QBEngine*, const QBIdentifierCandidate* candidate) {
+                if (candidate && candidate == m_workspace->defaultSchemaCandidate())
+                    m_isSchemaLoaded = true;
+            });
+}
+
+/// A newcomer wants to see tables, not a closed schema.
+void MainWindow::showDefaultSchema() {
+    if (!m_workspace || m_isSchemaExpanded) return;
+    const auto* tree = objectTree()->findChild<QTreeWidget*>();
+    const QList<QTreeWidgetItem*> found =
+        tree->findItems(m_workspace->defaultSchema(), Qt::MatchExactly);
+    if (found.isEmpty()) return;
+    m_isSchemaExpanded = true;
+    found.first()->setExpanded(true);
+}
+
+bool MainWindow::isDatabaseShown() const {
+    return m_isSchemaLoaded && objectTree()->isSettled();
+}
+
+bool MainWindow::confirmDiscard() {
+    if (!m_isQueryUnsaved) return true;
+    const auto answer = QMessageBox::question(
+        this, tr("Discard the query?"),
+        tr("The query has been changed since its text was last copied or run. Discard it?"),
+        QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Cancel);
+    return answer == QMessageBox::Discard;
+}
+
+// ---- The query
+
+void MainWindow::startQuery() {
+    if (!m_workspace || !confirmDiscard()) return;
+    adopt(m_workspace->database());
+}
+
+void MainWindow::runQuery() {
+    if (m_workspace) takeQuery(QString::fromStdString(m_workspace->engine()->buildQuery()), true);
+}
+
+void MainWindow::copyQuery() {
+    if (m_workspace) takeQuery(QString::fromStdString(m_workspace->engine()->buildQuery()), false);
+}
+
+void MainWindow::takeQuery(const QString& text, bool run) {
+    if (!confirmIncompleteQuery()) return;
+    m_isQueryUnsaved = false;
+    if (run) return m_grid->run(text);
+    QApplication::clipboard()->setText(text);
+    showNote(tr("The SQL text is on the clipboard."));
+}
+
+bool MainWindow::confirmIncompleteQuery() {
+    if (!m_builder->needShowBuildWarning()) return true;
+    const auto answer = QMessageBox::warning(
+        this, tr("The query is not complete"),
+        tr("Some parts of the query are marked as incomplete, so the server may refuse it. "
+           "Carry on?"),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    return answer == QMessageBox::Yes;
+}
+
+// ---- What the user sees of it
+
+void MainWindow::showError(const QString& text) {
+    m_messageBar->show(MessageBar::Kind::Error, text);
+}
+
+void MainWindow::showNote(const QString& text) {
+    statusBar()->showMessage(text, noteMs);
+}
+
+void MainWindow::updateTitle() {
+    const QString program = QStringLiteral("Joinery");
+    setWindowTitle(
+        m_workspace ? tr("%1 – %2").arg(m_workspace->database().settings().displayName(), program)
+                    : program);
+}
+
+void MainWindow::updateActions() {
+    const bool hasDatabase = m_workspace != nullptr;
+    for (QAction* action :
+         {m_actions->newQuery, m_actions->run, m_actions->copyText, m_actions->reload})
+        action->setEnabled(hasDatabase);
+    m_actions->stop->setEnabled(m_grid->isRunning());
+}
+
+void MainWindow::updateRecentFiles() {
+    m_actions->setRecentFiles(m_recentFiles.files());
+}
+
+void MainWindow::showAbout() {
+    QMessageBox::about(this, tr("About Joinery"),
+                       tr("Joinery %1\n\nComposes SQL queries: pick tables, watch the text grow, "
+                          "run it.")
+                           .arg(QLatin1String(JOINERY_VERSION)));
+}
+
+void MainWindow::setTheme(Theme theme) {
+    check(m_actions->themes, nameOfTheme(theme));
+    m_themeSwitcher.apply(theme);
+}
+
+void MainWindow::setLanguage(const QString& code) {
+    check(m_actions->languages, code);
+    applyLanguage(code);
+}
+
+void MainWindow::retranslate() {
+    m_actions->retranslate();
+    m_builder->setAccessibleName(tr("Query builder"));
+    updateTitle();
+}
+
+// ---- State
+
+void MainWindow::restoreState() {
+    resize(1200, 800);
+    restoreGeometry(m_settings->value(QLatin1String(geometryKey)).toByteArray());
+    const auto splitters = findChildren<QSplitter*>();
+    for (QSplitter* splitter : splitters) {
+        const bool isRestored =
+            splitter->restoreState(m_settings->value(splitterKey(splitter)).toByteArray());
+        if (!isRestored) splitter->setSizes(firstSizes(splitter));
+    }
+    m_grid->setRowLimit(m_settings->value(QLatin1String(rowLimitKey), m_grid->rowLimit()).toInt());
+    setTheme(themeOfName(m_settings->value(QLatin1String(themeKey)).toString()));
+    setLanguage(m_settings->value(QLatin1String(languageKey)).toString());
+}
+
+void MainWindow::saveState() {
+    m_settings->setValue(QLatin1String(geometryKey), saveGeometry());
+    const auto splitters = findChildren<QSplitter*>();
+    for (const QSplitter* splitter : splitters)
+        m_settings->setValue(splitterKey(splitter), splitter->saveState());
+    m_settings->setValue(QLatin1String(rowLimitKey), m_grid->rowLimit());
+}
+
+// ---- Events
+
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) retranslate();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!confirmDiscard()) return event->ignore();
+    m_isQueryUnsaved = false;
+    saveState();
+    QMainWindow::closeEvent(event);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (draggedFile(event->mimeData()).isEmpty()) return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    const QString file = draggedFile(event->mimeData());
+    if (file.isEmpty()) return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    openFile(file);
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+    // No shortcut: in the object tree this key refreshes, and two claims would cancel out.
+    if (event->key() == Qt::Key_F5 && event->modifiers() == Qt::NoModifier) return runQuery();
+    QMainWindow::keyPressEvent(event);
+}
+
+}  // namespace QB::Desk

@@ -1,0 +1,87 @@
+#include "apps/joinery-desk/message_bar.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QScopedValueRollback>
+#include <QStyle>
+#include <QToolButton>
+
+#include "model/callbacks.h"
+
+namespace QB::Desk {
+namespace {
+
+QColor background(MessageBar::Kind kind) {
+    const bool isDark = Callback::isDarkTheme();
+    if (kind == MessageBar::Kind::Error) return isDark ? QColor(0x542a2c) : QColor(0xfde8e6);
+    return isDark ? QColor(0x263f5c) : QColor(0xe4effb);
+}
+
+}  // namespace
+
+MessageBar::MessageBar(QWidget* parent)
+    : QFrame(parent), m_icon(new QLabel), m_text(new QLabel), m_close(new QToolButton) {
+    setObjectName(QStringLiteral("messageBar"));
+    setAutoFillBackground(true);
+    setFrameShape(QFrame::StyledPanel);
+    m_text->setObjectName(QStringLiteral("messageText"));
+    m_text->setTextFormat(Qt::PlainText);
+    m_text->setWordWrap(true);
+    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_close->setAutoRaise(true);
+    m_close->setFocusPolicy(Qt::StrongFocus);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(8, 4, 4, 4);
+    layout->addWidget(m_icon, 0, Qt::AlignTop);
+    layout->addWidget(m_text, 1);
+    layout->addWidget(m_close, 0, Qt::AlignTop);
+    connect(m_close, &QToolButton::clicked, this, &QWidget::hide);
+    retranslate();
+    hide();
+}
+
+void MessageBar::show(Kind kind, const QString& text) {
+    m_kind = kind;
+    m_text->setText(text);
+    color();
+    setVisible(!text.isEmpty());
+}
+
+QString MessageBar::text() const {
+    return isHidden() ? QString() : m_text->text();
+}
+
+void MessageBar::color() {
+    const QScopedValueRollback<bool> guard(m_isColoring, true);
+    QPalette colors;
+    colors.setColor(QPalette::Window, background(m_kind));
+    setPalette(colors);
+    const auto icon =
+        m_kind == Kind::Error ? QStyle::SP_MessageBoxCritical : QStyle::SP_MessageBoxInformation;
+    const int side = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+    m_icon->setPixmap(style()->standardIcon(icon, nullptr, this).pixmap(side));
+    m_close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton, nullptr, this));
+    setAccessibleName(m_kind == Kind::Error ? tr("Error") : tr("Note"));
+}
+
+void MessageBar::retranslate() {
+    m_close->setToolTip(tr("Close this message"));
+    m_close->setAccessibleName(tr("Close this message"));
+}
+
+void MessageBar::changeEvent(QEvent* event) {
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) retranslate();
+    const bool isNewLook =
+        event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange;
+    if (isNewLook && !m_isColoring) color();
+}
+
+void MessageBar::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) return hide();
+    QFrame::keyPressEvent(event);
+}
+
+}  // namespace QB::Desk

@@ -1,0 +1,139 @@
+#include "apps/joinery-desk/scripted_start.h"
+
+#include <QApplication>
+#include <QPixmap>
+#include <QTreeWidget>
+#include <utility>
+
+#include "apps/joinery-desk/main_window.h"
+#include "apps/joinery-desk/result_grid.h"
+#include "apps/joinery-desk/workspace.h"
+#include "diagrampanel/diagram_object_tree_panel_widget.h"
+#include "frame/abstract_query_preview_panel_widget.h"
+#include "frame/query_builder_widget.h"
+
+namespace QB::Desk {
+namespace {
+
+constexpr int pollMs = 20;
+constexpr int loadingRole = Qt::UserRole + 2;
+
+QTreeWidgetItem* childNamed(const QTreeWidgetItem* parent, const QString& name) {
+    for (int i = 0; i < parent->childCount(); ++i)
+        if (parent->child(i)->text(0) == name) return parent->child(i);
+    for (int i = 0; i < parent->childCount(); ++i)
+        if (parent->child(i)->text(0).compare(name, Qt::CaseInsensitive) == 0)
+            return parent->child(i);
+    return nullptr;
+}
+
+}  // namespace
+
+ScriptedStart::ScriptedStart(MainWindow* window, const CommandLine& options)
+    : m_window(window), m_deadlineMs(options.deadlineMs) {
+    connect(window, &MainWindow::openFailed, this,
+            [this](const QString& message) { m_openError = message; });
+    connect(window, &MainWindow::sourcesChanged, this, [this] { ++m_sourceChanges; });
+    m_steps.push_back([this] { return waitForDatabase(); });
+    for (const QString& table : options.tables)
+        planAdding(table);
+    m_steps.push_back([this] { return waitForPreview(); });
+    if (options.run) planRun();
+    if (!options.screenshot.isEmpty()) planPicture(options.screenshot);
+    connect(&m_timer, &QTimer::timeout, this, &ScriptedStart::poll);
+    m_clock.start();
+    m_timer.start(pollMs);
+}
+
+void ScriptedStart::poll() {
+    while (!m_steps.empty()) {
+        const Progress progress = m_steps.front()();
+        if (progress == Progress::Failed) return end();
+        if (progress == Progress::Wait) break;
+        m_steps.pop_front();
+    }
+    if (m_steps.empty()) return end();
+    if (m_clock.elapsed() < m_deadlineMs) return;
+    fail(ExitDeadline, tr("The deadline of %1 s has passed.").arg(m_deadlineMs / 1000));
+    end();
+}
+
+void ScriptedStart::end() {
+    m_timer.stop();
+    Q_EMIT finished(m_exitCode, m_message);
+}
+
+ScriptedStart::Progress ScriptedStart::fail(ExitCode code, const QString& message) {
+    m_exitCode = code;
+    m_message = message;
+    return Progress::Failed;
+}
+
+ScriptedStart::Progress ScriptedStart::waitForDatabase() {
+    if (!m_openError.isEmpty()) return fail(ExitNoDatabase, m_openError);
+    return m_window->isDatabaseShown() ? Progress::Done : Progress::Wait;
+}
+
+void ScriptedStart::planAdding(const QString& table) {
+    m_steps.push_back([this, table] { return addTable(table); });
+    m_steps.push_back(
+        [this] { return m_sourceChanges >= m_awaitedChanges ? Progress::Done : Progress::Wait; });
+}
+
+/// The row of a table in the default schema, or of "schema.table".
+QTreeWidgetItem* ScriptedStart::findTable(const QString& table, bool* isLoading) const {
+    const auto* tree = m_window->objectTree()->findChild<QTreeWidget*>();
+    const QTreeWidgetItem* root = tree->invisibleRootItem();
+    const QTreeWidgetItem* schema = childNamed(root, m_window->workspace()->defaultSchema());
+    if (QTreeWidgetItem* row = schema ? childNamed(schema, table) : nullptr) return row;
+    const int dot = table.indexOf(QLatin1Char('.'));
+    QTreeWidgetItem* other = dot < 0 ? nullptr : childNamed(root, table.left(dot));
+    if (!other) return nullptr;
+    *isLoading = !other->isExpanded() || other->data(0, loadingRole).toBool() ||
+                 !m_window->objectTree()->isSettled();
+    other->setExpanded(true);
+    return childNamed(other, table.mid(dot + 1));
+}
+
+ScriptedStart::Progress ScriptedStart::addTable(const QString& table) {
+    bool isLoading = false;
+    QTreeWidgetItem* row = findTable(table, &isLoading);
+    if (!row && isLoading) return Progress::Wait;
+    if (!row) return fail(ExitNoTable, tr("There is no table or view \"%1\".").arg(table));
+    m_awaitedChanges = m_sourceChanges + 1;
+    m_window->objectTree()->on_diagramPaneObjectTreeWidget_itemDoubleClicked(row, 0);
+    return Progress::Done;
+}
+
+void ScriptedStart::planRun() {
+    connect(m_window->resultGrid(), &ResultGrid::ended, this, [this](const QString& error) {
+        m_hasRunEnded = true;
+        m_runError = error;
+    });
+    m_steps.push_back([this] {
+        m_window->runQuery();
+        return Progress::Done;
+    });
+    m_steps.push_back([this] { return m_hasRunEnded ? Progress::Done : Progress::Wait; });
+    // A failure is told at the end, so that the picture shows it, too.
+    m_steps.push_back([this] {
+        if (!m_runError.isEmpty()) fail(ExitQueryFailed, m_runError);
+        return Progress::Done;
+    });
+}
+
+void ScriptedStart::planPicture(const QString& file) {
+    m_steps.push_back([this, file] {
+        if (m_window->grab().save(file)) return Progress::Done;
+        return fail(ExitNoImage, tr("The picture \"%1\" could not be written.").arg(file));
+    });
+}
+
+ScriptedStart::Progress ScriptedStart::waitForPreview() {
+    auto* preview = m_window->builder()->queryPreviewPanel();
+    preview->updatePreviewQuery();
+    const bool isShown = !preview->needsUpdateQuery() && preview->isEnabled();
+    return isShown && m_window->objectTree()->isSettled() ? Progress::Done : Progress::Wait;
+}
+
+}  // namespace QB::Desk

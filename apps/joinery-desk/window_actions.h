@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QVector>
+#include <utility>
+
+class QAction;
+class QActionGroup;
+class QMainWindow;
+class QMenu;
+
+namespace QB::Desk {
+
+/// The menus of the window. What an action does is connected by the window. Main thread.
+class WindowActions : public QObject {
+    Q_OBJECT
+
+public:
+    /// @param window owns all of it.
+    explicit WindowActions(QMainWindow* window);
+
+    void retranslate();
+    /// Fills the menu of recent files; the data of each action is the file.
+    void setRecentFiles(const QStringList& files);
+
+    // All owned by the window.
+    QAction *open, *openSample, *reload, *quit;
+    QAction *newQuery, *run, *stop, *copyText;
+    QAction* about;
+    QMenu* recent;
+    QAction* clearRecent;
+    QActionGroup* themes;     ///< data: the theme's name
+    QActionGroup* languages;  ///< data: the language's code, empty for the system's
+
+Q_SIGNALS:
+    void recentFileTriggered(const QString& file);
+
+private:
+    QAction* add(QMenu* menu, const char* text, const QKeySequence& keys = QKeySequence());
+    QMenu* addMenu(QMenu* parent, const char* text);
+    void addChoice(QMenu* menu, QActionGroup* group, const char* text, const QString& data);
+    void addLanguages(QMenu* menu);
+
+    QMainWindow* m_window;  // not owned: the parent
+    QVector<std::pair<QAction*, const char*>> m_texts;
+};
+
+}  // namespace QB::Desk
