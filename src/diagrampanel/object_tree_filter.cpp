@@ -152,10 +152,11 @@ void ObjectTreeFilter::openStep() {
     const int end = std::min(m_wanted.size(), m_next + static_cast<int>(rowsAStep));
     for (; m_next < end; ++m_next) {
         auto* row = static_cast<ObjectTreeItem*>(m_wanted[m_next]);
+        // Asking a row whether it stands open makes its parent look for it among all its rows.
+        if (row->rows().empty() && !row->isExpandedByUser) continue;
         const bool opensForMatch = isActive() && row->hasMatchBelow && !m_target.showsAll;
         m_store.setExpanded(row, row->isExpandedByUser || opensForMatch);
-        if (!row->rows().empty())
-            m_targets.push_back({row, m_target.showsAll || showsAllBelow(row)});
+        m_targets.push_back({row, m_target.showsAll || showsAllBelow(row)});
     }
     if (m_next == m_wanted.size()) m_target.row = nullptr;
 }
