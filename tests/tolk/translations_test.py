@@ -55,7 +55,7 @@ def faults_of(texts, current):
 def current_texts(root, lupdate, sources):
     with tempfile.TemporaryDirectory() as folder:
         ts = Path(folder) / "current.ts"
-        subprocess.run([lupdate, "-silent", "-locations", "none", "-extensions", "h,cpp,inc,ui",
+        subprocess.run([lupdate, "-silent", "-locations", "none", "-I", ".", "-extensions", "h,cpp,inc,ui",
                         *sources, "-ts", str(ts)], cwd=root, check=True)
         return read_texts(ts)
 
