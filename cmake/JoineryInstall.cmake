@@ -50,6 +50,12 @@ if(TARGET joinery-desk)
     install(TARGETS joinery-desk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(FILES packaging/joinery-desk.desktop
             DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+    foreach(size 16 32 64 128)
+        install(FILES resources/desk/joinery-desk-${size}.png RENAME joinery-desk.png
+                DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps)
+    endforeach()
+    install(FILES resources/desk/joinery-desk.svg
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
     install(FILES packaging/joinery-desk.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
