@@ -199,6 +199,7 @@ def check_public_headers(root):
 
 
 LINK = re.compile(r"\]\(([^)#\s]+)(?:#[^)]*)?\)")
+CODE = re.compile(r"^```.*?^```|`[^`\n]*`", re.M | re.S)
 
 
 def check_links(root, files):
@@ -206,7 +207,7 @@ def check_links(root, files):
     faults = []
     for name in files:
         if not name.endswith(".md"): continue
-        for target in LINK.findall((root / name).read_text()):
+        for target in LINK.findall(CODE.sub("", (root / name).read_text())):
             if "://" in target or (root / name).parent.joinpath(target).exists(): continue
             faults.append(f"{name}: links to {target}, which is not there")
     return faults
