@@ -9,7 +9,6 @@
 #include <QScopedValueRollback>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTimer>
 
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
@@ -59,6 +58,10 @@ QBNavigationBar::QBNavigationBar(QWidget* parent)
     layout->setObjectName(QStringLiteral("verticalLayout"));
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_scrollArea);
+    // The current layer stands at the end; how far that is, is known when the layout has run.
+    QScrollBar* scrollBar = m_scrollArea->horizontalScrollBar();
+    connect(scrollBar, &QScrollBar::rangeChanged, scrollBar,
+            [scrollBar](int, int maximum) { scrollBar->setValue(maximum); });
     connect(m_buttonGroup, &QButtonGroup::idClicked, this, &QBNavigationBar::layerClicked);
     localizeControls();
 }
@@ -106,10 +109,6 @@ void QBNavigationBar::addButton(const QString& name, int layer, bool isCurrent) 
     if (isCurrent) button->setStyleSheet(QStringLiteral("font-weight:bold"));
     m_buttonGroup->addButton(button, layer);
     m_layout->addWidget(button);
-    if (!isCurrent) return;
-    // Its place is known when the layout has run.
-    QTimer::singleShot(0, button,
-                       [this, button] { m_scrollArea->ensureWidgetVisible(button, 0, 0); });
 }
 
 bool QBNavigationBar::eventFilter(QObject* watched, QEvent* event) {
