@@ -42,10 +42,10 @@ function(joinery_add_translations target catalogue)
     set(update_english "")
     if(EXISTS ${english})
         set(update_english COMMAND Qt5::lupdate -silent -locations none -no-obsolete -pluralonly
-            -extensions h,cpp,inc,ui ${ARGN} -ts ${english})
+            -I . -extensions h,cpp,inc,ui ${ARGN} -ts ${english})
     endif()
     add_custom_target(update_${name}_translations ${update_english}
-        COMMAND Qt5::lupdate -silent -locations none -no-obsolete -extensions h,cpp,inc,ui ${ARGN}
+        COMMAND Qt5::lupdate -silent -locations none -no-obsolete -I . -extensions h,cpp,inc,ui ${ARGN}
                 -ts ${ts_files}
         WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} COMMENT "Collecting the texts of ${catalogue}")
     if(NOT TARGET update_translations)
