@@ -107,25 +107,29 @@ inline void expectRowsOf(SourceNode** slot, int level, std::vector<ExpectedRow>&
     }
 }
 
+/// "" if the row is what the tree asks for, else what differs.
+inline std::string rowFault(const SourceTreeLayout& layout,
+                            const std::vector<ExpectedRow>& expected, std::size_t i) {
+    Item* row = layout.items()[i];
+    const ExpectedRow& wanted = expected[i];
+    const bool isClose = wanted.partner >= 0;
+    const Item* open = isClose ? layout.items()[static_cast<std::size_t>(wanted.partner)] : nullptr;
+    const bool isTail = i + 1 == expected.size() || expected[i + 1].level < wanted.level;
+    if (row->component != wanted.component) return "component";
+    if (row->level != wanted.level) return "level";
+    if (layout.slotOf(row) != wanted.slot) return "slot";
+    if (row->isPlaceholder != (!wanted.component && !isClose)) return "placeholder";
+    if (row->partnerItem != open) return "partner";
+    return row->isGroupTail == isTail ? "" : "tail";
+}
+
 /// Fails unless every row, level, partner, slot and flag is what the tree asks for.
 inline void expectInStep(const SourceTreeLayout& layout, SourceNode** root) {
     std::vector<ExpectedRow> expected;
     expectRowsOf(root, 0, expected);
     ASSERT_EQ(layout.items().size(), expected.size()) << writeTree(*root);
     for (std::size_t i = 0; i < expected.size(); ++i) {
-        Item* row = layout.items()[i];
-        const ExpectedRow& wanted = expected[i];
-        const bool isClose = wanted.partner >= 0;
-        const bool isTail = i + 1 == expected.size() || expected[i + 1].level < wanted.level;
-        const std::string where = writeTree(*root) + " row " + std::to_string(i);
-        ASSERT_EQ(row->component, wanted.component) << where;
-        ASSERT_EQ(row->level, wanted.level) << where;
-        ASSERT_EQ(layout.slotOf(row), wanted.slot) << where;
-        ASSERT_EQ(row->isPlaceholder, !wanted.component && !isClose) << where;
-        const Item* open =
-            isClose ? layout.items()[static_cast<std::size_t>(wanted.partner)] : nullptr;
-        ASSERT_EQ(row->partnerItem, open) << where;
-        ASSERT_EQ(row->isGroupTail, isTail) << where;
+        ASSERT_EQ(rowFault(layout, expected, i), "") << writeTree(*root) << " row " << i;
     }
 }
 
