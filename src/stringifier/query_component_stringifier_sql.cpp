@@ -173,6 +173,7 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLSelectStm
 StringifiedNode QBQueryComponentStringifier_SQL::columnList(
     const std::vector<SQLAbstractColumnComponent*>& columns, int level, bool withDirection) {
     StringifiedNode list;
+    list.children.reserve(columns.size() * (withDirection ? 3 : 2));
     for (const SQLAbstractColumnComponent* column : columns) {
         if (!list.isEmpty()) list.append(", " + newlineIndent(level));
         list.append(deferComponent(column, level));
