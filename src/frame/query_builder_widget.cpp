@@ -19,6 +19,9 @@
 namespace QB {
 namespace {
 
+/// Object tree, diagram, preview: in proportion to each other, since the splitter scales them.
+const QList<int> initialPaneWidths = {230, 520, 350};
+
 QIcon paneIcon(const QString& direction, bool isPaneHidden) {
     QString path = QStringLiteral(":/images/TB_Expand_") + direction;
     if (!isPaneHidden) path += QLatin1String("_Selected");
@@ -54,6 +57,7 @@ QBQueryBuilderWidget::~QBQueryBuilderWidget() = default;
 
 void QBQueryBuilderWidget::setupUi() {
     localizeControls();
+    ui->horizontalSplitter->setSizes(initialPaneWidths);
     ui->objectTreePanel->setPartnerDiagram(ui->diagramPanel);
     connectDiagram();
     updateButtonIcons();

@@ -1,6 +1,7 @@
 #include "frame/sql_text_view.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QMimeData>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -44,6 +45,15 @@ constexpr Colors lightColors = {
 constexpr Colors darkColors = {
     {0xff7aa6ff, 0xffc792ea, 0xff8fce7a, 0xfff0a36b, 0xff9aa5b1, 0xff6fd3e3}, 0xff5a4a12};
 
+/// Where the platform names no fixed-width font, Qt answers with the general one.
+QFont fixedWidthFont() {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (QFontInfo(font).fixedPitch()) return font;
+    font.setFamily(QStringLiteral("monospace"));
+    font.setStyleHint(QFont::Monospace);
+    return font;
+}
+
 }  // namespace
 
 QBSqlTextView::QBSqlTextView(QWidget* parent) : QPlainTextEdit(parent) {
@@ -52,7 +62,7 @@ QBSqlTextView::QBSqlTextView(QWidget* parent) : QPlainTextEdit(parent) {
     setReadOnly(true);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setLineWrapMode(QPlainTextEdit::NoWrap);
-    setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    setFont(fixedWidthFont());
     showTabs();
     updateColors();
     connect(document(), &QTextDocument::contentsChange, this,

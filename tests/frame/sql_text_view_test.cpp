@@ -1,6 +1,7 @@
 #include "frame/sql_text_view.h"
 
 #include <QClipboard>
+#include <QFontInfo>
 #include <QGuiApplication>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -148,6 +149,13 @@ private Q_SLOTS:
         QTest::keyClick(m_view.get(), Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
         QTest::keyClick(m_view.get(), Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QGuiApplication::clipboard()->text(), text);
+    }
+
+    void theFontIsOfFixedWidthAndLinesAreNotWrapped() {
+        QVERIFY(QFontInfo(m_view->font()).fixedPitch());
+        m_view->setSqlText(std::string(5000, 'x'));
+        m_view->show();
+        QTRY_VERIFY(m_view->horizontalScrollBar()->maximum() > 1000);
     }
 
     void theThemeChoosesTheColorsAgain() {
