@@ -48,12 +48,21 @@ bool isAggregateName(const std::string& name, int family, int length) {
     return (flags & SQLET_WORD_FUNCTION) != 0 && isInOneCase(name);
 }
 
+/// Oracle's source aliases follow a blank, where a word like LEFT would be read as the next
+/// keyword.
+bool mayFollowBlank(const std::string& name, int family, int length) {
+    return (sqlet_word_class(family, name.data(), length) & SQLET_WORD_NO_BARE_ALIAS) == 0;
+}
+
+bool isReadAsName(const std::string& name, int family, int length) {
+    return sqlet_reads_as_name(family, name.data(), length) && mayFollowBlank(name, family, length);
+}
+
 }  // namespace
 
 std::string formatIdentifier(const std::string& name, DatabaseType type, int /*version*/) {
     const int length = static_cast<int>(name.size());
-    if (sqlet_reads_as_name(type, name.data(), length) || isAggregateName(name, type, length))
-        return name;
+    if (isReadAsName(name, type, length) || isAggregateName(name, type, length)) return name;
     return quoted(name, quoteMarks(type));
 }
 

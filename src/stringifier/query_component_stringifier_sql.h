@@ -99,6 +99,8 @@ private:
     void appendSourceAlias(StringifiedNode& node, const std::string& alias) const;
     StringifiedNode betweenChain(const Component::SQL::SQLConditionValueComponent* value,
                                  int level);
+    StringifiedNode upperBound(const Component::SQL::SQLAbstractConditionComponent* bound,
+                               int level);
     StringifiedNode rightOperand(const Component::SQL::SQLAbstractConditionComponent* operand,
                                  int level, int listMode);
 

@@ -162,7 +162,17 @@ StringifiedNode QBQueryComponentStringifier_SQL::betweenChain(
     StringifiedNode node = startOf(value);
     node.append(deferComponent(itemAt(value, 0), level));
     node.append(separatorOf(listModeRange));
-    node.append(deferComponent(value->next, level));
+    node.append(upperBound(value->next, level));
+    return node;
+}
+
+/// Of a value its first item, whatever mode lists are written in.
+StringifiedNode QBQueryComponentStringifier_SQL::upperBound(
+    const SQLAbstractConditionComponent* bound, int level) {
+    const auto* value = dynamic_cast<const SQLConditionValueComponent*>(bound);
+    if (!value) return deferComponent(bound, level);
+    StringifiedNode node = startOf(value);
+    node.append(deferComponent(itemAt(value, 0), level));
     return node;
 }
 

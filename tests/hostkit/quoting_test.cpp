@@ -92,6 +92,7 @@ TEST(Quoting, NamesAreQuotedWhereTheFamilyNeedsIt) {
         {DatabaseTypeOracle, "DATE", "\"DATE\""},
         {DatabaseTypeOracle, "_X", "\"_X\""},
         {DatabaseTypeOracle, "count", "count"},
+        {DatabaseTypeOracle, "LEFT", "\"LEFT\""},
         {DatabaseTypeSQLite, "Orders", "Orders"},
         {DatabaseTypeSQLite, "group", "\"group\""},
         {DatabaseTypeSQLite, "my table", "\"my table\""},

@@ -114,6 +114,17 @@ TEST_F(Stringifier, WritesAValueListAsTheFirstParameterSays) {
     EXPECT_EQ(m_mysql->stringifyQuery(list.get()), "NOT 1 AND 2");
 }
 
+TEST_F(Stringifier, WritesOnlyTwoBoundsWhateverModeListsHave) {
+    auto* condition = compare(expression("a"), CompareOpBetween, {expression("1")});
+    const std::unique_ptr<AbstractQueryComponent> owner(condition);
+    condition->rightValue->next = value({expression("2"), expression("3")});
+    condition->rightValue->next->logicGate = SQLLogicGateAnd;
+    EXPECT_EQ(m_mysql->stringifyQuery(condition), "a BETWEEN 1 AND 2");
+    m_mysql->setParameter(conditionValueListModeKey, 2);
+    EXPECT_EQ(m_mysql->stringifyQuery(condition), "a BETWEEN 1 AND 2");
+    EXPECT_EQ(m_mysql->stringifyQuery(condition->rightValue), "1 AND 2");
+}
+
 TEST_F(Stringifier, LeavesARangeOpenThatIsChainedByOr) {
     auto* condition = compare(expression("a"), CompareOpBetween, {expression("1")});
     const std::unique_ptr<AbstractQueryComponent> owner(condition);
