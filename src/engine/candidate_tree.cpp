@@ -51,14 +51,16 @@ const QBIdentifierCandidate* CandidateTree::known(const QBIdentifierCandidate* n
 }
 
 std::vector<QBIdentifierCandidateSnapshot> CandidateTree::childrenSnapshot(
-    const QBIdentifierCandidate* node) const {
+    const QBIdentifierCandidate* node, std::size_t first, std::size_t count) const {
     const std::lock_guard lock(m_mutex);
     std::vector<QBIdentifierCandidateSnapshot> result;
     const QBIdentifierCandidate* const owner = known(node);
     if (!owner) return result;
-    result.reserve(owner->children.size());
-    for (const QBIdentifierCandidate* child : owner->children)
-        result.push_back(snapshotOf(child));
+    if (first >= owner->children.size()) return result;
+    const std::size_t end = first + std::min(count, owner->children.size() - first);
+    result.reserve(end - first);
+    for (std::size_t i = first; i < end; ++i)
+        result.push_back(snapshotOf(owner->children[i]));
     return result;
 }
 

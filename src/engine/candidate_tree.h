@@ -35,8 +35,10 @@ public:
     void access(QBIdentifierCandidate* node,
                 const std::function<void(QBIdentifierCandidate&)>& use);
 
+    /// At most @p count children from the index @p first on.
     std::vector<QBIdentifierCandidateSnapshot> childrenSnapshot(
-        const QBIdentifierCandidate* node) const;
+        const QBIdentifierCandidate* node, std::size_t first = 0,
+        std::size_t count = std::string::npos) const;
     QBIdentifierCandidateSnapshot snapshot(const QBIdentifierCandidate* node) const;
     /// The names below the root, outermost first; also for a node that was taken out.
     std::vector<std::string> path(const QBIdentifierCandidate* node) const;

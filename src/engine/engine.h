@@ -214,9 +214,11 @@ public:
     /// How to read candidates. Null stands for the root. All take a short lock, under which nobody
     /// ever waits; none needs a refresh to have ended. Any thread.
 
-    /// The children of @p node in order; none of an unknown node. Linear.
+    /// The children of @p node in order; none of an unknown node. Linear. Who must not block reads
+    /// a part at a time: at most @p count from the index @p first on.
     std::vector<QBIdentifierCandidateSnapshot> childrenSnapshot(
-        const QBIdentifierCandidate* node) const;
+        const QBIdentifierCandidate* node, std::size_t first = 0,
+        std::size_t count = std::string::npos) const;
     /// One node; a record with a null candidate for an unknown one. The root's candidate is the
     /// root node.
     QBIdentifierCandidateSnapshot candidateSnapshot(const QBIdentifierCandidate* node) const;

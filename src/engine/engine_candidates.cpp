@@ -80,8 +80,8 @@ QBIdentifierCandidate* QBEngine::identifierCandidateRootNode() const {
 }
 
 std::vector<QBIdentifierCandidateSnapshot> QBEngine::childrenSnapshot(
-    const QBIdentifierCandidate* node) const {
-    return m_core->candidates.childrenSnapshot(node);
+    const QBIdentifierCandidate* node, std::size_t first, std::size_t count) const {
+    return m_core->candidates.childrenSnapshot(node, first, count);
 }
 
 QBIdentifierCandidateSnapshot QBEngine::candidateSnapshot(const QBIdentifierCandidate* node) const {
