@@ -17,11 +17,6 @@ namespace {
 /// A pause in typing after which the filter looks.
 constexpr int filterDelay = 150;  // ms
 
-ObjectTreeBuilder::Records childrenOf(const QBEngine_LINUX* engine,
-                                      const QBIdentifierCandidate* candidate) {
-    return engine ? engine->childrenSnapshot(candidate) : ObjectTreeBuilder::Records();
-}
-
 }  // namespace
 
 QBDiagramObjectTreePanelWidget::QBDiagramObjectTreePanelWidget(QWidget* parent)
@@ -49,7 +44,11 @@ void QBDiagramObjectTreePanelWidget::setUpTree() {
     ui->overlayLoadingWidget->hide();
 
     m_rows = std::make_unique<ObjectTreeRows>(
-        tree, [this](const auto* candidate) { return childrenOf(engine(), candidate); },
+        tree,
+        [this](const auto* candidate, auto first, auto count) {
+            return engine() ? engine()->childrenSnapshot(candidate, first, count)
+                            : ObjectTreeBuilder::Records();
+        },
         [this](const auto& candidates) { loadMissing(candidates); });
     connect(m_rows.get(), &ObjectTreeRows::topLevelCreated, this,
             [this] { setLoadingWholeTree(false); });

@@ -17,9 +17,7 @@ ObjectTreeBuilder::ObjectTreeBuilder(ObjectTreeStore& store, Reader reader, Fini
     : m_store(store), m_reader(std::move(reader)), m_finished(std::move(finished)) {}
 
 void ObjectTreeBuilder::add(ObjectTreeItem* parent) {
-    Build build;
-    build.parent = parent;
-    m_builds.push_back(std::move(build));
+    m_builds.push_back({parent, {}});
 }
 
 void ObjectTreeBuilder::cancelBelow(const ObjectTreeItem* row) {
@@ -32,27 +30,19 @@ void ObjectTreeBuilder::cancelBelow(const ObjectTreeItem* row) {
 bool ObjectTreeBuilder::step() {
     if (m_builds.empty()) return false;
     Build& build = m_builds.front();
-    if (!build.isRead) {
-        read(build);
-        return true;
-    }
-    createRows(build);
-    const bool isComplete = build.next == build.records.size();
+    const bool isComplete = createRows(build);
     if (m_showsRows && (isComplete || isPortionFull(build))) showPortion(build);
     if (isComplete) finishFirst();
     return true;
 }
 
-void ObjectTreeBuilder::read(Build& build) {
-    build.records = m_reader(build.parent->candidate());
-    build.isRead = true;
-    m_store.itemsByKey.reserve(m_store.itemsByKey.size() + static_cast<int>(build.records.size()));
-}
-
-void ObjectTreeBuilder::createRows(Build& build) {
-    const std::size_t end = std::min(build.records.size(), build.next + rowsAStep);
-    for (; build.next < end; ++build.next)
-        createRow(build, build.records[build.next]);
+/// True when the last row exists.
+bool ObjectTreeBuilder::createRows(Build& build) {
+    const Records records =
+        m_reader(build.parent->candidate(), build.parent->rows().size(), rowsAStep);
+    for (const QBIdentifierCandidateSnapshot& record : records)
+        createRow(build, record);
+    return records.size() < rowsAStep;
 }
 
 void ObjectTreeBuilder::createRow(Build& build, const QBIdentifierCandidateSnapshot& record) {

@@ -16,8 +16,9 @@ namespace QB {
 class ObjectTreeBuilder {
 public:
     using Records = std::vector<QBIdentifierCandidateSnapshot>;
-    /// The children of a candidate, null for the root.
-    using Reader = std::function<Records(const QBIdentifierCandidate*)>;
+    /// At most @p count children of a candidate from the index @p first on; null for the root.
+    using Reader =
+        std::function<Records(const QBIdentifierCandidate*, std::size_t first, std::size_t count)>;
     using Finished = std::function<void(ObjectTreeItem* parent)>;
 
     /// @p finished is called when all rows of one parent exist.
@@ -36,15 +37,11 @@ public:
 
 private:
     struct Build {
-        ObjectTreeItem* parent;  // not owned: cancelled before it goes
-        Records records;
-        std::size_t next = 0;             ///< first record without a row
+        ObjectTreeItem* parent;           // not owned: cancelled before it goes
         QList<QTreeWidgetItem*> unshown;  ///< rows that exist and are not in the tree yet
-        bool isRead = false;
     };
 
-    void read(Build& build);
-    void createRows(Build& build);
+    bool createRows(Build& build);
     void createRow(Build& build, const QBIdentifierCandidateSnapshot& record);
     bool isPortionFull(const Build& build) const;
     void showPortion(Build& build);

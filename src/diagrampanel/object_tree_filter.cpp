@@ -53,6 +53,11 @@ bool ObjectTreeFilter::step() {
     return false;
 }
 
+bool ObjectTreeFilter::isNextStepLong() const {
+    return m_phase == Phase::Showing && m_target.row && m_stage == Stage::Replacing &&
+           m_store.isHidingLong(m_target.row);
+}
+
 void ObjectTreeFilter::matchStep() {
     Search& search = m_searches.back();
     const std::vector<ObjectTreeItem*>& rows = search.row->rows();

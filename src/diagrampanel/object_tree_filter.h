@@ -30,6 +30,8 @@ public:
     void cancel();
     bool isRunning() const { return m_phase != Phase::Idle; }
 
+    /// Whether the next step takes out so many rows that it needs a slice of its own.
+    bool isNextStepLong() const;
     /// Does a piece of the pass; false if nothing is left.
     bool step();
 

@@ -52,8 +52,9 @@ void ObjectTreeRows::loadBegun(const QString& key) {
         return;
     }
     removeRowsOf(row);
-    if (!row->isRoot()) row->setData(0, ObjectTreeItem::LoadingRole, true);
-    m_work.run();
+    if (row->isRoot()) return m_work.run();
+    row->setData(0, ObjectTreeItem::LoadingRole, true);
+    m_work.schedule();
 }
 
 void ObjectTreeRows::loadEnded(const QString& key, QBIdentifierCandidate* candidate) {
@@ -121,6 +122,10 @@ void ObjectTreeRows::continueWork() {
 }
 
 bool ObjectTreeRows::step() {
+    if (!m_work.isFresh() && (m_disposer.isNextClearLong() || m_filter.isNextStepLong())) {
+        m_work.endSlice();
+        return true;
+    }
     if (m_disposer.clearStep() || m_builder.step()) return true;
     if (m_isFilterStale) {
         m_isFilterStale = false;

@@ -32,6 +32,10 @@ void ObjectTreeStore::hideRows(ObjectTreeItem* parent) {
     shownParent(parent)->takeChildren();
 }
 
+bool ObjectTreeStore::isHidingLong(ObjectTreeItem* parent) const {
+    return shownParent(parent)->childCount() > 10'000;
+}
+
 void ObjectTreeStore::showRows(ObjectTreeItem* parent, const QList<QTreeWidgetItem*>& rows) {
     const QScopedValueRollback<bool> guard(isAdjusting, true);
     shownParent(parent)->addChildren(rows);

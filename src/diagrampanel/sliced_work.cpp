@@ -20,8 +20,11 @@ void SlicedWork::slice() {
     const QScopedValueRollback<bool> guard(m_isInSlice, true);
     QElapsedTimer elapsed;
     elapsed.start();
+    m_isFresh = true;
+    m_isEnding = false;
     while (m_step()) {
-        if (elapsed.nsecsElapsed() > sliceBudget * 1'000'000) return;
+        m_isFresh = false;
+        if (m_isEnding || elapsed.nsecsElapsed() > sliceBudget * 1'000'000) return;
     }
     m_timer.stop();
 }

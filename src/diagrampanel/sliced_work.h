@@ -21,6 +21,13 @@ public:
     /// Runs a first slice now and the others, if work is left, from the event loop. While a slice
     /// runs the call does nothing: the slice goes on anyway.
     void run();
+    /// As run(), without the slice now.
+    void schedule() { m_timer.start(); }
+
+    /// For a step that has a piece of several milliseconds before it: whether the slice has done
+    /// nothing yet. If it has, the step ends it and does its piece in the next one.
+    bool isFresh() const { return m_isFresh; }
+    void endSlice() { m_isEnding = true; }
 
 private:
     void slice();
@@ -28,6 +35,8 @@ private:
     const Step m_step;
     QTimer m_timer;
     bool m_isInSlice = false;
+    bool m_isFresh = false;
+    bool m_isEnding = false;
 };
 
 }  // namespace QB
