@@ -29,6 +29,8 @@ endif()
 add_library(joinery_flags INTERFACE)
 target_compile_options(joinery_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    # Qt 5 writes a shortcut as Qt::CTRL + Qt::Key_R.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-enum-enum-conversion>
     $<$<BOOL:${JOINERY_WERROR}>:-Werror>
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<BOOL:${CCACHE}>>:-fpch-preprocess>
     $<$<AND:$<CXX_COMPILER_ID:Clang>,$<BOOL:${CCACHE}>>:SHELL:-Xclang -fno-pch-timestamp>)
@@ -147,6 +149,9 @@ function(joinery_qtest name)
         get_filename_component(stem ${source} NAME_WE)
         set(target test_${name}_${stem})
         add_executable(${target} ${source})
+        if(JOINERY_SANITIZE)
+            target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/offscreen_screen.cpp)
+        endif()
         joinery_link_rooms(${target} ${TEST_ROOMS})
         target_link_libraries(${target} PRIVATE joinery_flags test_support Qt5::Widgets Qt5::Test
                               Threads::Threads ${TEST_LIBS})
