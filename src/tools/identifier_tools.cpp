@@ -55,19 +55,13 @@ CandidateResult candidateOfSource(const SQLAbstractSourceComponent* component, Q
 
 CandidateResult candidateOfField(const SQLFieldColumnComponent* column, QBEngine* engine,
                                  bool stopAtSource) {
-    CandidateResult table;
-    bool isExact = true;
-    if (column->source) {
-        table = candidateOfSource(column->source, engine);
-    } else {
-        const WalkResult walked = walk(engine, column->parentPath);
-        table = {walked.deepest, column->parentPath};
-        isExact = walked.isComplete;
-    }
+    const CandidateResult table =
+        column->source
+            ? candidateOfSource(column->source, engine)
+            : CandidateResult{walk(engine, column->parentPath).deepest, column->parentPath};
     if (stopAtSource) return table;
     if (column->isAsterisk) return {};
-    // A table that is unknown, or of which only the schema is, has no fields to look among.
-    if (!table.candidate || !isExact) return {nullptr, table.path};
+    if (!table.candidate) return table;
     CandidateResult field;
     field.path = engine->candidatePath(table.candidate);
     field.path.push_back(column->fieldName);

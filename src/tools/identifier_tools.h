@@ -24,9 +24,9 @@ struct CandidateResult {
 /// schema. The result's path is the source's own path and name.
 ///
 /// A field column: the table that its source names, or without a source what its qualifiers name,
-/// and in that the field. With @p stopAtSource the table itself is the result; qualifiers of which
-/// only the first few are known then give the deepest node that was found. A wildcard has no
-/// candidate of its own.
+/// and in that the field. Qualifiers of which only the first few are known give the deepest node
+/// that was found. With @p stopAtSource the table itself is the result. A wildcard has no candidate
+/// of its own.
 /// Thread: any that may read @p component.
 CandidateResult findTargetIdentifierCandidate(const Component::AbstractQueryComponent* component,
                                               QBEngine* engine, bool stopAtSource);
