@@ -226,7 +226,13 @@ TEST_F(SignalTest, AReceiverMayDestroyTheEngineBetweenTwoNoticesOfOneCall) {
     QObject::connect(engine->signalEmitter(),
                      &QBEngineSignalEmitter::topLevelQueryComponentLayerChanged,
                      [this] { engine.destroy(); });
+    OwnedEngine<QBEngine_LINUX> other(DatabaseTypeMySQL);
+    other->pushNewLayerTopLevelQueryComponent(nullptr, "sub");
+    QObject::connect(other->signalEmitter(),
+                     &QBEngineSignalEmitter::topLevelQueryComponentLayerChanged,
+                     [&other] { other.destroy(); });
     engine->setDatabaseInfo(DatabaseTypeMySQL, 1);
+    other->resetUi();
     EXPECT_EQ(log.text, "layer null;");
 }
 

@@ -172,58 +172,113 @@ TEST(EngineThreads, AnyOrderOfWorkEndsCleanlyWhereverTheEngineIsDestroyed) {
     EXPECT_GT(generated, 0);  // or the scene would show nothing
 }
 
-TEST(EngineThreads, ModificationsOnWorkersMeetFetchesReadersAndTextGeneration) {
+namespace {
+
+/// Work on several threads, at most once in each of main's rounds, so that nobody starves. The
+/// counting of rounds orders nothing between the threads: the sanitizer sees which accesses only
+/// luck keeps apart.
+class Crowd {
+public:
+    static constexpr int repetitions = 200;
+
+    void start(const std::function<void()>& work) {
+        ++m_running;
+        Callback::runOperationOnDispatchedThread([this, work] {
+            repeat(work);
+            --m_running;
+        });
+    }
+
+    void repeat(const std::function<void()>& work) const {
+        for (int i = 0; i < repetitions; ++i) {
+            const int round = m_round.load(std::memory_order_relaxed);
+            work();
+            while (m_round.load(std::memory_order_relaxed) == round)
+                std::this_thread::yield();
+        }
+    }
+
+    void nextRound() { m_round.fetch_add(1, std::memory_order_relaxed); }
+    bool isRunning() const { return m_running.load() > 0; }
+
+private:
+    std::atomic<int> m_running{0};
+    std::atomic<int> m_round{0};
+};
+
+template <typename Component>
+DetachedParts partsOf(std::vector<Component*> components) {
+    DetachedParts parts;
+    for (Component* component : components)
+        parts.add(std::unique_ptr<QB::Component::AbstractQueryComponent>(component));
+    return parts;
+}
+
+void replaceColumns(QBEngine* engine, std::atomic<int>& changes) {
+    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
+        ElementSelectColumn, 0,
+        [engine](ELEMSQLSelectColumnExpr* element) {
+            engine->retire(partsOf(std::exchange(element->columns, {new SQLFieldColumnComponent})));
+            return true;
+        },
+        nullptr);
+    ++changes;
+}
+
+void replaceTable(QBEngine* engine, std::atomic<int>& changes) {
+    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
+        ElementSource, 0,
+        [engine](ELEMSQLSourceExpr* element) {
+            auto* leaf = new SourceNode;
+            leaf->value = new SQLIdentifierSourceComponent;
+            DetachedParts parts;
+            parts.add(std::unique_ptr<SourceNode>(std::exchange(element->root, leaf)));
+            engine->retire(std::move(parts));
+            return true;
+        },
+        nullptr);
+    ++changes;
+}
+
+}  // namespace
+
+TEST(EngineThreads, WorkersThatModifyFetchReadAndGenerateMeetTheMainThread) {
     HostCallbacks host;
     OwnedEngine<> engine(DatabaseTypeSQLite);
-    engine->registerIdentifierCandidateChildrenUpdater(
-        [](auto* accessor, auto* node) { accessor->setName(accessor->addChild(node), "grows"); });
-    std::atomic<int> running{0};
+    Crowd crowd;
+    std::atomic<int> updatersInside{0};
+    engine->registerIdentifierCandidateChildrenUpdater([&](auto* accessor, auto* node) {
+        EXPECT_EQ(updatersInside.fetch_add(1, std::memory_order_relaxed), 0);
+        crowd.repeat([&] {
+            accessor->setName(accessor->addChild(node), "grows");
+            if (accessor->childCount(node) > 20) accessor->clearChildren(node);
+        });
+        updatersInside.fetch_sub(1, std::memory_order_relaxed);
+    });
     int notices = 0;
     QObject::connect(engine->signalEmitter(),
                      &QBEngineSignalEmitter::topLevelQueryComponentElementModified,
                      [&notices] { ++notices; });
-    const auto dispatch = [&running](const std::function<void()>& work) {
-        ++running;
-        Callback::runOperationOnDispatchedThread([&running, work] {
-            work();
-            --running;
-        });
-    };
-    for (int worker = 0; worker < 3; ++worker) {
-        dispatch([&engine] {
-            for (int i = 0; i < 50; ++i) {
-                engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
-                    ElementSelectColumn, 0,
-                    [&engine](ELEMSQLSelectColumnExpr* element) {
-                        DetachedParts parts;
-                        for (auto* column : std::exchange(element->columns, {}))
-                            parts.add(std::unique_ptr<Component::AbstractQueryComponent>(column));
-                        engine->retire(std::move(parts));
-                        element->columns.push_back(new SQLFieldColumnComponent);
-                        return true;
-                    },
-                    nullptr);
-            }
-        });
-        dispatch([&engine] {
-            for (int i = 0; i < 50; ++i) {
-                const std::lock_guard lock(engine->queryComponentAccessMutex());
-                engine->buildQuery();
-            }
-        });
-        dispatch([&engine] {
-            engine->addRefreshRootIdentifierCandidateChildrenRequest(true);
-            engine->refreshRequestedIdentifierCandidateChildren(true);
-            engine->findAllIdentifierRefreshPathInCurrentQueryLevel();
-        });
+    for (int task = 0; task < 3; ++task) {
+        engine->addRefreshRootIdentifierCandidateChildrenRequest(true);
+        engine->refreshRequestedIdentifierCandidateChildren(true);
     }
-    while (running.load() > 0) {
+    std::atomic<int> changes{0};
+    crowd.start([&] { replaceColumns(engine.get(), changes); });
+    crowd.start([&] { replaceTable(engine.get(), changes); });
+    crowd.start([&] { engine->findAllIdentifierRefreshPathInCurrentQueryLevel(); });
+    crowd.start([&] {
+        const std::lock_guard lock(engine->queryComponentAccessMutex());
+        engine->buildQuery();
+    });
+    while (crowd.isRunning() || engine->isRefreshingIdentifierCandidateChildren()) {
         host.runPending();
         engine->childrenSnapshot(nullptr);
+        crowd.nextRound();
     }
     host.finishWorkers();
-    EXPECT_EQ(notices, 150);
-    EXPECT_EQ(engine->childrenSnapshot(nullptr).size(), 3U);
+    EXPECT_EQ(notices, 2 * Crowd::repetitions);
+    EXPECT_EQ(notices, changes.load());
     EXPECT_FALSE(engine->isRefreshingIdentifierCandidateChildren());
     EXPECT_EQ(engine->core()->retired.size(), 0U);
 }
