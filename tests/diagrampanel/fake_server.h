@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <QTimer>
 #include <condition_variable>
 #include <map>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "engine/engine_linux.h"
+#include "model/tree_walks.h"
 #include "support/host_callbacks.h"
 #include "support/owned_engine.h"
 
@@ -127,6 +129,20 @@ struct ServedEngine {
         for (const std::string& name : path)
             node = engine->findChildCandidate(node, name);
         return node;
+    }
+
+    /// The sources of a layer as "schema.name", in text order.
+    QStringList sources(int layer = 0) {
+        using namespace Component::SQL;
+        auto* from =
+            dynamic_cast<ELEMSQLSourceExpr*>(engine->modify_obtainElement(ElementSource, layer));
+        QStringList names;
+        Tools::visitSourceNodes(from->root, [&names](const SourceNode* node) {
+            const auto* source = dynamic_cast<SQLIdentifierSourceComponent*>(node->value);
+            if (source)
+                names.append(QString::fromStdString(source->path.at(0) + "." + source->name));
+        });
+        return names;
     }
 
     EventLoopHost host;

@@ -11,7 +11,6 @@
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
 #include "diagrampanel/diagram_panel_widget.h"
 #include "diagrampanel/fake_server.h"
-#include "tools/identifier_tools.h"
 #include "widgets/loading_indicator_widget.h"
 
 namespace QB {
@@ -79,19 +78,6 @@ struct Desk : Test::ServedEngine {
         host.finishWorkers();
         settle();
     }
-    QStringList sources() {
-        auto* from =
-            static_cast<ELEMSQLSourceExpr*>(engine->modify_obtainElement(ElementSource, 0));
-        QStringList names;
-        for (const char* name : {"city", "country", "places"}) {
-            const auto found =
-                Tools::findTargetIdentifierSourceNodes(from, {"main"}, name, "", true);
-            for (std::size_t i = 0; i < found.size(); ++i)
-                names.append(QString::fromUtf8(name));
-        }
-        return names;
-    }
-
     QBDiagramPanelWidget diagram;
     QBDiagramObjectTreePanelWidget panel;
     QTreeWidget* tree = panel.findChild<QTreeWidget*>("diagramPaneObjectTreeWidget");
@@ -377,10 +363,10 @@ private Q_SLOTS:
         desk.doubleClick({"main", "city"});
         QVERIFY(!desk.item({"main", "city"})->isExpanded());
         desk.doubleClick({"main", "places"});
-        QCOMPARE(desk.sources(), QStringList({"city", "places"}));
+        QCOMPARE(desk.sources(), QStringList({"main.city", "main.places"}));
         desk.open({"main", "city"});
         desk.doubleClick({"main", "city", "id"});
-        QCOMPARE(desk.sources(), QStringList({"city", "places"}));
+        QCOMPARE(desk.sources(), QStringList({"main.city", "main.places"}));
     }
 
     void enterAddsTheCurrentTable() {
@@ -390,7 +376,7 @@ private Q_SLOTS:
         QTest::keyClick(desk.tree, Qt::Key_Return);
         QTest::keyClick(desk.tree, Qt::Key_Enter, Qt::KeypadModifier);
         desk.host.finishWorkers();
-        QCOMPARE(desk.sources(), QStringList({"country", "country"}));
+        QCOMPARE(desk.sources(), QStringList({"main.country", "main.country"}));
     }
 
     void aRowWithAForeignPointerIsIgnored() {
@@ -433,7 +419,7 @@ private Q_SLOTS:
         menu->actions().at(1)->trigger();
         desk.host.finishWorkers();
         QVERIFY(desk.server.fetchCount() > before);
-        QCOMPARE(desk.sources(), QStringList("city"));
+        QCOMPARE(desk.sources(), QStringList("main.city"));
         delete menu;
     }
 
