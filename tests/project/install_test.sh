@@ -47,7 +47,9 @@ cmake --build "$work/by-cmake"
     $(pkg-config --cflags --libs joinery joinery-qtsql)
 
 program=$(find "$work/by-cmake" -maxdepth 1 -type f -executable ! -name '*.so*')
-sample=$(find "$source/resources" -name '*.sqlite' | head -1)
+sample=$work/sample.sqlite
+python3 -c 'import sqlite3, sys; sqlite3.connect(sys.argv[2]).executescript(open(sys.argv[1]).read())' \
+    "$source"/resources/sample/*.sql "$sample"
 for host in "$program" "$work/by-pkg-config"; do
     picture=$work/$(basename "$host").png
     timeout 60 "$host" "$sample" --grab "$picture" || fail "$host ended with an error"
