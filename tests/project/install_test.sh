@@ -54,5 +54,6 @@ for host in "$program" "$work/by-pkg-config"; do
     picture=$work/$(basename "$host").png
     timeout 60 "$host" "$sample" --grab "$picture" || fail "$host ended with an error"
     [ "$(od -An -tx1 -N4 "$picture" | tr -d ' ')" = 89504e47 ] || fail "$host grabbed no picture"
+    [ "$(stat -c %s "$picture")" -gt 4000 ] || fail "$host grabbed an empty window"
 done
 echo "install: headers, CMake package and pkg-config files serve a host"
