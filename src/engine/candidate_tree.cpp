@@ -7,7 +7,7 @@ namespace {
 
 QBIdentifierCandidateSnapshot snapshotOf(const QBIdentifierCandidate* node) {
     return {const_cast<QBIdentifierCandidate*>(node), node->name, node->type,
-            !node->children.empty()};
+            !node->children.empty(), node->parent};
 }
 
 }  // namespace

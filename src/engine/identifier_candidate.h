@@ -37,6 +37,7 @@ struct QBIdentifierCandidateSnapshot {
     std::string name;
     IdentifierType type = IdentifierTypeQuery;
     bool hasChildren = false;
+    QBIdentifierCandidate* parent = nullptr;  // not owned; null for the root
 };
 
 /// How a host changes the tree of candidates. Wherever a candidate may be null, null stands for

@@ -1,5 +1,6 @@
 #include "tools/identifier_tools.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "layouts/source_tree_layout.h"
@@ -36,6 +37,17 @@ QBIdentifierCandidate* findExactly(const QBEngine* engine, Names qualifiers,
     qualifiers.push_back(name);
     const WalkResult result = walk(engine, qualifiers);
     return result.isComplete ? result.deepest : nullptr;
+}
+
+/// The names above a candidate, outermost first. A stored query is no name space and neither is the
+/// root, which bears the same type: the names begin below the innermost of them.
+Names qualifiersOf(const QBEngine* engine, const QBIdentifierCandidateSnapshot& candidate) {
+    Names names;
+    auto node = engine->candidateSnapshot(candidate.parent);
+    for (; node.type != IdentifierTypeQuery; node = engine->candidateSnapshot(node.parent))
+        names.push_back(std::move(node.name));
+    std::reverse(names.begin(), names.end());
+    return names;
 }
 
 CandidateResult candidateOfSource(const SQLAbstractSourceComponent* component, QBEngine* engine) {
@@ -83,12 +95,13 @@ CandidateResult findTargetIdentifierCandidate(const AbstractQueryComponent* comp
 
 std::unique_ptr<SQLIdentifierSourceComponent> makeIdentifierComponent(
     QBEngine* engine, const QBIdentifierCandidate* candidate) {
-    Names names = candidate ? engine->candidatePath(candidate) : Names();
-    if (names.empty()) return nullptr;
+    if (!candidate) return nullptr;
+    const QBIdentifierCandidateSnapshot named = engine->candidateSnapshot(candidate);
+    const bool isBelowRoot = named.parent != nullptr;
+    if (!isBelowRoot) return nullptr;
     auto component = std::make_unique<SQLIdentifierSourceComponent>();
-    component->name = std::move(names.back());
-    names.pop_back();
-    component->path = std::move(names);
+    component->name = named.name;
+    component->path = qualifiersOf(engine, named);
     return component;
 }
 

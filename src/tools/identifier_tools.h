@@ -31,8 +31,9 @@ struct CandidateResult {
 CandidateResult findTargetIdentifierCandidate(const Component::AbstractQueryComponent* component,
                                               QBEngine* engine, bool stopAtSource);
 
-/// A source that names @p candidate, with the names above it as its path. Null for the root and for
-/// a candidate that the engine does not know.
+/// A source that names @p candidate, with the names above it as its path, up to the root or a node
+/// of the type IdentifierTypeQuery. Null for the root and for a candidate that the engine does not
+/// know.
 [[nodiscard]] std::unique_ptr<Component::SQL::SQLIdentifierSourceComponent> makeIdentifierComponent(
     QBEngine* engine, const QBIdentifierCandidate* candidate);
 

@@ -175,6 +175,17 @@ TEST_F(IdentifierTools, CandidatesAreAddedAfterACommaEachWithOneNotification) {
     EXPECT_EQ(m_senders, (std::vector<void*>{&m_sender, &m_sender}));
 }
 
+TEST_F(IdentifierTools, APathBeginsBelowTheInnermostCandidateThatIsNoNameSpace) {
+    QBIdentifierCandidate* folder = add(at({"shop"}), "Saved queries", IdentifierTypeQuery);
+    QBIdentifierCandidate* schema = add(folder, "reports", IdentifierTypeSchema);
+    const auto pathOf = [this](const QBIdentifierCandidate* candidate) {
+        return Tools::Identifier::makeIdentifierComponent(m_engine.get(), candidate)->path;
+    };
+    EXPECT_EQ(pathOf(add(folder, "yearly", IdentifierTypeQuery)), Names());
+    EXPECT_EQ(pathOf(add(schema, "monthly", IdentifierTypeQuery)), Names({"reports"}));
+    EXPECT_EQ(pathOf(add(at({"shop"}), "weekly", IdentifierTypeQuery)), Names({"shop"}));
+}
+
 TEST_F(IdentifierTools, AnAddedSourceFollowsTheWholeOfAnEarlierBracket) {
     auto bracket = std::make_unique<SQLBracketedSourceNodeComponent>();
     using Tools::Identifier::addSourceComponentToExpression;
