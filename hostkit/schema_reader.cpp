@@ -79,7 +79,8 @@ SchemaColumn columnOf(const QSqlQuery& row) {
 }
 
 ForeignKeyField foreignKeyOf(const QSqlQuery& row) {
-    return {utf8(row.value(1)), utf8(row.value(2)), utf8(row.value(3)), utf8(row.value(4))};
+    return {utf8(row.value(0)), utf8(row.value(1)), utf8(row.value(2)), utf8(row.value(3)),
+            utf8(row.value(4))};
 }
 
 Fetched<SchemaObject> fieldsAsObjects(Fetched<SchemaColumn> columns) {
@@ -176,14 +177,24 @@ public:
                  const std::set<QBIdentifierObjectPath>& targets) {
         const auto keys = m_reader.foreignKeys(schemaOrDefault(from.schema), from.object);
         if (!keys.isOk() && m_error) *m_error = keys.error;
+        const std::set<std::string> broken = brokenKeys(keys.rows);
         for (const ForeignKeyField& key : keys.rows)
             for (const QBIdentifierObjectPath& target : targets)
-                if (refersTo(key, target)) add(from, key, target);
+                if (!broken.count(key.constraint) && refersTo(key, target)) add(from, key, target);
     }
 
     QBForeignKeys take() { return std::move(m_pairs); }
 
 private:
+    /// The keys of which a referenced field does not exist. Half of a composite key would join rows
+    /// that do not belong together.
+    static std::set<std::string> brokenKeys(const std::vector<ForeignKeyField>& fields) {
+        std::set<std::string> broken;
+        for (const ForeignKeyField& field : fields)
+            if (field.referencedField.empty()) broken.insert(field.constraint);
+        return broken;
+    }
+
     std::string schemaOrDefault(const std::string& schema) const {
         return schema.empty() ? m_database.defaultSchema() : schema;
     }
@@ -194,10 +205,8 @@ private:
                sameName(key.referencedSchema, schemaOrDefault(target.schema));
     }
 
-    /// A key whose parent lacks the field is broken, and no use for a join.
     void add(const QBIdentifierObjectPath& from, const ForeignKeyField& key,
              const QBIdentifierObjectPath& to) {
-        if (key.referencedField.empty()) return;
         m_pairs.insert(
             {{from.schema, from.object, key.field}, {to.schema, to.object, key.referencedField}});
     }

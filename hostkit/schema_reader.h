@@ -40,10 +40,11 @@ struct SchemaColumn {
 
 /// One pair of fields of a foreign key; a composite key gives one for each pair.
 struct ForeignKeyField {
+    std::string constraint;  ///< the same in all fields of one key, different for each key
     std::string field;
     std::string referencedSchema;
     std::string referencedObject;
-    std::string referencedField;
+    std::string referencedField;  ///< empty: the referenced object lacks it
 };
 
 /// Reads what a database holds, over the calling thread's connection. Blocks for the server: use
@@ -69,8 +70,9 @@ public:
 
     /// The foreign keys between @p object and @p others, in both directions, referencing field
     /// first; self references when @p object is among the others. Schemas and objects are spelled
-    /// as in the arguments, fields as the server spells them. An empty schema stands for the
-    /// default one. An error is reported through @p error when given; what was found stays.
+    /// as in the arguments, fields as the server spells them. A key that refers to a field which
+    /// does not exist is left out as a whole. An empty schema stands for the default one. An error
+    /// is reported through @p error when given; what was found stays.
     QBForeignKeys findForeignKeys(const QBIdentifierObjectPath& object,
                                   const std::set<QBIdentifierObjectPath>& others,
                                   QString* error = nullptr) const;

@@ -95,7 +95,8 @@ const char* const keysScript =
     "CREATE TABLE pair (x, y, PRIMARY KEY (y, x));"
     "CREATE TABLE child (id, parent_id REFERENCES PARENT, a, b, x, y, boss REFERENCES CHILD (ID),"
     "  FOREIGN KEY (A, b) REFERENCES parent (\"A\", B), FOREIGN KEY (y, x) REFERENCES pair);"
-    "CREATE TABLE broken (p REFERENCES nowhere, q REFERENCES parent (nofield));";
+    "CREATE TABLE broken (p REFERENCES nowhere, q REFERENCES parent (nofield), u, v,"
+    "  FOREIGN KEY (u, v) REFERENCES parent, FOREIGN KEY (u, v) REFERENCES parent (a, nofield));";
 
 }  // namespace
 
