@@ -10,6 +10,9 @@ struct QuoteMarks {
     char close;  // doubled inside
 };
 
+/// Left out, it would make the name that of another object.
+constexpr const char* replacementForNul = "\uFFFD";
+
 QuoteMarks quoteMarks(DatabaseType type) {
     switch (type) {
         case DatabaseTypeMySQL:
@@ -26,9 +29,8 @@ std::string quoted(const std::string& name, QuoteMarks marks) {
     std::string text(1, marks.open);
     text.reserve(name.size() + 2);
     for (const char c : name) {
-        if (c == '\0') continue;
         if (c == marks.close) text += c;
-        text += c;
+        c == '\0' ? text += replacementForNul : text += c;
     }
     return text += marks.close;
 }

@@ -22,7 +22,8 @@ namespace QB::HostKit {
 ///
 /// Limits: Oracle has no way to write a double quote or a NUL in a name; a double quote is doubled
 /// all the same, so that the text stays one name and the server refuses it. No family takes a NUL:
-/// it is left out. An empty name gives empty quotes, which only SQLite reads as a name.
+/// U+FFFD stands for it, so that the server knows no such name. An empty name gives empty quotes,
+/// which only SQLite reads as a name.
 /// An unknown family quotes like the standard, with double quotes.
 ///
 /// @param version the number of QBDatabaseInfo; words that a later version reserved are quoted for

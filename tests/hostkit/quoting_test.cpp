@@ -111,9 +111,9 @@ TEST(Quoting, NamesAreQuotedWhereTheFamilyNeedsIt) {
         EXPECT_EQ(formatIdentifier(e.name, e.family, 0), e.text) << "family " << e.family;
 }
 
-TEST(Quoting, ANulCannotEndTheNameEarly) {
+TEST(Quoting, ANulNeitherEndsTheNameNorMakesItAnotherOne) {
     const std::string name("a\0\"; DROP", 9);
-    EXPECT_EQ(formatIdentifier(name, QB::DatabaseTypePostgreSQL, 0), "\"a\"\"; DROP\"");
+    EXPECT_EQ(formatIdentifier(name, QB::DatabaseTypePostgreSQL, 0), "\"a\uFFFD\"\"; DROP\"");
 }
 
 TEST(Quoting, SqliteReadsEveryQuotedNameBackAsItself) {
