@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
+#include <QPainter>
 #include <QToolTip>
 
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
@@ -10,6 +11,24 @@
 #include "platform/tolk/tolk.h"
 
 namespace QB {
+namespace {
+
+/// The icon in one colour: a blue sign on the blue of a selection would not be seen.
+QIcon silhouette(const QIcon& icon, const QStyleOptionViewItem& option, const QColor& color) {
+    QWindow* window = option.widget ? option.widget->window()->windowHandle() : nullptr;
+    QPixmap pixmap = icon.pixmap(window, option.decorationSize);
+    if (pixmap.isNull()) return icon;
+    QPainter painter(&pixmap);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(pixmap.rect(), color);
+    painter.end();
+    QIcon result;
+    result.addPixmap(pixmap, QIcon::Normal);
+    result.addPixmap(pixmap, QIcon::Selected);
+    return result;
+}
+
+}  // namespace
 
 QBDiagramObjectTreeItemDelegate::QBDiagramObjectTreeItemDelegate(
     QBDiagramObjectTreePanelWidget* panel)
@@ -20,6 +39,9 @@ QBDiagramObjectTreeItemDelegate::~QBDiagramObjectTreeItemDelegate() = default;
 void QBDiagramObjectTreeItemDelegate::initStyleOption(QStyleOptionViewItem* option,
                                                       const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
+    if (option->state & QStyle::State_Selected)
+        option->icon =
+            silhouette(option->icon, *option, option->palette.color(QPalette::HighlightedText));
     if (isCurrentSchema(index)) option->font.setBold(true);
     if (!index.data(ObjectTreeItem::LoadingRole).toBool()) return;
     option->font.setItalic(true);

@@ -29,7 +29,12 @@ QTreeWidgetItem* ObjectTreeStore::shownParent(ObjectTreeItem* parent) const {
 
 void ObjectTreeStore::hideRows(ObjectTreeItem* parent) {
     const QScopedValueRollback<bool> guard(isAdjusting, true);
-    shownParent(parent)->takeChildren();
+    const QList<QTreeWidgetItem*> taken = shownParent(parent)->takeChildren();
+    if (!parent->isRoot()) return;
+    // What others have put into the tree has no other owner than the tree.
+    for (QTreeWidgetItem* item : taken) {
+        if (!dynamic_cast<ObjectTreeItem*>(item)) delete item;
+    }
 }
 
 bool ObjectTreeStore::isHidingLong(ObjectTreeItem* parent) const {

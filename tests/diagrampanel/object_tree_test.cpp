@@ -354,75 +354,6 @@ private Q_SLOTS:
         QVERIFY(!isBold(150) && isBold(151));
     }
 
-    // ---- adding -----------------------------------------------------------------------------
-
-    void aDoubleClickAddsATableAndOpensASchema() {
-        Desk& desk = *m_desk;
-        desk.doubleClick({"main"});
-        QVERIFY(desk.item({"main"})->isExpanded());
-        desk.doubleClick({"main", "city"});
-        QVERIFY(!desk.item({"main", "city"})->isExpanded());
-        desk.doubleClick({"main", "places"});
-        QCOMPARE(desk.sources(), QStringList({"main.city", "main.places"}));
-        desk.open({"main", "city"});
-        desk.doubleClick({"main", "city", "id"});
-        QCOMPARE(desk.sources(), QStringList({"main.city", "main.places"}));
-    }
-
-    void enterAddsTheCurrentTable() {
-        Desk& desk = *m_desk;
-        desk.open({"main"});
-        desk.tree->setCurrentItem(desk.item({"main", "country"}));
-        QTest::keyClick(desk.tree, Qt::Key_Return);
-        QTest::keyClick(desk.tree, Qt::Key_Enter, Qt::KeypadModifier);
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(), QStringList({"main.country", "main.country"}));
-    }
-
-    void aRowWithAForeignPointerIsIgnored() {
-        Desk& desk = *m_desk;
-        for (const QVariant& garbage :
-             {QVariant(), QVariant(0), QVariant(qulonglong(0xdeadbeef)), QVariant("text")}) {
-            auto* item = new QTreeWidgetItem(desk.tree);
-            item->setData(0, candidateRole, garbage);
-            desk.panel.on_diagramPaneObjectTreeWidget_itemDoubleClicked(item, 0);
-            desk.tree->setCurrentItem(item);
-            desk.panel.slotRefreshSelectedItem();
-            desk.host.finishWorkers();
-        }
-        desk.panel.on_diagramPaneObjectTreeWidget_itemDoubleClicked(nullptr, 0);
-        QCOMPARE(desk.sources(), QStringList());
-        desk.reload({});
-        QCOMPARE(desk.tree->topLevelItemCount(), 2);
-    }
-
-    void theMenuWorksOnExactlyOneRow() {
-        Desk& desk = *m_desk;
-        desk.open({"main"});
-        desk.tree->setCurrentItem(nullptr);
-        desk.tree->clearSelection();
-        desk.panel.showCellContextMenu({5, 5});
-        auto* menu = desk.panel.findChild<QMenu*>();
-        QVERIFY(menu && !menu->actions().at(0)->isEnabled());
-        QVERIFY(!menu->actions().at(1)->isEnabled());
-        delete menu;
-
-        desk.tree->setFocus();
-        desk.tree->setCurrentItem(desk.item({"main", "city"}));
-        QContextMenuEvent key(QContextMenuEvent::Keyboard,
-                              desk.tree->visualItemRect(desk.tree->currentItem()).center());
-        QCoreApplication::sendEvent(desk.tree, &key);
-        menu = desk.panel.findChild<QMenu*>();
-        QVERIFY(menu && menu->actions().at(0)->isEnabled());
-        const int before = desk.server.fetchCount();
-        menu->actions().at(0)->trigger();
-        menu->actions().at(1)->trigger();
-        desk.host.finishWorkers();
-        QVERIFY(desk.server.fetchCount() > before);
-        QCOMPARE(desk.sources(), QStringList("main.city"));
-        delete menu;
-    }
-
     // ---- filter -----------------------------------------------------------------------------
 
     void theFilterShowsMatchesAndWhatLeadsToThem() {
@@ -521,6 +452,75 @@ private Q_SLOTS:
         QVERIFY(label->isVisible() && !label->text().isEmpty());
         desk.filter("main");
         QVERIFY(!label->isVisible());
+    }
+
+    // ---- adding -----------------------------------------------------------------------------
+
+    void aDoubleClickAddsATableAndOpensASchema() {
+        Desk& desk = *m_desk;
+        desk.doubleClick({"main"});
+        QVERIFY(desk.item({"main"})->isExpanded());
+        desk.doubleClick({"main", "city"});
+        QVERIFY(!desk.item({"main", "city"})->isExpanded());
+        desk.doubleClick({"main", "places"});
+        QCOMPARE(desk.sources(), QStringList({"main.city", "main.places"}));
+        desk.open({"main", "city"});
+        desk.doubleClick({"main", "city", "id"});
+        QCOMPARE(desk.sources(), QStringList({"main.city", "main.places"}));
+    }
+
+    void enterAddsTheCurrentTable() {
+        Desk& desk = *m_desk;
+        desk.open({"main"});
+        desk.tree->setCurrentItem(desk.item({"main", "country"}));
+        QTest::keyClick(desk.tree, Qt::Key_Return);
+        QTest::keyClick(desk.tree, Qt::Key_Enter, Qt::KeypadModifier);
+        desk.host.finishWorkers();
+        QCOMPARE(desk.sources(), QStringList({"main.country", "main.country"}));
+    }
+
+    void aRowWithAForeignPointerIsIgnored() {
+        Desk& desk = *m_desk;
+        for (const QVariant& garbage :
+             {QVariant(), QVariant(0), QVariant(qulonglong(0xdeadbeef)), QVariant("text")}) {
+            auto* item = new QTreeWidgetItem(desk.tree);
+            item->setData(0, candidateRole, garbage);
+            desk.panel.on_diagramPaneObjectTreeWidget_itemDoubleClicked(item, 0);
+            desk.tree->setCurrentItem(item);
+            desk.panel.slotRefreshSelectedItem();
+            desk.host.finishWorkers();
+        }
+        desk.panel.on_diagramPaneObjectTreeWidget_itemDoubleClicked(nullptr, 0);
+        QCOMPARE(desk.sources(), QStringList());
+        desk.reload({});
+        QCOMPARE(desk.tree->topLevelItemCount(), 2);
+    }
+
+    void theMenuWorksOnExactlyOneRow() {
+        Desk& desk = *m_desk;
+        desk.open({"main"});
+        desk.tree->setCurrentItem(nullptr);
+        desk.tree->clearSelection();
+        desk.panel.showCellContextMenu({5, 5});
+        auto* menu = desk.panel.findChild<QMenu*>();
+        QVERIFY(menu && !menu->actions().at(0)->isEnabled());
+        QVERIFY(!menu->actions().at(1)->isEnabled());
+        delete menu;
+
+        desk.tree->setFocus();
+        desk.tree->setCurrentItem(desk.item({"main", "city"}));
+        QContextMenuEvent key(QContextMenuEvent::Keyboard,
+                              desk.tree->visualItemRect(desk.tree->currentItem()).center());
+        QCoreApplication::sendEvent(desk.tree, &key);
+        menu = desk.panel.findChild<QMenu*>();
+        QVERIFY(menu && menu->actions().at(0)->isEnabled());
+        const int before = desk.server.fetchCount();
+        menu->actions().at(0)->trigger();
+        menu->actions().at(1)->trigger();
+        desk.host.finishWorkers();
+        QVERIFY(desk.server.fetchCount() > before);
+        QCOMPARE(desk.sources(), QStringList("main.city"));
+        delete menu;
     }
 
 private:
