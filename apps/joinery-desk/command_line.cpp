@@ -30,7 +30,8 @@ public:
 
     CommandLineResult parse(const QStringList& arguments) {
         if (!m_parser.parse(arguments)) return failure(m_parser.errorText());
-        if (m_parser.isSet(m_help.first())) return answer(m_parser.helpText());
+        if (m_parser.isSet(m_help.first()) || m_parser.isSet(QStringLiteral("help-all")))
+            return answer(m_parser.helpText());
         if (m_parser.isSet(m_version.first())) return answer(versionText());
         CommandLineResult result;
         result.message = read(result.options);
@@ -165,7 +166,8 @@ CommandLineResult parseCommandLine(const QStringList& arguments) {
 
 EarlyOptions readEarlyOptions(const QStringList& arguments) {
     const QStringList asking = {QStringLiteral("-h"), QStringLiteral("--help"),
-                                QStringLiteral("-v"), QStringLiteral("--version")};
+                                QStringLiteral("-v"), QStringLiteral("--version"),
+                                QStringLiteral("--help-all")};
     const QString scale = QStringLiteral("--scale");
     EarlyOptions early;
     for (int i = 1; i < arguments.size(); ++i) {

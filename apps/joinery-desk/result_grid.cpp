@@ -40,6 +40,12 @@ struct Selection {
     bool isEmpty() const { return bottom < 0; }
 };
 
+QString timeText(qint64 ms) {
+    if (ms < 1) return ResultGrid::tr("less than 1 ms");
+    if (ms < 1000) return ResultGrid::tr("%1 ms").arg(ms);
+    return ResultGrid::tr("%1 s").arg(QLocale().toString(double(ms) / 1000, 'f', 1));
+}
+
 /// Where an error lies: the line, and the text from there on.
 QString placeText(const QString& sql, int position) {
     const int line = sql.leftRef(position).count(QLatin1Char('\n')) + 1;
@@ -104,6 +110,7 @@ void ResultGrid::setUpFootLine() {
     connect(m_cancel, &QPushButton::clicked, this, &ResultGrid::cancel);
 
     m_foot->setSizeGripEnabled(false);
+    m_foot->setContentsMargins(6, 0, 4, 0);
     m_foot->addWidget(m_status, 1);
     m_foot->addPermanentWidget(m_cancel);
     m_foot->addPermanentWidget(m_limitLabel);
@@ -230,8 +237,7 @@ QString ResultGrid::statusText() const {
         case State::Finished:
             break;
     }
-    const QString time =
-        tr("%1 s").arg(QLocale().toString(double(m_summary.elapsedMs) / 1000, 'f', 3));
+    const QString time = timeText(m_summary.elapsedMs);
     if (m_summary.capped)
         return tr("The first %1 in %2; there are more than the row limit lets through")
             .arg(rows, time);

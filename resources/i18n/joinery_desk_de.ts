@@ -227,6 +227,14 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <source>none</source>
         <translation>keine</translation>
     </message>
+    <message>
+        <source>less than 1 ms</source>
+        <translation>weniger als 1 ms</translation>
+    </message>
+    <message>
+        <source>%1 ms</source>
+        <translation>%1 ms</translation>
+    </message>
 </context>
 <context>
     <name>QB::Desk::ScriptedStart</name>
@@ -275,7 +283,7 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
     </message>
     <message>
         <source>&amp;Query</source>
-        <translation>&amp;Abfrage</translation>
+        <translation>Ab&amp;frage</translation>
     </message>
     <message>
         <source>&amp;New Query</source>

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTreeWidget>
+#include <memory>
+
+#include "apps/joinery-desk/main_window.h"
+#include "apps/joinery-desk/message_bar.h"
+#include "apps/joinery-desk/result_grid.h"
+#include "apps/joinery-desk/result_model.h"
+#include "diagrampanel/diagram_object_tree_panel_widget.h"
+#include "frame/abstract_query_preview_panel_widget.h"
+#include "frame/query_builder_widget.h"
+
+namespace QB::Test {
+
+/// The window on the screen, with settings of its own, and what a user would look at and reach for.
+class DeskFixture {
+public:
+    DeskFixture()
+        : settings(folder.filePath("settings.ini"), QSettings::IniFormat)
+        , window(std::make_unique<Desk::MainWindow>(&settings, folder.filePath("sample.sqlite"))) {
+        window->setLanguage("en");
+        window->show();
+    }
+
+    /// Opens a file that can be opened, and waits until its tables are in the tree.
+    bool open(const QString& file) {
+        window->openFile(file);
+        return QTest::qWaitFor(
+            [this] { return !window->isOpening() && window->isDatabaseShown(); });
+    }
+
+    QTreeWidget* tree() const { return window->objectTree()->findChild<QTreeWidget*>(); }
+    QTreeWidgetItem* schema() const { return tree()->topLevelItem(0); }
+    QTreeWidgetItem* row(const QString& name) const {
+        const auto found = tree()->findItems(name, Qt::MatchExactly | Qt::MatchRecursive);
+        return found.isEmpty() ? nullptr : found.first();
+    }
+    QPoint centre(QTreeWidgetItem* item) const {
+        tree()->scrollToItem(item);
+        return tree()->visualItemRect(item).center();
+    }
+    void doubleClick(QTreeWidgetItem* item) const {
+        const QPoint place = centre(item);
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(tree()->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseRelease(tree()->viewport(), Qt::LeftButton, {}, place);
+    }
+
+    /// A key in the window as it is, wherever the focus may be.
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const {
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+        QTest::keyClick(window->windowHandle(), key, modifiers);
+    }
+
+    /// The text that the preview shows, on one line.
+    QString preview() const {
+        auto* edit = window->builder()->queryPreviewPanel()->findChild<QPlainTextEdit*>();
+        return edit->toPlainText().simplified();
+    }
+    QPushButton* button(QDialogButtonBox::StandardButton which) const {
+        return window->builder()->findChild<QDialogButtonBox*>()->button(which);
+    }
+    void buildAndRun() const { QTest::mouseClick(button(QDialogButtonBox::Yes), Qt::LeftButton); }
+
+    Desk::ResultGrid* grid() const { return window->resultGrid(); }
+    Desk::ResultModel* model() const { return grid()->model(); }
+    QString cell(int row, int column) const {
+        return model()->index(row, column).data().toString();
+    }
+    QString status() const { return window->findChild<QLabel*>("resultStatus")->text(); }
+
+    QTemporaryDir folder;
+    QSettings settings;
+    std::unique_ptr<Desk::MainWindow> window;
+};
+
+}  // namespace QB::Test

@@ -1,0 +1,100 @@
+#include <QDir>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "apps/joinery-desk/command_line.h"
+#include "hostkit/sqlite_file.h"
+
+using namespace QB::Desk;
+
+/// The program as a process: what a script or a user at a terminal sees of it.
+class ProgramTest : public QObject {
+    Q_OBJECT
+
+    struct Run {
+        int code;
+        QString errors;
+        QString output;
+    };
+
+    Run run(QStringList arguments) {
+        arguments += {"--settings", m_folder.filePath("settings.ini")};
+        QProcess program;
+        program.start(JOINERY_DESK, arguments);
+        if (!program.waitForFinished(60000)) return {-1, "does not end", QString()};
+        return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -2,
+                QString::fromUtf8(program.readAllStandardError()),
+                QString::fromUtf8(program.readAllStandardOutput())};
+    }
+
+    QString picture() const { return m_folder.filePath("picture.png"); }
+
+    QTemporaryDir m_folder;
+
+private Q_SLOTS:
+    void init() { QFile::remove(picture()); }
+
+    void aPictureIsTakenWhenAllIsThere() {
+        const QStringList script = {"--sample", "--add",        "CUSTOMER",     "--run",
+                                    "--size",   "800x600",      "--theme",      "light",
+                                    "--add",    "main.station", "--screenshot", picture()};
+        const Run once = run(script);
+        QVERIFY2(once.code == ExitOk, qPrintable(once.errors));
+        const QImage light(picture());
+        QCOMPARE(light.size(), QSize(800, 600));
+        QVERIFY(light.pixelColor(2, 2).lightness() > 180);
+        const Run twice = run(script + QStringList{"--theme", "dark", "--scale", "2"});
+        QVERIFY2(twice.code == ExitOk, qPrintable(twice.errors));
+        const QImage dark(picture());
+        QCOMPARE(dark.size(), QSize(1600, 1200));
+        QVERIFY(dark.pixelColor(2, 2).lightness() < 80);
+    }
+
+    void whatFailsIsToldAndHasItsExitCode_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("told");
+        const QStringList take = {"--screenshot", picture()};
+        QTest::newRow("usage") << QStringList{"--size", "big"} << int(ExitUsage) << "--size";
+        QTest::newRow("missing file")
+            << QStringList{m_folder.filePath("none.db")} + take << int(ExitNoDatabase) << "none.db";
+        QTest::newRow("unknown table")
+            << QStringList{"--sample", "--add", "nope"} + take << int(ExitNoTable) << "nope";
+        QTest::newRow("nothing to run")
+            << QStringList{"--sample", "--run"} + take << int(ExitQueryFailed) << "joinery-desk:";
+        QTest::newRow("no folder for the picture")
+            << QStringList{"--sample", "--screenshot", m_folder.filePath("no/x.png")}
+            << int(ExitNoImage) << "x.png";
+    }
+    void whatFailsIsToldAndHasItsExitCode() {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, code);
+        QFETCH(QString, told);
+        const Run result = run(arguments);
+        QVERIFY2(result.code == code, qPrintable(result.errors));
+        QVERIFY2(result.errors.contains(told), qPrintable(result.errors));
+        // A query that failed is worth a picture, too: the error stands in it.
+        QCOMPARE(QFileInfo::exists(picture()), code == ExitQueryFailed);
+    }
+
+    void aQueryWithoutEndMeetsItsDeadline() {
+        const QB::Test::SqliteFile file(
+            "CREATE VIEW silent AS WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n)"
+            " SELECT count(*) AS number FROM n");
+        const Run result = run({file.path(), "--add", "silent", "--run", "--deadline", "2",
+                                "--screenshot", picture()});
+        QVERIFY2(result.code == ExitDeadline, qPrintable(result.errors));
+    }
+
+    void helpTellsEveryExitCodeAndNeedsNoDatabase() {
+        const Run help = run({"--help"});
+        QCOMPARE(help.code, int(ExitOk));
+        for (const char* word : {"--add", "--screenshot", "6 "})
+            QVERIFY2(help.output.contains(word), word);
+    }
+};
+
+QTEST_MAIN(ProgramTest)
+#include "program_test.moc"
