@@ -197,7 +197,7 @@ void QBAbstractQueryPreviewPanelWidget::finishGeneration(const Generation& gener
 
 void QBAbstractQueryPreviewPanelWidget::setLoading(bool loading) {
     if (loading && isEnabled()) {
-        takeFocusAway();
+        rememberFocus();
         if (isVisible()) {
             setUpdatesEnabled(false);
             m_unpaintedTimer.start();
@@ -211,13 +211,10 @@ void QBAbstractQueryPreviewPanelWidget::setLoading(bool loading) {
     giveFocusBack();
 }
 
-// Disabling would pass the focus on to the next widget, and with it what the user types: to a
-// button, for example. Nothing has it instead.
-void QBAbstractQueryPreviewPanelWidget::takeFocusAway() {
+// Qt takes the focus from a widget that is disabled together with its parent, and gives it to none.
+void QBAbstractQueryPreviewPanelWidget::rememberFocus() {
     QWidget* focused = window()->focusWidget();
-    if (focused == nullptr || !isAncestorOf(focused)) return;
-    m_focusedBeforeLoading = focused;
-    focused->clearFocus();
+    if (focused != nullptr && isAncestorOf(focused)) m_focusedBeforeLoading = focused;
 }
 
 void QBAbstractQueryPreviewPanelWidget::giveFocusBack() {

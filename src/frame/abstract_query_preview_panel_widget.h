@@ -89,7 +89,7 @@ private:
     static void run(const Generation& generation);
     static void generateText(const Generation& generation, Result& result);
     void finishGeneration(const Generation& generation, bool isEngineAlive, const Result& result);
-    void takeFocusAway();
+    void rememberFocus();
     void giveFocusBack();
 
     QTimer m_timer;
