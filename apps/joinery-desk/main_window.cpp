@@ -113,8 +113,12 @@ void MainWindow::setUpContent() {
 void MainWindow::setUpBuilder() {
     m_builder->setQueryPreviewPanel(new QBHighlightingQueryPreviewPanelWidget);
     // The builder is no dialog here: there is nothing that this button could close.
-    if (auto* box = m_builder->findChild<QDialogButtonBox*>())
+    if (const auto* box = m_builder->findChild<QDialogButtonBox*>()) {
         box->button(QDialogButtonBox::Cancel)->hide();
+        // A style's pictures for "Yes" and "OK" say nothing about building and running.
+        for (const auto which : {QDialogButtonBox::Yes, QDialogButtonBox::Ok})
+            box->button(which)->setIcon(QIcon());
+    }
     connect(m_builder, &QBQueryBuilderWidget::okDialogButtonClicked, this, &MainWindow::takeQuery);
     connect(objectTree(), &QBDiagramObjectTreePanelWidget::signalTreeSettled, this,
             &MainWindow::showDefaultSchema);

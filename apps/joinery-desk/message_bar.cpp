@@ -30,6 +30,7 @@ MessageBar::MessageBar(QWidget* parent)
     m_text->setTextFormat(Qt::PlainText);
     m_text->setWordWrap(true);
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_icon->setContentsMargins(0, 2, 0, 0);  // on the first line of the text
     m_close->setAutoRaise(true);
     m_close->setFocusPolicy(Qt::StrongFocus);
     auto* layout = new QHBoxLayout(this);
