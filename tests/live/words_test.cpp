@@ -36,7 +36,9 @@ protected:
         }
         if (family() == DatabaseTypeMariaDB) {
             return server().column(
-                "SELECT word FROM information_schema.keywords WHERE word REGEXP '^[A-Za-z_]+$'");
+                "SELECT word FROM information_schema.keywords WHERE word REGEXP '^[A-Za-z_]+$' "
+                "UNION SELECT CONCAT('_', character_set_name) FROM "
+                "information_schema.character_sets");
         }
         return {};
     }
