@@ -7,20 +7,20 @@ namespace QB {
 
 SlicedWork::SlicedWork(Step step) : m_step(std::move(step)) {
     m_timer.setInterval(0);
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { slice(); });
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { slice(true); });
 }
 
 void SlicedWork::run() {
     if (m_isInSlice) return;
     m_timer.start();
-    slice();
+    slice(false);
 }
 
-void SlicedWork::slice() {
+void SlicedWork::slice(bool isFromEventLoop) {
     const QScopedValueRollback<bool> guard(m_isInSlice, true);
     QElapsedTimer elapsed;
     elapsed.start();
-    m_isFresh = true;
+    m_isFresh = isFromEventLoop;
     m_isEnding = false;
     while (m_step()) {
         m_isFresh = false;

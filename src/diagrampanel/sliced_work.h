@@ -24,13 +24,14 @@ public:
     /// As run(), without the slice now.
     void schedule() { m_timer.start(); }
 
-    /// For a step that has a piece of several milliseconds before it: whether the slice has done
-    /// nothing yet. If it has, the step ends it and does its piece in the next one.
+    /// For a step that has a piece of several milliseconds before it: whether this slice comes from
+    /// the event loop and has done nothing yet. If not, the step ends it and does its piece in the
+    /// next one.
     bool isFresh() const { return m_isFresh; }
     void endSlice() { m_isEnding = true; }
 
 private:
-    void slice();
+    void slice(bool isFromEventLoop);
 
     const Step m_step;
     QTimer m_timer;
