@@ -94,8 +94,7 @@ void QBEngine::dbInfoChanged() {
 
 /// Other threads find the old stack or the new one, never an empty one.
 void QBEngine::replaceRootStatement() {
-    const Layer root = {createTopLevelQueryComponentForCurrentDatabase(),
-                        generateTopLevelQueryComponentRootLayerName()};
+    const Layer root = {createTopLevelQueryComponentForCurrentDatabase(), {}, true};
     const std::lock_guard statements(m_core->queryComponentAccessMutex);
     std::vector<Layer> replaced = {root};
     {
@@ -153,18 +152,20 @@ AbstractTopLevelQueryComponent* QBEngine::topLevelQueryComponent(int layer) cons
 }
 
 std::string QBEngine::topLevelQueryComponentLayerName(int layer) const {
-    const std::lock_guard lock(m_stateMutex);
+    std::unique_lock lock(m_stateMutex);
     if (layer < 0 && layer >= static_cast<int>(m_layers.size())) {
         throwProtocolError("topLevelQueryComponentLayerName: Out of bound");
     }
-    return m_layers[static_cast<std::size_t>(layer)].name;
+    const Layer entry = m_layers[static_cast<std::size_t>(layer)];
+    lock.unlock();
+    return entry.hasRootName ? generateTopLevelQueryComponentRootLayerName() : entry.name;
 }
 
 void QBEngine::pushNewLayerTopLevelQueryComponent(AbstractTopLevelQueryComponent* statement,
                                                   const std::string& name) {
     {
         const std::lock_guard lock(m_stateMutex);
-        m_layers.push_back({statement, name});
+        m_layers.push_back({statement, name, false});
     }
     notifyChange(Notification::topLevelQueryComponentLayerChanged, nullptr);
 }

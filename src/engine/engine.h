@@ -252,6 +252,7 @@ private:
     struct Layer {
         Statement* statement;  // not owned: see the class
         std::string name;
+        bool hasRootName;  ///< its name is made when asked for, in the language of that moment
     };
     struct ListenerEntry;
 

@@ -259,7 +259,10 @@ void QBQueryBuilderWidget::closeEvent(QCloseEvent* event) {
 bool QBQueryBuilderWidget::event(QEvent* event) {
     const bool isHandled = QWidget::event(event);
     // The button box sets its own texts when the change of language comes to it, a moment ago.
-    if (event->type() == QEvent::LanguageChange) localizeControls();
+    if (event->type() == QEvent::LanguageChange) {
+        localizeControls();
+        rebuildNavigationBar();
+    }
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
         updateButtonIcons();
     return isHandled;

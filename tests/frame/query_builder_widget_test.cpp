@@ -304,6 +304,7 @@ private Q_SLOTS:
         QCOMPARE(m_builder->tabs()->accessibleName(), QString("CLAUSES OF THE QUERY"));
         QCOMPARE(m_builder->findChild<QToolButton*>("previewButton")->toolTip(),
                  QString("SHOW OR HIDE THE QUERY PREVIEW"));
+        QCOMPARE(engine->topLevelQueryComponentLayerName(0), std::string("(MAIN QUERY)"));
         QCoreApplication::removeTranslator(&translator);
         QCoreApplication::processEvents();
         QCOMPARE(m_builder->button(QDialogButtonBox::Cancel)->text(), QString("Cancel"));
