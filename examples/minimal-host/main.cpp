@@ -14,8 +14,8 @@ int main(int argc, char** argv) {
     QB::HostKit::installCallbacks();
     const QStringList arguments = app.arguments();
     QB::HostKit::Database database;
-    const QString error = database.open(
-        QB::HostKit::ConnectionSettings::sqliteFile(arguments.value(1)));
+    const QString error =
+        database.open(QB::HostKit::ConnectionSettings::sqliteFile(arguments.value(1)));
     if (!error.isEmpty()) {
         std::fprintf(stderr, "%s\n", qPrintable(error));
         return 1;
@@ -31,8 +31,7 @@ int main(int argc, char** argv) {
     builder.resize(1000, 600);
     builder.show();
     if (arguments.value(2) == "--grab")  // a picture of the window, for where there is no display
-        QTimer::singleShot(1500, &builder, [&] {
-            app.exit(builder.grab().save(arguments.value(3)) ? 0 : 2);
-        });
+        QTimer::singleShot(1500, &builder,
+                           [&] { app.exit(builder.grab().save(arguments.value(3)) ? 0 : 2); });
     return app.exec();
 }
