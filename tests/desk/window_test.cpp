@@ -436,6 +436,7 @@ private:
         static sqlite3* open(const QString& path) {
             sqlite3* handle = nullptr;
             sqlite3_open(path.toUtf8().constData(), &handle);
+            sqlite3_busy_timeout(handle, 10000);  // the window may be reading
             return handle;
         }
         static void cleanup(sqlite3* handle) { sqlite3_close(handle); }
