@@ -3,15 +3,20 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <future>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "engine/engine.h"
+#include "engine/main_thread_call.h"
+#include "model/notification_names.h"
 #include "support/host_callbacks.h"
 #include "support/owned_engine.h"
 
 namespace QB::Test {
+
+using Names = std::vector<std::string>;
 
 /// An engine that writes down what it is notified of.
 class RecordingEngine : public QBEngine {
@@ -28,11 +33,10 @@ public:
         notices.push_back({name, params != nullptr, params ? *params : QBNotificationParameters()});
     }
 
-    std::vector<std::string> takeNames() {
-        std::vector<std::string> names;
-        for (const Notice& notice : notices)
+    Names takeNames() {
+        Names names;
+        for (const Notice& notice : std::exchange(notices, {}))
             names.push_back(notice.name);
-        notices.clear();
         return names;
     }
 
@@ -50,7 +54,12 @@ inline std::string protocolErrorOf(const std::function<void()>& call) {
     return "";
 }
 
-using Names = std::vector<std::string>;
+/// Whether another thread could take @p mutex now.
+inline bool isFree(std::recursive_mutex& mutex) {
+    return std::async(std::launch::async,
+                      [&mutex] { return std::unique_lock(mutex, std::try_to_lock).owns_lock(); })
+        .get();
+}
 
 /// Gives every test of an engine the host's side and an engine.
 class EngineTest : public ::testing::Test {
@@ -72,19 +81,38 @@ protected:
             engine->topLevelQueryComponent(0));
     }
 
-    /// Makes a table the FROM clause, in place of whatever stood there before (null here).
-    Component::SQL::SQLIdentifierSourceComponent* setTable(const std::string& name) {
+    template <typename Element>
+    using Block = std::common_type_t<std::function<bool(Element*)>>;  // not deduced
+
+    template <typename Element = void>
+    void modify(TopLevelQueryComponentElementEnum which, const Block<Element>& block, int layer = 0,
+                void* sender = nullptr) {
+        engine->modifyInTopLevelQueryComponentElement<Element*>(which, layer, block, sender);
+    }
+
+    /// Makes @p source the FROM clause, in place of whatever stood there before (null here).
+    template <typename Source>
+    Source* setSource(Source* source) {
+        modify<ELEMSQLSourceExpr>(ElementSource, [source](ELEMSQLSourceExpr* element) {
+            element->root = new Component::SQL::SourceNode;
+            element->root->value = source;
+            return true;
+        });
+        return source;
+    }
+
+    auto* setTable(const std::string& name) {
         auto* table = new Component::SQL::SQLIdentifierSourceComponent;
         table->name = name;
-        engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-            ElementSource, 0,
-            [table](ELEMSQLSourceExpr* element) {
-                element->root = new Component::SQL::SourceNode;
-                element->root->value = table;
-                return true;
-            },
-            nullptr);
-        return table;
+        return setSource(table);
+    }
+
+    /// A derived table whose WHERE clause nobody but the engine frees; gives the inner statement.
+    auto* setSubquery() {
+        auto* inner = new Component::SQL::SQLSelectStmtComponent;
+        inner->whereExpr->root = new Component::SQL::SQLConditionValueComponent;
+        setSource(new Component::SQL::SQLSubquerySourceComponent)->subquery = inner;
+        return inner;
     }
 };
 

@@ -1,11 +1,5 @@
 #include "engine/retired_parts.h"
 
-#include <gtest/gtest.h>
-
-#include <future>
-
-#include "engine/main_thread_call.h"
-#include "model/notification_names.h"
 #include "recording_engine.h"
 
 using namespace QB;
@@ -14,10 +8,13 @@ using namespace QB::Component::SQL;
 
 namespace {
 
-DetachedParts partOf(std::unique_ptr<Component::AbstractQueryComponent> component) {
+/// A new component as a part by itself, and its id.
+std::pair<DetachedParts, long> makePart() {
+    auto component = std::make_unique<SQLAnyExpressionColumnComponent>();
+    const long id = component->id();
     DetachedParts parts;
     parts.add(std::move(component));
-    return parts;
+    return {std::move(parts), id};
 }
 
 }  // namespace
@@ -25,78 +22,55 @@ DetachedParts partOf(std::unique_ptr<Component::AbstractQueryComponent> componen
 /// Blocks that retire, and columns that refer to what they retired.
 class RetiredTest : public StatementTest {
 protected:
-    using Block = std::function<bool(ELEMSQLSelectColumnExpr*)>;
-
-    void modify(const Block& block) {
-        engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(ElementSelectColumn,
-                                                                                0, block, nullptr);
-    }
-
     /// Retires a new component in a block of its own and gives its id.
     long retireOne(bool isChange = true) {
-        auto component = std::make_unique<SQLAnyExpressionColumnComponent>();
-        const long id = component->id();
-        modify([&](auto*) {
-            engine->retire(partOf(std::move(component)));
+        long id = 0;
+        modify(ElementWhere, [&](void*) {
+            id = retirePart();
             return isChange;
         });
         return id;
     }
 
-    /// Takes the table out of FROM, as an edit does.
-    long retireTable() {
-        long id = 0;
-        engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-            ElementSource, 0,
-            [&](ELEMSQLSourceExpr* element) {
-                id = element->root->value->id();
-                DetachedParts parts;
-                parts.add(std::unique_ptr<SourceNode>(std::exchange(element->root, nullptr)));
-                engine->retire(std::move(parts));
-                return true;
-            },
-            nullptr);
+    long retirePart() {
+        auto [parts, id] = makePart();
+        engine->retire(std::move(parts));
         return id;
     }
 
-    void addColumnOf(SQLAbstractSourceComponent* source) {
-        modify([source](ELEMSQLSelectColumnExpr* element) {
-            auto* column = new SQLFieldColumnComponent;
-            column->source = source;
-            element->columns.push_back(column);
+    /// Takes the table out of FROM, as an edit does.
+    long retireTable() {
+        const long id = root()->sourceExpr->root->value->id();
+        modify<ELEMSQLSourceExpr>(ElementSource, [this](ELEMSQLSourceExpr* element) {
+            DetachedParts parts;
+            parts.add(std::unique_ptr<SourceNode>(std::exchange(element->root, nullptr)));
+            engine->retire(std::move(parts));
             return true;
         });
+        return id;
+    }
+
+    SQLIdentifierSourceComponent* setTableWithColumn() {
+        auto* const table = setTable("film");
+        auto* column = new SQLFieldColumnComponent;
+        column->source = table;
+        root()->selectColumnExpr->columns.push_back(column);
+        return table;
     }
 
     std::size_t retiredCount() const { return engine->core()->retired.size(); }
 };
 
-TEST_F(RetiredTest, APartIsThereWhileItsNotificationIsDeliveredAndGoneAfterwards) {
-    long id = 0;
-    bool wasAlive = false;
-    auto component = std::make_unique<SQLAnyExpressionColumnComponent>();
-    id = component->id();
-    engine->registerNotifyChangeListener(
-        Notification::topLevelQueryComponentElementModified,
-        [&](const std::string&, const auto*) { wasAlive = isAlive(id); });
-    modify([&](auto*) {
-        engine->retire(partOf(std::move(component)));
-        return true;
-    });
-    EXPECT_TRUE(wasAlive);
-    EXPECT_FALSE(isAlive(id));
-}
-
 TEST_F(RetiredTest, APartStaysWhileAColumnOfTheStatementPointsAtIt) {
-    SQLIdentifierSourceComponent* const table = setTable("film");
-    addColumnOf(table);
+    const auto* const table = setTableWithColumn();
     const long id = retireTable();
     EXPECT_TRUE(isAlive(id));
     EXPECT_EQ(table->name, "film");  // what a text generation would read
-    modify([&](ELEMSQLSelectColumnExpr* element) {
-        std::unique_ptr<SQLAbstractColumnComponent> column(element->columns.back());
+    modify<ELEMSQLSelectColumnExpr>(ElementSelectColumn, [&](ELEMSQLSelectColumnExpr* element) {
+        DetachedParts parts;
+        parts.add(std::unique_ptr<SQLAbstractColumnComponent>(element->columns.back()));
         element->columns.pop_back();
-        engine->retire(partOf(std::move(column)));
+        engine->retire(std::move(parts));
         return true;
     });
     EXPECT_FALSE(isAlive(id));
@@ -104,21 +78,7 @@ TEST_F(RetiredTest, APartStaysWhileAColumnOfTheStatementPointsAtIt) {
 }
 
 TEST_F(RetiredTest, ASubqueryStaysWhileItsLayerIsOpen) {
-    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-        ElementSource, 0,
-        [](ELEMSQLSourceExpr* element) {
-            auto* derived = new SQLSubquerySourceComponent;
-            auto* inner = new SQLSelectStmtComponent;
-            derived->subquery = inner;
-            inner->whereExpr->root = new SQLConditionValueComponent;
-            element->root = new SourceNode;
-            element->root->value = derived;
-            return true;
-        },
-        nullptr);
-    auto* const inner =
-        static_cast<SQLSubquerySourceComponent*>(root()->sourceExpr->root->value)->subquery;
-    engine->pushNewLayerTopLevelQueryComponent(inner, "sub");
+    engine->pushNewLayerTopLevelQueryComponent(setSubquery(), "sub");
     const long id = retireTable();
     EXPECT_TRUE(isAlive(id));
     engine->popCurrentLayerTopLevelQueryComponent();
@@ -126,8 +86,9 @@ TEST_F(RetiredTest, ASubqueryStaysWhileItsLayerIsOpen) {
     EXPECT_FALSE(isAlive(id));
 }
 
-TEST_F(RetiredTest, ADeliveryFreesOnlyWhatItsOwnModificationRetired) {
-    std::vector<std::pair<bool, bool>> seen;
+TEST_F(RetiredTest, ADeliveryFreesOnlyWhatItsOwnModificationRetiredAndNotBeforeItsEnd) {
+    using Seen = std::vector<std::pair<bool, bool>>;
+    Seen seen;
     long first = 0;
     long second = 0;
     engine->registerNotifyChangeListener(Notification::topLevelQueryComponentElementModified,
@@ -140,39 +101,32 @@ TEST_F(RetiredTest, ADeliveryFreesOnlyWhatItsOwnModificationRetired) {
     }).join();
     const long third = retireOne();  // delivered at once, before the two
     EXPECT_FALSE(isAlive(third));
-    EXPECT_TRUE(isAlive(first));
     host.runPending();
-    using Seen = std::vector<std::pair<bool, bool>>;
     EXPECT_EQ(seen, (Seen{{true, true}, {true, true}, {false, true}}));
     EXPECT_EQ(retiredCount(), 0U);
 }
 
-TEST_F(RetiredTest, WhatAnUnannouncedBlockRetiredGoesWithTheNextDelivery) {
-    const long id = retireOne(false);
-    EXPECT_TRUE(isAlive(id));
-    modify([](auto*) { return true; });
-    EXPECT_FALSE(isAlive(id));
-}
-
-TEST_F(RetiredTest, AnInnerModificationFreesNothingUnderItsOuterBlock) {
+TEST_F(RetiredTest, AnInnerOrUnannouncedModificationFreesNothingBeforeTheNextDelivery) {
+    const long unannounced = retireOne(false);
+    EXPECT_TRUE(isAlive(unannounced));
     long outer = 0;
     long inner = 0;
-    modify([&](auto*) {
-        auto component = std::make_unique<SQLAnyExpressionColumnComponent>();
-        outer = component->id();
-        engine->retire(partOf(std::move(component)));
+    modify(ElementWhere, [&](void*) {
+        outer = retirePart();
         inner = retireOne();
         EXPECT_TRUE(isAlive(outer) && isAlive(inner));
         return true;
     });
-    EXPECT_FALSE(isAlive(outer) || isAlive(inner));
+    EXPECT_FALSE(isAlive(outer) || isAlive(inner) || isAlive(unannounced));
 }
 
-TEST_F(RetiredTest, TheRestGoesWithTheEngineAndItsLastTask) {
-    addColumnOf(setTable("film"));
+TEST_F(RetiredTest, AWorkerReadsAStatementOnlyWhileItIsThereAndTheRestGoesWithTheLastTask) {
+    setTableWithColumn();
     const long id = retireTable();
     auto core = engine->core();
     const long statementId = root()->id();
+    EXPECT_TRUE(core->withLiveComponent(
+        statementId, [&core] { EXPECT_FALSE(isFree(core->queryComponentAccessMutex)); }));
     engine.destroy();
     EXPECT_TRUE(isAlive(id));
     EXPECT_FALSE(core->withLiveComponent(statementId, [] { ADD_FAILURE(); }));
@@ -180,25 +134,8 @@ TEST_F(RetiredTest, TheRestGoesWithTheEngineAndItsLastTask) {
     EXPECT_FALSE(isAlive(id));
 }
 
-TEST_F(RetiredTest, AWorkerReadsAStatementOnlyWhileItIsThere) {
-    const auto core = engine->core();
-    const long id = root()->id();
-    bool isLocked = false;
-    EXPECT_TRUE(core->withLiveComponent(id, [&] {
-        isLocked =
-            !std::async(std::launch::async, [&] {
-                 const std::unique_lock lock(core->queryComponentAccessMutex, std::try_to_lock);
-                 return lock.owns_lock();
-             }).get();
-    }));
-    EXPECT_TRUE(isLocked);
-    engine->setDatabaseInfo(DatabaseTypeSQLite, 1);
-    EXPECT_FALSE(core->withLiveComponent(id, [] { ADD_FAILURE(); }));
-}
-
 TEST(RetiredParts, TheStatementIsScannedOnlyWhenSomethingNewMayBeFreed) {
     RetiredParts retired;
-    SQLAnyExpressionColumnComponent* const referenced = new SQLAnyExpressionColumnComponent;
     const auto deliver = [&retired](DetachedParts parts) {
         RetiredParts::Number number = 0;
         {
@@ -209,11 +146,14 @@ TEST(RetiredParts, TheStatementIsScannedOnlyWhenSomethingNewMayBeFreed) {
         return retired.markDelivered(number);
     };
     EXPECT_FALSE(deliver({}));
-    EXPECT_TRUE(deliver(partOf(std::unique_ptr<Component::AbstractQueryComponent>(referenced))));
+    auto* const referenced = new SQLAnyExpressionColumnComponent;
+    DetachedParts part;
+    part.add(std::unique_ptr<Component::AbstractQueryComponent>(referenced));
+    EXPECT_TRUE(deliver(std::move(part)));
     retired.sweep([&] { return DetachedParts::References{referenced}; });
     EXPECT_EQ(retired.size(), 1U);
     EXPECT_FALSE(deliver({}));  // a part that has to stay does not make every edit linear
-    EXPECT_TRUE(deliver(partOf(std::make_unique<SQLAnyExpressionColumnComponent>())));
+    EXPECT_TRUE(deliver(makePart().first));
     retired.sweep([] { return DetachedParts::References(); });
     EXPECT_EQ(retired.size(), 0U);
 }

@@ -20,163 +20,84 @@ using namespace QB::Component::SQL;
 
 namespace {
 
-/// One engine with everything that a host and the panels do to it at once.
-///
-/// Each step returns at once; what it started goes on while the next steps run, and while the
-/// engine is destroyed.
-class Scene {
-public:
-    Scene() {
-        m_engine->registerIdentifierCandidateChildrenUpdater([](auto* accessor, auto* node) {
-            accessor->clearChildren(node);
-            for (int i = 0; i < 20; ++i) {
-                QBIdentifierCandidate* const child = accessor->addChild(node);
-                accessor->setName(child, "n" + std::to_string(i));
-                accessor->setType(child, IdentifierTypeTable);
-            }
-        });
-    }
-
-    std::vector<std::function<void()>> steps() {
-        return {[this] { fetch({}); },
-                [this] { fetch({"n1"}); },
-                [this] {
-                    fetch({"n1", "n2"});
-                },
-                [this] { generate(); },
-                [this] { generate(); },
-                [this] { addTable("t"); },
-                [this] { addTable("u"); },
-                [this] { removeTable(); },
-                [this] { addColumn(); },
-                [this] { addColumn(); },
-                [this] { readCandidates(); },
-                [this] { changeServer(); },
-                [this] { m_host.runPending(); },
-                [this] {
-                    m_host.runPending();
-                }};
-    }
-
-    void destroyEngine() { m_engine.destroy(); }
-    void finish() { m_host.finishWorkers(); }
-
-    /// How many texts come back when nothing ends the engine meanwhile.
-    int generateInPeace() {
-        generate();
-        finish();
-        return m_generated;
-    }
-
-private:
-    void fetch(const std::vector<std::string>& path) {
-        m_engine->addRefreshIdentifierCandidateChildrenRequest(path, true);
-        m_engine->refreshRequestedIdentifierCandidateChildren(true);
-    }
-
-    /// What a preview does: the statement was handed over by address and id.
-    void generate() {
-        auto* const statement = m_engine->topLevelQueryComponent(0);
-        const long id = statement->id();
-        Callback::runOperationOnDispatchedThread([this, core = m_engine->core(), statement, id,
-                                                  engineId = m_engine->id(),
-                                                  info = m_engine->databaseInfo()] {
-            std::string text;
-            const auto read = [&] {
-                const auto stringifier = QBQueryComponentStringifier::createStringifier(info);
-                text = stringifier->stringifyQuery(statement);
-            };
-            if (!core->withLiveComponent(id, read)) return;
-            postToMainThread(engineId, [this] { ++m_generated; });
-        });
-    }
-
-    template <typename Element>
-    void modify(TopLevelQueryComponentElementEnum which, std::function<bool(Element*)> block) {
-        m_engine->modifyInTopLevelQueryComponentElement<Element*>(which, 0, block, this);
-    }
-
-    void addTable(const std::string& name) {
-        modify<ELEMSQLSourceExpr>(ElementSource, [&name](ELEMSQLSourceExpr* element) {
-            auto* leaf = new SourceNode;
-            auto* table = new SQLIdentifierSourceComponent;
-            table->name = name;
-            leaf->value = table;
-            SourceNode* const earlier = std::exchange(element->root, leaf);
-            if (!earlier) return true;
-            auto* join = new SourceNode;
-            auto* comma = new SQLJoinSourceNodeComponent;
-            comma->joinType = SQLJoinTypeComma;
-            join->value = comma;
-            join->left = earlier;
-            join->right = leaf;
-            element->root = join;
-            return true;
-        });
-    }
-
-    void removeTable() {
-        modify<ELEMSQLSourceExpr>(ElementSource, [this](ELEMSQLSourceExpr* element) {
-            DetachedParts parts;
-            parts.add(std::unique_ptr<SourceNode>(std::exchange(element->root, nullptr)));
-            m_engine->retire(std::move(parts));
-            return true;
-        });
-    }
-
-    /// A column of the first table in sight; it stays when the table is retired.
-    void addColumn() {
-        auto* const statement =
-            static_cast<SQLSelectStmtComponent*>(m_engine->topLevelQueryComponent(0));
-        SourceNode* node = statement->sourceExpr->root;
-        while (node && node->right)
-            node = node->right;
-        modify<ELEMSQLSelectColumnExpr>(ElementSelectColumn,
-                                        [node](ELEMSQLSelectColumnExpr* element) {
-                                            auto* column = new SQLFieldColumnComponent;
-                                            column->source = node ? node->value : nullptr;
-                                            column->fieldName = "f";
-                                            element->columns.push_back(column);
-                                            return true;
-                                        });
-    }
-
-    void readCandidates() {
-        for (const auto& child : m_engine->childrenSnapshot(nullptr)) {
-            EXPECT_EQ(m_engine->candidatePath(child.candidate).size(), 1U);
-            m_engine->childrenSnapshot(child.candidate);
-            m_engine->isCandidateInTree(child.candidate);
-        }
-    }
-
-    void changeServer() {
-        const bool isMySQL = m_engine->databaseType() == DatabaseTypeMySQL;
-        m_engine->setDatabaseInfo(isMySQL ? DatabaseTypePostgreSQL : DatabaseTypeMySQL, 1);
-    }
-
-    HostCallbacks m_host;
-    OwnedEngine<> m_engine{DatabaseTypeMySQL};
-    int m_generated = 0;  // main thread
-};
-
-}  // namespace
-
-TEST(EngineThreads, AnyOrderOfWorkEndsCleanlyWhereverTheEngineIsDestroyed) {
-    for (unsigned seed = 0; seed < 60; ++seed) {
-        std::mt19937 random(seed);
-        Scene scene;
-        auto steps = scene.steps();
-        std::shuffle(steps.begin(), steps.end(), random);
-        const auto last = std::uniform_int_distribution<std::size_t>(0, steps.size())(random);
-        for (std::size_t i = 0; i < last; ++i)
-            steps[i]();
-        scene.destroyEngine();
-        scene.finish();
-    }
-    EXPECT_EQ(Scene().generateInPeace(), 1);  // or the scenes would show nothing
+void replaceTable(QBEngine* engine) {
+    const auto replace = [engine](ELEMSQLSourceExpr* element) {
+        auto* leaf = new SourceNode;
+        leaf->value = new SQLIdentifierSourceComponent;
+        DetachedParts parts;
+        parts.add(std::unique_ptr<SourceNode>(std::exchange(element->root, leaf)));
+        engine->retire(std::move(parts));
+        return true;
+    };
+    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(ElementSource, 0, replace,
+                                                                      nullptr);
 }
 
-namespace {
+/// The new column is one of @p source, which stays when it is retired.
+void replaceColumns(QBEngine* engine, SQLAbstractSourceComponent* source) {
+    const auto replace = [engine, source](ELEMSQLSelectColumnExpr* element) {
+        auto* column = new SQLFieldColumnComponent;
+        column->source = source;
+        DetachedParts parts;
+        for (SQLAbstractColumnComponent* earlier : std::exchange(element->columns, {column}))
+            parts.add(std::unique_ptr<SQLAbstractColumnComponent>(earlier));
+        engine->retire(std::move(parts));
+        return true;
+    };
+    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(ElementSelectColumn, 0,
+                                                                            replace, nullptr);
+}
+
+/// Does to one engine what a host and the panels do, in an order of @p seed, and destroys it
+/// anywhere between. What a step started goes on meanwhile. Gives how many texts were generated.
+int playScene(unsigned seed) {
+    HostCallbacks host;
+    OwnedEngine<> engine(DatabaseTypeMySQL);
+    engine->registerIdentifierCandidateChildrenUpdater([](auto* accessor, auto* node) {
+        accessor->clearChildren(node);
+        for (int i = 0; i < 20; ++i)
+            accessor->setName(accessor->addChild(node), "n" + std::to_string(i));
+    });
+    const auto root = [&engine] {
+        return static_cast<SQLSelectStmtComponent*>(engine->topLevelQueryComponent(0));
+    };
+    int generated = 0;  // main thread
+    std::vector<std::function<void()>> steps;
+    const auto addTwice = [&steps](const auto& step) {
+        steps.insert(steps.end(), 2, step);
+    };
+    addTwice([&] {
+        engine->addRefreshIdentifierCandidateChildrenRequest({"n1", "n2"}, true);
+        engine->refreshRequestedIdentifierCandidateChildren(true);
+    });
+    // What a preview does: the statement was handed over by address and id.
+    addTwice([&] {
+        const auto work = [&generated, core = engine->core(), statement = root(), id = root()->id(),
+                           engineId = engine->id(), info = engine->databaseInfo()] {
+            const auto read = [&] {
+                QBQueryComponentStringifier::createStringifier(info)->stringifyQuery(statement);
+            };
+            if (!core->withLiveComponent(id, read)) return;
+            postToMainThread(engineId, [&generated] { ++generated; });
+        };
+        Callback::runOperationOnDispatchedThread(work);
+    });
+    addTwice([&] { replaceTable(engine.get()); });
+    addTwice([&] {
+        const SourceNode* const node = root()->sourceExpr->root;
+        replaceColumns(engine.get(), node ? node->value : nullptr);
+    });
+    addTwice([&] { host.runPending(); });
+    steps.push_back([&] { engine->setDatabaseInfo(DatabaseTypePostgreSQL, 1); });
+    std::mt19937 random(seed);
+    std::shuffle(steps.begin(), steps.end(), random);
+    steps.resize(std::uniform_int_distribution<std::size_t>(0, steps.size())(random));
+    for (const auto& step : steps)
+        step();
+    engine.destroy();
+    host.finishWorkers();
+    return generated;
+}
 
 /// Work on several threads, at most once in each of main's rounds, so that nobody starves. The
 /// counting of rounds orders nothing between the threads: the sanitizer sees which accesses only
@@ -210,41 +131,14 @@ private:
     std::atomic<int> m_round{0};
 };
 
-template <typename Component>
-DetachedParts partsOf(std::vector<Component*> components) {
-    DetachedParts parts;
-    for (Component* component : components)
-        parts.add(std::unique_ptr<QB::Component::AbstractQueryComponent>(component));
-    return parts;
-}
-
-void replaceColumns(QBEngine* engine, std::atomic<int>& changes) {
-    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
-        ElementSelectColumn, 0,
-        [engine](ELEMSQLSelectColumnExpr* element) {
-            engine->retire(partsOf(std::exchange(element->columns, {new SQLFieldColumnComponent})));
-            return true;
-        },
-        nullptr);
-    ++changes;
-}
-
-void replaceTable(QBEngine* engine, std::atomic<int>& changes) {
-    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-        ElementSource, 0,
-        [engine](ELEMSQLSourceExpr* element) {
-            auto* leaf = new SourceNode;
-            leaf->value = new SQLIdentifierSourceComponent;
-            DetachedParts parts;
-            parts.add(std::unique_ptr<SourceNode>(std::exchange(element->root, leaf)));
-            engine->retire(std::move(parts));
-            return true;
-        },
-        nullptr);
-    ++changes;
-}
-
 }  // namespace
+
+TEST(EngineThreads, AnyOrderOfWorkEndsCleanlyWhereverTheEngineIsDestroyed) {
+    int generated = 0;
+    for (unsigned seed = 0; seed < 60; ++seed)
+        generated += playScene(seed);
+    EXPECT_GT(generated, 0);  // or the scene would show nothing
+}
 
 TEST(EngineThreads, WorkersThatModifyFetchReadAndGenerateMeetTheMainThread) {
     HostCallbacks host;
@@ -267,9 +161,8 @@ TEST(EngineThreads, WorkersThatModifyFetchReadAndGenerateMeetTheMainThread) {
         engine->addRefreshRootIdentifierCandidateChildrenRequest(true);
         engine->refreshRequestedIdentifierCandidateChildren(true);
     }
-    std::atomic<int> changes{0};
-    crowd.start([&] { replaceColumns(engine.get(), changes); });
-    crowd.start([&] { replaceTable(engine.get(), changes); });
+    crowd.start([&] { replaceColumns(engine.get(), nullptr); });
+    crowd.start([&] { replaceTable(engine.get()); });
     crowd.start([&] { engine->findAllIdentifierRefreshPathInCurrentQueryLevel(); });
     crowd.start([&] {
         const std::lock_guard lock(engine->queryComponentAccessMutex());
@@ -282,7 +175,5 @@ TEST(EngineThreads, WorkersThatModifyFetchReadAndGenerateMeetTheMainThread) {
     }
     host.finishWorkers();
     EXPECT_EQ(notices, 2 * Crowd::repetitions);
-    EXPECT_EQ(notices, changes.load());
-    EXPECT_FALSE(engine->isRefreshingIdentifierCandidateChildren());
     EXPECT_EQ(engine->core()->retired.size(), 0U);
 }
