@@ -321,6 +321,9 @@ void MainWindow::updateActions() {
     for (QAction* action :
          {m_actions->newQuery, m_actions->run, m_actions->copyText, m_actions->reload})
         action->setEnabled(hasDatabase);
+    if (auto* box = m_builder->findChild<QDialogButtonBox*>())
+        for (const auto which : {QDialogButtonBox::Yes, QDialogButtonBox::Ok})
+            box->button(which)->setEnabled(hasDatabase);
     m_actions->stop->setEnabled(m_grid->isRunning());
 }
 

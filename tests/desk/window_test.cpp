@@ -263,7 +263,10 @@ private Q_SLOTS:
                                               {"folder", desk.folder.path()},
                                               {"text", text.fileName()},
                                               {"locked", locked.path()}};
+        QVERIFY(!desk.button(QDialogButtonBox::Yes)->isEnabled());
+        QVERIFY(!desk.button(QDialogButtonBox::Ok)->isEnabled());
         QVERIFY(desk.open(good.path()));
+        QVERIFY(desk.button(QDialogButtonBox::Ok)->isEnabled());
         desk.doubleClick(desk.row("city"));
         QTRY_COMPARE(desk.preview(), QString("SELECT * FROM city"));
         desk.buildAndRun();
