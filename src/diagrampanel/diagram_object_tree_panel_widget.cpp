@@ -153,14 +153,17 @@ void QBDiagramObjectTreePanelWidget::setLoadingWholeTree(bool isLoading) {
     ui->overlayLoadingWidget->setVisible(isLoading);
     if (isLoading == !isEnabled()) return;
     if (isLoading) {
-        m_hadTreeFocus = ui->diagramPaneObjectTreeWidget->hasFocus();
+        QWidget* focused = window()->focusWidget();
+        m_focusedBefore = focused && isAncestorOf(focused) ? focused : nullptr;
         setEnabled(false);
-        m_focusMeanwhile = QApplication::focusWidget();
+        m_focusMeanwhile = window()->focusWidget();
         return;
     }
     setEnabled(true);
     // A disabled widget loses the focus; it gets it back unless the user has gone elsewhere.
-    if (m_hadTreeFocus && QApplication::focusWidget() == m_focusMeanwhile) m_rows->focusTree();
+    if (!m_focusedBefore || window()->focusWidget() != m_focusMeanwhile) return;
+    if (m_focusedBefore == ui->diagramPaneObjectTreeWidget) return m_rows->focusTree();
+    m_focusedBefore->setFocus();
 }
 
 void QBDiagramObjectTreePanelWidget::showCurrentSchema() {
@@ -296,8 +299,22 @@ void QBDiagramObjectTreePanelWidget::leaveFilterLine() {
     applyFilter();
     QTreeWidget* tree = ui->diagramPaneObjectTreeWidget;
     tree->setFocus(Qt::TabFocusReason);
-    if (!tree->currentItem()) tree->setCurrentItem(tree->topLevelItem(0));
+    tree->setCurrentItem(rowAfterFilterLine());
     if (tree->currentItem()) tree->currentItem()->setSelected(true);
+}
+
+/// The current row, or the first one found if the filter did not find that. Null without rows.
+QTreeWidgetItem* QBDiagramObjectTreePanelWidget::rowAfterFilterLine() const {
+    const QTreeWidget* tree = ui->diagramPaneObjectTreeWidget;
+    const auto isFound = [this](const QTreeWidgetItem* row) {
+        return row && row->text(0).contains(m_appliedFilter, Qt::CaseInsensitive);
+    };
+    if (isFound(tree->currentItem())) return tree->currentItem();
+    // The rows that are still to be filtered away may be very many.
+    QTreeWidgetItem* row = isSettled() ? tree->topLevelItem(0) : nullptr;
+    for (; row; row = tree->itemBelow(row))
+        if (isFound(row)) return row;
+    return tree->currentItem() ? tree->currentItem() : tree->topLevelItem(0);
 }
 
 }  // namespace QB

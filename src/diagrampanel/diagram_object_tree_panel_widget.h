@@ -33,7 +33,7 @@ struct QBIdentifierCandidate;
 /// Mouse and keyboard: a double click, Enter or Return hands a table or view to the partner
 /// diagram, as does dragging it there; F5 refreshes the current row, or everything if there is
 /// none; the menu key opens the row's menu; Ctrl+F goes to the filter line, from which Escape
-/// clears the text and Down goes back to the tree.
+/// clears the text, and Down or Enter goes on to the first row found.
 /// Thread: main.
 class QB_EXPORT QBDiagramObjectTreePanelWidget : public QBPanelWidget {
     Q_OBJECT
@@ -96,13 +96,14 @@ private:
     bool filterKeyPressed(int key);
     void applyFilter();
     void leaveFilterLine();
+    QTreeWidgetItem* rowAfterFilterLine() const;
 
     const std::unique_ptr<Ui::QBDiagramObjectTreePanelWidget> ui;
     QPointer<QBDiagramPanelWidget> m_partnerDiagram;  // not owned: cleared when it is destroyed
     std::unique_ptr<ObjectTreeRows> m_rows;
     QTimer* m_filterDelay;  // owned by the widget
     QString m_appliedFilter;
-    bool m_hadTreeFocus = false;         ///< when the panel was disabled
+    QPointer<QWidget> m_focusedBefore;   // not owned; had the focus when the panel was disabled
     QPointer<QWidget> m_focusMeanwhile;  // not owned; what got the focus then
 };
 

@@ -49,7 +49,7 @@ QVariant ObjectTreeItem::data(int column, int role) const {
             return m_icons ? m_icons->icon(m_type) : QIcon();
         case CandidateRole:
             return QVariant::fromValue(
-                static_cast<qulonglong>(reinterpret_cast<quintptr>(m_candidate)));
+                static_cast<qlonglong>(reinterpret_cast<qintptr>(m_candidate)));
         case LoadingRole:
             return m_isLoading;
         default:
@@ -83,8 +83,8 @@ const std::shared_ptr<RowGeneration>& ObjectTreeItem::generationBelow() {
 
 QBIdentifierCandidate* candidateAddress(const QTreeWidgetItem* item) {
     if (!item) return nullptr;
-    const qulonglong address = item->data(0, ObjectTreeItem::CandidateRole).toULongLong();
-    return reinterpret_cast<QBIdentifierCandidate*>(static_cast<quintptr>(address));
+    const qlonglong address = item->data(0, ObjectTreeItem::CandidateRole).toLongLong();
+    return reinterpret_cast<QBIdentifierCandidate*>(static_cast<qintptr>(address));
 }
 
 bool isTableLike(IdentifierType type) {

@@ -38,7 +38,7 @@ struct RowGeneration {
 class ObjectTreeItem : public QTreeWidgetItem {
 public:
     enum Role {
-        CandidateRole = Qt::UserRole + 1,  ///< QBIdentifierCandidate* as qulonglong
+        CandidateRole = Qt::UserRole + 1,  ///< QBIdentifierCandidate* as qlonglong
         LoadingRole = Qt::UserRole + 2,    ///< bool
     };
 

@@ -103,6 +103,7 @@ private Q_SLOTS:
         const QTreeWidgetItem* main = desk.item({"main"});
         QCOMPARE(main->data(0, candidateRole).toULongLong(),
                  qulonglong(reinterpret_cast<quintptr>(desk.candidate({"main"}))));
+        QCOMPARE(main->data(0, candidateRole).userType(), int(QMetaType::LongLong));
         QCOMPARE(main->data(0, loadingRole), QVariant(false));
         QCOMPARE(desk.panel.obtainIdentifierCandidateKey(desk.candidate({"main"})),
                  QString("main") + QChar(0x1f));
@@ -477,6 +478,29 @@ private Q_SLOTS:
         QTest::keyClick(desk.tree, Qt::Key_Enter, Qt::KeypadModifier);
         desk.host.finishWorkers();
         QCOMPARE(desk.sources(), QStringList({"main.country", "main.country"}));
+    }
+
+    void enterInTheFilterLineGoesToTheFirstMatch() {
+        Desk& desk = *m_desk;
+        desk.open({"main"});
+        desk.tree->setCurrentItem(desk.item({"main", "city"}));
+        desk.filter("COUN");
+        QVERIFY(desk.tree->hasFocus());
+        QCOMPARE(desk.tree->currentItem(), desk.item({"main", "country"}));
+        QCOMPARE(desk.tree->selectedItems().size(), 1);
+        QTest::keyClick(desk.tree, Qt::Key_Return);
+        desk.host.finishWorkers();
+        QCOMPARE(desk.sources(), QStringList({"main.country"}));
+    }
+
+    void theFilterLineGetsItsFocusBackAfterAReload() {
+        Desk& desk = *m_desk;
+        desk.filterLine->setFocus();
+        QTest::keyClicks(desk.filterLine, "ci");
+        desk.reload({});
+        QVERIFY(desk.filterLine->hasFocus());
+        QTest::keyClicks(desk.filterLine, "ty");
+        QCOMPARE(desk.filterLine->text(), QString("city"));
     }
 
     void aRowWithAForeignPointerIsIgnored() {
