@@ -30,7 +30,7 @@ QTreeWidgetItem* childNamed(const QTreeWidgetItem* parent, const QString& name) 
 }  // namespace
 
 ScriptedStart::ScriptedStart(MainWindow* window, const CommandLine& options)
-    : m_window(window), m_deadlineMs(options.deadlineMs) {
+    : m_window(window), m_deadlineMs(options.deadlineMs), m_pictureFile(options.screenshot) {
     connect(window, &MainWindow::openFailed, this,
             [this](const QString& message) { m_openError = message; });
     connect(window, &MainWindow::sourcesChanged, this, [this] { ++m_sourceChanges; });
@@ -39,7 +39,6 @@ ScriptedStart::ScriptedStart(MainWindow* window, const CommandLine& options)
         planAdding(table);
     m_steps.push_back([this] { return waitForPreview(); });
     if (options.run) planRun();
-    if (!options.screenshot.isEmpty()) planPicture(options.screenshot);
     connect(&m_timer, &QTimer::timeout, this, &ScriptedStart::poll);
     m_clock.start();
     m_timer.start(pollMs);
@@ -60,7 +59,15 @@ void ScriptedStart::poll() {
 
 void ScriptedStart::end() {
     m_timer.stop();
+    takePicture();
     Q_EMIT finished(m_exitCode, m_message);
+}
+
+/// Of a failure too: the window shows it in place.
+void ScriptedStart::takePicture() {
+    if (m_pictureFile.isEmpty() || m_window->grab().save(m_pictureFile) || m_exitCode != ExitOk)
+        return;
+    fail(ExitNoImage, tr("The picture \"%1\" could not be written.").arg(m_pictureFile));
 }
 
 ScriptedStart::Progress ScriptedStart::fail(ExitCode code, const QString& message) {
@@ -115,17 +122,8 @@ void ScriptedStart::planRun() {
         return Progress::Done;
     });
     m_steps.push_back([this] { return m_hasRunEnded ? Progress::Done : Progress::Wait; });
-    // A failure is told at the end, so that the picture shows it, too.
     m_steps.push_back([this] {
-        if (!m_runError.isEmpty()) fail(ExitQueryFailed, m_runError);
-        return Progress::Done;
-    });
-}
-
-void ScriptedStart::planPicture(const QString& file) {
-    m_steps.push_back([this, file] {
-        if (m_window->grab().save(file)) return Progress::Done;
-        return fail(ExitNoImage, tr("The picture \"%1\" could not be written.").arg(file));
+        return m_runError.isEmpty() ? Progress::Done : fail(ExitQueryFailed, m_runError);
     });
 }
 

@@ -36,7 +36,6 @@ private:
 
     void planAdding(const QString& table);
     void planRun();
-    void planPicture(const QString& file);
     Progress waitForDatabase();
     Progress waitForPreview();
     Progress addTable(const QString& table);
@@ -44,12 +43,14 @@ private:
     Progress fail(ExitCode code, const QString& message);
     void poll();
     void end();
+    void takePicture();
 
     MainWindow* m_window;  // not owned
     std::deque<Step> m_steps;
     QTimer m_timer;
     QElapsedTimer m_clock;
     const int m_deadlineMs;
+    const QString m_pictureFile;  // empty: none is wanted
     int m_sourceChanges = 0;
     int m_awaitedChanges = 0;
     bool m_hasRunEnded = false;

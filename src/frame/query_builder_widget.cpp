@@ -241,7 +241,7 @@ void QBQueryBuilderWidget::setDialogButtonBoxVisible(bool isVisible) {
 
 void QBQueryBuilderWidget::setQueryPreviewPanel(QBAbstractQueryPreviewPanelWidget* panel) {
     if (panel == nullptr || panel == m_previewPanel) return;
-    delete std::exchange(m_previewPanel, panel);
+    const std::unique_ptr<QWidget> replaced(std::exchange(m_previewPanel, panel));
     ui->previewLayout->addWidget(panel);
     panel->setEngine(engine());
 }
