@@ -142,79 +142,34 @@ TEST(SchemaReader, AttachedFilesAreSchemasOfEveryConnection) {
     EXPECT_NE(database.open(settings), "");
 }
 
-TEST(SchemaReader, AReloadKeepsTheNodesOfWhatIsStillThere) {
+TEST(SchemaReader, AReloadKeepsTheNodesOfWhatIsStillThereAndAnErrorAll) {
     SqliteFile file("CREATE TABLE a (x); CREATE TABLE b (x); CREATE TABLE c (x)");
     const SchemaReader reader(file.open());
     PlainTree tree;
     auto* const schema = tree.addChild(nullptr);
     schema->name = "main";
     schema->type = IdentifierTypeSchema;
-    ASSERT_EQ(reader.fillChildren(&tree, schema), "");
+    const auto reloaded = [&](const std::string& script) {
+        file.execute(script);
+        EXPECT_EQ(reader.fillChildren(&tree, schema), "");
+        return tree.children(schema);
+    };
+    EXPECT_EQ(reloaded(""), Texts({"a:2:0", "b:2:0", "c:2:0"}));
     auto* const a = tree.child(schema, "a");
     auto* const c = tree.child(schema, "c");
-
-    file.execute("DROP TABLE b; CREATE TABLE d (x)");
-    ASSERT_EQ(reader.fillChildren(&tree, schema), "");
-    EXPECT_EQ(tree.children(schema), Texts({"a:2:0", "c:2:0", "d:2:0"}));
+    EXPECT_EQ(reloaded("DROP TABLE b; CREATE TABLE d (x)"), Texts({"a:2:0", "c:2:0", "d:2:0"}));
     EXPECT_EQ(tree.child(schema, "a"), a);
     EXPECT_EQ(tree.child(schema, "c"), c);
+    const Texts changed({"a:2:0", "b:2:0", "d:2:0", "c:3:0"});
+    EXPECT_EQ(reloaded("CREATE TABLE b (x); DROP TABLE c; CREATE VIEW c AS SELECT 1"), changed);
 
-    file.execute("CREATE TABLE b (x); DROP TABLE c; CREATE VIEW c AS SELECT 1");
-    ASSERT_EQ(reader.fillChildren(&tree, schema), "");
-    EXPECT_EQ(tree.children(schema), Texts({"a:2:0", "b:2:0", "d:2:0", "c:3:0"}));
-}
-
-TEST(SchemaReader, AnErrorLeavesTheChildrenAsTheyWere) {
-    SqliteFile file("CREATE TABLE a (x)");
-    const SchemaReader reader(file.open());
-    PlainTree tree;
-    auto* const schema = tree.addChild(nullptr);
-    schema->name = "main";
-    schema->type = IdentifierTypeSchema;
-    ASSERT_EQ(reader.fillChildren(&tree, schema), "");
-    file.execute("CREATE TABLE b (x); BEGIN EXCLUSIVE");
+    file.execute("DROP VIEW c; BEGIN EXCLUSIVE");
     EXPECT_EQ(reader.fillChildren(&tree, schema).toStdString(),
               "Cannot read the database objects: database is locked");
-    EXPECT_EQ(tree.children(schema), Texts({"a:2:0"}));
+    EXPECT_EQ(tree.children(schema), changed);
 }
 
 TEST(ForeignKeys, AreFoundInBothDirectionsReferencingFieldFirst) {
-    const SqliteFile file(keysScript);
-    const SchemaReader reader(file.open());
-    const auto expected = pairs({{"main.child.parent_id", "main.Parent.Id"},
-                                 {"main.child.a", "main.Parent.a"},
-                                 {"main.child.b", "main.Parent.b"}});
-    EXPECT_EQ(reader.findForeignKeys({"main", "child"}, {{"main", "Parent"}}), expected);
-    EXPECT_EQ(reader.findForeignKeys({"main", "Parent"}, {{"main", "child"}}), expected);
-}
-
-TEST(ForeignKeys, AKeyWithoutColumnsRefersToThePrimaryKeyInItsOrder) {
-    const SqliteFile file(keysScript);
-    EXPECT_EQ(SchemaReader(file.open()).findForeignKeys({"main", "child"}, {{"main", "pair"}}),
-              pairs({{"main.child.y", "main.pair.y"}, {"main.child.x", "main.pair.x"}}));
-}
-
-TEST(ForeignKeys, ASelfReferenceIsFoundOnlyWhenTheObjectIsAmongTheOthers) {
-    const SqliteFile file(keysScript);
-    const SchemaReader reader(file.open());
-    EXPECT_EQ(reader.findForeignKeys({"main", "child"}, {{"main", "child"}}),
-              pairs({{"main.child.boss", "main.child.id"}}));
-    EXPECT_TRUE(reader.findForeignKeys({"main", "child"}, {{"main", "broken"}}).empty());
-}
-
-TEST(ForeignKeys, ArePathsAsTheCallerSpellsThemAndSkipWhatIsBroken) {
-    const SqliteFile file(keysScript);
-    const SchemaReader reader(file.open());
-    EXPECT_EQ(reader.findForeignKeys({"", "CHILD"}, {{"MAIN", "PAIR"}}),
-              pairs({{".CHILD.y", "MAIN.PAIR.y"}, {".CHILD.x", "MAIN.PAIR.x"}}));
-    QString error;
-    EXPECT_TRUE(reader
-                    .findForeignKeys({"main", "broken"},
-                                     {{"main", "Parent"}, {"main", "nowhere"}, {"x", "y"}}, &error)
-                    .empty());
-}
-
-TEST(ForeignKeys, StayWithinTheirSchema) {
     const SqliteFile file(keysScript);
     const SqliteFile other(keysScript);
     ConnectionSettings settings = file.settings();
@@ -222,6 +177,26 @@ TEST(ForeignKeys, StayWithinTheirSchema) {
     Database database;
     ASSERT_EQ(database.open(settings), "");
     const SchemaReader reader(database);
-    EXPECT_TRUE(reader.findForeignKeys({"aux", "child"}, {{"main", "pair"}}).empty());
-    EXPECT_EQ(reader.findForeignKeys({"aux", "child"}, {{"aux", "pair"}}).size(), 2u);
+    const auto found = [&](const QBIdentifierObjectPath& object,
+                           const std::set<QBIdentifierObjectPath>& others) {
+        return reader.findForeignKeys(object, others);
+    };
+    const auto expected = pairs({{"main.child.parent_id", "main.Parent.Id"},
+                                 {"main.child.a", "main.Parent.a"},
+                                 {"main.child.b", "main.Parent.b"}});
+    EXPECT_EQ(found({"main", "child"}, {{"main", "Parent"}}), expected);
+    EXPECT_EQ(found({"main", "Parent"}, {{"main", "child"}}), expected);
+    // A key without columns refers to the primary key, in its order.
+    EXPECT_EQ(found({"main", "child"}, {{"main", "pair"}}),
+              pairs({{"main.child.y", "main.pair.y"}, {"main.child.x", "main.pair.x"}}));
+    // Paths are as the caller spells them.
+    EXPECT_EQ(found({"", "CHILD"}, {{"MAIN", "PAIR"}}),
+              pairs({{".CHILD.y", "MAIN.PAIR.y"}, {".CHILD.x", "MAIN.PAIR.x"}}));
+    EXPECT_EQ(found({"main", "child"}, {{"main", "child"}}),
+              pairs({{"main.child.boss", "main.child.id"}}));
+    EXPECT_TRUE(found({"main", "child"}, {{"main", "broken"}}).empty());
+    EXPECT_TRUE(
+        found({"main", "broken"}, {{"main", "Parent"}, {"main", "nowhere"}, {"x", "y"}}).empty());
+    EXPECT_TRUE(found({"aux", "child"}, {{"main", "pair"}}).empty());
+    EXPECT_EQ(found({"aux", "child"}, {{"aux", "pair"}}).size(), 2u);
 }

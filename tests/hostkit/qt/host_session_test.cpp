@@ -45,10 +45,10 @@ private Q_SLOTS:
         setErrorHandler([this](const std::string& text) { m_errors.push_back(text); });
     }
 
-    void theEngineLearnsTheDatabase() {
-        const SqliteFile file(shopScript);
+    void theEngineLearnsTheDatabaseAndWhatAReloadFinds() {
+        SqliteFile file(shopScript);
         QBEngine_LINUX engine;
-        const HostSession session(file.open(), &engine);
+        HostSession session(file.open(), &engine);
         QCOMPARE(engine.databaseType(), DatabaseTypeSQLite);
         QCOMPARE(engine.databaseVersion(), sqlite3_libversion_number());
         QCOMPARE(engine.currentSchema(), std::string("main"));
@@ -56,31 +56,18 @@ private Q_SLOTS:
         request(engine, {"main", "orders"});
         auto* const schema = engine.findChildCandidate(nullptr, "main");
         QTRY_COMPARE(childNames(engine, schema), QStringList({"customer", "orders"}));
-        QTRY_COMPARE(childNames(engine, engine.findChildCandidate(schema, "orders")),
-                     QStringList({"id", "customer"}));
+        auto* const orders = engine.findChildCandidate(schema, "orders");
+        QTRY_COMPARE(childNames(engine, orders), QStringList({"id", "customer"}));
         const QBForeignKeys keys =
             engine.triggerForeignKeySearcher({"main", "orders"}, {{"main", "customer"}});
         QCOMPARE(keys.size(), std::size_t(1));
         QCOMPARE(keys.begin()->first.field, std::string("customer"));
-        QCOMPARE(keys.begin()->second.field, std::string("id"));
-        QVERIFY(m_errors.empty());
-    }
 
-    void aReloadShowsWhatHasChangedBelowFetchedNodes() {
-        SqliteFile file(shopScript);
-        QBEngine_LINUX engine;
-        HostSession session(file.open(), &engine);
-        request(engine, {"main", "orders"});
-        const auto schema = [&engine] {
-            return engine.findChildCandidate(nullptr, "main");
-        };
-        QTRY_VERIFY(schema() && childNames(engine, schema()).size() == 2);
-        QTRY_COMPARE(childNames(engine, engine.findChildCandidate(schema(), "orders")).size(), 2);
-        auto* const orders = engine.findChildCandidate(schema(), "orders");
         file.execute("ALTER TABLE orders ADD COLUMN total; CREATE TABLE town (id)");
         session.reloadCandidates();
-        QTRY_COMPARE(childNames(engine, schema()), QStringList({"customer", "orders", "town"}));
+        QTRY_COMPARE(childNames(engine, schema), QStringList({"customer", "orders", "town"}));
         QTRY_COMPARE(childNames(engine, orders), QStringList({"id", "customer", "total"}));
+        QVERIFY(m_errors.empty());
     }
 
     void anotherSessionShowsOnlyItsOwnObjects() {
