@@ -55,37 +55,32 @@ TEST_F(Deep, ComparisonsInOperandsAreWritten) {
     EXPECT_EQ(m_stringifier->componentRanges().at(operand).length, 1 + 3 * depth);
 }
 
-class DeepJoins : public Deep, public testing::WithParamInterface<bool> {};
-
-TEST_P(DeepJoins, AreWrittenAndTheirRangesCoverBothSides) {
-    const bool isLeftDeep = GetParam();
-    SourceNode* root = table("t");
-    const SourceNode* lowestLeaf = root;
-    std::vector<const SourceNode*> joins;
-    for (int i = 0; i < depth; ++i) {
-        SourceNode* leaf = table("t");
-        root = join(isLeftDeep ? root : leaf, SQLJoinTypeComma, isLeftDeep ? leaf : root);
-        joins.push_back(root);
-    }
-    const Statement s = newStatement();
-    s->sourceExpr->root = root;
-    const std::string text = run(s.get());
-    const auto ranges = m_stringifier->componentRanges();
-    const auto textStart = static_cast<std::int32_t>(text.find('"'));
-    const auto textEnd = static_cast<std::int32_t>(text.size());
-    std::int32_t length = ranges.at(lowestLeaf->value).length;
-    EXPECT_EQ(length, 3);
-    for (const SourceNode* node : joins) {
-        length += static_cast<std::int32_t>(std::string(",\n\t\"t\"").size());
-        const QBRange range = ranges.at(node->value);
-        ASSERT_EQ(range.length, length);
-        ASSERT_EQ(range.location, isLeftDeep ? textStart : textEnd - length);
+TEST_F(Deep, JoinsAreWrittenAndTheirRangesCoverBothSides) {
+    for (const bool isLeftDeep : {true, false}) {
+        SourceNode* root = table("t");
+        const SourceNode* lowestLeaf = root;
+        std::vector<const SourceNode*> joins;
+        for (int i = 0; i < depth; ++i) {
+            SourceNode* leaf = table("t");
+            root = join(isLeftDeep ? root : leaf, SQLJoinTypeComma, isLeftDeep ? leaf : root);
+            joins.push_back(root);
+        }
+        const Statement s = newStatement();
+        s->sourceExpr->root = root;
+        const std::string text = run(s.get());
+        const auto ranges = m_stringifier->componentRanges();
+        const auto textStart = static_cast<std::int32_t>(text.find('"'));
+        const auto textEnd = static_cast<std::int32_t>(text.size());
+        std::int32_t length = ranges.at(lowestLeaf->value).length;
+        EXPECT_EQ(length, 3);
+        for (const SourceNode* node : joins) {
+            length += static_cast<std::int32_t>(std::string(",\n\t\"t\"").size());
+            const QBRange range = ranges.at(node->value);
+            ASSERT_EQ(range.length, length);
+            ASSERT_EQ(range.location, isLeftDeep ? textStart : textEnd - length);
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Text, DeepJoins, testing::Bool(), [](const auto& isLeftDeep) {
-    return isLeftDeep.param ? "ToTheLeft" : "ToTheRight";
-});
 
 TEST(DeepNodes, AreMovedWrittenAndDestroyed) {
     const auto nested = [] {

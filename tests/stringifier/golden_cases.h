@@ -130,8 +130,8 @@ inline Statement schemasBySubquery() {
     return s;
 }
 
-inline Statement limit(int offset, int rowCount, bool isOrdered = false,
-                       const std::string& option = "ONLY", bool isPercent = false) {
+inline Statement limit(int offset, int rowCount, bool isOrdered, const std::string& option,
+                       bool isPercent) {
     Statement s = newStatement();
     SourceNode* t = table("t");
     s->sourceExpr->root = t;
@@ -220,6 +220,14 @@ inline Statement quotedWhenNeeded() {
     return s;
 }
 
+/// The statement of one builder with these arguments.
+template <typename Builder, typename... Arguments>
+std::function<Statement()> of(Builder build, Arguments... arguments) {
+    return [=] {
+        return build(arguments...);
+    };
+}
+
 inline std::vector<GoldenCase> goldenCases() {
     return {
         {"empty", newStatement},
@@ -227,60 +235,23 @@ inline std::vector<GoldenCase> goldenCases() {
         {"nested_subqueries", nestedSubqueries},
         {"brackets", brackets},
         {"every_operator", everyOperator},
-        {"every_join",
-         [] {
-             return everyJoin(true);
-         }},
-        {"every_join_without_condition",
-         [] {
-             return everyJoin(false);
-         }},
+        {"every_join", of(everyJoin, true)},
+        {"every_join_without_condition", of(everyJoin, false)},
         {"using", usingLists},
-        {"one_schema",
-         [] {
-             return schemas("shop");
-         }},
-        {"two_schemas",
-         [] {
-             return schemas("depot");
-         }},
+        {"one_schema", of(schemas, "shop")},
+        {"two_schemas", of(schemas, "depot")},
         {"schemas_by_subquery", schemasBySubquery},
-        {"limit_rows",
-         [] {
-             return limit(-1, 10);
-         }},
-        {"limit_no_rows",
-         [] {
-             return limit(-1, 0, true);
-         }},
-        {"limit_offset",
-         [] {
-             return limit(0, -1);
-         }},
-        {"limit_offset_and_rows",
-         [] {
-             return limit(5, 10, true);
-         }},
-        {"limit_percent_with_ties",
-         [] {
-             return limit(5, 10, true, "with ties", true);
-         }},
-        {"limit_ties_unordered",
-         [] {
-             return limit(-1, 10, false, "With Ties");
-         }},
-        {"limit_ties_without_rows",
-         [] {
-             return limit(5, -1, false, "WITH TIES");
-         }},
+        {"limit_rows", of(limit, -1, 10, false, "ONLY", false)},
+        {"limit_no_rows", of(limit, -1, 0, true, "ONLY", false)},
+        {"limit_offset", of(limit, 0, -1, false, "ONLY", false)},
+        {"limit_offset_and_rows", of(limit, 5, 10, true, "ONLY", false)},
+        {"limit_percent_with_ties", of(limit, 5, 10, true, "with ties", true)},
+        {"limit_ties_unordered", of(limit, -1, 10, false, "With Ties", false)},
+        {"limit_ties_without_rows", of(limit, 5, -1, false, "WITH TIES", false)},
         {"aliases",
-         [] {
-             return aliases({"o", "Y", "UP", "2", "My A", "a$b", "\xC3\xA4"});
-         }},
+         of(aliases, std::vector<std::string>{"o", "Y", "UP", "2", "My A", "a$b", "\xC3\xA4"})},
         {"aliases_reserved",
-         [] {
-             return aliases({"select", "true", "level", "user", "name"});
-         }},
+         of(aliases, std::vector<std::string>{"select", "true", "level", "user", "name"})},
         {"wildcards", wildcards},
         {"between", betweenShapes},
         {"groups_and_free_text", groupsAndFreeText},
