@@ -90,33 +90,21 @@ TEST_F(IdentifierTools, ASourceIsFoundInItsSchemaOrInTheCurrentOne) {
     EXPECT_EQ(foundSource({}, "orders"), "shop.orders");
     EXPECT_EQ(foundSource({"archive"}, "orders"), "archive.orders");
     EXPECT_EQ(foundSource({"archive"}, "items"), "-");
-    EXPECT_EQ(foundSource({"nowhere"}, "orders"), "-");
-    m_engine->setCurrentSchema("archive");
-    EXPECT_EQ(foundSource({}, "orders"), "archive.orders");
-}
-
-TEST_F(IdentifierTools, ALongerPathIsWalkedAndThenTriedByItsSchemaAlone) {
     EXPECT_EQ(foundSource({"archive", "shop"}, "deep"), "archive.shop.deep");
+    // A longer path that leads nowhere is tried by its schema alone.
     EXPECT_EQ(foundSource({"archive", "shop"}, "items"), "shop.items");
     EXPECT_EQ(foundSource({"catalogue", "shop"}, "items"), "shop.items");
     EXPECT_EQ(foundSource({"shop", "nowhere"}, "items"), "-");
-}
-
-TEST_F(IdentifierTools, OnlyNamedSourcesAndFieldsHaveCandidates) {
-    const SQLSubquerySourceComponent subquery;
+    m_engine->setCurrentSchema("archive");
+    EXPECT_EQ(foundSource({}, "orders"), "archive.orders");
     const SQLJoinSourceNodeComponent join;
-    const SQLAnyExpressionColumnComponent expression;
-    EXPECT_EQ(found(subquery, true, {}), "-");
     EXPECT_EQ(found(join, false, {}), "-");
-    EXPECT_EQ(found(expression, false, {}), "-");
-    const SQLIdentifierSourceComponent table;
-    EXPECT_FALSE(
-        Tools::Identifier::findTargetIdentifierCandidate(&table, nullptr, false).candidate);
-    EXPECT_TRUE(Tools::Identifier::findTargetIdentifierCandidate(nullptr, m_engine.get(), false)
-                    .path.empty());
+    using Tools::Identifier::findTargetIdentifierCandidate;
+    EXPECT_FALSE(findTargetIdentifierCandidate(&join, nullptr, false).candidate);
+    EXPECT_FALSE(findTargetIdentifierCandidate(nullptr, m_engine.get(), false).candidate);
 }
 
-TEST_F(IdentifierTools, AFieldIsFoundThroughItsSource) {
+TEST_F(IdentifierTools, AFieldIsFoundThroughItsSourceOrItsQualifiers) {
     SQLIdentifierSourceComponent orders;
     orders.name = "orders";
     SQLFieldColumnComponent field;
@@ -126,35 +114,19 @@ TEST_F(IdentifierTools, AFieldIsFoundThroughItsSource) {
     EXPECT_EQ(found(field, true, {"orders"}), "shop.orders");
     field.fieldName = "missing";
     EXPECT_EQ(found(field, false, {"shop", "orders", "missing"}), "-");
-    orders.name = "unknown";
-    EXPECT_EQ(found(field, false, {"unknown"}), "-");
-    SQLSubquerySourceComponent subquery;
-    field.source = &subquery;
+    field.isAsterisk = true;
     EXPECT_EQ(found(field, false, {}), "-");
-}
+    EXPECT_EQ(found(field, true, {"orders"}), "shop.orders");
 
-TEST_F(IdentifierTools, AFieldWithoutSourceIsFoundThroughItsQualifiers) {
-    SQLFieldColumnComponent field;
-    field.fieldName = "year";
-    EXPECT_EQ(found(field, false, {}), "-");
-    field.parentPath = {"archive", "orders"};
-    EXPECT_EQ(found(field, false, {"archive", "orders", "year"}), "archive.orders.year");
-    field.parentPath = {"archive", "orders", "more"};
-    EXPECT_EQ(found(field, true, field.parentPath), "archive.orders") << "the deepest known";
-    EXPECT_EQ(found(field, false, {"archive", "orders", "year"}), "archive.orders.year");
-    field.parentPath = {"nowhere"};
-    EXPECT_EQ(found(field, false, {"nowhere"}), "-");
-    EXPECT_EQ(found(field, true, {"nowhere"}), "-");
-}
-
-TEST_F(IdentifierTools, AWildcardNamesOnlyItsSource) {
-    SQLIdentifierSourceComponent orders;
-    orders.name = "orders";
-    SQLFieldColumnComponent wildcard;
-    wildcard.source = &orders;
-    wildcard.isAsterisk = true;
-    EXPECT_EQ(found(wildcard, false, {}), "-");
-    EXPECT_EQ(found(wildcard, true, {"orders"}), "shop.orders");
+    SQLFieldColumnComponent qualified;
+    qualified.fieldName = "year";
+    EXPECT_EQ(found(qualified, false, {}), "-");
+    qualified.parentPath = {"archive", "orders", "more"};
+    EXPECT_EQ(found(qualified, true, qualified.parentPath), "archive.orders") << "the deepest";
+    EXPECT_EQ(found(qualified, false, {"archive", "orders", "year"}), "archive.orders.year");
+    qualified.parentPath = {"nowhere"};
+    EXPECT_EQ(found(qualified, false, {"nowhere"}), "-");
+    EXPECT_EQ(found(qualified, true, {"nowhere"}), "-");
 }
 
 // ---- adding -----------------------------------------------------------------------------------
@@ -186,30 +158,25 @@ TEST_F(IdentifierTools, APathBeginsBelowTheInnermostCandidateThatIsNoNameSpace) 
     EXPECT_EQ(pathOf(add(at({"shop"}), "weekly", IdentifierTypeQuery)), Names({"shop"}));
 }
 
-TEST_F(IdentifierTools, AnAddedSourceFollowsTheWholeOfAnEarlierBracket) {
-    auto bracket = std::make_unique<SQLBracketedSourceNodeComponent>();
-    using Tools::Identifier::addSourceComponentToExpression;
-    EXPECT_TRUE(addSourceComponentToExpression(m_engine.get(), nullptr, std::move(bracket)));
-    auto subquery = std::make_unique<SQLSubquerySourceComponent>();
-    EXPECT_TRUE(addSourceComponentToExpression(m_engine.get(), nullptr, std::move(subquery)));
-    EXPECT_EQ(dumpStatement(statement()),
-              "statement\n  select\n  from\n    join ,\n      bracket\n        (empty)\n"
-              "      subquery\n        (null)\n");
-}
-
-TEST_F(IdentifierTools, ASourceCanBeAddedBelowTheOpenLayer) {
+TEST_F(IdentifierTools, ASourceFollowsAnEarlierBracketAndCanBeAddedBelowTheOpenLayer) {
+    const auto add = [this](std::unique_ptr<SQLAbstractSourceComponent> source, int layer) {
+        return Tools::Identifier::addSourceComponentToExpression(m_engine.get(), nullptr,
+                                                                 std::move(source), layer);
+    };
     auto* inner = new SQLSelectStmtComponent;
     auto subquery = std::make_unique<SQLSubquerySourceComponent>();
     subquery->subquery = inner;
-    using Tools::Identifier::addSourceComponentToExpression;
-    addSourceComponentToExpression(m_engine.get(), nullptr, std::move(subquery));
+    EXPECT_TRUE(add(std::make_unique<SQLBracketedSourceNodeComponent>(), -1));
+    EXPECT_TRUE(add(std::move(subquery), -1));
     m_engine->pushNewLayerTopLevelQueryComponent(inner, "inner");
-    auto outer = std::make_unique<SQLIdentifierSourceComponent>();
-    addSourceComponentToExpression(m_engine.get(), nullptr, std::move(outer), 0);
+    EXPECT_TRUE(add(std::make_unique<SQLBracketedSourceNodeComponent>(), 0));
     EXPECT_EQ(inner->sourceExpr->root, nullptr);
-    addSourceComponentToExpression(m_engine.get(), nullptr,
-                                   std::make_unique<SQLIdentifierSourceComponent>());
+    EXPECT_TRUE(add(std::make_unique<SQLBracketedSourceNodeComponent>(), -1));
     EXPECT_NE(inner->sourceExpr->root, nullptr);
+    EXPECT_NE(dumpStatement(m_engine->topLevelQueryComponent(0))
+                  .find("  from\n    join ,\n      join ,\n        bracket\n          (empty)\n"
+                        "        subquery\n"),
+              std::string::npos);
 }
 
 TEST_F(IdentifierTools, NothingIsAddedWithoutStatementOrForNoSource) {
