@@ -26,7 +26,7 @@ protected:
         return calls;
     }
 
-    const QBNotificationParameters params;
+    const QBNotificationParameters params = {};
     std::string calls;
 };
 

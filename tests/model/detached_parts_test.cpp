@@ -24,41 +24,27 @@ std::unique_ptr<SQLFieldColumnComponent> makeColumnOf(SQLAbstractSourceComponent
     return column;
 }
 
-/// A statement with something in each of the four clauses that its destructor leaves alone.
-void fillUnownedClauses(SQLSelectStmtComponent* statement) {
-    statement->whereExpr->root = new SQLConditionValueComponent;
-    statement->whereExpr->root->next = new SQLCompareConditionComponent;
-    statement->groupByExpr->columns = {new SQLFieldColumnComponent, new SQLFieldColumnComponent};
-    statement->havingExpr->root = new SQLBracketedConditionComponent;
-    statement->orderByExpr->columns = {new SQLAnyExpressionColumnComponent};
-}
-
-/// Gives @p statement a derived table over a statement with filled clauses.
+/// Gives @p statement a derived table over a statement with something in each of the four clauses
+/// that its destructor leaves alone. The leak check sees what is not freed.
 SQLSelectStmtComponent* addSubquery(SQLSelectStmtComponent* statement) {
-    auto* derived = new SQLSubquerySourceComponent;
     auto* inner = new SQLSelectStmtComponent;
+    inner->whereExpr->root = new SQLConditionValueComponent;
+    inner->whereExpr->root->next = new SQLCompareConditionComponent;
+    inner->groupByExpr->columns = {new SQLFieldColumnComponent, new SQLFieldColumnComponent};
+    inner->havingExpr->root = new SQLBracketedConditionComponent;
+    inner->orderByExpr->columns = {new SQLAnyExpressionColumnComponent};
+    auto* derived = new SQLSubquerySourceComponent;
     derived->subquery = inner;
     statement->sourceExpr->root = new SourceNode;
     statement->sourceExpr->root->value = derived;
-    fillUnownedClauses(inner);
     return inner;
 }
 
 }  // namespace
 
-TEST(UnownedClauses, AreDestroyedInTheStatementAndInSubqueriesOfSubqueries) {
-    SQLSelectStmtComponent statement;
-    fillUnownedClauses(&statement);
-    SQLSelectStmtComponent* const innermost = addSubquery(addSubquery(&statement));
-    destroyUnownedClauses(&statement);  // the leak check sees the rest
-    EXPECT_EQ(statement.whereExpr->root, nullptr);
-    EXPECT_TRUE(innermost->orderByExpr->columns.empty());
-    destroyUnownedClauses(nullptr);
-}
-
 TEST(DetachedParts, APartThatStaysKeepsWhatItRefersToAlongAWholeChain) {
-    // b is referenced from outside; a column in b's join condition refers to a, one with a's
-    // column to c. The order of adding must not matter.
+    // One column refers to a and to another column, that one to c. b is referenced from outside.
+    // The order of adding must not matter.
     auto a = makeTable();
     auto b = makeTable();
     auto c = makeTable();
@@ -81,7 +67,7 @@ TEST(DetachedParts, APartThatStaysKeepsWhatItRefersToAlongAWholeChain) {
 
 TEST(DetachedParts, AReferenceIntoAPartKeepsAllOfItAndTheRestIsFreedWithItsUnownedClauses) {
     SQLSelectStmtComponent statement;
-    const long clauseId = addSubquery(&statement)->havingExpr->root->id();
+    const long clauseId = addSubquery(addSubquery(&statement))->havingExpr->root->id();
     auto kept = makeTable();
     kept->left = makeTable().release();
     const AbstractQueryComponent* const inside = kept->left->value;
@@ -112,4 +98,6 @@ TEST(References, AreCollectedFromEveryClauseAndFromSubqueries) {
     collectReferences(&statement, references);
     EXPECT_EQ(references, (DetachedParts::References{&source, &column}));
     destroyUnownedClauses(&statement);
+    EXPECT_TRUE(inner->orderByExpr->columns.empty());
+    destroyUnownedClauses(nullptr);
 }

@@ -59,22 +59,3 @@ TEST(Liveness, RetiringWaitsForTheBlockOfAnotherThreadAlsoIfItThrows) {
     EXPECT_TRUE(isBlockOver);
     user.join();
 }
-
-TEST(Liveness, ManyThreadsMayIssuePinAndRetireTheSameIds) {
-    std::vector<long> ids;
-    for (int i = 0; i < 50; ++i)
-        ids.push_back(issueId());
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&ids] {
-            for (const long id : ids) {
-                runIfAlive(id, [](bool) { retireId(issueId()); });
-                retireId(id);
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    for (const long id : ids)
-        EXPECT_FALSE(isAlive(id));
-}
