@@ -90,6 +90,7 @@ TEST_F(IdentifierTools, ASourceIsFoundInItsSchemaOrInTheCurrentOne) {
     EXPECT_EQ(foundSource({}, "orders"), "shop.orders");
     EXPECT_EQ(foundSource({"archive"}, "orders"), "archive.orders");
     EXPECT_EQ(foundSource({"archive"}, "items"), "-");
+    EXPECT_EQ(foundSource({}, "missing"), "-");
     EXPECT_EQ(foundSource({"archive", "shop"}, "deep"), "archive.shop.deep");
     // A longer path that leads nowhere is tried by its schema alone.
     EXPECT_EQ(foundSource({"archive", "shop"}, "items"), "shop.items");
