@@ -1,6 +1,7 @@
-// Linked into the widget tests of sanitizer builds. Qt's offscreen platform forgets its only screen
-// when the application ends, and the leak check would report that in every test. A pointer kept
-// here holds the screen within reach, so that no suppression has to hide other leaks with it.
+// Linked into the widget tests and the program of sanitizer builds. Qt's offscreen platform forgets
+// its only screen when the application ends, and the leak check would report that in every test. A
+// pointer kept here holds the screen within reach, so that no suppression has to hide other leaks
+// with it.
 #include <QGuiApplication>
 #include <QScreen>
 
