@@ -12,7 +12,7 @@ namespace {
 
 /// Qt's own texts, such as those of its dialogs; where they are not installed they stay English.
 void applyToQt(const QLocale& locale) {
-    static QTranslator* const translator = new QTranslator(qApp);
+    static QTranslator* const translator = new QTranslator(QCoreApplication::instance());
     QCoreApplication::removeTranslator(translator);
     const QString folder = QLibraryInfo::location(QLibraryInfo::TranslationsPath);
     if (translator->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"), folder))
