@@ -122,7 +122,7 @@ void ObjectTreeRows::continueWork() {
 }
 
 bool ObjectTreeRows::step() {
-    if (!m_work.isFresh() && (m_disposer.isNextClearLong() || m_filter.isNextStepLong())) {
+    if (!m_work.isFresh() && m_filter.isNextStepLong()) {
         m_work.endSlice();
         return true;
     }

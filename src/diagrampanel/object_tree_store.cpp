@@ -37,6 +37,15 @@ void ObjectTreeStore::hideRows(ObjectTreeItem* parent) {
     }
 }
 
+void ObjectTreeStore::hideLastRows(ObjectTreeItem* parent, int count) {
+    const QScopedValueRollback<bool> guard(isAdjusting, true);
+    QTreeWidgetItem* shown = shownParent(parent);
+    // Closed first, or the view would lay all remaining rows out again after each few.
+    shown->setExpanded(false);
+    for (int i = 0; i < count && shown->childCount() > 0; ++i)
+        shown->takeChild(shown->childCount() - 1);
+}
+
 bool ObjectTreeStore::isHidingLong(ObjectTreeItem* parent) const {
     return shownParent(parent)->childCount() > 10'000;
 }

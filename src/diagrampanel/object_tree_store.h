@@ -29,6 +29,8 @@ public:
     QTreeWidgetItem* shownParent(ObjectTreeItem* parent) const;
     /// Takes the shown rows of @p parent out of the tree; nothing is destroyed.
     void hideRows(ObjectTreeItem* parent);
+    /// Takes the last @p count shown rows of @p parent out of the tree, and closes it.
+    void hideLastRows(ObjectTreeItem* parent, int count);
     /// Whether hideRows() takes some milliseconds: Qt takes rows out all at once or singly.
     bool isHidingLong(ObjectTreeItem* parent) const;
     /// Appends @p rows, which are rows of @p parent, to those that the tree shows of it.

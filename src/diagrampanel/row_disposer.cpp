@@ -52,7 +52,12 @@ bool RowDisposer::clearStep() {
     // A row with its whole subtree leaves the tree in one call of Qt's, so the subtrees go singly.
     const std::size_t end = std::min(m_toClear.size(), m_cleared + entriesAStep);
     while (m_cleared < end) {
-        ObjectTreeItem* row = m_toClear[m_cleared++];
+        ObjectTreeItem* row = m_toClear[m_cleared];
+        if (m_store.isHidingLong(row)) {
+            m_store.hideLastRows(row, entriesAStep);
+            return true;
+        }
+        ++m_cleared;
         if (row->childCount() == 0) continue;
         m_store.hideRows(row);
         return true;
@@ -62,10 +67,6 @@ bool RowDisposer::clearStep() {
     append(m_toDestroy, std::exchange(m_toClear, {}));
     m_cleared = 0;
     return true;
-}
-
-bool RowDisposer::isNextClearLong() const {
-    return m_cleared < m_toClear.size() && m_store.isHidingLong(m_toClear[m_cleared]);
 }
 
 bool RowDisposer::destroyStep() {

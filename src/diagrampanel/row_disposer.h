@@ -23,8 +23,6 @@ public:
 
     /// Takes a piece of disposeAll() out of the tree; false if nothing is left.
     bool clearStep();
-    /// Whether the next clearStep() takes out so many rows that it needs a slice of its own.
-    bool isNextClearLong() const;
     /// Destroys a piece; false if nothing is left.
     bool destroyStep();
 
