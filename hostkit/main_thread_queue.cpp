@@ -17,6 +17,7 @@ public:
     }
 
     bool event(QEvent* event) override {
+        MainThreadQueue::instance().meetPoster();
         if (event->type() != wakeType()) return QObject::event(event);
         MainThreadQueue::instance().runNext();
         return true;
@@ -67,6 +68,12 @@ void MainThreadQueue::postWakeEvent() {
     if (m_wakePosted) return;
     m_wakePosted = true;
     QCoreApplication::postEvent(m_receiver.get(), new QEvent(Receiver::wakeType()));
+}
+
+/// Events are made and posted under the mutex: once it was had, what they hold may be read, without
+/// relying on what Qt does inside.
+void MainThreadQueue::meetPoster() {
+    const std::lock_guard lock(m_mutex);
 }
 
 bool MainThreadQueue::takeNext(std::function<void()>& function) {

@@ -32,6 +32,7 @@ private:
     class Receiver;
 
     void postWakeEvent();
+    void meetPoster();
     bool takeNext(std::function<void()>& function);
     void runNext();
 
