@@ -161,7 +161,10 @@ SQLET_API const char* sqlet_expr_using_item_at(SqletExpr* expr, int index);
 
 // ---- beyond the tree -------------------------------------------------------------------------
 
-/// 1 if NOT stands before the comparison, group or value; its text is then without that NOT.
+/// Whether NOT stands before the comparison or the group that the node is, and where: 0 if not,
+/// else one more than the number of brackets, counted from the root, in which that NOT stands. So 1
+/// for NOT (a = 1 OR b = 2), and 2 for the comparison in (NOT a = 1). The node's text is without
+/// the NOT.
 SQLET_API int sqlet_expr_is_negated(SqletExpr* expr);
 
 /// A value of SqletErrorKind.

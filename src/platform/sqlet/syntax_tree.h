@@ -106,13 +106,14 @@ struct SqletExpr {
     /// List and Using: the items. A USING item is a column of form Text or Name.
     sqlet::ColumnArray items;
     /// From the first to the last token of the node, without its counted brackets and without a
-    /// NOT that isNegated stands for. The right operand of IS NULL and IS NOT NULL is a leaf of
+    /// NOT that negatedAt stands for. The right operand of IS NULL and IS NOT NULL is a leaf of
     /// form Text over the token NULL. Empty for a condition that is not in the text (SQLite's LEFT
     /// JOIN without one means ON 1): texts->complex is then set.
     sqlet::TokenSpan span;
     std::uint32_t parens = 0;  ///< brackets around the node, counted from the root
     sqlet::ExprForm form = sqlet::ExprForm::Text;
-    bool isNegated = false;
+    /// A NOT that belongs to the node: one more than the brackets around it; 0: none.
+    std::uint32_t negatedAt = 0;
 };
 
 struct SqletTable {
