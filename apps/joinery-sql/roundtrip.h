@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "apps/joinery-sql/command_line.h"
+
+namespace QB::Cli {
+
+/// Answers every line of standard input with one line on standard output, each handed over before
+/// the next is read.
+/// Returns: ExitOk, whatever the lines were; ExitIo if reading or writing failed.
+ExitCode runRoundtrip(const CommandLine& options);
+
+/// The answer to one line, without a line feed. @p line can hold anything; never throws but for
+/// want of memory.
+std::string answerLine(const std::string& line, const CommandLine& options);
+
+}  // namespace QB::Cli
