@@ -147,5 +147,37 @@
         <source>The statement left a transaction open; it was rolled back.</source>
         <translation>Die Anweisung ließ eine Transaktion offen; sie wurde zurückgerollt.</translation>
     </message>
+    <message>
+        <source>The query cannot be read</source>
+        <translation>Die Abfrage kann nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>Several statements in one text are not supported.</source>
+        <translation>Mehrere Anweisungen in einem Text werden nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>Only SELECT statements are supported.</source>
+        <translation>Nur SELECT-Anweisungen werden unterstützt.</translation>
+    </message>
+    <message>
+        <source>%s: the text contains a NUL character</source>
+        <translation>%s: Der Text enthält ein NUL-Zeichen</translation>
+    </message>
+    <message>
+        <source>the text is longer than 2 GiB</source>
+        <translation>Der Text ist länger als 2 GiB</translation>
+    </message>
+    <message>
+        <source>The query cannot be represented:
+
+%s: from here on the text built from it would not mean the same</source>
+        <translation>Die Abfrage lässt sich nicht darstellen:
+
+%s: Ab hier würde der daraus gebildete Text nicht dasselbe bedeuten</translation>
+    </message>
+    <message>
+        <source>The query cannot be represented: no text generator is installed to check it with.</source>
+        <translation>Die Abfrage lässt sich nicht darstellen: Es ist kein Textgenerator installiert, mit dem sie geprüft würde.</translation>
+    </message>
 </context>
 </TS>

@@ -64,6 +64,21 @@ void destroyUnownedClauses(AbstractTopLevelQueryComponent* statement) {
     destroyClausesIn(static_cast<const AbstractQueryComponent*>(statement));
 }
 
+void StatementDeleter::operator()(SQLSelectStmtComponent* statement) const {
+    destroyUnownedClauses(statement);
+    delete statement;
+}
+
+void swapElements(SQLSelectStmtComponent& a, SQLSelectStmtComponent& b) {
+    std::swap(a.selectColumnExpr, b.selectColumnExpr);
+    std::swap(a.sourceExpr, b.sourceExpr);
+    std::swap(a.whereExpr, b.whereExpr);
+    std::swap(a.groupByExpr, b.groupByExpr);
+    std::swap(a.havingExpr, b.havingExpr);
+    std::swap(a.orderByExpr, b.orderByExpr);
+    std::swap(a.limitExpr, b.limitExpr);
+}
+
 void collectReferences(const AbstractQueryComponent* root, DetachedParts::References& references) {
     Tools::visitOwnedComponents(root, [&references](const AbstractQueryComponent* component) {
         noteReferences(component, references);

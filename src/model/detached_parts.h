@@ -13,6 +13,16 @@ namespace QB {
 /// empty. Null is allowed. Call it before a statement is deleted.
 void destroyUnownedClauses(Component::AbstractTopLevelQueryComponent* statement);
 
+/// Destroys a statement that is part of no other, with all of its clauses.
+struct StatementDeleter {
+    void operator()(Component::SQL::SQLSelectStmtComponent* statement) const;
+};
+using OwnedStatement = std::unique_ptr<Component::SQL::SQLSelectStmtComponent, StatementDeleter>;
+
+/// Exchanges the contents of two statements: the seven elements change places, the statements stay.
+void swapElements(Component::SQL::SQLSelectStmtComponent& a,
+                  Component::SQL::SQLSelectStmtComponent& b);
+
 /// What edits took out of a statement and nobody may free yet: other columns, panels or a worker
 /// may still point at it.
 ///

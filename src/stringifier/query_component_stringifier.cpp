@@ -42,6 +42,10 @@ void QBQueryComponentStringifier::setCurrentSchema(const std::string& schema) {
     m_currentSchema = schema;
 }
 
+void QBQueryComponentStringifier::setQuoteName(QuoteName quote) {
+    m_quoteName = std::move(quote);
+}
+
 void QBQueryComponentStringifier::setParameter(const std::string& key, const QBVariant& value) {
     m_parameters.emplace(key, value);
 }
@@ -75,6 +79,7 @@ std::string QBQueryComponentStringifier::newlineIndent(int level) {
 }
 
 std::string QBQueryComponentStringifier::quoted(const std::string& name) const {
+    if (m_quoteName) return m_quoteName(name);
     return Callback::formatIdentifier(name, m_databaseInfo.databaseType,
                                       m_databaseInfo.databaseVersion);
 }

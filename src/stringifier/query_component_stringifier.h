@@ -6,6 +6,7 @@
 #include <string>
 
 #include "model/components.h"
+#include "model/statement_text.h"
 #include "model/variant.h"
 #include "model/vocabulary.h"
 #include "stringifier/stringified_node.h"
@@ -17,7 +18,8 @@ namespace QB {
 ///
 /// Use: createStringifier, test for null, setCurrentSchema, setParameter where needed,
 /// stringifyQuery, componentRanges. Short-lived: made for one use, though a second run is allowed.
-/// It quotes nothing itself: every name goes through QB::Callback::formatIdentifier.
+/// It quotes nothing itself: every name goes through QB::Callback::formatIdentifier, or through the
+/// function of setQuoteName.
 /// Thread: any, each thread with its own object; nothing is shared. The caller holds
 /// queryComponentAccessMutex while other threads may change the components.
 class QBQueryComponentStringifier {
@@ -42,6 +44,9 @@ public:
     /// The schema that may be left out of qualified names.
     void setCurrentSchema(const std::string& schema);
 
+    /// Writes names by @p quote instead of the host's function; an empty one goes back to that.
+    void setQuoteName(QuoteName quote);
+
     /// The first value set under a key stays. Known keys: conditionValueListModeKey.
     void setParameter(const std::string& key, const QBVariant& value);
 
@@ -62,7 +67,7 @@ protected:
     /// A line feed and @p level tabs; the only source of line breaks and indentation.
     static std::string newlineIndent(int level);
 
-    /// @p name as the host quotes it for the server.
+    /// @p name as the host, or the function that was set, quotes it for the server.
     std::string quoted(const std::string& name) const;
 
     /// Null if no parameter is set under @p key.
@@ -78,6 +83,7 @@ private:
     std::map<std::string, QBVariant> m_parameters;
     QBDatabaseInfo m_databaseInfo;
     std::string m_currentSchema;
+    QuoteName m_quoteName;        // empty: the host's
     ComponentRangeList m_ranges;  // of the last run, in the order in which they ended
 };
 

@@ -1,0 +1,114 @@
+#include "parser/dedent.h"
+
+#include <cctype>
+#include <string_view>
+
+#include "platform/sqlet/lexer.h"
+
+namespace QB {
+namespace {
+
+bool isBlank(char c) {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
+
+bool isLineBreak(char c) {
+    return c == '\n' || c == '\r';
+}
+
+std::string_view withoutSurroundingBlanks(std::string_view text) {
+    std::size_t lineStart = 0;
+    for (std::size_t i = 0; i < text.size() && isBlank(text[i]); ++i) {
+        if (isLineBreak(text[i])) lineStart = i + 1;
+    }
+    std::size_t end = text.size();
+    while (end > lineStart && isBlank(text[end - 1]))
+        --end;
+    return text.substr(lineStart, end - lineStart);
+}
+
+std::string_view leadingBlanks(std::string_view text) {
+    std::size_t length = 0;
+    while (length < text.size() && isBlank(text[length]))
+        ++length;
+    return text.substr(0, length);
+}
+
+/// Copies text and leaves the indentation out behind line feeds.
+class Dedenter {
+public:
+    Dedenter(std::string_view text, std::string_view indent, const sqlet::LexTraits& traits)
+        : m_text(text), m_indent(indent), m_traits(traits) {
+        m_result.reserve(text.size());
+    }
+
+    void copyTo(std::size_t end) {
+        m_result.append(m_text, m_position, end - m_position);
+        m_position = end;
+    }
+
+    /// What lies between two tokens: blanks and comments.
+    void dedentTo(std::size_t end) {
+        while (m_position < end) {
+            if (!isBlank(m_text[m_position])) {
+                copyTo(commentEnd(end));
+            } else if (m_text[m_position] == '\n') {
+                m_result += '\n';
+                ++m_position;
+                if (m_text.compare(m_position, m_indent.size(), m_indent) == 0)
+                    m_position += m_indent.size();
+            } else {
+                m_result += m_text[m_position++];
+            }
+        }
+    }
+
+    std::string takeResult() { return std::move(m_result); }
+
+private:
+    /// The line feed behind a comment of one line is not part of it.
+    std::size_t commentEnd(std::size_t limit) const {
+        if (m_text.compare(m_position, 2, "/*") == 0) return blockCommentEnd(limit);
+        std::size_t end = m_position;
+        while (end < limit && m_text[end] != '\n')
+            ++end;
+        return end;
+    }
+
+    std::size_t blockCommentEnd(std::size_t limit) const {
+        std::size_t open = 1;
+        std::size_t i = m_position + 2;
+        for (; i < limit && open > 0; ++i) {
+            if (m_text.compare(i, 2, "*/") == 0) {
+                --open;
+                ++i;
+            } else if (m_traits.nestedComments && m_text.compare(i, 2, "/*") == 0) {
+                ++open;
+                ++i;
+            }
+        }
+        return std::min(i, limit);
+    }
+
+    std::string_view m_text;
+    std::string_view m_indent;
+    const sqlet::LexTraits& m_traits;
+    std::size_t m_position = 0;
+    std::string m_result;
+};
+
+}  // namespace
+
+std::string dedented(const std::string& text, int dialect) {
+    const std::string_view body = withoutSurroundingBlanks(text);
+    const std::string_view indent = leadingBlanks(body);
+    if (indent.empty()) return std::string(body);
+    Dedenter dedenter(body, indent, sqlet::lexTraits(dialect));
+    for (const sqlet::Token& token : sqlet::lex(body, dialect).tokens) {
+        dedenter.dedentTo(token.offset);
+        dedenter.copyTo(token.end());
+    }
+    return dedenter.takeResult().substr(indent.size());
+}
+
+}  // namespace QB
