@@ -9,12 +9,21 @@
 namespace sqlet {
 
 /// The name that @p token stands for in @p text: without quotes, doubled quotes made single, and a
-/// bare word folded (PostgreSQL to ASCII lower case, Oracle to upper case). Also for a String that
-/// stands as an alias.
+/// bare word folded (PostgreSQL to lower, Oracle to upper case; ASCII letters only, as PostgreSQL
+/// does in a database of UTF-8). Also for a String that stands as an alias. What isDecodable
+/// refuses comes back as it stands.
 std::string decodedName(std::string_view text, const Token& token, int dialect);
 
-/// True if decodedName gives the whole name: a Word, QuotedName or plain String without escapes
-/// (TokenHasEscape), not empty.
+/// True if decodedName gives the name that the server reads, so that a host can quote it again: a
+/// Word, QuotedName or plain String without prefix and escapes (TokenHasEscape), not empty and of
+/// valid UTF-8 (hosts hold names as Unicode), and no bare word whose folding is the server's affair
+/// (Oracle folds letters beyond ASCII too, by its character set).
 bool isDecodable(std::string_view text, const Token& token, int dialect);
+
+/// True if @p bytes is UTF-8 without overlong forms, surrogates and values above U+10FFFF. Linear.
+bool isValidUtf8(std::string_view bytes);
+
+/// In ASCII lower case: two names that give the same are the same to a server that ignores case.
+std::string withoutCase(std::string_view name);
 
 }  // namespace sqlet

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/sqlet/parser.h"
+
+namespace sqlet {
+
+/// The sources of one FROM clause, as the qualifiers of its statement find them.
+///
+/// On the way it settles the sources themselves: a name that could not be rebuilt from its parts
+/// becomes text, and is no longer found.
+class SourceScope {
+public:
+    /// What stands behind a qualifier.
+    struct Entry {
+        SqletTable* source = nullptr;  ///< one of those that match
+        const char* name = nullptr;    ///< alias or name of the source, decoded
+        std::size_t count = 0;         ///< how many sources match, 0: none
+    };
+
+    /// @p from may be null. Linear.
+    SourceScope(SqletParser& parser, SqletTable* from);
+
+    /// By alias or, without alias, by name; without regard to case unless the family folds names.
+    const Entry& find(const std::string& qualifier) const;
+
+    /// True if the sources may lie in several schemas, so that a text built from the parts keeps
+    /// every schema: one more schema than the explicit ones is assumed for the bare names.
+    bool isMixed() const { return m_isMixed; }
+
+private:
+    void collect(SqletTable* from);
+    void settle();
+    bool isMixedNow() const;
+    bool isRebuildable(const SqletTable& table) const;
+    bool isSystemTable(const SqletTable& table) const;
+    void enter(SqletTable* table);
+    std::string key(const std::string& name) const;
+    std::string decoded(TokenIndex token) const;
+
+    SqletParser& m_parser;
+    const bool m_ignoresCase;
+    bool m_isMixed = false;
+    std::vector<SqletTable*> m_nodes;
+    std::unordered_map<std::string, Entry> m_entries;
+};
+
+/// How many names stand in front of the name of @p source; 0 for what is no plain name.
+std::uint32_t schemaDepth(const SqletTable& source);
+
+}  // namespace sqlet
