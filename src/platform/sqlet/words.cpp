@@ -1,12 +1,18 @@
 #include "platform/sqlet/words.h"
 
 #include <algorithm>
-#include <array>
+#include <cstring>
+#include <functional>
 #include <iterator>
+#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "platform/sqlet/word_table.h"
+
+namespace sqlet {
 namespace {
 
 constexpr unsigned reserved = SQLET_WORD_RESERVED;
@@ -42,59 +48,95 @@ constexpr WordGroup mariadbWords[] = {
 };
 // clang-format on
 
-struct Word {
-    std::string text;
-    unsigned flags;
-};
-
-/// The words of one family, in alphabetical order.
-class WordTable {
-public:
-    template <std::size_t N>
-    explicit WordTable(const WordGroup (&groups)[N]) {
-        for (const WordGroup& group : groups)
-            addGroup(group);
-        std::sort(m_words.begin(), m_words.end(),
-                  [](const Word& a, const Word& b) { return a.text < b.text; });
-    }
-
-    const Word* at(std::size_t index) const {
-        return index < m_words.size() ? &m_words[index] : nullptr;
-    }
-
-    /// @p text in upper case.
-    const Word* find(std::string_view text) const {
-        const auto found = std::lower_bound(
-            m_words.begin(), m_words.end(), text,
-            [](const Word& word, std::string_view wanted) { return word.text < wanted; });
-        return found != m_words.end() && found->text == text ? &*found : nullptr;
-    }
-
-private:
-    void addGroup(const WordGroup& group) {
-        std::string_view rest = group.words;
-        while (!rest.empty()) {
-            const std::string_view word = rest.substr(0, rest.find(' '));
-            m_words.push_back({std::string(word), group.flags});
-            rest.remove_prefix(std::min(word.size() + 1, rest.size()));
-        }
-    }
-
-    std::vector<Word> m_words;
-};
-
 enum Family { MySQL = 1, PostgreSQL, Oracle, SQLite, SQLServer, MariaDB };
+
+struct Groups {
+    const WordGroup* first;
+    std::size_t count;
+
+    const WordGroup* begin() const { return first; }
+    const WordGroup* end() const { return first + count; }
+};
+
+/// By family - 1.
+constexpr Groups familyGroups[] = {
+    {mysqlWords, std::size(mysqlWords)},         {postgresqlWords, std::size(postgresqlWords)},
+    {oracleWords, std::size(oracleWords)},       {sqliteWords, std::size(sqliteWords)},
+    {sqlserverWords, std::size(sqlserverWords)}, {mariadbWords, std::size(mariadbWords)},
+};
+
+struct GrammarWord {
+    Keyword keyword;
+    const char* text;
+};
+
+constexpr GrammarWord grammarWords[] = {
+#define SQLET_KEYWORD(name, text) {Keyword::name, text},
+#include "platform/sqlet/keywords.inc"
+#undef SQLET_KEYWORD
+};
 
 bool isFamily(int family) {
     return family >= MySQL && family <= MariaDB;
 }
 
-const WordTable* tableOf(int family) {
-    static const std::array<WordTable, 6> tables = {
-        WordTable(mysqlWords),  WordTable(postgresqlWords), WordTable(oracleWords),
-        WordTable(sqliteWords), WordTable(sqlserverWords),  WordTable(mariadbWords),
-    };
-    return isFamily(family) ? &tables[static_cast<std::size_t>(family - MySQL)] : nullptr;
+using Collected = std::map<std::string, TableWord, std::less<>>;
+
+TableWord& wordIn(Collected& words, std::string_view text) {
+    TableWord& word = words[std::string(text)];
+    word.text = text;
+    return word;
+}
+
+void collectGroup(Collected& words, std::size_t family, const WordGroup& group) {
+    std::string_view rest = group.words;
+    while (!rest.empty()) {
+        const std::string_view text = rest.substr(0, rest.find(' '));
+        wordIn(words, text).familyFlags[family] = static_cast<std::uint8_t>(group.flags);
+        rest.remove_prefix(std::min(text.size() + 1, rest.size()));
+    }
+}
+
+void settleDialects(TableWord& word) {
+    constexpr unsigned barred = reserved | noBareAlias;
+    std::copy_n(word.familyFlags.begin(), dialectCount, word.dialectFlags.begin());
+    const unsigned mysql = word.familyFlags[MySQL - 1];
+    const unsigned mariadb = word.familyFlags[MariaDB - 1];
+    word.dialectFlags[0] =
+        static_cast<std::uint8_t>(((mysql | mariadb) & ~barred) | (mysql & mariadb & barred));
+}
+
+// Eight bytes of a word at once, in upper case where they are letters: the lexer meets a word in
+// every third token, most of them no words of SQL, which the hash alone tells.
+constexpr std::uint64_t upperCase = 0xDFDFDFDFDFDFDFDFU;
+constexpr std::size_t longestWord = 63;
+
+std::uint64_t bytesAt(const char* text, std::size_t count) {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, text, count);
+    return bytes;
+}
+
+/// Equal for words that differ in case alone; @p text is not empty.
+std::uint32_t hashOf(std::string_view text) {
+    const std::size_t length = text.size();
+    std::uint64_t head = 0;
+    std::uint64_t tail = 0;
+    if (length >= 8) {
+        head = bytesAt(text.data(), 8);
+        tail = bytesAt(text.data() + length - 8, 8);
+    } else if (length >= 4) {
+        head = bytesAt(text.data(), 4);
+        tail = bytesAt(text.data() + length - 4, 4);
+    } else {
+        head = static_cast<unsigned char>(text.front());
+        tail = static_cast<unsigned char>(text[length / 2]) |
+               (std::uint64_t(static_cast<unsigned char>(text.back())) << 8U);
+    }
+    std::uint64_t hash = (head & upperCase) * 0x9E3779B97F4A7C15U;
+    hash ^= ((tail & upperCase) + length) * 0xC2B2AE3D27D4EB4FU;
+    hash *= 0x9E3779B97F4A7C15U;
+    return static_cast<std::uint32_t>(hash >> 32U);
 }
 
 // Not those of <cctype>, which follow the locale: only ASCII letters fold in keywords.
@@ -116,6 +158,16 @@ std::string_view textOf(const char* word, int length) {
                               : std::string_view();
 }
 
+char toUpper(char c) {
+    return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+bool equalsInAnyCase(std::string_view upper, std::string_view text) {
+    return upper.size() == text.size() &&
+           std::equal(upper.begin(), upper.end(), text.begin(),
+                      [](char expected, char c) { return expected == toUpper(c); });
+}
+
 bool isInFoldedCase(int family, std::string_view word) {
     const int folding = sqlet_folding(family);
     if (folding == SQLET_FOLDING_LOWER) return std::none_of(word.begin(), word.end(), isUpper);
@@ -125,24 +177,73 @@ bool isInFoldedCase(int family, std::string_view word) {
 
 }  // namespace
 
-unsigned sqlet_word_class(int family, const char* word, int length) {
-    constexpr std::size_t longestWord = 63;
-    const WordTable* table = tableOf(family);
-    const std::string_view text = textOf(word, length);
-    if (!table || text.size() > longestWord) return 0;
+WordTable::WordTable() : m_slots(slotCount) {
+    Collected words;
+    for (std::size_t family = 0; family < familyCount; ++family) {
+        for (const WordGroup& group : familyGroups[family])
+            collectGroup(words, family, group);
+    }
+    for (const GrammarWord& word : grammarWords)
+        wordIn(words, word.text).keyword = word.keyword;
 
-    char upper[longestWord];
-    std::transform(text.begin(), text.end(), upper,
-                   [](char c) { return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c; });
-    const Word* found = table->find(std::string_view(upper, text.size()));
-    return found ? found->flags : 0;
+    m_words.reserve(words.size());
+    for (auto& [text, word] : words) {
+        settleDialects(word);
+        m_words.push_back(std::move(word));
+        enter(static_cast<std::uint16_t>(m_words.size() - 1));
+    }
+}
+
+void WordTable::enter(std::uint16_t word) {
+    const TableWord& entered = m_words[word];
+    for (std::size_t family = 0; family < familyCount; ++family) {
+        if (entered.familyFlags[family] != 0) m_byFamily[family].push_back(word);
+    }
+    const std::uint32_t hash = hashOf(entered.text);
+    std::uint32_t slot = hash % slotCount;
+    while (m_slots[slot].word != 0)
+        slot = (slot + 1) % slotCount;
+    m_slots[slot] = {hash, static_cast<std::uint16_t>(word + 1)};
+}
+
+const WordTable& WordTable::instance() {
+    static const WordTable table;
+    return table;
+}
+
+const TableWord* WordTable::find(std::string_view text) const {
+    if (text.empty() || text.size() > longestWord) return nullptr;
+    const std::uint32_t hash = hashOf(text);
+    for (std::uint32_t slot = hash % slotCount; m_slots[slot].word != 0;
+         slot = (slot + 1) % slotCount) {
+        if (m_slots[slot].hash != hash) continue;
+        const TableWord& word = m_words[m_slots[slot].word - 1U];
+        if (equalsInAnyCase(word.text, text)) return &word;
+    }
+    return nullptr;
+}
+
+const TableWord* WordTable::at(int family, std::size_t index) const {
+    if (!isFamily(family)) return nullptr;
+    const std::vector<std::uint16_t>& words = m_byFamily[static_cast<std::size_t>(family - 1)];
+    return index < words.size() ? &m_words[words[index]] : nullptr;
+}
+
+}  // namespace sqlet
+
+using namespace sqlet;
+
+unsigned sqlet_word_class(int family, const char* word, int length) {
+    if (!isFamily(family)) return 0;
+    const TableWord* found = WordTable::instance().find(textOf(word, length));
+    return found ? found->familyFlags[static_cast<std::size_t>(family - 1)] : 0;
 }
 
 const char* sqlet_words(int family, int index, unsigned* flags) {
-    const WordTable* table = tableOf(family);
-    const Word* word = table && index >= 0 ? table->at(static_cast<std::size_t>(index)) : nullptr;
+    if (index < 0) return nullptr;
+    const TableWord* word = WordTable::instance().at(family, static_cast<std::size_t>(index));
     if (!word) return nullptr;
-    if (flags) *flags = word->flags;
+    if (flags) *flags = word->familyFlags[static_cast<std::size_t>(family - 1)];
     return word->text.c_str();
 }
 
