@@ -3,11 +3,9 @@
 // schema is too tame.
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <vector>
 
-#include "differential/server_session.h"
-#include "live/live_server.h"
+#include "differential/session_fixture.h"
 
 using namespace QB;
 using namespace QB::Test;
@@ -145,15 +143,8 @@ const std::vector<Fault>& faultsOf(DatabaseType family) {
     return family == DatabaseTypePostgreSQL ? faultsOfPostgreSQL : faultsOfMariaDB;
 }
 
-class Oracle : public OnServer {
+class Oracle : public OnAdversarialSchema {
 protected:
-    void SetUp() override {
-        OnServer::SetUp();
-        if (IsSkipped() || HasFatalFailure()) return;
-        session = std::make_unique<ServerSession>(server(), GetParam().family);
-        ASSERT_EQ(session->error(), "");
-    }
-
     void expectSeen(const Fault& fault) {
         SCOPED_TRACE(fault.name);
         const Answer original = session->ask(fault.original);
@@ -167,8 +158,6 @@ protected:
         const bool inLabels = fault.how == Shows::AsLabels;
         EXPECT_TRUE(difference.inLabels || !inLabels) << describe(faulty);
     }
-
-    std::unique_ptr<ServerSession> session;
 };
 
 TEST_P(Oracle, SeesEveryFault) {

@@ -32,7 +32,7 @@ std::vector<const char*> settings(DatabaseType family) {
         case DatabaseTypePostgreSQL:
             return {"SET statement_timeout = '10s'", "SET client_min_messages = error"};
         default:
-            return {"SET max_statement_time = 10"};
+            return {"SET NAMES utf8mb4", "SET max_statement_time = 10"};
     }
 }
 
