@@ -225,15 +225,23 @@ void QBEngine::modify_notify(TopLevelQueryComponentElementEnum element, int laye
 /// @p delivered runs after all listeners, if the engine is still there.
 void QBEngine::postModified(TopLevelQueryComponentElementEnum element, int layer, void* sender,
                             std::function<void()> delivered) {
-    QBNotificationParameters params = {{"layer", layer},
-                                       {"sender", sender},
-                                       {"elements.size", 1},
-                                       {"elements[0]", static_cast<int>(element)}};
+    QBNotificationParameters params = modifiedParameters({element}, layer, sender);
     postToMainThread(
         m_id, [this, id = m_id, params = std::move(params), delivered = std::move(delivered)] {
             notifyChange(Notification::topLevelQueryComponentElementModified, &params);
             if (delivered && isAlive(id)) delivered();
         });
+}
+
+QBNotificationParameters QBEngine::modifiedParameters(
+    const std::set<TopLevelQueryComponentElementEnum>& elements, int layer, void* sender) {
+    QBNotificationParameters params = {{"layer", layer},
+                                       {"sender", sender},
+                                       {"elements.size", static_cast<int>(elements.size())}};
+    int index = 0;
+    for (const TopLevelQueryComponentElementEnum element : elements)
+        params["elements[" + std::to_string(index++) + "]"] = static_cast<int>(element);
+    return params;
 }
 
 void QBEngine::retire(DetachedParts&& parts) {

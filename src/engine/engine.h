@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
@@ -148,8 +147,19 @@ public:
     /// generator. Takes no lock: another thread than main locks queryComponentAccessMutex() first.
     std::string buildQuery() const;
 
-    /// True from the start of a parse until it was delivered. Any thread.
-    bool isParsingQuery() const { return m_isParsingQuery.load(); }
+    /// Parses @p text on a dispatched thread, under queryComponentAccessMutex, into the statement
+    /// of the layer that is current by then; a text that cannot be read leaves it empty. Returns at
+    /// once. Then, on the main thread and in this order: @p completion (may be empty) with whether
+    /// the text was read and where in it the statement stands, location -1 if none was found;
+    /// "TopLevelQueryComponentElementModifiedNotification" with the engine as sender; after a
+    /// failure "ParsingQueryUnsupportedNotification". Afterwards the fields of the tables are
+    /// fetched (see refreshRequestedIdentifierCandidateChildren, with its errors).
+    /// What the statement held is kept until the notification was delivered.
+    /// If the engine goes before the end, nothing more is called. Parses are not merged.
+    void parseQuery(const std::string& text, std::function<void(bool, QBRange)> completion);
+
+    /// True from parseQuery until @p completion of the last parse was called. Any thread.
+    bool isParsingQuery() const;
 
     /// Guards the statements; recursive. Held only for a block, a conversion or a text generation.
     /// Any thread that knows the engine to exist; others go through core().
@@ -243,8 +253,6 @@ protected:
     /// destructor of a derived class calls it first, since notified() is that class's.
     void endLife();
 
-    std::atomic<bool> m_isParsingQuery{false};
-
 private:
     enum class BlockOutcome { Inconsistent, Unchanged, Changed };
     using UntypedBlock = std::function<BlockOutcome(ELEMAbstractTopLevelQueryExpr*)>;
@@ -261,6 +269,12 @@ private:
     void postModified(TopLevelQueryComponentElementEnum element, int layer, void* sender,
                       std::function<void()> delivered);
     void sweepRetired(unsigned long modification);
+    static QBNotificationParameters modifiedParameters(
+        const std::set<TopLevelQueryComponentElementEnum>& elements, int layer, void* sender);
+
+    class Parse;
+    struct ParseResult;
+    void deliver(const ParseResult& result, Parse& parse);
 
     void replaceRootStatement();
     std::vector<Statement*> layerStatements() const;

@@ -15,8 +15,8 @@
 namespace QB {
 
 /// What outlives an engine while tasks that it started still run: they capture this core by
-/// shared_ptr, and touch the engine itself only on the main thread, inside runIfAlive with the
-/// engine's id.
+/// shared_ptr, and touch the engine itself only inside runIfAlive with the engine's id: on the main
+/// thread, or for a few instructions that wait for nothing.
 ///
 /// Order of locks: identifierTreeMutex, then queryComponentAccessMutex; the others are innermost
 /// and held for a few instructions.
@@ -67,6 +67,8 @@ public:
     RetiredParts retired;
     /// Requests minus fetches: a hint for a wait indicator, may leave zero for a while.
     std::atomic<int> runningRefreshCount{0};
+    /// Parses that were asked for and not delivered.
+    std::atomic<int> runningParseCount{0};
 
 private:
     mutable std::mutex m_callbackMutex;
