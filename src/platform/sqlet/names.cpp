@@ -11,7 +11,6 @@ namespace sqlet {
 namespace {
 
 constexpr int dialectOracle = 3;
-constexpr int dialectSQLServer = 5;
 
 char lowered(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -54,7 +53,7 @@ std::string_view contentOf(std::string_view spelled) {
 
 /// In SQLite a name in brackets ends at the first closing one.
 bool isClosingDoubled(char closing, int dialect) {
-    return closing != ']' || dialect == dialectSQLServer;
+    return closing != ']' || lexTraits(dialect).doubledBracketEscapes;
 }
 
 std::string unquoted(std::string_view spelled, int dialect) {

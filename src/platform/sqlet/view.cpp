@@ -188,8 +188,8 @@ bool ViewSettler::isPseudoColumn(const NameChain& chain) const {
         case dialectOracle:  // t.ROWID, s.NEXTVAL
             return isConstantWord(name) || name.keyword == Keyword::Nextval ||
                    name.keyword == Keyword::Currval || decoded(chain.last) == "COLUMN_VALUE";
-        case dialectSQLServer:  // t.IDENTITYCOL, t.$ROWGUID
-            return isConstantWord(name) || m_parser.text[name.offset] == '$';
+        case dialectSQLServer:  // t.IDENTITYCOL
+            return isConstantWord(name);
         default:
             return isBare && isConstantWord(name);
     }
