@@ -1,6 +1,7 @@
 #include "apps/joinery-sql/command_line.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 
 #include "apps/joinery-sql/dialect_names.h"
 
@@ -72,8 +73,6 @@ CommandLineResult answer(const QString& message) {
 class CommandParser {
 public:
     explicit CommandParser(const CommandDescription& description) : m_description(description) {
-        m_parser.addPositionalArgument(text(description.name), text("The command."),
-                                       text(description.name));
         m_parser.addOptions({m_dialect, m_schema});
         if (isRoundtrip()) {
             m_parser.addOption(m_details);
@@ -82,17 +81,16 @@ public:
                 text("FILE"), text("A text; standard input if there is none, or for -."),
                 text("[FILE...]"));
         }
-        if (description.command == Command::Format) m_parser.addOption(m_inPlace);
+        if (isFormat()) m_parser.addOption(m_inPlace);
         m_parser.addOption(m_help);
         m_parser.setApplicationDescription(text(description.explanation) + text("\n\n") +
                                            text(exitStatusText));
     }
 
-    /// @p arguments begin with the command's name.
+    /// @p arguments begin with the command's name, where the parser looks for the program's.
     CommandLineResult parse(const QStringList& arguments) {
-        // The parser takes its first argument for the program's name.
-        if (!m_parser.parse(QStringList(QString()) + arguments)) return wrong(m_parser.errorText());
-        if (m_parser.isSet(m_help)) return answer(m_parser.helpText());
+        if (!m_parser.parse(arguments)) return wrong(m_parser.errorText());
+        if (m_parser.isSet(m_help)) return answer(helpText());
         CommandLine options;
         const QString problem = read(options);
         if (!problem.isEmpty()) return wrong(problem);
@@ -102,7 +100,14 @@ public:
     }
 
 private:
+    bool isFormat() const { return m_description.command == Command::Format; }
     bool isRoundtrip() const { return m_description.command == Command::Roundtrip; }
+
+    QString helpText() const {
+        const QString program = QCoreApplication::arguments().first();
+        const QString usage = text("Usage: ") + program;
+        return usage + text(" ") + text(m_description.name) + m_parser.helpText().mid(usage.size());
+    }
 
     CommandLineResult wrong(const QString& problem) const {
         return failure(text(m_description.name) + text(": ") + problem);
@@ -112,9 +117,9 @@ private:
     QString read(CommandLine& options) const {
         options.command = m_description.command;
         options.schema = m_parser.value(m_schema).toLatin1().toStdString();
-        options.files = m_parser.positionalArguments().mid(1);
-        options.inPlace = m_parser.isSet(m_inPlace.names().first());
-        options.details = m_parser.isSet(m_details.names().first());
+        options.files = m_parser.positionalArguments();
+        options.inPlace = isFormat() && m_parser.isSet(m_inPlace);
+        options.details = isRoundtrip() && m_parser.isSet(m_details);
         const QString problem = readDialect(options);
         return problem.isEmpty() ? readFiles(options) : problem;
     }
@@ -147,7 +152,7 @@ private:
                text("The server family: %1.").arg(QString::fromStdString(dialectNames())), "NAME");
     const QCommandLineOption m_schema =
         option({text("s"), text("schema")},
-               text("The schema in which unqualified names are found. It is not written."), "NAME");
+               text("The schema in which unqualified names are found."), "NAME");
     const QCommandLineOption m_inPlace =
         option({text("i"), text("in-place")},
                text("Write into the files. A file whose text is refused stays as it is."));

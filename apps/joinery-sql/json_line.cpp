@@ -90,14 +90,19 @@ private:
     std::size_t m_at = 0;
 };
 
-bool isSoundValue(std::string_view value) {
+/// @p value if it is sound JSON; written anew if it has line breaks or other control characters.
+std::string soundValue(std::string_view value) {
+    if (value.size() > largestLine) return "null";
+    QByteArray array("[");
+    array.append(value.data(), static_cast<int>(value.size())).append(']');
+    const QJsonDocument document = QJsonDocument::fromJson(array);
+    if (document.array().size() != 1) return "null";
     const auto isControl = [](char c) {
         return static_cast<unsigned char>(c) < 0x20;
     };
-    if (std::any_of(value.begin(), value.end(), isControl)) return false;
-    QByteArray document("[");
-    document.append(value.data(), static_cast<int>(value.size())).append(']');
-    return QJsonDocument::fromJson(document).array().size() == 1;
+    if (std::any_of(value.begin(), value.end(), isControl))
+        array = document.toJson(QJsonDocument::Compact);
+    return array.mid(1, array.size() - 2).toStdString();
 }
 
 }  // namespace
@@ -109,7 +114,7 @@ std::string rawMember(std::string_view line, std::string_view name) {
     std::string_view value;
     for (bool more = scanner.enterObject(); more && scanner.next(key, value);)
         if (key == name) found = value;
-    return !found.empty() && isSoundValue(found) ? std::string(found) : "null";
+    return soundValue(found);
 }
 
 std::string jsonString(const QString& text) {

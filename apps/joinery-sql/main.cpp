@@ -1,8 +1,10 @@
 // joinery-sql: statements through the query model, on the command line.
 
+#include <fcntl.h>
+#include <unistd.h>
 #include <QCoreApplication>
 #include <QTextCodec>
-#include <cstdio>
+#include <cstdlib>
 
 #include "apps/joinery-sql/command_line.h"
 #include "apps/joinery-sql/file_commands.h"
@@ -20,6 +22,16 @@ namespace {
 /// locale: a UTF-8 name reaches the system as it was typed, under LANG=C, too.
 void carryBytesInStrings() {
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+}
+
+/// A standard stream that the caller closed stays unusable, rather than that the next file opened
+/// takes its number and is read or written in its place.
+void occupyStandardStreams() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) != -1) continue;
+        const int wrongWay = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        if (::open("/dev/null", wrongWay) != descriptor) std::_Exit(ExitIo);
+    }
 }
 
 QStringList argumentList(int argc, char** argv) {
@@ -46,6 +58,7 @@ ExitCode run(const CommandLineResult& commandLine) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    occupyStandardStreams();
     carryBytesInStrings();
     // Help names the program by its first argument, which is a path.
     int count = 1;

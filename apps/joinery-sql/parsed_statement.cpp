@@ -1,6 +1,7 @@
 #include "apps/joinery-sql/parsed_statement.h"
 
 #include <algorithm>
+#include <new>
 #include <regex>
 #include <stdexcept>
 
@@ -82,6 +83,8 @@ std::string reasonOf(const QBParseOutcome& outcome) {
 std::string currentExceptionText() {
     try {
         throw;
+    } catch (const std::bad_alloc&) {
+        return "the text needs more memory than there is";
     } catch (const std::exception& error) {
         return std::string("internal error: ") + error.what();
     } catch (std::runtime_error* error) {  // the form in which the engine reports misuse

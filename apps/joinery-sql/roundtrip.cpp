@@ -60,13 +60,17 @@ class RequestReader {
 public:
     /// @p line is borrowed.
     explicit RequestReader(const std::string& line) {
+        if (line.size() > largestLine) {
+            m_problem = "the line is longer than 1 GiB";
+            return;
+        }
         QJsonParseError error;
         const QByteArray bytes =
             QByteArray::fromRawData(line.data(), static_cast<int>(line.size()));
         const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
         if (error.error != QJsonParseError::NoError) {
-            m_problem = "the line is not JSON: " + error.errorString().toStdString() + " at byte " +
-                        std::to_string(error.offset);
+            m_problem = "the line is not a JSON object: " + error.errorString().toStdString() +
+                        " at byte " + std::to_string(error.offset);
         } else if (!document.isObject()) {
             m_problem = "the line is not a JSON object";
         }
@@ -208,7 +212,9 @@ std::string answerLine(const std::string& line, const CommandLine& options) {
             reader.problem().empty() ? answerRequest(request) : rejected(reader.problem());
         return answerJson(id, answer, details);
     } catch (...) {
-        return answerJson(id, rejected(currentExceptionText()), details);
+        Answer answer = rejected(currentExceptionText());
+        answer.verdict = "internal_error";
+        return answerJson(id, answer, details);
     }
 }
 
