@@ -89,7 +89,7 @@ struct SqletColumn {
     sqlet::NodeTexts* texts = nullptr;
     SqletColumn* next = nullptr;  ///< in an IN list
     /// Without alias and direction; for an aggregate the whole call.
-    sqlet::TokenSpan span;
+    sqlet::TokenSpan span = {};
     sqlet::TokenIndex alias = sqlet::noToken;  ///< a Word, QuotedName or String
     sqlet::ColumnForm form = sqlet::ColumnForm::Text;
     sqlet::ColumnRole role = sqlet::ColumnRole::Select;
@@ -104,12 +104,12 @@ struct SqletExpr {
     /// Compare and Chain: the operator in upper case, static ("NOT IN", "IS", "IS NOT", "AND").
     const char* op = nullptr;
     /// List and Using: the items. A USING item is a column of form Text or Name.
-    sqlet::ColumnArray items;
+    sqlet::ColumnArray items = {};
     /// From the first to the last token of the node, without its counted brackets and without a
     /// NOT that negatedAt stands for. The right operand of IS NULL and IS NOT NULL is a leaf of
     /// form Text over the token NULL. Empty for a condition that is not in the text (SQLite's LEFT
     /// JOIN without one means ON 1): texts->complex is then set.
-    sqlet::TokenSpan span;
+    sqlet::TokenSpan span = {};
     std::uint32_t parens = 0;  ///< brackets around the node, counted from the root
     sqlet::ExprForm form = sqlet::ExprForm::Text;
     /// A NOT that belongs to the node: one more than the brackets around it; 0: none.
@@ -124,10 +124,10 @@ struct SqletTable {
     SqletExpr* on = nullptr;
     /// Join: the operator in upper case, static, or null where it is the words of operatorSpan.
     const char* joinOperator = nullptr;
-    sqlet::TokenSpan operatorSpan;
+    sqlet::TokenSpan operatorSpan = {};
     SqletSelect* subquery = nullptr;  ///< Derived
     /// A leaf: without alias. A join: from the first to the last token, without counted brackets.
-    sqlet::TokenSpan span;
+    sqlet::TokenSpan span = {};
     sqlet::TokenIndex alias = sqlet::noToken;
     std::uint32_t parens = 0;
     sqlet::TableForm form = sqlet::TableForm::Text;
@@ -135,13 +135,13 @@ struct SqletTable {
 
 struct SqletSelect {
     SqletParser* owner;
-    sqlet::ColumnArray columns;
-    sqlet::ColumnArray groupBy;
-    sqlet::ColumnArray orderBy;
+    sqlet::ColumnArray columns = {};
+    sqlet::ColumnArray groupBy = {};
+    sqlet::ColumnArray orderBy = {};
     SqletTable* from = nullptr;
     SqletExpr* where = nullptr;
     SqletExpr* having = nullptr;
-    sqlet::Limit limit;
-    sqlet::TokenSpan parts[sqlet::partCount];
+    sqlet::Limit limit = {};
+    sqlet::TokenSpan parts[sqlet::partCount] = {};
     bool isDistinct = false;
 };

@@ -1,0 +1,480 @@
+#include "platform/sqlet/grammar.h"
+
+// Expressions are read to find where they end, not what they mean: operands and operators by turns.
+
+namespace sqlet {
+
+namespace {
+
+using K = Keyword;
+using T = TokenKind;
+
+constexpr KeywordSet intervalUnits = {K::Year, K::Month, K::Day, K::Hour, K::Minute, K::Second};
+
+/// Words that cannot be operands, in any dialect: an expression in front of them is missing.
+constexpr KeywordSet neverOperands = {
+    K::From,  K::Where, K::Group, K::Having, K::Order, K::Union,   K::Except, K::Intersect,
+    K::And,   K::Or,    K::In,    K::Is,     K::Like,  K::Between, K::As,     K::On,
+    K::Using, K::Then,  K::When,  K::Else,   K::End,   K::Select,  K::Into,
+};
+
+/// Words with a query in brackets behind them.
+constexpr KeywordSet quantifiers = {K::Any, K::Some, K::All};
+
+}  // namespace
+
+TokenSpan Grammar::expression(Reach reach) {
+    const TokenIndex first = m_position;
+    AfterOperand then = AfterOperand::WantsOperand;
+    while (then != AfterOperand::Ends) {
+        if (then == AfterOperand::WantsOperand) operand();
+        then = afterOperand(reach);
+    }
+    return {first, m_position - 1};
+}
+
+void Grammar::operand() {
+    prefixes();
+    primary();
+}
+
+void Grammar::prefixes() {
+    for (;; advance()) {
+        const Token& token = here();
+        if (token.kind == T::Operator) {
+            const std::string_view symbol = m_parser.textOf(m_position);
+            const std::string_view all = m_dialect.prefixes;
+            const std::size_t found = all.find(symbol);
+            const bool isWhole =
+                found != std::string_view::npos && (found == 0 || all[found - 1] == ' ') &&
+                (found + symbol.size() == all.size() || all[found + symbol.size()] == ' ');
+            if (!isWhole) return;
+        } else if (token.kind != T::Word ||
+                   (token.keyword != K::Not && !m_dialect.prefixWords.contains(token.keyword))) {
+            return;
+        }
+    }
+}
+
+void Grammar::primary() {
+    switch (here().kind) {
+        case T::Word:
+            wordPrimary();
+            return;
+        case T::QuotedName:
+            nameChain();
+            afterName();
+            return;
+        case T::String:
+        case T::Number:
+        case T::Parameter:
+            advance();
+            return;
+        case T::LeftParen:
+        case T::LeftBrace:
+            skipBrackets();
+            return;
+        case T::Dot:  // .t.a in MySQL
+            if (!isName(next())) break;
+            advance();
+            nameChain();
+            return;
+        default:
+            break;
+    }
+    unexpected("an expression");
+}
+
+void Grammar::wordPrimary() {
+    const Token& token = here();
+    if (token.keyword == K::None) {
+        if (takeTypedLiteral()) return;
+        nameChain();
+        afterName();
+        return;
+    }
+    if (is(K::Case)) return caseExpression();
+    if (is(K::Interval) && m_dialect.hasIntervals) return intervalLiteral();
+    if (is(K::Array) && next().kind == T::LeftBracket) {
+        advance();
+        skipBrackets();
+        return;
+    }
+    if (is(K::Next) && nextIs(K::Value) && at(m_position + 2).keyword == K::For) {
+        m_position += 3;  // NEXT VALUE FOR a sequence
+        nameChain();
+        return;
+    }
+    if (neverOperands.contains(token.keyword)) unexpected("an expression");
+    if (takeTypedLiteral()) return;
+    const bool isCall = next().kind == T::LeftParen;
+    if (!isCall && (token.flags & SQLET_WORD_RESERVED) != 0 &&
+        (token.flags & (SQLET_WORD_CONSTANT | SQLET_WORD_FUNCTION)) == 0 && next().kind != T::Dot &&
+        !is(K::Default))
+        unexpected("an expression");
+    nameChain();
+    afterName();
+}
+
+void Grammar::nameChain() {
+    if (!isName(here())) unexpected("a name");
+    advance();
+    while (is(T::Dot)) {
+        const Token& behind = next();
+        const bool isStar = behind.kind == T::Operator && isSymbol(m_position + 1, "*");
+        if (!isName(behind) && !isStar && behind.kind != T::Dot) return;
+        m_position += behind.kind == T::Dot ? 1 : 2;
+        if (isStar) return;
+    }
+}
+
+/// What makes more of a name: the brackets of a call and what goes with them.
+void Grammar::afterName() {
+    if (is(T::LeftParen)) {
+        const bool isMark =
+            isSymbol(m_position + 1, "+") && at(m_position + 2).kind == T::RightParen;
+        skipBrackets();
+        if (!(isMark && m_dialect.hasOuterJoinMarks)) afterCall();
+        return;
+    }
+    if (m_dialect.hasStaticMethods && is(T::Operator) && isSymbol(m_position, "::")) {
+        advance();
+        nameChain();
+        afterName();
+        return;
+    }
+    if (is(T::Operator) && isSymbol(m_position, "@") && m_dialect.hasOuterJoinMarks) {
+        advance();  // a database link of Oracle
+        nameChain();
+        if (is(T::LeftParen)) skipBrackets();
+    }
+}
+
+void Grammar::afterCall() {
+    for (;;) {
+        if (is(K::Over)) {
+            advance();
+            if (is(T::LeftParen))
+                skipBrackets();
+            else
+                nameChain();
+        } else if ((is(K::Filter) || is(K::Keep) || is(K::Against)) &&
+                   next().kind == T::LeftParen) {
+            advance();
+            skipBrackets();
+        } else if (is(K::Within) && nextIs(K::Group)) {
+            m_position += 2;
+            if (!is(T::LeftParen)) unexpected("'('");
+            skipBrackets();
+        } else if ((is(K::Ignore) || is(K::Respect)) && nextIs(K::Nulls)) {
+            m_position += 2;
+        } else if (is(K::From) && (nextIs(K::First) || nextIs(K::Last)) &&
+                   at(m_position + 2).keyword == K::Over) {
+            m_position += 2;
+        } else if (is(T::String) && m_dialect.hasTypedLiterals) {
+            advance();  // varchar(3) 'abc'
+        } else {
+            return;
+        }
+    }
+}
+
+bool Grammar::takeTypedLiteral() {
+    if (next().kind == T::String) {
+        const bool isDate = is(K::Date) || is(K::Time) || is(K::Timestamp);
+        if (!m_dialect.hasTypedLiterals && !(isDate && m_dialect.hasDateLiterals)) return false;
+        m_position += 2;
+        return true;
+    }
+    if (!m_dialect.hasTypedLiterals) return false;
+    // timestamp with time zone '..', double precision '..'
+    TokenIndex index = m_position + 1;
+    if (is(K::Double) && nextIs(K::Precision)) {
+        index += 1;
+    } else if (is(K::Time) || is(K::Timestamp)) {
+        if (at(index).kind == T::LeftParen && m_parser.tokens.partner[index] != noToken)
+            index = m_parser.tokens.partner[index] + 1;
+        if ((at(index).keyword == K::With || at(index).keyword == K::Without) &&
+            at(index + 1).keyword == K::Time && at(index + 2).keyword == K::Zone)
+            index += 3;
+    } else {
+        return false;
+    }
+    if (at(index).kind != T::String) return false;
+    m_position = index + 1;
+    return true;
+}
+
+void Grammar::intervalLiteral() {
+    advance();
+    if (is(T::LeftParen) && m_dialect.hasTypedLiterals) skipBrackets();  // interval(3) '..'
+    if (m_dialect.number == 1) {
+        expression(Reach::Operand);
+        if (is(T::Word) && !isComparisonWordAt(m_position) &&
+            !neverOperands.contains(here().keyword) &&
+            !m_dialect.clauseWords.contains(here().keyword) && here().keyword != K::Desc &&
+            here().keyword != K::Asc)
+            advance();
+        return;
+    }
+    if (!is(T::String) && !is(T::Parameter)) {
+        // A column of that name.
+        if (isName(here())) unexpected("a string");
+        --m_position;
+        nameChain();
+        return;
+    }
+    advance();
+    unitOf();
+}
+
+void Grammar::unitOf() {
+    while (intervalUnits.contains(here().keyword)) {
+        advance();
+        if (is(T::LeftParen)) skipBrackets();
+        if (!is(K::To)) return;
+        advance();
+    }
+}
+
+void Grammar::caseExpression() {
+    const TokenIndex first = m_position;
+    int depth = 0;
+    do {
+        if (is(T::End)) {
+            m_position = first;
+            unexpected("CASE with an END");
+        }
+        if (is(T::LeftParen) || is(T::LeftBracket)) {
+            skipBrackets();
+            continue;
+        }
+        if (is(T::RightParen) || is(T::Semicolon)) unexpected("END");
+        const bool isQualified = m_position > 0 && at(m_position - 1).kind == T::Dot;
+        if (is(K::Case) && !isQualified) ++depth;
+        if (is(K::End) && !isQualified) --depth;
+        advance();
+    } while (depth > 0);
+}
+
+/// The type behind a cast operator.
+void Grammar::typeName() {
+    if (!isName(here())) unexpected("a type");
+    const Keyword word = here().keyword;
+    nameChain();
+    if (is(K::Precision) && word == K::Double) advance();
+    if (is(K::Varying) &&
+        (word == K::Character || word == K::Char || word == K::Bit || word == K::National))
+        advance();
+    if (word == K::National && (is(K::Character) || is(K::Char))) {
+        advance();
+        if (is(K::Varying)) advance();
+    }
+    if (word == K::Interval) unitOf();
+    if (is(T::LeftParen)) skipBrackets();
+    if ((is(K::With) || is(K::Without)) && nextIs(K::Time) && at(m_position + 2).keyword == K::Zone)
+        m_position += 3;
+    if (is(K::Array)) advance();
+    while (is(T::LeftBracket))
+        skipBrackets();
+}
+
+Grammar::AfterOperand Grammar::afterOperand(Reach reach) {
+    switch (here().kind) {
+        case T::Operator:
+            return afterOperandSymbol(reach);
+        case T::Word:
+            return here().keyword == K::None ? AfterOperand::Ends : afterOperandWord(reach);
+        case T::LeftBracket:
+            skipBrackets();
+            return AfterOperand::GoesOn;
+        case T::Dot:
+            if (m_position > 0 && (at(m_position - 1).kind == T::RightParen ||
+                                   at(m_position - 1).kind == T::RightBracket ||
+                                   at(m_position - 1).kind == T::Parameter)) {
+                advance();
+                if (is(T::Operator) && isSymbol(m_position, "*")) {
+                    advance();
+                    return AfterOperand::GoesOn;
+                }
+                nameChain();
+                afterName();
+                return AfterOperand::GoesOn;
+            }
+            return AfterOperand::Ends;
+        default:
+            return AfterOperand::Ends;
+    }
+}
+
+Grammar::AfterOperand Grammar::afterOperandSymbol(Reach reach) {
+    const std::string_view symbol = m_parser.textOf(m_position);
+    if (m_dialect.hasCastOperator && symbol == "::") {
+        advance();
+        typeName();
+        return AfterOperand::GoesOn;
+    }
+    const char* name = nullptr;
+    const OperatorRole role = m_dialect.roleOf(symbol, &name);
+    if (role == OperatorRole::Assignment) return AfterOperand::Ends;
+    if (role != OperatorRole::Binary && reach == Reach::Operand) return AfterOperand::Ends;
+    advance();
+    return AfterOperand::WantsOperand;
+}
+
+Grammar::AfterOperand Grammar::afterOperandWord(Reach reach) {
+    const Keyword word = here().keyword;
+    if (word == K::And || word == K::Or) {
+        if (reach != Reach::Whole) return AfterOperand::Ends;
+        advance();
+        return AfterOperand::WantsOperand;
+    }
+    if (word == K::Collate) {
+        advance();
+        if (is(T::String))
+            advance();
+        else
+            nameChain();
+        return AfterOperand::GoesOn;
+    }
+    if (word == K::At && (nextIs(K::Time) || nextIs(K::Local))) {
+        const bool isLocal = nextIs(K::Local);
+        m_position += isLocal ? 2 : 3;
+        return isLocal ? AfterOperand::GoesOn : AfterOperand::WantsOperand;
+    }
+    if (m_dialect.binaryWords.contains(word)) {
+        advance();
+        if (word == K::Multiset) {  // MULTISET UNION DISTINCT
+            while (is(K::Union) || is(K::Except) || is(K::Intersect) || is(K::All) ||
+                   is(K::Distinct))
+                advance();
+        }
+        return AfterOperand::WantsOperand;
+    }
+    if (word == K::Operator && next().kind == T::LeftParen) {
+        advance();
+        skipBrackets();
+        return AfterOperand::WantsOperand;
+    }
+    if (!isComparisonWordAt(m_position) || reach == Reach::Operand) return AfterOperand::Ends;
+    return comparisonWord();
+}
+
+bool Grammar::isComparisonWordAt(TokenIndex index) const {
+    const Keyword word = at(index).keyword;
+    if (word == K::None) return false;
+    if (m_dialect.comparisonWords.contains(word)) return true;
+    if (word == K::Isnull || word == K::Notnull) return m_dialect.hasPostfixNullTests;
+    if (word != K::Not) return false;
+    const Keyword behind = at(index + 1).keyword;
+    if (behind == K::Null) return m_dialect.hasPostfixNotNull;
+    return behind != K::Is && behind != K::Xor && behind != K::Escape &&
+           m_dialect.comparisonWords.contains(behind);
+}
+
+/// Takes a comparison by words whose left side was read; what it means is not asked.
+Grammar::AfterOperand Grammar::comparisonWord() {
+    if (is(K::Not)) {
+        advance();
+        if (is(K::Null)) {
+            advance();
+            return AfterOperand::GoesOn;
+        }
+    }
+    const Keyword word = here().keyword;
+    advance();
+    switch (word) {
+        case K::Isnull:
+        case K::Notnull:
+            return AfterOperand::GoesOn;
+        case K::Is:
+            isTest();
+            return AfterOperand::GoesOn;
+        case K::Between:
+            betweenBounds();
+            return AfterOperand::GoesOn;
+        case K::Similar:
+            if (is(K::To)) advance();
+            break;
+        case K::Sounds:
+            if (is(K::Like)) advance();
+            break;
+        case K::Member:
+        case K::Submultiset:
+            if (is(K::Of)) advance();
+            break;
+        default:
+            break;
+    }
+    return AfterOperand::WantsOperand;
+}
+
+/// What follows IS.
+void Grammar::isTest() {
+    if (is(K::Not)) advance();
+    if (is(K::Distinct) && nextIs(K::From)) {
+        m_position += 2;
+        expression(Reach::Operand);
+        return;
+    }
+    if ((is(K::Of) || is(K::Json)) && next().kind != T::End) {
+        advance();
+        if (is(T::LeftParen)) skipBrackets();
+        while (is(K::Object) || is(K::Scalar) || is(K::Value) || is(K::Array) || is(K::With) ||
+               is(K::Without) || is(K::Unique))
+            advance();
+        return;
+    }
+    if (is(K::A) && nextIs(K::Set)) {
+        m_position += 2;
+        return;
+    }
+    if (is(T::Word) && nextIs(K::Normalized)) advance();
+    expression(Reach::Operand);
+}
+
+void Grammar::betweenBounds() {
+    if (is(K::Symmetric) || is(K::Asymmetric)) advance();
+    expression(Reach::Operand);
+    if (!is(K::And)) unexpected("AND");
+    advance();
+    expression(Reach::Operand);
+}
+
+bool Grammar::isNameChain(TokenSpan span) const {
+    if ((span.last - span.first) % 2 != 0) return false;
+    for (TokenIndex i = span.first; i < span.last; i += 2) {
+        if (!isName(m_tokens[i]) || m_tokens[i + 1].kind != T::Dot) return false;
+    }
+    return isName(m_tokens[span.last]);
+}
+
+/// F(..) spelled without blanks, F an aggregate of the dialect, and nothing behind.
+bool Grammar::isCallOf(TokenSpan span) const {
+    if (span.last < span.first + 3) return false;
+    const Token& function = m_tokens[span.first];
+    if (function.kind != T::Word || (function.flags & SQLET_WORD_FUNCTION) == 0) return false;
+    const Token& open = m_tokens[span.first + 1];
+    if (open.kind != T::LeftParen || m_parser.tokens.partner[span.first + 1] != span.last)
+        return false;
+    for (TokenIndex i = span.first; i < span.last; ++i) {
+        if ((m_tokens[i].flags & TokenTouchesNext) == 0) return false;
+    }
+    return true;
+}
+
+ColumnForm Grammar::columnForm(TokenSpan span) const {
+    if (isNameChain(span)) return ColumnForm::Name;
+    if (isSymbol(span.last, "*") &&
+        (span.first == span.last ||
+         (span.last - span.first >= 2 && m_tokens[span.last - 1].kind == T::Dot &&
+          isNameChain({span.first, span.last - 2}))))
+        return ColumnForm::Asterisk;
+    if (!isCallOf(span)) return ColumnForm::Text;
+    const TokenSpan argument = {span.first + 2, span.last - 1};
+    if (argument.first == argument.last && isSymbol(argument.first, "*"))
+        return ColumnForm::AggregateStar;
+    return isNameChain(argument) ? ColumnForm::AggregateName : ColumnForm::Text;
+}
+
+}  // namespace sqlet

@@ -1,0 +1,164 @@
+#include "platform/sqlet/parser.h"
+
+#include <climits>
+#include <cstring>
+
+#include "platform/sqlet/dialect.h"
+#include "platform/sqlet/grammar.h"
+#include "platform/sqlet/lexer.h"
+#include "platform/sqlet/view.h"
+
+namespace sqlet {
+
+namespace {
+
+/// What lies in brackets is skipped unread, so a token that is none can hide there.
+void refuseHiddenTokens(const SqletParser& parser, TokenIndex end) {
+    for (TokenIndex i = 0; i < end; ++i) {
+        const TokenKind kind = parser.tokens[i].kind;
+        if (kind == TokenKind::Bad) throw badToken(parser, i);
+        if (kind == TokenKind::ExecutableComment)
+            throw Refusal{SQLET_ERROR_UNSUPPORTED, i, "a comment with code is not supported"};
+        if (kind == TokenKind::Hint)
+            throw Refusal{SQLET_ERROR_UNSUPPORTED, i,
+                          "a hint that sets variables is not supported"};
+    }
+}
+
+void readStatement(SqletParser& parser, const Dialect& dialect) {
+    Grammar grammar(parser, dialect);
+    try {
+        grammar.readStatement();
+        if (parser.select) refuseHiddenTokens(parser, grammar.position());
+    } catch (const Refusal& refusal) {
+        const Token& token = parser.tokens[refusal.token];
+        parser.select = nullptr;
+        parser.fail(refusal.kind, token.offset, token.length, refusal.what);
+    }
+    if (!parser.select && parser.statementType == SQLET_STATEMENT_SELECT)
+        parser.statementType = SQLET_STATEMENT_OTHER;
+}
+
+}  // namespace
+
+void parse(SqletParser& parser) {
+    const Dialect* dialect = dialectOf(parser.dialect);
+    if (!dialect) {
+        parser.fail(SQLET_ERROR_UNSUPPORTED, 0, 0, "this dialect is not known");
+        return;
+    }
+    parser.tokens = lex(parser.text, parser.dialect);
+    parser.coverage.assign(parser.tokens.tokens.size(), Coverage::Nothing);
+    readStatement(parser, *dialect);
+    if (!parser.select) return;
+    settleView(parser, *parser.select);
+    if (parser.error.kind == SQLET_ERROR_NONE) return;
+    parser.select = nullptr;
+    parser.statementType = SQLET_STATEMENT_OTHER;
+}
+
+}  // namespace sqlet
+
+std::string_view SqletParser::textOf(sqlet::TokenSpan span) const {
+    if (span.isEmpty()) return {};
+    const sqlet::Token& first = tokens[span.first];
+    return std::string_view(text).substr(first.offset, tokens[span.last].end() - first.offset);
+}
+
+std::string_view SqletParser::textOf(sqlet::TokenIndex token) const {
+    return std::string_view(text).substr(tokens[token].offset, tokens[token].length);
+}
+
+void SqletParser::fail(SqletErrorKind kind, std::uint32_t offset, std::uint32_t length,
+                       const std::string& what) {
+    if (error.kind != SQLET_ERROR_NONE) return;
+    error = {kind, offset, length, positionText(offset) + ": " + what};
+}
+
+std::string SqletParser::positionText(std::uint32_t offset) const {
+    std::size_t line = 1;
+    std::size_t column = 1;
+    const std::size_t end = offset < text.size() ? offset : text.size();
+    // A byte order mark is no character of the text.
+    for (std::size_t i = text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0; i < end; ++i) {
+        const char c = text[i];
+        if (c == '\n' || (c == '\r' && (i + 1 >= text.size() || text[i + 1] != '\n'))) {
+            ++line;
+            column = 1;
+        } else if ((static_cast<unsigned char>(c) & 0xC0U) != 0x80U && c != '\r') {
+            ++column;
+        }
+    }
+    return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+SqletParser* sqlet_create(int dialect, const char* text, int /*one*/) {
+    auto* parser = new SqletParser;
+    parser->dialect = dialect;
+    parser->original = text;
+    if (!text) {
+        parser->fail(SQLET_ERROR_SYNTAX, 0, 0, "there is no text");
+        return parser;
+    }
+    const std::size_t length = std::strlen(text);
+    if (length >= static_cast<std::size_t>(INT_MAX)) {
+        parser->fail(SQLET_ERROR_LIMIT, 0, 0, "the text is longer than 2 GiB");
+        return parser;
+    }
+    parser->text.assign(text, length);
+    sqlet::parse(*parser);
+    return parser;
+}
+
+void sqlet_free(SqletParser* parser) {
+    delete parser;
+}
+
+int sqlet_number_of_error(SqletParser* parser) {
+    return parser && parser->error.kind != SQLET_ERROR_NONE ? 1 : 0;
+}
+
+const char* sqlet_last_error_msg(SqletParser* parser) {
+    return parser ? parser->error.message.c_str() : "";
+}
+
+int sqlet_is_multi_stmts(SqletParser* parser) {
+    return parser && parser->isMultiple ? 1 : 0;
+}
+
+int sqlet_last_stmt_type(SqletParser* parser) {
+    return parser ? parser->statementType : SQLET_STATEMENT_NONE;
+}
+
+SqletSelect* sqlet_select(SqletParser* parser) {
+    return parser ? parser->select : nullptr;
+}
+
+void sqlet_select_by_parts(SqletParser* parser, SqletStretch* columns, SqletStretch* from,
+                           SqletStretch* where, SqletStretch* group_by, SqletStretch* having,
+                           SqletStretch* order_by, SqletStretch* limit, SqletStretch* statement) {
+    SqletStretch* const outputs[sqlet::partCount] = {columns, from,     where, group_by,
+                                                     having,  order_by, limit, statement};
+    for (int i = 0; i < sqlet::partCount; ++i) {
+        if (!outputs[i]) continue;
+        *outputs[i] = {-1, 0};
+        if (!parser || !parser->select || parser->select->parts[i].isEmpty()) continue;
+        const sqlet::TokenSpan span = parser->select->parts[i];
+        *outputs[i] = {static_cast<int>(parser->tokens[span.first].offset),
+                       static_cast<int>(parser->textOf(span).size())};
+    }
+}
+
+int sqlet_error_kind(SqletParser* parser) {
+    return parser ? parser->error.kind : SQLET_ERROR_NONE;
+}
+
+SqletStretch sqlet_error_stretch(SqletParser* parser) {
+    if (!parser || parser->error.kind == SQLET_ERROR_NONE) return {-1, 0};
+    return {static_cast<int>(parser->error.offset), static_cast<int>(parser->error.length)};
+}
+
+const char* sqlet_position_text(SqletParser* parser, int offset) {
+    if (!parser || offset < 0) return "";
+    return parser->arena.copyText(parser->positionText(static_cast<std::uint32_t>(offset)));
+}
