@@ -6,6 +6,7 @@
 #include "model/detached_parts.h"
 #include "model/statement_text.h"
 #include "parser/query_parser.h"
+#include "platform/sqlet/words.h"
 #include "support/host_callbacks.h"
 
 namespace QB::Test {
