@@ -25,7 +25,8 @@ TEST_P(EachName, IsDecodedAsTheServerReadsIt) {
     const sqlet::TokenList list = sqlet::lex(text, test.dialect);
     ASSERT_EQ(list.count(), 1U) << text;
     EXPECT_EQ(sqlet::isDecodable(text, list[0], test.dialect), test.name != nullptr) << text;
-    if (test.name) EXPECT_EQ(sqlet::decodedName(text, list[0], test.dialect), test.name);
+    if (!test.name) return;
+    EXPECT_EQ(sqlet::decodedName(text, list[0], test.dialect), test.name);
 }
 
 const NameCase nameCases[] = {
