@@ -41,13 +41,24 @@ constexpr OperatorRule sqliteRules[] = {
 };
 
 constexpr OperatorRule sqlserverRules[] = {
-    {"=", OperatorRole::Comparison, "="},      {"<", OperatorRole::Comparison, "<"},
-    {">", OperatorRole::Comparison, ">"},      {"<=", OperatorRole::Comparison, "<="},
-    {">=", OperatorRole::Comparison, ">="},    {"<>", OperatorRole::Comparison, "<>"},
-    {"!=", OperatorRole::Comparison, "!="},    {"!<", OperatorRole::Looser, nullptr},
-    {"!>", OperatorRole::Looser, nullptr},     {"+=", OperatorRole::Assignment, nullptr},
-    {"-=", OperatorRole::Assignment, nullptr}, {"*=", OperatorRole::Looser, nullptr},
-    {"=*", OperatorRole::Looser, nullptr},
+    {"=", OperatorRole::Comparison, "="},
+    {"<", OperatorRole::Comparison, "<"},
+    {">", OperatorRole::Comparison, ">"},
+    {"<=", OperatorRole::Comparison, "<="},
+    {">=", OperatorRole::Comparison, ">="},
+    {"<>", OperatorRole::Comparison, "<>"},
+    {"!=", OperatorRole::Comparison, "!="},
+    {"!<", OperatorRole::Looser, nullptr},
+    {"!>", OperatorRole::Looser, nullptr},
+    // SELECT @a += b
+    {"+=", OperatorRole::Looser, nullptr},
+    {"-=", OperatorRole::Looser, nullptr},
+    {"*=", OperatorRole::Looser, nullptr},
+    {"/=", OperatorRole::Looser, nullptr},
+    {"%=", OperatorRole::Looser, nullptr},
+    {"&=", OperatorRole::Looser, nullptr},
+    {"|=", OperatorRole::Looser, nullptr},
+    {"^=", OperatorRole::Looser, nullptr},
 };
 
 // Behind a select list: what may follow it, or end the statement.
@@ -127,11 +138,12 @@ constexpr Dialect oracle() {
     d.prefixes = "+ -";
     d.comparisonWords = standardComparisons.with(
         {K::Likec, K::Like2, K::Like4, K::Member, K::Submultiset, K::Overlaps, K::Escape});
-    d.binaryWords = {K::Multiset};
+    d.binaryWords = {K::Multiset, K::Mod};
     d.prefixWords = {K::Prior, K::ConnectByRoot};
     d.hasDateLiterals = true;
     d.hasIntervals = true;
     d.hasOuterJoinMarks = true;
+    d.hasBlanksInOperators = true;
     d.clauseWords = standardClauses.with(
         {K::Connect, K::Start, K::Minus, K::Fetch, K::Offset, K::For, K::Model, K::Bulk});
     d.sourceEnds = standardSourceEnds.with({K::Full, K::Outer, K::Connect, K::Start, K::Minus,

@@ -122,6 +122,9 @@ struct Dialect {
     /// name(+).
     bool hasOuterJoinMarks = false;
 
+    /// a < = b, and 'a' | | 'b'.
+    bool hasBlanksInOperators = false;
+
     /// A string may stand as the alias of a column: behind AS, and without it.
     bool hasStringAliases = false;
     /// SELECT x = 1.

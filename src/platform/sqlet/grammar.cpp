@@ -62,7 +62,8 @@ bool Grammar::isName(const Token& token) const {
 bool Grammar::isQueryStart(TokenIndex index) const {
     const Keyword word = at(index).keyword;
     return word == Keyword::Select || word == Keyword::With ||
-           (word == Keyword::Values && at(index + 1).kind == TokenKind::LeftParen);
+           (word == Keyword::Values &&
+            (at(index + 1).kind == TokenKind::LeftParen || at(index + 1).keyword == Keyword::Row));
 }
 
 TokenIndex Grammar::partner() {

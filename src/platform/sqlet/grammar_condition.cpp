@@ -72,7 +72,7 @@ bool Grammar::isGroup() const {
             return false;
         case T::Word:
             return !isComparisonWordAt(close + 1) && behind.keyword != K::Collate &&
-                   !m_dialect.binaryWords.contains(behind.keyword) &&
+                   !isBinaryWord(close + 1) &&
                    !(behind.keyword == K::At && at(close + 2).keyword == K::Time) &&
                    !(behind.keyword == K::Operator && at(close + 2).kind == T::LeftParen);
         default:
@@ -134,6 +134,7 @@ SqletExpr* Grammar::symbolComparison(TokenSpan left, std::uint32_t parens) {
     const char* op = nullptr;
     if (m_dialect.roleOf(m_parser.textOf(m_position), &op) != OperatorRole::Comparison)
         return nullptr;
+    if (splitComparison() != m_position + 1) return nullptr;
     const TokenIndex symbol = m_position;
     advance();
     const TokenSpan right = expression(Reach::Operand);
@@ -300,7 +301,7 @@ bool Grammar::endsTerm() {
         }
         case T::Word:
             return !isComparisonWordAt(m_position) && token.keyword != K::Collate &&
-                   !m_dialect.binaryWords.contains(token.keyword);
+                   !isBinaryWord(m_position);
         case T::LeftBracket:
         case T::Dot:
             return false;

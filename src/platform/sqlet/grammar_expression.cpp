@@ -66,6 +66,13 @@ void Grammar::primary() {
             afterName();
             return;
         case T::String:
+            advance();
+            if (is(T::Dot) && m_dialect.number == 4) {  // 't'.'a' names a column in SQLite
+                takeStringChain();
+            } else if (is(K::Uescape) && next().kind == T::String) {
+                m_position += 2;
+            }
+            return;
         case T::Number:
         case T::Parameter:
             advance();
@@ -83,6 +90,15 @@ void Grammar::primary() {
             break;
     }
     unexpected("an expression");
+}
+
+void Grammar::takeStringChain() {
+    while (is(T::Dot)) {
+        advance();
+        const bool isPart = isName(here()) || is(T::String) || isSymbol(m_position, "*");
+        if (!isPart) unexpected("a name");
+        advance();
+    }
 }
 
 void Grammar::wordPrimary() {
@@ -103,11 +119,13 @@ void Grammar::wordPrimary() {
     if (is(K::Next) && nextIs(K::Value) && at(m_position + 2).keyword == K::For) {
         m_position += 3;  // NEXT VALUE FOR a sequence
         nameChain();
+        afterCall();
         return;
     }
-    if (neverOperands.contains(token.keyword)) unexpected("an expression");
-    if (takeTypedLiteral()) return;
     const bool isCall = next().kind == T::LeftParen;
+    const bool isLikeFunction = isCall && token.keyword == K::Like;
+    if (neverOperands.contains(token.keyword) && !isLikeFunction) unexpected("an expression");
+    if (takeTypedLiteral()) return;
     if (!isCall && (token.flags & SQLET_WORD_RESERVED) != 0 &&
         (token.flags & (SQLET_WORD_CONSTANT | SQLET_WORD_FUNCTION)) == 0 && next().kind != T::Dot &&
         !is(K::Default))
@@ -143,11 +161,13 @@ void Grammar::afterName() {
         afterName();
         return;
     }
-    if (is(T::Operator) && isSymbol(m_position, "@") && m_dialect.hasOuterJoinMarks) {
-        advance();  // a database link of Oracle
+    bool hasLink = false;  // a database link of Oracle
+    while (m_dialect.hasOuterJoinMarks && isSymbol(m_position, "@")) {
+        advance();
         nameChain();
-        if (is(T::LeftParen)) skipBrackets();
+        hasLink = true;
     }
+    if (hasLink && is(T::LeftParen)) skipBrackets();
 }
 
 void Grammar::afterCall() {
@@ -168,8 +188,7 @@ void Grammar::afterCall() {
             skipBrackets();
         } else if ((is(K::Ignore) || is(K::Respect)) && nextIs(K::Nulls)) {
             m_position += 2;
-        } else if (is(K::From) && (nextIs(K::First) || nextIs(K::Last)) &&
-                   at(m_position + 2).keyword == K::Over) {
+        } else if (isFromFirstOrLast()) {
             m_position += 2;
         } else if (is(T::String) && m_dialect.hasTypedLiterals) {
             advance();  // varchar(3) 'abc'
@@ -177,6 +196,13 @@ void Grammar::afterCall() {
             return;
         }
     }
+}
+
+/// NTH_VALUE(x, 2) FROM LAST OVER ..
+bool Grammar::isFromFirstOrLast() const {
+    if (!is(K::From) || !(nextIs(K::First) || nextIs(K::Last))) return false;
+    const Keyword behind = at(m_position + 2).keyword;
+    return behind == K::Over || behind == K::Ignore || behind == K::Respect;
 }
 
 bool Grammar::takeTypedLiteral() {
@@ -317,9 +343,24 @@ Grammar::AfterOperand Grammar::afterOperandSymbol(Reach reach) {
     const char* name = nullptr;
     const OperatorRole role = m_dialect.roleOf(symbol, &name);
     if (role == OperatorRole::Assignment) return AfterOperand::Ends;
-    if (role != OperatorRole::Binary && reach == Reach::Operand) return AfterOperand::Ends;
-    advance();
+    const TokenIndex split = splitComparison();
+    const bool isLooser = role != OperatorRole::Binary || split > m_position + 1;
+    if (isLooser && reach == Reach::Operand) return AfterOperand::Ends;
+    m_position = split;
     return AfterOperand::WantsOperand;
+}
+
+/// Where the operator here ends, which in Oracle may have blanks in it.
+TokenIndex Grammar::splitComparison() const {
+    const TokenIndex behind = m_position + 1;
+    if (!m_dialect.hasBlanksInOperators || here().length != 1) return behind;
+    const char first = m_parser.text[here().offset];
+    const bool isEqual = isSymbol(behind, "=");
+    const bool isSplit =
+        (isEqual &&
+         (first == '<' || first == '>' || first == '!' || first == '^' || first == '~')) ||
+        (first == '<' && isSymbol(behind, ">")) || (first == '|' && isSymbol(behind, "|"));
+    return isSplit ? behind + 1 : behind;
 }
 
 Grammar::AfterOperand Grammar::afterOperandWord(Reach reach) {
@@ -342,7 +383,11 @@ Grammar::AfterOperand Grammar::afterOperandWord(Reach reach) {
         m_position += isLocal ? 2 : 3;
         return isLocal ? AfterOperand::GoesOn : AfterOperand::WantsOperand;
     }
-    if (m_dialect.binaryWords.contains(word)) {
+    if (m_dialect.hasOuterJoinMarks && intervalUnits.contains(word) && isIntervalOf()) {
+        unitOf();
+        return AfterOperand::GoesOn;
+    }
+    if (isBinaryWord(m_position)) {
         advance();
         if (word == K::Multiset) {  // MULTISET UNION DISTINCT
             while (is(K::Union) || is(K::Except) || is(K::Intersect) || is(K::All) ||
@@ -358,6 +403,25 @@ Grammar::AfterOperand Grammar::afterOperandWord(Reach reach) {
     }
     if (!isComparisonWordAt(m_position) || reach == Reach::Operand) return AfterOperand::Ends;
     return comparisonWord();
+}
+
+/// (a - b) DAY TO SECOND
+bool Grammar::isIntervalOf() const {
+    if (nextIs(K::To)) return true;
+    const TokenIndex close =
+        next().kind == T::LeftParen ? m_parser.tokens.partner[m_position + 1] : noToken;
+    return close != noToken && at(close + 1).keyword == K::To;
+}
+
+bool Grammar::isBinaryWord(TokenIndex index) const {
+    const Keyword word = at(index).keyword;
+    if (!m_dialect.binaryWords.contains(word)) return false;
+    if (m_dialect.number == 1 || word != K::Mod) return true;
+    // A name of Oracle, unless an operand follows.
+    const Token& behind = at(index + 1);
+    return behind.kind == T::Number || behind.kind == T::LeftParen ||
+           behind.kind == T::QuotedName || behind.kind == T::Parameter ||
+           (behind.kind == T::Word && !m_dialect.sourceEnds.contains(behind.keyword));
 }
 
 bool Grammar::isComparisonWordAt(TokenIndex index) const {
@@ -417,11 +481,16 @@ void Grammar::isTest() {
         expression(Reach::Operand);
         return;
     }
-    if ((is(K::Of) || is(K::Json)) && next().kind != T::End) {
+    if (is(K::Of) && (next().kind == T::LeftParen || nextIs(K::Type))) {
         advance();
-        if (is(T::LeftParen)) skipBrackets();
-        while (is(K::Object) || is(K::Scalar) || is(K::Value) || is(K::Array) || is(K::With) ||
-               is(K::Without) || is(K::Unique))
+        if (is(K::Type)) advance();
+        if (!is(T::LeftParen)) unexpected("'('");
+        skipBrackets();
+        return;
+    }
+    if (is(K::Json)) {
+        while (is(K::Json) || is(K::Object) || is(K::Scalar) || is(K::Value) || is(K::Array) ||
+               is(K::With) || is(K::Without) || is(K::Unique) || is(K::Keys))
             advance();
         return;
     }

@@ -16,6 +16,9 @@ constexpr int maxQueryDepth = 32;
 constexpr int maxGroupDepth = 200;
 constexpr std::size_t noStep = static_cast<std::size_t>(-1);
 
+/// Statements of SQL Server whose output is a source.
+constexpr KeywordSet dataChanges = {K::Insert, K::Update, K::Delete, K::Merge};
+
 constexpr KeywordSet joinHints = {K::Hash, K::Loop, K::Merge, K::Remote};
 
 }  // namespace
@@ -30,8 +33,17 @@ SqletTable* Grammar::sources(std::uint32_t parens) {
         steps.push_back(joinStep(op, parens));
         joinConditions(steps, parens);
     }
+    if (steps.size() > 1 && takePivot()) return pivotOf(steps.front().span.first, parens);
     completeConditions(steps);
     return foldJoins(steps, 0, parens);
+}
+
+/// A pivot of a join, which is one source in one text.
+SqletTable* Grammar::pivotOf(TokenIndex first, std::uint32_t parens) {
+    SqletTable* table = makeTable(TableForm::Text, parens);
+    table->span = spanFrom(first);
+    sourceTail(table);
+    return table;
 }
 
 Grammar::JoinStep Grammar::joinStep(JoinOperator op, std::uint32_t parens) {
@@ -252,7 +264,8 @@ bool Grammar::isQueryInBrackets(TokenIndex open) const {
     TokenIndex inner = open;
     while (at(inner + 1).kind == T::LeftParen)
         ++inner;
-    if (!isQueryStart(inner + 1)) return false;
+    const bool isQuery = isQueryStart(inner + 1) || dataChanges.contains(at(inner + 1).keyword);
+    if (!isQuery) return false;
     for (TokenIndex i = inner; i > open; --i) {
         const TokenIndex close = m_parser.tokens.partner[i];
         if (close == noToken) return true;
@@ -291,7 +304,10 @@ void Grammar::readSubquery(SqletTable* table, TokenIndex open, TokenIndex close)
     try {
         m_position = open + 1;
         table->subquery = select();
-        if (m_position != close) unexpected("')'");
+        if (m_position != close) {
+            refuseClause();
+            unexpected("')'");
+        }
     } catch (const Refusal& refusal) {
         if (refusal.kind != SQLET_ERROR_UNSUPPORTED) throw;
         table->subquery = nullptr;
@@ -311,6 +327,7 @@ SqletTable* Grammar::bracketedSource(std::uint32_t parens) {
     takeStructure();
     --m_groupDepth;
 
+    if (takePivot()) return pivotOf(open, parens);
     if (content->form != TableForm::Join) {
         --content->parens;  // brackets around a lone source mean nothing
         const bool hadAlias = content->alias != noToken;
@@ -350,7 +367,8 @@ void Grammar::sourceHead(SqletTable* table) {
         }
         return;
     }
-    if (is(T::Dot)) advance();  // .t in MySQL
+    while (is(T::Dot) || isSymbol(m_position, "::"))
+        advance();  // .t in MySQL, ..t and ::f() in SQL Server
     if (!isName(here())) unexpected("a table");
     const bool isReserved =
         is(T::Word) && (here().flags & SQLET_WORD_RESERVED) != 0 && next().kind != T::LeftParen;
@@ -379,6 +397,10 @@ bool Grammar::takeSourceSuffix() {
         if (!hasBracket && at(m_position + 2).kind != T::LeftParen) return false;
         m_position += hasBracket ? 1 : 2;
         skipBrackets();
+        if (is(K::Seed) && next().kind == T::LeftParen) {
+            advance();
+            skipBrackets();
+        }
         return true;
     }
     if (is(K::With) && nextIs(K::Ordinality)) {
@@ -410,13 +432,16 @@ bool Grammar::takePivot() {
 bool Grammar::takeTimeTravel() {
     if (is(K::As) && nextIs(K::Of)) {
         m_position += 2;
-        if (is(K::Timestamp) || is(K::Scn)) advance();
+        takeTimeKind();
         expression(Reach::Operand);
         return true;
     }
-    if (is(K::Versions) && nextIs(K::Between)) {
-        m_position += 2;
-        if (is(K::Timestamp) || is(K::Scn)) advance();
+    if (is(K::Versions) && (nextIs(K::Between) || nextIs(K::Period))) {
+        advance();
+        takeTimeKind();
+        if (!is(K::Between)) unexpected("BETWEEN");
+        advance();
+        takeTimeKind();
         betweenBounds();
         return true;
     }
@@ -426,7 +451,7 @@ bool Grammar::takeTimeTravel() {
         advance();
     } else if (is(K::As) && nextIs(K::Of)) {
         m_position += 2;
-        if (is(K::Timestamp) && next().kind != T::String) advance();
+        takeTimeKind();
         expression(Reach::Operand);
     } else if (is(K::Between)) {
         advance();
@@ -445,6 +470,15 @@ bool Grammar::takeTimeTravel() {
         unexpected("a time");
     }
     return true;
+}
+
+void Grammar::takeTimeKind() {
+    if (is(K::Period) && nextIs(K::For)) {
+        m_position += 2;
+        nameChain();
+    } else if ((is(K::Timestamp) && next().kind != T::String) || is(K::Scn)) {
+        advance();
+    }
 }
 
 /// Modifiers behind the alias.

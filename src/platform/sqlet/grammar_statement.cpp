@@ -29,6 +29,9 @@ constexpr KeywordSet otherStatements = {
 /// Queries in a form that is not SELECT.
 constexpr KeywordSet otherQueries = {K::With, K::Values, K::Table, K::From};
 
+/// Statements of SQL Server that can stand in the place of a query.
+constexpr KeywordSet dataChanges = {K::Insert, K::Update, K::Delete, K::Merge};
+
 constexpr unsigned long long greatestCount = 2147483647ULL;
 constexpr unsigned long long allRows = 9223372036854775807ULL;
 
@@ -84,7 +87,8 @@ void Grammar::refuseUnlessSelect() {
 }
 
 SqletSelect* Grammar::select() {
-    if (otherQueries.contains(here().keyword)) unsupported(m_position, wordOf(m_position));
+    if (otherQueries.contains(here().keyword) || dataChanges.contains(here().keyword))
+        unsupported(m_position, wordOf(m_position));
     const TokenIndex first = m_position;
     take(K::Select, "SELECT");
     SqletSelect* result = m_parser.arena.make<SqletSelect>(&m_parser);
@@ -149,17 +153,12 @@ void Grammar::filterClauses(SqletSelect& select) {
         select.where = condition();
         select.parts[static_cast<int>(Part::Where)] = spanFrom(first);
     }
-    if (is(K::Group) && nextIs(K::By)) {
-        takeStructure();
-        takeStructure();
-        const TokenIndex first = m_position;
-        select.groupBy = columns(ColumnRole::GroupBy, &Grammar::groupSuffix);
-        select.parts[static_cast<int>(Part::GroupBy)] = spanFrom(first);
-    }
+    groupClause(select);
     if (takeIf(K::Having)) {
         const TokenIndex first = m_position;
         select.having = condition();
         select.parts[static_cast<int>(Part::Having)] = spanFrom(first);
+        if (m_dialect.number == 3 && select.groupBy.count == 0) groupClause(select);
     }
     if (is(K::Order) && nextIs(K::Siblings)) unsupported(m_position, "ORDER SIBLINGS BY");
     if (!is(K::Order)) return;
@@ -168,6 +167,15 @@ void Grammar::filterClauses(SqletSelect& select) {
     const TokenIndex first = m_position;
     select.orderBy = columns(ColumnRole::OrderBy, &Grammar::orderSuffix);
     select.parts[static_cast<int>(Part::OrderBy)] = spanFrom(first);
+}
+
+void Grammar::groupClause(SqletSelect& select) {
+    if (!is(K::Group) || !nextIs(K::By)) return;
+    takeStructure();
+    takeStructure();
+    const TokenIndex first = m_position;
+    select.groupBy = columns(ColumnRole::GroupBy, &Grammar::groupSuffix);
+    select.parts[static_cast<int>(Part::GroupBy)] = spanFrom(first);
 }
 
 /// Returns where the token here is no clause that is refused.
@@ -414,6 +422,8 @@ const char* Grammar::rowCount() {
         if (!is(T::RightParen)) unsupported(first, "a row limit that is no number");
         takeStructure();
     }
+    const bool goesOn = is(T::Operator) && !isSymbol(m_position, "*");  // TOP 5 *
+    if (goesOn) unsupported(first, "a row limit that is no number");
     return text;
 }
 
