@@ -25,16 +25,17 @@ public:
         , m_size(static_cast<std::uint32_t>(text.size())) {}
 
     TokenList run() {
-        m_list.tokens.reserve(m_size / 4 + 2);
-        m_list.partner.reserve(m_size / 4 + 2);
+        m_list.tokens.reserve(m_size / 3 + 2);
+        m_open.reserve(16);
+        m_pairs.reserve(16);
         if (m_text.substr(0, 3) == "\xEF\xBB\xBF") m_at = 3;
-        while (m_at < m_size) {
+        for (skipBlanks(); m_at < m_size; skipBlanks()) {
             m_start = m_at;
             scanOne(m_text[m_at]);
         }
         m_start = m_at;
         push(TokenKind::End);
-        forgetOpenBrackets();
+        linkBrackets();
         return std::move(m_list);
     }
 
@@ -49,8 +50,6 @@ private:
 
     void scanOne(char first) {
         switch (m_chars.classOf(first)) {
-            case CharClass::Blank:
-                return skipBlanks();
             case CharClass::Word:
                 return scanWord();
             case CharClass::Digit:
@@ -85,6 +84,7 @@ private:
                 return scanMark();
             case CharClass::Operator:
                 return scanOperator();
+            case CharClass::Blank:
             case CharClass::Bad:
                 return pushSingle(TokenKind::Bad);
         }
@@ -102,7 +102,6 @@ private:
         token.kind = kind;
         token.flags = static_cast<std::uint8_t>(flags);
         m_list.tokens.push_back(token);
-        m_list.partner.push_back(noToken);
         return m_list.tokens.back();
     }
 
@@ -119,8 +118,10 @@ private:
     // Blanks and comments
 
     void skipBlanks() {
-        while (m_at < m_size && isBlank(m_text[m_at]))
-            ++m_at;
+        std::uint32_t end = m_at;
+        while (end < m_size && isBlank(m_text[end]))
+            ++end;
+        m_at = end;
     }
 
     bool isLineComment() const {
@@ -174,15 +175,17 @@ private:
     // Words
 
     void skipName() {
-        while (m_at < m_size && m_chars.isInName(m_text[m_at]))
-            ++m_at;
+        std::uint32_t end = m_at;
+        while (end < m_size && m_chars.isInName(m_text[end]))
+            ++end;
+        m_at = end;
     }
 
     void scanWord() {
         ++m_at;
         skipName();
         const char next = here();
-        if ((next == '\'' || next == '&') && scanPrefixed(next)) return;
+        if (next == '\'' || next == '&') return scanMaybePrefix(next);
         pushWord();
     }
 
@@ -192,6 +195,11 @@ private:
         if (!word) return;
         token.keyword = word->keyword;
         token.flags = word->dialectFlags[m_dialect];
+    }
+
+    /// Apart from scanWord, which is the busiest function and stays small.
+    [[gnu::noinline]] void scanMaybePrefix(char next) {
+        if (!scanPrefixed(next)) pushWord();
     }
 
     /// The string or name whose prefix is the word just read; false if it is no prefix.
@@ -446,7 +454,7 @@ private:
         pushNumber();
     }
 
-    // Brackets. The partners of open brackets lead to the next outer open one.
+    // Brackets
 
     static TokenKind kindOfBracket(char c) {
         switch (c) {
@@ -473,25 +481,22 @@ private:
 
     void openBracket(char c) {
         pushSingle(kindOfBracket(c));
-        m_list.partner.back() = m_innermost;
-        m_innermost = m_list.count();
+        m_open.push_back(m_list.count());
     }
 
     void closeBracket(char c) {
         const TokenKind kind = kindOfBracket(c);
         pushSingle(kind);
-        if (m_innermost == noToken || closingKind(m_list[m_innermost].kind) != kind) return;
-        const TokenIndex outer = m_list.partner[m_innermost];
-        m_list.partner.back() = m_innermost;
-        m_list.partner[m_innermost] = m_list.count();
-        m_innermost = outer;
+        if (m_open.empty() || closingKind(m_list[m_open.back()].kind) != kind) return;
+        m_pairs.push_back({m_open.back(), m_list.count()});
+        m_open.pop_back();
     }
 
-    void forgetOpenBrackets() {
-        while (m_innermost != noToken) {
-            const TokenIndex outer = m_list.partner[m_innermost];
-            m_list.partner[m_innermost] = noToken;
-            m_innermost = outer;
+    void linkBrackets() {
+        m_list.partner.assign(m_list.tokens.size(), noToken);
+        for (const auto& [opening, closing] : m_pairs) {
+            m_list.partner[opening] = closing;
+            m_list.partner[closing] = opening;
         }
     }
 
@@ -640,7 +645,7 @@ private:
 
     /// [1:2] is a slice, not a parameter.
     bool isInSubscript() const {
-        return m_innermost != noToken && m_list[m_innermost].kind == TokenKind::LeftBracket;
+        return !m_open.empty() && m_list[m_open.back()].kind == TokenKind::LeftBracket;
     }
 
     static constexpr std::string_view unusual = "~!@#%^&|`?";
@@ -654,9 +659,10 @@ private:
     TokenList m_list;
     std::uint32_t m_start = 0;  // of what is read at the moment
     std::uint32_t m_at = 0;
-    TokenIndex m_innermost = noToken;  // open bracket
-    bool m_mayStringGoOn = false;      // the last string
-    bool m_isDotOfName = false;        // the last dot
+    std::vector<TokenIndex> m_open;  // brackets, outermost first
+    std::vector<std::pair<TokenIndex, TokenIndex>> m_pairs;
+    bool m_mayStringGoOn = false;  // the last string
+    bool m_isDotOfName = false;    // the last dot
     std::string m_delimiter;
 };
 

@@ -25,12 +25,25 @@ struct TableWord {
     std::array<std::uint8_t, dialectCount> dialectFlags = {};
 };
 
+/// What tells words apart at one look: the first and the last eight bytes, without case.
+struct WordKey {
+    std::uint64_t head = 0;
+    std::uint64_t tail = 0;
+    std::uint64_t length = 0;
+
+    bool isWhole() const { return length <= 16; }
+    bool operator==(const WordKey& other) const {
+        return head == other.head && tail == other.tail && length == other.length;
+    }
+};
+
 class WordTable {
 public:
     /// Made when first asked for. Thread: any.
     static const WordTable& instance();
 
-    /// @p text in any case; null if it is no word of any family.
+    /// @p text, a name without control characters, in any case; null if it is no word of any
+    /// family.
     const TableWord* find(std::string_view text) const;
 
     /// Word @p index of @p family in alphabetical order; null behind the last.
@@ -41,6 +54,7 @@ private:
     void enter(std::uint16_t word);
 
     std::vector<TableWord> m_words;  // in alphabetical order
+    std::vector<WordKey> m_keys;     // of m_words
     std::array<std::vector<std::uint16_t>, familyCount> m_byFamily;
     /// Open addressing: what lies where its hash says, or behind it.
     struct Slot {

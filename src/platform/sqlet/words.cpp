@@ -106,9 +106,6 @@ void settleDialects(TableWord& word) {
         static_cast<std::uint8_t>(((mysql | mariadb) & ~barred) | (mysql & mariadb & barred));
 }
 
-// Eight bytes of a word at once, in upper case where they are letters: the lexer meets a word in
-// every third token, most of them no words of SQL, which the hash alone tells.
-constexpr std::uint64_t upperCase = 0xDFDFDFDFDFDFDFDFU;
 constexpr std::size_t longestWord = 63;
 
 std::uint64_t bytesAt(const char* text, std::size_t count) {
@@ -117,25 +114,33 @@ std::uint64_t bytesAt(const char* text, std::size_t count) {
     return bytes;
 }
 
-/// Equal for words that differ in case alone; @p text is not empty.
-std::uint32_t hashOf(std::string_view text) {
+std::uint64_t byteAt(std::string_view text, std::size_t index) {
+    return static_cast<unsigned char>(text[index]);
+}
+
+/// @p text is not empty. Inlined, so that the key stays in registers.
+[[gnu::always_inline]] inline WordKey keyOf(std::string_view text) {
+    // Takes the case of letters away; what else is part of a name stays apart from them.
+    constexpr std::uint64_t upperCase = 0xDFDFDFDFDFDFDFDFU;
     const std::size_t length = text.size();
-    std::uint64_t head = 0;
-    std::uint64_t tail = 0;
+    WordKey key;
+    key.length = length;
     if (length >= 8) {
-        head = bytesAt(text.data(), 8);
-        tail = bytesAt(text.data() + length - 8, 8);
+        key.head = bytesAt(text.data(), 8) & upperCase;
+        key.tail = bytesAt(text.data() + length - 8, 8) & upperCase;
     } else if (length >= 4) {
-        head = bytesAt(text.data(), 4);
-        tail = bytesAt(text.data() + length - 4, 4);
+        key.head = bytesAt(text.data(), 4) & upperCase;
+        key.tail = bytesAt(text.data() + length - 4, 4) & upperCase;
     } else {
-        head = static_cast<unsigned char>(text.front());
-        tail = static_cast<unsigned char>(text[length / 2]) |
-               (std::uint64_t(static_cast<unsigned char>(text.back())) << 8U);
+        key.head = byteAt(text, 0) & upperCase;
+        key.tail = (byteAt(text, length / 2) | byteAt(text, length - 1) << 8U) & upperCase;
     }
-    std::uint64_t hash = (head & upperCase) * 0x9E3779B97F4A7C15U;
-    hash ^= ((tail & upperCase) + length) * 0xC2B2AE3D27D4EB4FU;
-    hash *= 0x9E3779B97F4A7C15U;
+    return key;
+}
+
+std::uint32_t hashOf(const WordKey& key) {
+    constexpr std::uint64_t mix = 0x9E3779B97F4A7C15U;
+    const std::uint64_t hash = (key.head * mix ^ (key.tail + key.length)) * mix;
     return static_cast<std::uint32_t>(hash >> 32U);
 }
 
@@ -162,10 +167,11 @@ char toUpper(char c) {
     return isLower(c) ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-bool equalsInAnyCase(std::string_view upper, std::string_view text) {
-    return upper.size() == text.size() &&
-           std::equal(upper.begin(), upper.end(), text.begin(),
-                      [](char expected, char c) { return expected == toUpper(c); });
+/// @p word if @p text is that word, in any case. Apart from the search, to keep that a leaf.
+[[gnu::noinline]] const TableWord* ifEqual(const TableWord& word, std::string_view text) {
+    const bool isEqual = std::equal(word.text.begin(), word.text.end(), text.begin(), text.end(),
+                                    [](char upper, char c) { return upper == toUpper(c); });
+    return isEqual ? &word : nullptr;
 }
 
 bool isInFoldedCase(int family, std::string_view word) {
@@ -199,7 +205,8 @@ void WordTable::enter(std::uint16_t word) {
     for (std::size_t family = 0; family < familyCount; ++family) {
         if (entered.familyFlags[family] != 0) m_byFamily[family].push_back(word);
     }
-    const std::uint32_t hash = hashOf(entered.text);
+    m_keys.push_back(keyOf(entered.text));
+    const std::uint32_t hash = hashOf(m_keys.back());
     std::uint32_t slot = hash % slotCount;
     while (m_slots[slot].word != 0)
         slot = (slot + 1) % slotCount;
@@ -213,12 +220,15 @@ const WordTable& WordTable::instance() {
 
 const TableWord* WordTable::find(std::string_view text) const {
     if (text.empty() || text.size() > longestWord) return nullptr;
-    const std::uint32_t hash = hashOf(text);
-    for (std::uint32_t slot = hash % slotCount; m_slots[slot].word != 0;
-         slot = (slot + 1) % slotCount) {
-        if (m_slots[slot].hash != hash) continue;
-        const TableWord& word = m_words[m_slots[slot].word - 1U];
-        if (equalsInAnyCase(word.text, text)) return &word;
+    const WordKey key = keyOf(text);
+    const std::uint32_t hash = hashOf(key);
+    std::uint32_t slot = hash % slotCount;
+    // No two words have one key, so the first that fits is the only one.
+    while (m_slots[slot].word != 0) {
+        const std::size_t index = m_slots[slot].word - 1U;
+        if (m_slots[slot].hash == hash && m_keys[index] == key)
+            return key.isWhole() ? &m_words[index] : ifEqual(m_words[index], text);
+        slot = (slot + 1) % slotCount;
     }
     return nullptr;
 }
