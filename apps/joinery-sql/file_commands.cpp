@@ -13,10 +13,9 @@ namespace {
 
 /// "FILE:LINE:COLUMN: ", or "FILE: " where there is no place.
 std::string placePrefix(const std::string& name, const std::string& text, int offset) {
-    const TextPosition position = positionOf(text, offset);
-    if (position.line == 0) return name + ": ";
-    return name + ':' + std::to_string(position.line) + ':' + std::to_string(position.column) +
-           ": ";
+    const std::optional<sqlet::TextPosition> place = placeOf(text, offset);
+    if (!place) return name + ": ";
+    return name + ':' + std::to_string(place->line) + ':' + std::to_string(place->column) + ": ";
 }
 
 bool usesCarriageReturns(const std::string& text) {
@@ -115,8 +114,14 @@ private:
         return writeOut(isOne ? text : "==> " + m_name + " <==\n" + text) ? ExitOk : ExitIo;
     }
 
+    /// What check finds is its output; for the other commands it is an error.
     ExitCode refuse(int offset, const std::string& reason) const {
-        complain(placePrefix(m_name, m_text, offset) + reason);
+        const std::string finding = placePrefix(m_name, m_text, offset) + reason;
+        if (m_options.command != Command::Check) {
+            complain(finding);
+        } else if (!writeOut(finding + '\n')) {
+            return ExitIo;
+        }
         return ExitRefused;
     }
 

@@ -26,10 +26,6 @@ QBParseOutcome nothingThere() {
     return outcome;
 }
 
-bool startsCodePoint(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-}
-
 }  // namespace
 
 ParsedStatement::ParsedStatement(const std::string& text, DatabaseType type,
@@ -55,19 +51,9 @@ GeneratedText ParsedStatement::generate() const {
     return generated;
 }
 
-TextPosition positionOf(const std::string& text, int offset) {
-    if (offset < 0) return {};
-    const std::size_t end = std::min(static_cast<std::size_t>(offset), text.size());
-    TextPosition position{1, 1};
-    for (std::size_t i = text.compare(0, 3, byteOrderMark) == 0 ? 3 : 0; i < end; ++i) {
-        const bool endsLine = text[i] == '\n' || (text[i] == '\r' && text[i + 1] != '\n');
-        if (endsLine) {
-            position = {position.line + 1, 1};
-        } else if (startsCodePoint(text[i])) {
-            ++position.column;
-        }
-    }
-    return position;
+std::optional<sqlet::TextPosition> placeOf(const std::string& text, int offset) {
+    if (offset < 0) return std::nullopt;
+    return sqlet::positionOf(text, static_cast<std::size_t>(offset));
 }
 
 std::string reasonOf(const QBParseOutcome& outcome) {

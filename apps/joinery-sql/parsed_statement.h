@@ -1,9 +1,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "parser/query_parser.h"
+#include "platform/sqlet/text_position.h"
 #include "stringifier/query_component_stringifier.h"
 
 namespace QB::Cli {
@@ -13,12 +15,6 @@ struct GeneratedText {
     std::string text;
     /// Valid as long as the statement that the text was made of.
     QBQueryComponentStringifier::Ranges ranges;
-};
-
-/// A place in a text, for people.
-struct TextPosition {
-    int line = 0;    ///< from 1; 0: no place
-    int column = 0;  ///< from 1, in code points
 };
 
 /// One text as the query model sees it.
@@ -48,9 +44,8 @@ private:
     QBParseOutcome m_outcome;
 };
 
-/// Where the byte @p offset of @p text is; no place for a negative one. Lines end with LF, CR or
-/// both.
-TextPosition positionOf(const std::string& text, int offset);
+/// Where the byte @p offset of @p text is; nothing for a negative one.
+std::optional<sqlet::TextPosition> placeOf(const std::string& text, int offset);
 
 /// The reason of a refusal in one line, without the position that the callers print before it.
 std::string reasonOf(const QBParseOutcome& outcome);

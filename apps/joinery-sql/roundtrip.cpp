@@ -30,7 +30,7 @@ struct Answer {
     bool isAccepted = false;
     QString text;  ///< the statement written anew, or the reason of the refusal
     const char* verdict = "invalid_line";
-    TextPosition position;
+    std::optional<sqlet::TextPosition> place;
     std::string components = "null";
 };
 
@@ -147,7 +147,7 @@ Answer answerRequest(const Request& request) {
     answer.isAccepted = outcome.isAccepted();
     if (!answer.isAccepted) {
         answer.text = QString::fromStdString(outcome.message);
-        answer.position = positionOf(request.sql, outcome.error.location);
+        answer.place = placeOf(request.sql, outcome.error.location);
         return answer;
     }
     const std::optional<QString> sql = decodeUtf8(parsed.generate().text);
@@ -158,12 +158,12 @@ Answer answerRequest(const Request& request) {
 }
 
 std::string detailsJson(const Answer& answer) {
-    const auto number = [](int value) {
-        return value > 0 ? std::to_string(value) : "null";
-    };
-    return ",\"verdict\":\"" + std::string(answer.verdict) +
-           "\",\"line\":" + number(answer.position.line) +
-           ",\"column\":" + number(answer.position.column) + ",\"components\":" + answer.components;
+    const std::string place = answer.place
+                                  ? ",\"line\":" + std::to_string(answer.place->line) +
+                                        ",\"column\":" + std::to_string(answer.place->column)
+                                  : ",\"line\":null,\"column\":null";
+    return ",\"verdict\":\"" + std::string(answer.verdict) + '"' + place +
+           ",\"components\":" + answer.components;
 }
 
 std::string answerJson(const std::string& id, const Answer& answer, bool details) {

@@ -6,6 +6,7 @@
 #include "platform/sqlet/dialect.h"
 #include "platform/sqlet/grammar.h"
 #include "platform/sqlet/lexer.h"
+#include "platform/sqlet/text_position.h"
 #include "platform/sqlet/view.h"
 
 namespace sqlet {
@@ -76,20 +77,8 @@ void SqletParser::fail(SqletErrorKind kind, std::uint32_t offset, std::uint32_t 
 }
 
 std::string SqletParser::positionText(std::uint32_t offset) const {
-    std::size_t line = 1;
-    std::size_t column = 1;
-    const std::size_t end = offset < text.size() ? offset : text.size();
-    // A byte order mark is no character of the text.
-    for (std::size_t i = text.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0; i < end; ++i) {
-        const char c = text[i];
-        if (c == '\n' || (c == '\r' && (i + 1 >= text.size() || text[i + 1] != '\n'))) {
-            ++line;
-            column = 1;
-        } else if ((static_cast<unsigned char>(c) & 0xC0U) != 0x80U && c != '\r') {
-            ++column;
-        }
-    }
-    return "line " + std::to_string(line) + ", column " + std::to_string(column);
+    const sqlet::TextPosition position = sqlet::positionOf(text, offset);
+    return "line " + std::to_string(position.line) + ", column " + std::to_string(position.column);
 }
 
 SqletParser* sqlet_create(int dialect, const char* text, int /*one*/) {

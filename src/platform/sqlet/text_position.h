@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace sqlet {
+
+/// A place in a text, for people. Lines end with LF, CR or both.
+struct TextPosition {
+    int line = 1;    ///< from 1
+    int column = 1;  ///< from 1, in code points
+};
+
+/// Where the byte @p offset of @p text is; its end for one behind it. A byte order mark at the
+/// start is no character of the text. Linear.
+TextPosition positionOf(std::string_view text, std::size_t offset);
+
+}  // namespace sqlet
