@@ -52,6 +52,7 @@ TABLE = """
 | 2 | `src/high/` | Widgets | above |
 | 3 | `src/later/` | Core | To come: more |
 | 4 | `apps/tool/` | Widgets Sql | a program |
+| 4 | `apps/small/` | Core | a program made from rooms |
 """
 
 SOUND = {
@@ -64,6 +65,7 @@ SOUND = {
     "src/low/low.cpp": '#include "low/low.h"\n',
     "src/beside/beside.h": "#include <string>\n",
     "src/high/high.cpp": '#include "low/low.h"\n#include <QWidget>\n',
+    "apps/small/main.cpp": '#include "beside/beside.h"\n#include <QString>\n',
     "apps/tool/main.cpp": '#include "low/low.h"\n#include <QtSql/QSqlDatabase>\n',
 }
 
@@ -117,6 +119,7 @@ class SeededFaults(unittest.TestCase):
         check = house.check_qt
         self.expect(check, {"src/low/a.cpp": "#include <QColor>"}, "QtGui")
         self.expect(check, {"src/low/a.cpp": "#include <QtWidgets/QLabel>"}, "QtWidgets")
+        self.expect(check, {"apps/small/a.cpp": "#include <QWidget>"}, "QtWidgets")
         self.expect(check, {"src/high/a.cpp": "#include <QSqlDatabase>"}, "QtSql")
         self.expect(check, {"src/beside/a.cpp": "#include <QString>"}, "QtCore")
 
