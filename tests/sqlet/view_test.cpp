@@ -123,6 +123,24 @@ const ViewCase names[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Names, EachView, testing::ValuesIn(names));
 
+const ViewCase aliases[] = {
+    {Oracle, "SELECT a \xC3\xA9, b AS \"\xC3\xA9\" FROM t \xC3\xA9, (SELECT 1 FROM t) d\xC3\xA9",
+     "column <a \xC3\xA9>\n"
+     "column <b> name=B written=b alias=\xC3\xA9\n"
+     "source <t \xC3\xA9>\n"
+     "source <(SELECT 1 FROM t) d\xC3\xA9>"},
+    {MySQL, "SELECT a 'it''s', b AS 'it\\'s' FROM t",
+     "column <a> name=a alias=it's\n"
+     "column <b AS 'it\\'s'>"},
+    {SQLServer, "SELECT a = \"b\", 'x' = 1, \"\xFF\" = c FROM t",
+     "column <\"b\"> name=b written=\"b\" alias=a\n"
+     "column <1> alias=x\n"
+     "column <\"\xFF\" = c>"},
+    {Oracle, "SELECT 1 FROM (t) \xC3\xA9",
+     "error 2 [18+2]: line 1, column 19: '\xC3\xA9' cannot be shown"},
+};
+INSTANTIATE_TEST_SUITE_P(Aliases, EachView, testing::ValuesIn(aliases));
+
 const ViewCase aggregates[] = {
     {PostgreSQL, "SELECT COUNT(*), Sum(t.a), max(a) AS m, count(*) c FROM t ORDER BY COUNT(*)",
      "column <COUNT(*)> aggregate=count of=*\n"

@@ -56,7 +56,29 @@ bool isCompatibilityView(std::string_view name) {
     return views.count(name) != 0;
 }
 
+/// The start of @p text, cut between two characters if it is long.
+std::string excerpt(std::string_view text) {
+    constexpr std::size_t longest = 40;
+    if (text.size() <= longest) return std::string(text);
+    std::size_t end = longest;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return std::string(text.substr(0, end)) + "...";
+}
+
 }  // namespace
+
+bool canAliasJoinText(const SqletParser& parser, TokenSpan span, TokenIndex alias) {
+    if (alias < span.first) return alias + 2 == span.first;
+    return alias == span.last + 1 ||
+           (alias == span.last + 2 && parser.tokens[span.last + 1].keyword == Keyword::As);
+}
+
+void failAsNotShown(SqletParser& parser, TokenIndex index) {
+    const Token& token = parser.tokens[index];
+    parser.fail(SQLET_ERROR_UNSUPPORTED, token.offset, token.length,
+                "'" + excerpt(parser.textOf(index)) + "' cannot be shown");
+}
 
 std::uint32_t schemaDepth(const SqletTable& source) {
     return nameChainOf(source).qualifierCount();
@@ -91,6 +113,7 @@ void SourceScope::collect(SqletTable* from) {
 
 void SourceScope::settle() {
     for (SqletTable* node : m_nodes) {
+        settleAlias(*node);
         if (node->form == TableForm::Name && !isRebuildable(*node)) node->form = TableForm::Text;
     }
     m_isMixed = isMixedNow();
@@ -99,6 +122,19 @@ void SourceScope::settle() {
         if (isSystemTable(*node)) node->form = TableForm::Text;
     }
     m_isMixed = isMixedNow();
+}
+
+/// An alias that no host could quote again stays in the text of its source.
+void SourceScope::settleAlias(SqletTable& table) {
+    const TokenIndex alias = table.alias;
+    if (alias == noToken) return;
+    if (isDecodable(m_parser.text, m_parser.tokens[alias], m_parser.dialect)) return;
+    table.alias = noToken;
+    if (table.form == TableForm::Join || !canAliasJoinText(m_parser, table.span, alias))
+        return failAsNotShown(m_parser, alias);
+    table.form = TableForm::Text;
+    table.subquery = nullptr;
+    table.span.last = alias;
 }
 
 bool SourceScope::isMixedNow() const {

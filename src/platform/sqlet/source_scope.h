@@ -36,6 +36,7 @@ public:
 private:
     void collect(SqletTable* from);
     void settle();
+    void settleAlias(SqletTable& table);
     bool isMixedNow() const;
     bool isRebuildable(const SqletTable& table) const;
     bool isSystemTable(const SqletTable& table) const;
@@ -49,6 +50,13 @@ private:
     std::vector<SqletTable*> m_nodes;
     std::unordered_map<std::string, Entry> m_entries;
 };
+
+/// True if the alias of a node with @p span may become part of its text: it follows at once or
+/// behind AS, or stands in front with an equals sign.
+bool canAliasJoinText(const SqletParser& parser, TokenSpan span, TokenIndex alias);
+
+/// Refuses the statement because of @p token.
+void failAsNotShown(SqletParser& parser, TokenIndex token);
 
 /// How many names stand in front of the name of @p source; 0 for what is no plain name.
 std::uint32_t schemaDepth(const SqletTable& source);

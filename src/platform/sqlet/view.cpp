@@ -1,5 +1,6 @@
 #include "platform/sqlet/view.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,7 @@ private:
     // ---- walking
     void settleJoinConditions();
     void settleColumns(const ColumnArray& array);
+    void settleAlias(SqletColumn& column);
     void settleCondition(SqletExpr* condition);
     void settleOperands(SqletExpr& compare);
     void settleLeaf(SqletExpr* leaf, bool isLeftOperand);
@@ -93,8 +95,19 @@ void ViewSettler::settleJoinConditions() {
 void ViewSettler::settleColumns(const ColumnArray& array) {
     for (std::uint32_t i = 0; i < array.count; ++i) {
         SqletColumn& column = *array.items[i];
+        settleAlias(column);
         if (column.form != ColumnForm::Text && !staysName(column)) column.form = ColumnForm::Text;
     }
+}
+
+/// An alias that no host could quote again stays in the text of its column.
+void ViewSettler::settleAlias(SqletColumn& column) {
+    const TokenIndex alias = column.alias;
+    if (alias == noToken || isDecodable(m_parser.text, token(alias), m_parser.dialect)) return;
+    column.alias = noToken;
+    column.form = ColumnForm::Text;
+    if (!canAliasJoinText(m_parser, column.span, alias)) return failAsNotShown(m_parser, alias);
+    column.span = {std::min(column.span.first, alias), std::max(column.span.last, alias)};
 }
 
 /// Without recursion: a chain leans to the left and is as deep as it is long.
@@ -309,24 +322,11 @@ private:
     SqletParser& m_parser;
 };
 
-/// The start of @p text, cut between two characters if it is long.
-std::string excerpt(std::string_view text) {
-    constexpr std::size_t longest = 40;
-    if (text.size() <= longest) return std::string(text);
-    std::size_t end = longest;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-        --end;
-    return std::string(text.substr(0, end)) + "...";
-}
-
 void refuseWhatIsNotShown(SqletParser& parser, TokenSpan statement) {
     if (statement.isEmpty()) return;
     for (TokenIndex i = statement.first; i <= statement.last; ++i) {
         if (parser.coverage[i] != Coverage::Nothing) continue;
-        const Token& token = parser.tokens[i];
-        parser.fail(SQLET_ERROR_UNSUPPORTED, token.offset, token.length,
-                    "'" + excerpt(parser.textOf(i)) + "' cannot be shown");
-        return;
+        return failAsNotShown(parser, i);
     }
 }
 
