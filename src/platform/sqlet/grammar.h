@@ -152,7 +152,7 @@ private:
                           std::uint32_t parens);
     void completeConditions(std::vector<JoinStep>& steps);
     SqletExpr* alwaysTrue();
-    static void addBracket(SqletTable* table);
+    static std::uint32_t addBracket(SqletTable* table);
     SqletTable* source(std::uint32_t parens);
     SqletTable* bracketedSource(std::uint32_t parens);
     SqletTable* derivedTable(std::uint32_t parens);

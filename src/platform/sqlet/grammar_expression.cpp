@@ -148,18 +148,9 @@ void Grammar::nameChain() {
 
 /// What makes more of a name: the brackets of a call and what goes with them.
 void Grammar::afterName() {
-    if (is(T::LeftParen)) {
-        const bool isMark =
-            isSymbol(m_position + 1, "+") && at(m_position + 2).kind == T::RightParen;
-        skipBrackets();
-        if (!(isMark && m_dialect.hasOuterJoinMarks)) afterCall();
-        return;
-    }
-    if (m_dialect.hasStaticMethods && is(T::Operator) && isSymbol(m_position, "::")) {
+    while (m_dialect.hasStaticMethods && isSymbol(m_position, "::")) {
         advance();
         nameChain();
-        afterName();
-        return;
     }
     bool hasLink = false;  // a database link of Oracle
     while (m_dialect.hasOuterJoinMarks && isSymbol(m_position, "@")) {
@@ -167,7 +158,11 @@ void Grammar::afterName() {
         nameChain();
         hasLink = true;
     }
-    if (hasLink && is(T::LeftParen)) skipBrackets();
+    if (!is(T::LeftParen)) return;
+    const bool isMark = isSymbol(m_position + 1, "+") && at(m_position + 2).kind == T::RightParen;
+    skipBrackets();
+    if (hasLink || (isMark && m_dialect.hasOuterJoinMarks)) return;
+    afterCall();
 }
 
 void Grammar::afterCall() {

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "platform/sqlet/grammar.h"
 
 // FROM: one flat run of sources and joins becomes a tree that leans to the left, whatever binds
@@ -13,7 +15,7 @@ using T = TokenKind;
 
 constexpr int maxJoins = 1000;
 constexpr int maxQueryDepth = 32;
-constexpr int maxGroupDepth = 200;
+constexpr std::uint32_t maxGroupDepth = 200;
 constexpr std::size_t noStep = static_cast<std::size_t>(-1);
 
 /// Statements of SQL Server whose output is a source.
@@ -151,7 +153,8 @@ void Grammar::joinConditions(std::vector<JoinStep>& steps, std::uint32_t parens)
         JoinStep& step = steps[index];
         if (index + 1 < steps.size()) {
             step.side = foldJoins(steps, index, parens);
-            addBracket(step.side);
+            if (addBracket(step.side) > maxGroupDepth)
+                beyondLimit(m_position, "more than 200 nested brackets");
             steps.resize(index + 1);
         }
         if (is(K::Using)) {
@@ -237,11 +240,14 @@ SqletTable* Grammar::foldJoins(const std::vector<JoinStep>& steps, std::size_t f
     return left;
 }
 
-void Grammar::addBracket(SqletTable* table) {
+/// Returns how deep the deepest source is then.
+std::uint32_t Grammar::addBracket(SqletTable* table) {
+    std::uint32_t deepest = 0;
     for (; table; table = table->left) {
-        ++table->parens;
-        if (table->right) addBracket(table->right);
+        deepest = std::max(deepest, ++table->parens);
+        if (table->right) deepest = std::max(deepest, addBracket(table->right));
     }
+    return deepest;
 }
 
 SqletTable* Grammar::makeTable(TableForm form, std::uint32_t parens) {
@@ -320,7 +326,8 @@ void Grammar::readSubquery(SqletTable* table, TokenIndex open, TokenIndex close)
 SqletTable* Grammar::bracketedSource(std::uint32_t parens) {
     const TokenIndex open = m_position;
     const TokenIndex close = partner();
-    if (++m_groupDepth > maxGroupDepth) beyondLimit(open, "more than 200 nested brackets");
+    if (++m_groupDepth > static_cast<int>(maxGroupDepth))
+        beyondLimit(open, "more than 200 nested brackets");
     takeStructure();
     SqletTable* content = sources(parens + 1);
     if (m_position != close) unexpected("a join or ')'");
