@@ -1,6 +1,7 @@
 #include "apps/joinery-sql/text_files.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <cerrno>
 #include <cstdio>
@@ -46,6 +47,8 @@ QString readText(const QString& file, std::string& text) {
 }
 
 QString replaceText(const QString& file, const std::string& text) {
+    // A pipe or a device would be renamed over.
+    if (!QFileInfo(file).isFile()) return QStringLiteral("not a regular file");
     QSaveFile target(file);
     if (!target.open(QIODevice::WriteOnly)) return target.errorString();
     target.write(text.data(), static_cast<qint64>(text.size()));
