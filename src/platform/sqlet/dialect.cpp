@@ -105,7 +105,7 @@ constexpr Dialect mysql() {
     d.distinctWords = {K::Distinctrow};
     d.conditionless = ConditionlessJoin::InnerOnly;
     d.crossTakesCondition = true;
-    d.limitForms = LimitWord | LimitComma | OffsetWord | FetchWords;
+    d.limitForms = LimitWord | LimitComma | OffsetWord | OffsetAlone | FetchWords;
     return d;
 }
 

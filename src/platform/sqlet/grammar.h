@@ -192,6 +192,7 @@ private:
     void selectAlias(SqletColumn& column);
     TokenIndex takeAssignedAlias();
     bool isBareColumnAlias() const;
+    bool isOffsetClause() const;
     void groupSuffix(SqletColumn& column);
     void orderSuffix(SqletColumn& column);
     bool takeIfUsingOperator();
@@ -221,6 +222,7 @@ private:
     int m_queryDepth = 0;
     int m_joinCount = 0;
     bool m_hasFetchWords = false;
+    const char* m_expectedEnd = "";  ///< what may follow what was read of the statement
 };
 
 /// What is wrong with a token of kind Bad.

@@ -202,7 +202,6 @@ SqletExpr* Grammar::bracketContent(TokenIndex open, TokenIndex close, std::uint3
 }
 
 ColumnArray Grammar::listItems(TokenIndex close) {
-    ColumnArray result;
     std::vector<SqletColumn*> items;
     for (;;) {
         TokenSpan span = {m_position, m_position};

@@ -18,9 +18,6 @@ constexpr KeywordSet neverOperands = {
     K::Using, K::Then,  K::When,  K::Else,   K::End,   K::Select,  K::Into,
 };
 
-/// Words with a query in brackets behind them.
-constexpr KeywordSet quantifiers = {K::Any, K::Some, K::All};
-
 }  // namespace
 
 TokenSpan Grammar::expression(Reach reach) {

@@ -312,7 +312,7 @@ void Grammar::readSubquery(SqletTable* table, TokenIndex open, TokenIndex close)
         table->subquery = select();
         if (m_position != close) {
             refuseClause();
-            unexpected("')'");
+            unexpected(m_expectedEnd);
         }
     } catch (const Refusal& refusal) {
         if (refusal.kind != SQLET_ERROR_UNSUPPORTED) throw;
@@ -351,6 +351,8 @@ SqletTable* Grammar::plainSource(std::uint32_t parens) {
     SqletTable* table = makeTable(TableForm::Name, parens);
     table->span.first = m_position;
     sourceHead(table);
+    // In PostgreSQL t * is t with the tables that inherit from it.
+    if (m_dialect.hasCastOperator && isSymbol(m_position, "*")) advance();
     table->span.last = m_position - 1;
     if (table->form == TableForm::Name && !isNameChain(table->span)) table->form = TableForm::Text;
     sourceTail(table);
@@ -587,7 +589,7 @@ bool Grammar::isBareSourceAlias() const {
     if (token.kind == T::QuotedName) return true;
     if (token.kind == T::String) return m_dialect.hasStringAliases && m_dialect.number == 4;
     if (token.kind != T::Word) return false;
-    if (m_dialect.sourceEnds.contains(token.keyword)) return false;
+    if (m_dialect.sourceEnds.contains(token.keyword) || isOffsetClause()) return false;
     return (token.flags & SQLET_WORD_RESERVED) == 0;
 }
 

@@ -60,7 +60,7 @@ void Grammar::readStatement() {
         m_parser.isMultiple = !is(T::End);
     } else if (!is(T::End)) {
         refuseClause();
-        unexpected("the end of the statement");
+        unexpected(m_expectedEnd);
     }
     m_parser.statementType = SQLET_STATEMENT_SELECT;
 }
@@ -140,10 +140,12 @@ void Grammar::selectList(SqletSelect& select) {
     select.columns = columns(ColumnRole::Select, &Grammar::selectAlias);
     select.parts[static_cast<int>(Part::Columns)] = spanFrom(first);
     if (is(K::Into)) refuseClause();
+    m_expectedEnd = "',' or FROM";
     if (!is(K::From)) return;
     takeStructure();
     const TokenIndex from = m_position;
     select.from = sources(0);
+    m_expectedEnd = "',', a join, WHERE or the end of the statement";
     select.parts[static_cast<int>(Part::From)] = spanFrom(from);
 }
 
@@ -151,12 +153,14 @@ void Grammar::filterClauses(SqletSelect& select) {
     if (takeIf(K::Where)) {
         const TokenIndex first = m_position;
         select.where = condition();
+        m_expectedEnd = "AND, OR or the end of the statement";
         select.parts[static_cast<int>(Part::Where)] = spanFrom(first);
     }
     groupClause(select);
     if (takeIf(K::Having)) {
         const TokenIndex first = m_position;
         select.having = condition();
+        m_expectedEnd = "AND, OR or the end of the statement";
         select.parts[static_cast<int>(Part::Having)] = spanFrom(first);
         if (m_dialect.number == 3 && select.groupBy.count == 0) groupClause(select);
     }
@@ -166,15 +170,16 @@ void Grammar::filterClauses(SqletSelect& select) {
     take(K::By, "BY");
     const TokenIndex first = m_position;
     select.orderBy = columns(ColumnRole::OrderBy, &Grammar::orderSuffix);
+    m_expectedEnd = "',' or the end of the statement";
     select.parts[static_cast<int>(Part::OrderBy)] = spanFrom(first);
 }
 
 void Grammar::groupClause(SqletSelect& select) {
-    if (!is(K::Group) || !nextIs(K::By)) return;
-    takeStructure();
-    takeStructure();
+    if (!takeIf(K::Group)) return;
+    take(K::By, "BY");
     const TokenIndex first = m_position;
     select.groupBy = columns(ColumnRole::GroupBy, &Grammar::groupSuffix);
+    m_expectedEnd = "',' or the end of the statement";
     select.parts[static_cast<int>(Part::GroupBy)] = spanFrom(first);
 }
 
@@ -182,8 +187,9 @@ void Grammar::groupClause(SqletSelect& select) {
 void Grammar::refuseClause() const {
     if (!m_dialect.refusedClauses.contains(here().keyword)) return;
     std::string words = wordOf(m_position);
-    const bool isPair = is(K::For) || is(K::Start) || is(K::Connect) || is(K::Lock);
+    const bool isPair = is(K::For) || is(K::Start) || is(K::Connect);
     if (isPair && next().kind == T::Word) words += " " + wordOf(m_position + 1);
+    if (is(K::Lock)) words = "LOCK IN SHARE MODE";
     unsupported(m_position, words);
 }
 
@@ -260,8 +266,13 @@ bool Grammar::isBareColumnAlias() const {
     if (token.kind == T::QuotedName) return true;
     if (token.kind == T::String) return m_dialect.hasStringAliases;
     if (token.kind != T::Word) return false;
-    if (m_dialect.clauseWords.contains(token.keyword)) return false;
+    if (m_dialect.clauseWords.contains(token.keyword) || isOffsetClause()) return false;
     return (token.flags & SQLET_WORD_NO_BARE_ALIAS) == 0;
+}
+
+/// OFFSET is a name of MySQL too.
+bool Grammar::isOffsetClause() const {
+    return is(K::Offset) && next().kind == T::Number && takesLimit(OffsetAlone);
 }
 
 void Grammar::keepInText(SqletColumn& column) {
@@ -319,7 +330,9 @@ void Grammar::limitClauses(SqletSelect& select) {
     const TokenIndex first = m_position;
     while (takeLimitClause(select)) {
     }
-    if (m_position != first) select.parts[static_cast<int>(Part::Limit)] = spanFrom(first);
+    if (m_position == first) return;
+    select.parts[static_cast<int>(Part::Limit)] = spanFrom(first);
+    m_expectedEnd = "the end of the statement";
 }
 
 bool Grammar::takeLimitClause(SqletSelect& select) {
