@@ -1,0 +1,91 @@
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <utility>
+
+#include "accessor_faults.h"
+#include "platform/sqlet/lexer.h"
+#include "round_trip_faults.h"
+#include "statements.h"
+
+using namespace QB;
+using namespace QB::Test;
+
+namespace {
+
+std::vector<Text> seeds() {
+    return statementsIn(JOINERY_TEST_DATA "/../../fuzz/seeds");
+}
+
+int dialectOf(DatabaseType family) {
+    return family == DatabaseTypeMariaDB ? DatabaseTypeMySQL : family;
+}
+
+/// Gathers what is wrong with many texts, of each kind of fault the first.
+class Faults {
+public:
+    void look(DatabaseType family, const std::string& text) {
+        std::string fault = faultOfAccessors(dialectOf(family), text);
+        if (fault.empty()) fault = faultOfRoundTrip(text, family, "s", HostStyle::Minimal);
+        if (fault.empty() || !m_kinds.insert({family, fault.substr(0, kindLength)}).second) return;
+        m_told += "\nfamily " + std::to_string(family) + ": " + fault + "\n" + text + "\n";
+    }
+    const std::string& told() const { return m_told; }
+
+private:
+    static constexpr std::size_t kindLength = 24;
+    std::set<std::pair<DatabaseType, std::string>> m_kinds;
+    std::string m_told;
+};
+
+/// The text without token @p i, with it twice, and with it behind the next one.
+std::vector<std::string> changedAt(const std::string& text, const sqlet::TokenList& list,
+                                   sqlet::TokenIndex i) {
+    const sqlet::Token& token = list[i];
+    const sqlet::Token& next = list[i + 1];
+    const std::string before = text.substr(0, token.offset);
+    const std::string here = text.substr(token.offset, token.length);
+    const std::string after = text.substr(token.end());
+    const std::string behindNext =
+        text.substr(next.offset, next.length) + " " + here + " " + text.substr(next.end());
+    return {before + after, before + here + " " + here + after, before + behindNext};
+}
+
+TEST(Mutation, AStatementCutAtAnyByteKeepsItsMeaningOrIsRefused) {
+    Faults faults;
+    for (const Text& statement : seeds())
+        for (std::size_t size = 0; size <= statement.text.size(); ++size)
+            faults.look(statement.family, statement.text.substr(0, size));
+    EXPECT_EQ(faults.told(), "");
+}
+
+TEST(Mutation, AStatementWithATokenLostDoubledOrMisplacedKeepsItsMeaningOrIsRefused) {
+    Faults faults;
+    for (const Text& statement : seeds()) {
+        const sqlet::TokenList list = sqlet::lex(statement.text, dialectOf(statement.family));
+        for (sqlet::TokenIndex i = 0; i < list.count(); ++i)
+            for (const std::string& text : changedAt(statement.text, list, i))
+                faults.look(statement.family, text);
+    }
+    EXPECT_EQ(faults.told(), "");
+}
+
+/// What fuzzing found: the first line of each file names the family and the current schema, the
+/// rest is the text, byte for byte.
+TEST(Findings, StayMended) {
+    for (const auto& entry : std::filesystem::directory_iterator(JOINERY_TEST_DATA "/findings")) {
+        const std::string content = contentOf(entry.path());
+        const std::size_t blank = content.find(' ');
+        const std::size_t end = content.find('\n');
+        ASSERT_LT(blank, end) << entry.path();
+        const Text finding{familyNamed(content.substr(0, blank)), content.substr(end + 1)};
+        const std::string schema = content.substr(blank + 1, end - blank - 1);
+        EXPECT_EQ(faultOfAccessors(dialectOf(finding.family), finding.text), "") << entry.path();
+        for (const HostStyle style : {HostStyle::Minimal, HostStyle::AlwaysQuote})
+            EXPECT_EQ(faultOfRoundTrip(finding.text, finding.family, schema, style), "")
+                << entry.path();
+    }
+}
+
+}  // namespace

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/sqlet/sqlet.h"
+#include "support/round_trip.h"
+
+/// Holds what comes of a text, and of the text that is built from it, against the promise that the
+/// meaning never changes.
+namespace QB::Test {
+
+/// "" if the outcome is told as it should be: a message exactly with a refusal, places in the text.
+inline std::string faultOfOutcome(const QBParseOutcome& outcome, const std::string& text) {
+    const auto isInside = [&](QBRange range) {
+        return range.location >= 0 && range.length >= 0 &&
+               std::int64_t{range.location} + range.length <=
+                   static_cast<std::int64_t>(text.size());
+    };
+    using Verdict = QBParseOutcome::Verdict;
+    const bool isAnywhere =
+        outcome.verdict == Verdict::SeveralStatements || outcome.verdict == Verdict::NotSelect;
+    if (outcome.isAccepted()) {
+        if (!outcome.message.empty()) return "accepted with the message " + outcome.message;
+        return text.empty() || isInside(outcome.statement) ? "" : "accepted outside the text";
+    }
+    if (outcome.message.empty()) return "refused without a message";
+    if (isInside(outcome.error)) return {};
+    return isAnywhere && outcome.error.location == -1 ? "" : "refused without a place in the text";
+}
+
+/// "" if two texts of statements mean the same to the parser's own comparison.
+inline std::string faultOfMeaning(const std::string& text, const std::string& rebuilt,
+                                  DatabaseType family, const std::string& schema) {
+    using Handle = std::unique_ptr<SqletParser, decltype(&sqlet_free)>;
+    const int dialect = family == DatabaseTypeMariaDB ? DatabaseTypeMySQL : family;
+    const Handle original(sqlet_create(dialect, text.c_str(), 1), sqlet_free);
+    const Handle other(sqlet_create(dialect, rebuilt.c_str(), 1), sqlet_free);
+    const int place = sqlet_first_difference(original.get(), other.get(), schema.c_str());
+    return place == -1 ? "" : "meaning changed at byte " + std::to_string(place);
+}
+
+/// Parses, builds, parses and builds. "" if the text is refused as it should be, or if the text
+/// that is built is accepted, means the same and comes back unchanged. A refusal because the text
+/// built from the model would mean something else is a fault, too: of the parser, which should have
+/// refused with a reason or kept the part as text.
+inline std::string faultOfRoundTrip(const std::string& text, DatabaseType family,
+                                    const std::string& schema, HostStyle style) {
+    const RoundTrip first = roundTrip(text, family, schema, style);
+    std::string fault = faultOfOutcome(first.outcome, text);
+    if (!fault.empty()) return fault;
+    if (first.outcome.verdict == QBParseOutcome::Verdict::CannotBeRepresented)
+        return "only the gate refuses it: " + first.outcome.message;
+    if (!first.outcome.isAccepted() || text.empty()) return {};
+    const RoundTrip second = roundTrip(first.text, family, schema, style);
+    const std::string rebuilt = ", rebuilt: " + first.text;
+    if (!second.outcome.isAccepted())
+        return "the rebuilt text is refused: " + second.outcome.message + rebuilt;
+    if (second.text != first.text)
+        return "the rebuilt text changes" + rebuilt + ", then: " + second.text;
+    fault = faultOfMeaning(text, first.text, family, schema);
+    return fault.empty() ? "" : fault + rebuilt;
+}
+
+}  // namespace QB::Test
