@@ -1,10 +1,9 @@
 #include "platform/sqlet/lexer.h"
 
 #include <algorithm>
-#include <string>
 #include <utility>
 
-#include "platform/sqlet/lex_traits.h"
+#include "platform/sqlet/lex_scan.h"
 #include "platform/sqlet/word_table.h"
 #include "platform/sqlet/words.h"
 
@@ -16,22 +15,21 @@ namespace {
 class Lexer {
 public:
     Lexer(std::string_view text, int dialect)
-        : m_text(text)
-        , m_traits(lexTraits(dialect))
-        , m_chars(charTable(dialect))
+        : m_scan(text, dialect)
         , m_words(WordTable::instance())
-        , m_dialect(
-              static_cast<std::size_t>(dialect >= 1 && dialect <= dialectCount ? dialect - 1 : 0))
-        , m_size(static_cast<std::uint32_t>(text.size())) {}
+        , m_dialect(static_cast<std::size_t>(dialect >= 1 && dialect <= dialectCount ? dialect - 1
+                                                                                     : 0)) {}
 
     TokenList run() {
-        m_list.tokens.reserve(m_size / 3 + 2);
+        m_list.tokens.reserve(m_scan.size / 3 + 2);
         m_open.reserve(16);
         m_pairs.reserve(16);
-        if (m_text.substr(0, 3) == "\xEF\xBB\xBF") m_at = 3;
-        for (skipBlanks(); m_at < m_size; skipBlanks()) {
+        if (m_scan.text.substr(0, 3) == "\xEF\xBB\xBF") m_at = 3;
+        m_at = m_scan.blanksEnd(m_at);
+        while (m_at < m_scan.size) {
             m_start = m_at;
-            scanOne(m_text[m_at]);
+            scanOne();
+            m_at = m_scan.blanksEnd(m_at);
         }
         m_start = m_at;
         push(TokenKind::End);
@@ -40,16 +38,16 @@ public:
     }
 
 private:
-    char at(std::uint32_t position) const { return position < m_size ? m_text[position] : '\0'; }
-    char here(std::uint32_t ahead = 0) const { return at(m_at + ahead); }
+    const LexTraits& traits() const { return m_scan.traits; }
+    char here(std::uint32_t ahead = 0) const { return m_scan.at(m_at + ahead); }
 
     const Token* previous() const {
         return m_list.tokens.empty() ? nullptr : &m_list.tokens.back();
     }
     bool touches(const Token* token) const { return token && token->end() == m_start; }
 
-    void scanOne(char first) {
-        switch (m_chars.classOf(first)) {
+    void scanOne() {
+        switch (m_scan.classAt(m_at)) {
             case CharClass::Word:
                 return scanWord();
             case CharClass::Digit:
@@ -57,23 +55,23 @@ private:
             case CharClass::Quote:
                 return scanBareString('\'');
             case CharClass::DoubleQuote:
-                return m_traits.doubleQuoteIsString ? scanBareString('"') : scanName('"', true);
+                return traits().doubleQuoteIsString ? scanBareString('"') : scanName('"', true);
             case CharClass::Backtick:
                 return scanName('`', true);
             case CharClass::BracketName:
-                return scanName(']', m_traits.doubledBracketEscapes);
+                return scanName(']', traits().doubledBracketEscapes);
             case CharClass::Open:
-                return openBracket(first);
+                return openBracket();
             case CharClass::Close:
-                return closeBracket(first);
+                return closeBracket();
             case CharClass::Dot:
                 return scanDot();
             case CharClass::Comma:
-                return pushSingle(TokenKind::Comma);
+                return pushUpTo(m_at + 1, TokenKind::Comma);
             case CharClass::Semicolon:
-                return pushSingle(TokenKind::Semicolon);
+                return pushUpTo(m_at + 1, TokenKind::Semicolon);
             case CharClass::Minus:
-                return isLineComment() ? skipLineComment() : scanOperator();
+                return m_scan.isLineComment(m_at) ? skipLineComment() : scanOperator();
             case CharClass::Slash:
                 return here(1) == '*' ? scanBlockComment() : scanOperator();
             case CharClass::HashComment:
@@ -86,7 +84,7 @@ private:
                 return scanOperator();
             case CharClass::Blank:
             case CharClass::Bad:
-                return pushSingle(TokenKind::Bad);
+                return pushUpTo(m_at + 1, TokenKind::Bad);
         }
     }
 
@@ -105,85 +103,43 @@ private:
         return m_list.tokens.back();
     }
 
-    void pushSingle(TokenKind kind) {
-        ++m_at;
-        push(kind);
+    /// An end that is openEnd makes it Bad.
+    void pushUpTo(std::uint32_t end, TokenKind kind, unsigned flags = 0) {
+        if (end == openEnd) return pushUnterminated();
+        m_at = end;
+        push(kind, flags);
     }
 
     void pushUnterminated() {
-        m_at = m_size;
+        m_at = m_scan.size;
         push(TokenKind::Bad, TokenIsUnterminated);
     }
 
-    // Blanks and comments
+    // Comments
 
-    void skipBlanks() {
-        std::uint32_t end = m_at;
-        while (end < m_size && isBlank(m_text[end]))
-            ++end;
-        m_at = end;
-    }
-
-    bool isLineComment() const {
-        if (here(1) != '-') return false;
-        return !m_traits.dashesNeedBlank || static_cast<unsigned char>(here(2)) <= ' ' ||
-               here(2) == '\x7F';
-    }
-
-    void skipLineComment() {
-        const char* ends = m_traits.carriageReturnEndsComment ? "\n\r" : "\n";
-        m_at = static_cast<std::uint32_t>(
-            std::min<std::size_t>(m_text.find_first_of(ends, m_at), m_size));
-    }
-
-    bool isExecutableComment() const {
-        return m_traits.executableComments &&
-               (here(2) == '!' || (here(2) == 'M' && here(3) == '!'));
-    }
+    void skipLineComment() { m_at = m_scan.lineCommentEnd(m_at); }
 
     void scanBlockComment() {
-        const bool isExecutable = isExecutableComment();
-        const bool isHint = m_traits.hintsSetVariables && here(2) == '+';
-        if (!skipBlockComment()) return pushUnterminated();
-        if (isExecutable) push(TokenKind::ExecutableComment);
+        const bool isExecutable =
+            traits().executableComments && (here(2) == '!' || (here(2) == 'M' && here(3) == '!'));
+        const bool isHint = traits().hintsSetVariables && here(2) == '+';
+        const std::uint32_t end = m_scan.blockCommentEnd(m_at);
+        if (end == openEnd || isExecutable) return pushUpTo(end, TokenKind::ExecutableComment);
+        m_at = end;
         if (isHint && mentions("set_var")) push(TokenKind::Hint);
-    }
-
-    bool skipBlockComment() {
-        int depth = 1;
-        m_at += 2;
-        while (depth > 0) {
-            const std::size_t found =
-                m_text.find_first_of(m_traits.nestedComments ? "*/" : "*", m_at);
-            if (found == std::string_view::npos) return false;
-            m_at = static_cast<std::uint32_t>(found) + 1;
-            const char wanted = m_text[found] == '*' ? '/' : '*';
-            if (here() != wanted) continue;
-            depth += wanted == '/' ? -1 : 1;
-            ++m_at;
-        }
-        return true;
     }
 
     /// True if @p lowerCase stands in what was read since m_start, in any case.
     bool mentions(std::string_view lowerCase) const {
-        const std::string_view read = m_text.substr(m_start, m_at - m_start);
+        const std::string_view read = m_scan.between(m_start, m_at);
         return std::search(read.begin(), read.end(), lowerCase.begin(), lowerCase.end(),
                            [](char c, char wanted) { return toLower(c) == wanted; }) != read.end();
     }
 
     // Words
 
-    void skipName() {
-        std::uint32_t end = m_at;
-        while (end < m_size && m_chars.isInName(m_text[end]))
-            ++end;
-        m_at = end;
-    }
-
     void scanWord() {
-        ++m_at;
-        skipName();
+        m_at = m_scan.nameEnd(m_at + 1);
         const char next = here();
         if (next == '\'' || next == '&') return scanMaybePrefix(next);
         pushWord();
@@ -191,7 +147,7 @@ private:
 
     void pushWord() {
         Token& token = push(TokenKind::Word);
-        const TableWord* word = m_words.find(m_text.substr(token.offset, token.length));
+        const TableWord* word = m_words.find(m_scan.between(m_start, m_at));
         if (!word) return;
         token.keyword = word->keyword;
         token.flags = word->dialectFlags[m_dialect];
@@ -204,121 +160,85 @@ private:
 
     /// The string or name whose prefix is the word just read; false if it is no prefix.
     bool scanPrefixed(char next) {
-        const std::uint32_t length = m_at - m_start;
-        const char first = toLower(m_text[m_start]);
-        if (length == 2 && next == '\'' && first == 'n' && toLower(m_text[m_start + 1]) == 'q')
-            return scanAlternative();
-        if (length != 1) return false;
-        if (next == '&') return first == 'u' && scanUnicode();
-        if (first == 'q') return scanAlternative();
-        if (first == 'e' && m_traits.escapePrefix) return scanPrefixedString(true, true);
-        if (first == 'n' && m_traits.nationalPrefix)
-            return scanPrefixedString(m_traits.backslashEscapes, true);
-        if ((first == 'x' && m_traits.hexPrefix) || (first == 'b' && m_traits.bitPrefix))
-            return scanPrefixedString(false, m_traits.adjacentStrings != AdjacentStrings::Joined);
-        return false;
+        const std::string_view prefix = m_scan.between(m_start, m_at);
+        if (next == '&') return isPrefix(prefix, "u") && scanUnicode();
+        if (isPrefix(prefix, "q") || isPrefix(prefix, "nq")) return scanAlternative();
+        if (prefix.size() != 1) return false;
+        switch (toLower(prefix.front())) {
+            case 'e':
+                return traits().escapePrefix && scanPrefixedString(true);
+            case 'n':
+                return traits().nationalPrefix && scanPrefixedString(traits().backslashEscapes);
+            case 'x':
+                return traits().hexPrefix && scanBits();
+            case 'b':
+                return traits().bitPrefix && scanBits();
+            default:
+                return false;
+        }
     }
 
-    bool scanPrefixedString(bool hasBackslashes, bool mayGoOn) {
-        ++m_at;
-        const Quoted quoted = skipQuoted('\'', true, hasBackslashes);
-        pushString(quoted, mayGoOn);
+    static bool isPrefix(std::string_view word, std::string_view lowerCase) {
+        return std::equal(word.begin(), word.end(), lowerCase.begin(), lowerCase.end(),
+                          [](char c, char wanted) { return toLower(c) == wanted; });
+    }
+
+    bool scanPrefixedString(bool hasBackslashes) {
+        pushString(m_scan.quotedEnd(m_at + 1, '\'', hasBackslashes));
+        return true;
+    }
+
+    /// Of all strings x'..' and b'..' alone do not go on in MySQL.
+    bool scanBits() {
+        scanPrefixedString(false);
+        m_mayStringGoOn = traits().adjacentStrings != AdjacentStrings::Joined;
         return true;
     }
 
     bool scanUnicode() {
         const char quote = here(1);
-        if (!m_traits.unicodePrefix || (quote != '\'' && quote != '"')) return false;
-        m_at += 2;
-        if (!skipQuoted(quote, true, false).isClosed)
-            pushUnterminated();
-        else
-            push(quote == '"' ? TokenKind::QuotedName : TokenKind::String, TokenHasEscape);
+        if (!traits().unicodePrefix || (quote != '\'' && quote != '"')) return false;
+        pushUpTo(m_scan.quotedEnd(m_at + 2, quote, false).end,
+                 quote == '"' ? TokenKind::QuotedName : TokenKind::String, TokenHasEscape);
         m_mayStringGoOn = true;
         return true;
     }
 
-    /// q'[..]': ends with the partner of the bracket, or with the same character, and a quote.
     bool scanAlternative() {
-        const char opening = here(1);
-        if (!m_traits.alternativeQuotes || m_at + 1 >= m_size || isBlank(opening)) return false;
-        std::uint32_t length = 1;
-        while ((static_cast<unsigned char>(here(1 + length)) & 0xC0U) == 0x80)
-            ++length;
-        m_delimiter.assign(m_text.substr(m_at + 1, length));
-        const std::size_t bracket = std::string_view("([{<").find(opening);
-        if (bracket != std::string_view::npos) m_delimiter = ")]}>"[bracket];
-        m_delimiter += '\'';
-        m_at += 1 + length;
-        scanDelimited();
-        return true;
-    }
-
-    /// Up to m_delimiter, whose first byte occurs in it only once: linear.
-    void scanDelimited() {
-        const std::size_t found = m_text.find(m_delimiter, m_at);
-        if (found == std::string_view::npos) return pushUnterminated();
-        m_at = static_cast<std::uint32_t>(found + m_delimiter.size());
+        const std::uint32_t end = traits().alternativeQuotes ? m_scan.alternativeEnd(m_at) : m_at;
+        if (end == m_at) return false;
         m_mayStringGoOn = false;
-        push(TokenKind::String);
+        pushUpTo(end, TokenKind::String);
+        return true;
     }
 
     // Quotes
 
-    struct Quoted {
-        bool isClosed = false;
-        bool hasEscape = false;  // a backslash
-    };
-
-    /// From behind the opening quote to behind the closing one.
-    Quoted skipQuoted(char quote, bool doublingEscapes, bool hasBackslashes) {
-        const char stops[] = {quote, '\\', '\0'};
-        const std::string_view wanted(stops, hasBackslashes ? 2 : 1);
-        Quoted quoted;
-        for (;;) {
-            const std::size_t found =
-                hasBackslashes ? m_text.find_first_of(wanted, m_at) : m_text.find(quote, m_at);
-            if (found == std::string_view::npos) return quoted;
-            m_at = static_cast<std::uint32_t>(found) + 1;
-            if (m_text[found] == '\\') {
-                quoted.hasEscape = true;
-                m_at = std::min(m_at + 1, m_size);
-            } else if (doublingEscapes && here() == quote) {
-                ++m_at;
-            } else {
-                quoted.isClosed = true;
-                return quoted;
-            }
-        }
-    }
-
     void scanName(char closing, bool doublingEscapes) {
-        ++m_at;
-        if (!skipQuoted(closing, doublingEscapes, false).isClosed) return pushUnterminated();
-        push(TokenKind::QuotedName);
+        pushUpTo(m_scan.quotedEnd(m_at + 1, closing, false, doublingEscapes).end,
+                 TokenKind::QuotedName);
     }
 
     void scanBareString(char quote) {
         const bool goesOn = continuesPrevious();
-        const bool isEscape =
-            goesOn && m_traits.escapePrefix && toLower(m_text[m_list.tokens.back().offset]) == 'e';
-        ++m_at;
-        const Quoted quoted = skipQuoted(quote, true, m_traits.backslashEscapes || isEscape);
-        if (!goesOn || !quoted.isClosed) return pushString(quoted, true);
-        extendPrevious();
+        const bool isEscape = goesOn && traits().escapePrefix &&
+                              toLower(m_scan.text[m_list.tokens.back().offset]) == 'e';
+        const TextScan::Quoted quoted =
+            m_scan.quotedEnd(m_at + 1, quote, traits().backslashEscapes || isEscape);
+        if (goesOn && !quoted.isOpen()) return extendPrevious(quoted.end);
+        pushString(quoted);
     }
 
-    /// @p mayGoOn: an adjacent string may become part of it.
-    void pushString(Quoted quoted, bool mayGoOn) {
-        m_mayStringGoOn = mayGoOn;
-        if (!quoted.isClosed) return pushUnterminated();
-        if (followsIntroducer()) return extendPrevious();
-        push(TokenKind::String, quoted.hasEscape ? TokenHasEscape : 0);
+    void pushString(TextScan::Quoted quoted) {
+        m_mayStringGoOn = true;
+        if (followsIntroducer() && !quoted.isOpen()) return extendPrevious(quoted.end);
+        pushUpTo(quoted.end, TokenKind::String, quoted.hasEscape ? TokenHasEscape : 0);
     }
 
-    void extendPrevious() {
+    void extendPrevious(std::uint32_t end) {
         Token& token = m_list.tokens.back();
-        token.length = m_at - token.offset;
+        m_at = end;
+        token.length = end - token.offset;
         token.kind = TokenKind::String;
         token.keyword = Keyword::None;
         token.flags = TokenHasEscape;
@@ -327,21 +247,21 @@ private:
     /// True behind a word such as _utf8, which says how the string that follows is to be read.
     bool followsIntroducer() const {
         const Token* word = previous();
-        if (!m_traits.charsetPrefix || !word || word->kind != TokenKind::Word) return false;
-        if (m_text[word->offset] != '_' || !(word->flags & SQLET_WORD_RESERVED)) return false;
+        if (!traits().charsetPrefix || !word || word->kind != TokenKind::Word) return false;
+        if (m_scan.text[word->offset] != '_' || !(word->flags & SQLET_WORD_RESERVED)) return false;
         return m_list.tokens.size() < 2 || word[-1].kind != TokenKind::Dot;
     }
 
     bool continuesPrevious() const {
         const Token* string = previous();
         if (!string || string->kind != TokenKind::String || !m_mayStringGoOn) return false;
-        switch (m_traits.adjacentStrings) {
+        switch (traits().adjacentStrings) {
             case AdjacentStrings::Separate:
                 return false;
             case AdjacentStrings::Joined:
                 return true;
             case AdjacentStrings::JoinedAcrossLine:
-                return isLineBreakGap(m_text.substr(string->end(), m_start - string->end()));
+                return isLineBreakGap(m_scan.between(string->end(), m_start));
         }
         return false;
     }
@@ -350,108 +270,36 @@ private:
     static bool isLineBreakGap(std::string_view gap) {
         if (gap.find_first_of("\r\n") == std::string_view::npos) return false;
         for (std::size_t i = 0; i < gap.size(); ++i) {
-            if (gap[i] == '-')
-                i = std::min(gap.find_first_of("\r\n", i), gap.size());
-            else if (gap[i] == '/')
-                return false;
+            if (gap[i] == '/') return false;
+            if (gap[i] == '-') i = std::min(gap.find_first_of("\r\n", i), gap.size());
         }
         return true;
     }
 
-    // Numbers
+    // Numbers and dots
 
     void scanNumber() {
         const Token* dot = previous();
         // After a dot that touches a bare name there is a name: t.1
         if (m_isDotOfName && touches(dot) && dot->kind == TokenKind::Dot) return scanWord();
-        if (scanRadixNumber()) return;
-        skipDigits();
-        if (here() == '.' && here(1) != '.') {
-            ++m_at;
-            skipDigits();
+        pushNumber(m_scan.numberEnd(m_at));
+    }
+
+    void pushNumber(TextScan::NumberEnd number) {
+        if (number.hasRadix && followsIntroducer()) {
+            m_mayStringGoOn = false;
+            return extendPrevious(number.end);
         }
-        skipExponent();
-        if (holds(m_traits.numberSuffixes, here())) ++m_at;
-        pushNumber();
-    }
-
-    bool scanRadixNumber() {
-        const char letter = here(1);
-        if (here() != '0' || !holds(m_traits.radixLetters, letter)) return false;
-        std::uint32_t end = m_at + 2;
-        while (isRadixDigit(letter, at(end)) || isSeparator(end))
-            ++end;
-        const bool isEmpty = end == m_at + 2;
-        if (m_chars.isInName(at(end)) || (isEmpty && m_traits.digitStartsName)) return false;
-        m_at = end;
-        m_mayStringGoOn = false;
-        if (followsIntroducer())
-            extendPrevious();
-        else
-            push(TokenKind::Number);
-        return true;
-    }
-
-    static bool isRadixDigit(char letter, char c) {
-        if (toLower(letter) == 'b') return c == '0' || c == '1';
-        if (toLower(letter) == 'o') return c >= '0' && c <= '7';
-        return isHexDigit(c);
-    }
-
-    bool isSeparator(std::uint32_t position) const {
-        return m_traits.digitSeparators && at(position) == '_' && isHexDigit(at(position + 1));
-    }
-
-    void skipDigits() {
-        while (isDigit(here()) || (isSeparator(m_at) && isDigit(here(1))))
-            ++m_at;
-    }
-
-    void skipExponent() {
-        if (toLower(here()) != 'e') return;
-        const std::uint32_t sign = here(1) == '+' || here(1) == '-' ? 1 : 0;
-        if (!isDigit(here(1 + sign))) return;
-        m_at += 2 + sign;
-        skipDigits();
-    }
-
-    /// What goes on as a name: `1a` is one in some dialects; elsewhere it is an error or, worse, a
-    /// number with an alias, of which the writer did not think.
-    void pushNumber() {
-        if (!m_chars.isInName(here())) {
-            push(TokenKind::Number);
-            return;
-        }
-        if (!m_traits.digitStartsName) return pushBadNumber();
-        const std::string_view read = m_text.substr(m_start, m_at - m_start);
-        if (std::all_of(read.begin(), read.end(), isDigit)) {
-            skipName();
-            return pushWord();
-        }
-        if (toLower(here()) == 'e') return pushBadNumber();
-        push(TokenKind::Number);
-    }
-
-    void pushBadNumber() {
-        skipName();
-        push(TokenKind::Bad);
+        m_at = number.end;
+        if (number.kind == TokenKind::Word) return pushWord();
+        push(number.kind);
     }
 
     void scanDot() {
         const Token* name = previous();
-        const bool isOfName =
-            m_traits.digitStartsName && touches(name) && name->kind == TokenKind::Word;
-        m_isDotOfName = isOfName;
-        if (isDigit(here(1)) && !isOfName) return scanFraction();
-        pushSingle(TokenKind::Dot);
-    }
-
-    void scanFraction() {
-        ++m_at;
-        skipDigits();
-        skipExponent();
-        if (holds(m_traits.numberSuffixes, here())) ++m_at;
-        pushNumber();
+        m_isDotOfName = traits().digitStartsName && touches(name) && name->kind == TokenKind::Word;
+        if (isDigit(here(1)) && !m_isDotOfName) return pushNumber(m_scan.numberEnd(m_at));
+        pushUpTo(m_at + 1, TokenKind::Dot);
     }
 
     // Brackets
@@ -479,14 +327,14 @@ private:
         return TokenKind::RightBrace;
     }
 
-    void openBracket(char c) {
-        pushSingle(kindOfBracket(c));
+    void openBracket() {
+        pushUpTo(m_at + 1, kindOfBracket(here()));
         m_open.push_back(m_list.count());
     }
 
-    void closeBracket(char c) {
-        const TokenKind kind = kindOfBracket(c);
-        pushSingle(kind);
+    void closeBracket() {
+        const TokenKind kind = kindOfBracket(here());
+        pushUpTo(m_at + 1, kind);
         if (m_open.empty() || closingKind(m_list[m_open.back()].kind) != kind) return;
         m_pairs.push_back({m_open.back(), m_list.count()});
         m_open.pop_back();
@@ -503,13 +351,9 @@ private:
     // Operators and parameters
 
     void scanOperator() {
-        if (!m_chars.isInOperator(here(1))) return scanLoneOperator();
-        pushOperator(m_traits.operatorRuns ? runLength() : std::max(listedLength(), 1U));
-    }
-
-    void scanLoneOperator() {
-        const bool isParameter = here() == '?' && !followsOperand();
-        pushSingle(isParameter ? TokenKind::Parameter : TokenKind::Operator);
+        const std::uint32_t end = m_scan.operatorEnd(m_at);
+        const bool isParameter = here() == '?' && end == m_at + 1 && !followsOperand();
+        pushUpTo(end, isParameter ? TokenKind::Parameter : TokenKind::Operator);
     }
 
     /// PostgreSQL has operators with a question mark, but its drivers have parameters too.
@@ -538,109 +382,60 @@ private:
                word.keyword == Keyword::End;
     }
 
-    /// The longest listed operator that begins here, or 0.
-    std::uint32_t listedLength() const {
-        const std::string_view rest = m_text.substr(m_at, 3);
-        std::string_view listed = m_traits.operators;
-        while (!listed.empty()) {
-            const std::string_view each = listed.substr(0, listed.find(' '));
-            if (rest.substr(0, each.size()) == each) return static_cast<std::uint32_t>(each.size());
-            listed.remove_prefix(std::min(each.size() + 1, listed.size()));
-        }
-        return 0;
-    }
-
-    /// PostgreSQL: a run ends before a comment, and with + or - only if it holds a character that
-    /// no operator of standard SQL has.
-    std::uint32_t runLength() const {
-        std::uint32_t end = m_at + 1;
-        bool isOwn = holds(unusual, here());
-        std::uint32_t ownEnd = end;  // behind the last byte that need not be given back
-        while (m_chars.isInOperator(at(end)) && !isCommentAt(end)) {
-            const char c = at(end++);
-            isOwn = isOwn || holds(unusual, c);
-            if (isOwn || (c != '+' && c != '-')) ownEnd = end;
-        }
-        return ownEnd - m_at;
-    }
-
-    bool isCommentAt(std::uint32_t position) const {
-        const char c = at(position);
-        const char next = at(position + 1);
-        return (c == '-' && next == '-') || (c == '/' && next == '*');
-    }
-
     void scanDollar() {
-        if (m_traits.dollarQuotes) return scanDollarQuoted() ? void() : scanNumbered();
-        if (m_traits.moneyLiterals) return scanMoney();
-        if (holds(m_traits.parameterMarks, '$')) return scanMark();
-        pushSingle(TokenKind::Bad);
+        if (traits().dollarQuotes) return scanDollarQuoted();
+        if (traits().moneyLiterals) return scanMoney();
+        if (holds(traits().parameterMarks, '$')) return scanMark();
+        pushUpTo(m_at + 1, TokenKind::Bad);
+    }
+
+    void scanDollarQuoted() {
+        const std::uint32_t end = m_scan.dollarQuotedEnd(m_at);
+        if (end == m_at) return scanNumbered();
+        m_mayStringGoOn = false;
+        pushUpTo(end, TokenKind::String);
     }
 
     /// $1
     void scanNumbered() {
-        ++m_at;
-        skipDigits();
-        const bool hasDigits = m_at > m_start + 1;
-        if (hasDigits && m_chars.isInName(here())) return pushBadNumber();
-        push(hasDigits ? TokenKind::Parameter : TokenKind::Bad);
+        const std::uint32_t end = m_scan.digitsEnd(m_at + 1);
+        if (end == m_at + 1) return pushUpTo(end, TokenKind::Bad);
+        const bool isWhole = !m_scan.isInName(m_scan.at(end));
+        pushUpTo(m_scan.nameEnd(end), isWhole ? TokenKind::Parameter : TokenKind::Bad);
     }
 
-    /// $1.5, a bare $ (which is 0), or a pseudo-column such as $action.
+    /// An amount, or a pseudo-column such as $action.
     void scanMoney() {
-        if (m_chars.isInName(here(1)) && !isDigit(here(1))) return scanWord();
-        ++m_at;
-        skipDigits();
-        if (here() == '.' && isDigit(here(1))) {
-            ++m_at;
-            skipDigits();
-        }
-        pushNumber();
-    }
-
-    bool scanDollarQuoted() {
-        if (isDigit(here(1))) return false;
-        std::uint32_t end = m_at + 1;
-        while (m_chars.isInName(at(end)) && at(end) != '$')
-            ++end;
-        if (at(end) != '$') return false;
-        m_delimiter.assign(m_text.substr(m_at, end + 1 - m_at));
-        m_at = end + 1;
-        scanDelimited();
-        return true;
+        const bool isWord = m_scan.isInName(here(1)) && !isDigit(here(1));
+        return isWord ? scanWord() : pushNumber(m_scan.moneyEnd(m_at));
     }
 
     void scanMark() {
-        if (const std::uint32_t length = listedLength()) return pushOperator(length);
+        const std::uint32_t length = m_scan.listedOperator(m_at);
+        if (length > 0) return pushUpTo(m_at + length, TokenKind::Operator);
         const char mark = here();
-        if (mark == ':' && isInSubscript()) return pushOperator(1);
-        ++m_at;
-        if (mark == '@' || mark == '&') m_at += here() == mark ? 1U : 0U;
-        if (m_traits.dottedVariables && mark == '@') return scanVariable();
-        const std::uint32_t name = m_at;
-        skipName();
-        // A mark without a name is an operator, if anything.
-        const bool isParameter = mark == '?' || m_at > name;
-        push(isParameter ? TokenKind::Parameter : TokenKind::Operator);
+        if (mark == '?') return pushUpTo(m_scan.digitsEnd(m_at + 1), TokenKind::Parameter);
+        if (mark == ':' && isInSubscript()) return pushUpTo(m_at + 1, TokenKind::Operator);
+        const bool isDoubled = here(1) == mark && mark != ':';
+        const std::uint32_t name = m_at + (isDoubled ? 2 : 1);
+        if (traits().dottedVariables && mark == '@') return scanVariable(name);
+        pushMarked(name, m_scan.nameEnd(name));
     }
 
-    void pushOperator(std::uint32_t length) {
-        m_at += length;
-        push(TokenKind::Operator);
+    /// A mark without a name is an operator, if anything.
+    void pushMarked(std::uint32_t name, std::uint32_t end) {
+        pushUpTo(end, end > name ? TokenKind::Parameter : TokenKind::Operator);
     }
 
-    void scanVariable() {
-        const char quote = here();
-        if (quote == '\'' || quote == '"' || quote == '`') {
-            ++m_at;
-            if (!skipQuoted(quote, true, quote != '`').isClosed) return pushUnterminated();
-            push(TokenKind::Parameter);
-            return;
-        }
-        const std::uint32_t begin = m_at;
-        while (m_chars.isInName(here()) || here() == '.')
-            ++m_at;
-        push(m_at > begin ? TokenKind::Parameter : TokenKind::Operator);
+    void scanVariable(std::uint32_t name) {
+        const char quote = m_scan.at(name);
+        if (quote == '\'' || quote == '"' || quote == '`')
+            return pushUpTo(m_scan.quotedEnd(name + 1, quote, quote != '`').end,
+                            TokenKind::Parameter);
+        std::uint32_t end = name;
+        while (m_scan.isInName(m_scan.at(end)) || m_scan.at(end) == '.')
+            ++end;
+        pushMarked(name, end);
     }
 
     /// [1:2] is a slice, not a parameter.
@@ -648,14 +443,9 @@ private:
         return !m_open.empty() && m_list[m_open.back()].kind == TokenKind::LeftBracket;
     }
 
-    static constexpr std::string_view unusual = "~!@#%^&|`?";
-
-    const std::string_view m_text;
-    const LexTraits& m_traits;
-    const CharTable& m_chars;
+    const TextScan m_scan;
     const WordTable& m_words;
     const std::size_t m_dialect;
-    const std::uint32_t m_size;
     TokenList m_list;
     std::uint32_t m_start = 0;  // of what is read at the moment
     std::uint32_t m_at = 0;
@@ -663,7 +453,6 @@ private:
     std::vector<std::pair<TokenIndex, TokenIndex>> m_pairs;
     bool m_mayStringGoOn = false;  // the last string
     bool m_isDotOfName = false;    // the last dot
-    std::string m_delimiter;
 };
 
 }  // namespace
