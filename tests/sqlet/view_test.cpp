@@ -192,9 +192,10 @@ const ViewCase qualifiers[] = {
     // Two sources of one name.
     {PostgreSQL, "SELECT t.a, x.t.a FROM x.t, y.t WHERE t.b = x.t.b",
      "column <t.a>\n"
-     "column <x.t.a>\n"
+     "column <x.t.a> parent0=x parent1=t name=a\n"
      "value <t.b>\n"
-     "value <x.t.b>"},
+     "value <x.t.b> parent1=x parent2=t name=b"},
+    {MySQL, "SELECT x.t.a FROM x.t, t", "column <x.t.a>"},
     {SQLite, "SELECT o.a FROM t AS O, u AS o WHERE O.a = 1",
      "column <o.a>\n"
      "value <O.a>"},

@@ -116,12 +116,12 @@ void SourceScope::settle() {
         settleAlias(*node);
         if (node->form == TableForm::Name && !isRebuildable(*node)) node->form = TableForm::Text;
     }
-    m_isMixed = isMixedNow();
-    if (!m_isMixed) return;
+    m_schemas = countSchemas();
+    if (!isMixed()) return;
     for (SqletTable* node : m_nodes) {
         if (isSystemTable(*node)) node->form = TableForm::Text;
     }
-    m_isMixed = isMixedNow();
+    m_schemas = countSchemas();
 }
 
 /// An alias that no host could quote again stays in the text of its source.
@@ -137,7 +137,7 @@ void SourceScope::settleAlias(SqletTable& table) {
     table.span.last = alias;
 }
 
-bool SourceScope::isMixedNow() const {
+SourceScope::Schemas SourceScope::countSchemas() const {
     std::set<std::string> schemas;
     bool hasBareName = false;
     for (const SqletTable* node : m_nodes) {
@@ -148,7 +148,8 @@ bool SourceScope::isMixedNow() const {
         else
             schemas.insert(decoded(chain.innermost()));
     }
-    return schemas.size() + (hasBareName ? 1 : 0) >= 2;
+    if (schemas.size() >= 2) return Schemas::Several;
+    return hasBareName && !schemas.empty() ? Schemas::Unknown : Schemas::One;
 }
 
 bool SourceScope::isRebuildable(const SqletTable& table) const {

@@ -31,13 +31,18 @@ public:
 
     /// True if the sources may lie in several schemas, so that a text built from the parts keeps
     /// every schema: one more schema than the explicit ones is assumed for the bare names.
-    bool isMixed() const { return m_isMixed; }
+    bool isMixed() const { return m_schemas == Schemas::Several || m_schemas == Schemas::Unknown; }
+    /// True if they do, whatever the current schema is.
+    bool isSurelyMixed() const { return m_schemas == Schemas::Several; }
 
 private:
+    /// In how many schemas the plain names lie.
+    enum class Schemas { One, Unknown, Several };
+
     void collect(SqletTable* from);
     void settle();
     void settleAlias(SqletTable& table);
-    bool isMixedNow() const;
+    Schemas countSchemas() const;
     bool isRebuildable(const SqletTable& table) const;
     bool isSystemTable(const SqletTable& table) const;
     void enter(SqletTable* table);
@@ -46,7 +51,7 @@ private:
 
     SqletParser& m_parser;
     const bool m_ignoresCase;
-    bool m_isMixed = false;
+    Schemas m_schemas = Schemas::One;
     std::vector<SqletTable*> m_nodes;
     std::unordered_map<std::string, Entry> m_entries;
 };

@@ -224,7 +224,7 @@ bool ViewSettler::isQualifierKept(Node& node, const NameChain& chain, NamePlace 
     if (count == 0) return true;
     const std::string qualifier = decoded(chain.innermost());
     const SourceScope::Entry& found = m_scope.find(qualifier);
-    if (found.count > 1) return false;
+    if (found.count > 1 && (count == 1 || !m_scope.isSurelyMixed())) return false;
     if (count > 1) return isLongPathKept(chain, place);
     if (found.count == 0) return place != NamePlace::Condition || !m_scope.isMixed();
     if (!isPathKept(*found.source, place)) return false;
