@@ -74,15 +74,22 @@ public:
 
     static std::string quoteAlways(const std::string& name, DatabaseType type, int) {
         const bool isMySQL = type == DatabaseTypeMySQL || type == DatabaseTypeMariaDB;
-        if (type == DatabaseTypeSQLServer) return "[" + name + "]";
+        if (type == DatabaseTypeSQLServer) return "[" + doubled(name, ']') + "]";
         const char quote = isMySQL ? '`' : '"';
-        return quote + name + quote;
+        return quote + doubled(name, quote) + quote;
     }
 
     bool isDark = false;
     std::vector<std::string> errors;
 
 private:
+    static std::string doubled(std::string name, char quote) {
+        for (std::size_t at = name.find(quote); at != std::string::npos;
+             at = name.find(quote, at + 2))
+            name.insert(at, 1, quote);
+        return name;
+    }
+
     static HostCallbacks*& current() {
         static HostCallbacks* instance = nullptr;
         return instance;
