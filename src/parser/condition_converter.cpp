@@ -81,13 +81,15 @@ StatementConverter::ConditionPtr StatementConverter::convertCondition(SqletExpr*
     if (depth > brackets) return nullptr;
 
     ConditionPtr result = convertChain(expr, brackets, tail);
-    for (unsigned i = depth; i < brackets; ++i) {
+    const auto negatedAt = static_cast<unsigned>(sqlet_expr_is_negated(expr));
+    result->negated = negatedAt == brackets + 1;
+    for (unsigned around = brackets; around > depth; --around) {
         auto bracket = std::make_unique<SQLBracketedConditionComponent>();
         bracket->inner = result.release();
+        bracket->negated = negatedAt == around;
         result = std::move(bracket);
     }
     if (depth < brackets && tail) *tail = result.get();
-    if (sqlet_expr_is_negated(expr)) result->negated = true;
     return result;
 }
 

@@ -1,8 +1,10 @@
 #include "parser/dedent.h"
 
+#include <algorithm>
 #include <cctype>
 #include <string_view>
 
+#include "platform/sqlet/lex_scan.h"
 #include "platform/sqlet/lexer.h"
 
 namespace QB {
@@ -37,8 +39,8 @@ std::string_view leadingBlanks(std::string_view text) {
 /// Copies text and leaves the indentation out behind line feeds.
 class Dedenter {
 public:
-    Dedenter(std::string_view text, std::string_view indent, const sqlet::LexTraits& traits)
-        : m_text(text), m_indent(indent), m_traits(traits) {
+    Dedenter(std::string_view text, std::string_view indent, int dialect)
+        : m_text(text), m_indent(indent), m_scan(text, dialect) {
         m_result.reserve(text.size());
     }
 
@@ -68,31 +70,19 @@ public:
 private:
     /// The line feed behind a comment of one line is not part of it.
     std::size_t commentEnd(std::size_t limit) const {
-        if (m_text.compare(m_position, 2, "/*") == 0) return blockCommentEnd(limit);
+        if (m_text.compare(m_position, 2, "/*") == 0) {
+            const auto start = static_cast<std::uint32_t>(m_position);
+            return std::min<std::size_t>(m_scan.blockCommentEnd(start), limit);
+        }
         std::size_t end = m_position;
         while (end < limit && m_text[end] != '\n')
             ++end;
         return end;
     }
 
-    std::size_t blockCommentEnd(std::size_t limit) const {
-        std::size_t open = 1;
-        std::size_t i = m_position + 2;
-        for (; i < limit && open > 0; ++i) {
-            if (m_text.compare(i, 2, "*/") == 0) {
-                --open;
-                ++i;
-            } else if (m_traits.nestedComments && m_text.compare(i, 2, "/*") == 0) {
-                ++open;
-                ++i;
-            }
-        }
-        return std::min(i, limit);
-    }
-
     std::string_view m_text;
     std::string_view m_indent;
-    const sqlet::LexTraits& m_traits;
+    const sqlet::TextScan m_scan;
     std::size_t m_position = 0;
     std::string m_result;
 };
@@ -103,7 +93,7 @@ std::string dedented(const std::string& text, int dialect) {
     const std::string_view body = withoutSurroundingBlanks(text);
     const std::string_view indent = leadingBlanks(body);
     if (indent.empty()) return std::string(body);
-    Dedenter dedenter(body, indent, sqlet::lexTraits(dialect));
+    Dedenter dedenter(body, indent, dialect);
     for (const sqlet::Token& token : sqlet::lex(body, dialect).tokens) {
         dedenter.dedentTo(token.offset);
         dedenter.copyTo(token.end());
