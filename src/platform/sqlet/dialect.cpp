@@ -113,7 +113,8 @@ constexpr Dialect postgresql() {
     Dialect d;
     d.number = 2;
     setRules(d, standardRules);
-    d.prefixes = "+ - ~ ! !! @ @@ |/ ||/ # @-@ ?- ?| !!=";
+    // % is what client programs put in front of their parameters.
+    d.prefixes = "+ - ~ ! !! @ @@ |/ ||/ # @-@ ?- ?| !!= %";
     d.comparisonWords = standardComparisons.with({K::Ilike, K::Similar, K::Overlaps, K::Escape});
     d.hasPostfixNullTests = true;
     d.hasTypedLiterals = true;
@@ -135,7 +136,7 @@ constexpr Dialect oracle() {
     Dialect d;
     d.number = 3;
     setRules(d, oracleRules);
-    d.prefixes = "+ -";
+    d.prefixes = "+ - :";  // : a, with a blank
     d.comparisonWords = standardComparisons.with(
         {K::Likec, K::Like2, K::Like4, K::Member, K::Submultiset, K::Overlaps, K::Escape});
     d.binaryWords = {K::Multiset, K::Mod};

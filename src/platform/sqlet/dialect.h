@@ -122,7 +122,7 @@ struct Dialect {
     /// name(+).
     bool hasOuterJoinMarks = false;
 
-    /// a < = b, and 'a' | | 'b'.
+    /// a < = b, 'a' | | 'b', and 2 ** 3.
     bool hasBlanksInOperators = false;
 
     /// A string may stand as the alias of a column: behind AS, and without it.

@@ -88,7 +88,7 @@ private:
     void unitOf();
     AfterOperand afterOperand(Reach reach);
     AfterOperand afterOperandSymbol(Reach reach);
-    TokenIndex splitComparison() const;
+    TokenIndex endOfOperator() const;
     AfterOperand afterOperandWord(Reach reach);
     bool isIntervalOf() const;
     bool isBinaryWord(TokenIndex index) const;
@@ -118,6 +118,7 @@ private:
     SqletExpr* compare(const char* op, SqletExpr* left, SqletExpr* right, std::uint32_t parens);
     SqletExpr* leaf(TokenSpan span, std::uint32_t parens);
     SqletExpr* bracketContent(TokenIndex open, TokenIndex close, std::uint32_t parens);
+    bool isSetOperation(TokenIndex open) const;
     ColumnArray listItems(TokenIndex close);
     SqletExpr* makeExpr(ExprForm form, TokenSpan span, std::uint32_t parens);
     bool endsTerm();
@@ -144,6 +145,7 @@ private:
     SqletTable* sources(std::uint32_t parens);
     JoinOperator joinOperator();
     JoinOperator wordJoin();
+    bool isFullJoin() const;
     void joinConditions(std::vector<JoinStep>& steps, std::uint32_t parens);
     JoinStep joinStep(JoinOperator op, std::uint32_t parens);
     std::size_t pendingJoin(const std::vector<JoinStep>& steps) const;

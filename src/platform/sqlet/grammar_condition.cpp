@@ -134,7 +134,7 @@ SqletExpr* Grammar::symbolComparison(TokenSpan left, std::uint32_t parens) {
     const char* op = nullptr;
     if (m_dialect.roleOf(m_parser.textOf(m_position), &op) != OperatorRole::Comparison)
         return nullptr;
-    if (splitComparison() != m_position + 1) return nullptr;
+    if (endOfOperator() != m_position + 1) return nullptr;
     const TokenIndex symbol = m_position;
     advance();
     const TokenSpan right = expression(Reach::Operand);
@@ -195,10 +195,19 @@ SqletExpr* Grammar::inComparison(TokenSpan left, std::uint32_t parens) {
 
 SqletExpr* Grammar::bracketContent(TokenIndex open, TokenIndex close, std::uint32_t parens) {
     const TokenSpan inside = {open + 1, close - 1};
-    if (isQueryStart(open + 1)) return makeExpr(ExprForm::Query, inside, parens);
+    if (isQueryStart(open + 1) || isSetOperation(open + 1))
+        return makeExpr(ExprForm::Query, inside, parens);
     SqletExpr* list = makeExpr(ExprForm::List, inside, parens);
     list->items = listItems(close);
     return list;
+}
+
+/// ( SELECT .. ) UNION ..
+bool Grammar::isSetOperation(TokenIndex open) const {
+    if (at(open).kind != T::LeftParen || m_parser.tokens.partner[open] == noToken) return false;
+    const Keyword behind = at(m_parser.tokens.partner[open] + 1).keyword;
+    return behind == K::Union || behind == K::Except || behind == K::Intersect ||
+           (behind == K::Minus && m_dialect.refusedClauses.contains(K::Minus));
 }
 
 ColumnArray Grammar::listItems(TokenIndex close) {

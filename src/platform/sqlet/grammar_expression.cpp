@@ -335,23 +335,25 @@ Grammar::AfterOperand Grammar::afterOperandSymbol(Reach reach) {
     const char* name = nullptr;
     const OperatorRole role = m_dialect.roleOf(symbol, &name);
     if (role == OperatorRole::Assignment) return AfterOperand::Ends;
-    const TokenIndex split = splitComparison();
-    const bool isLooser = role != OperatorRole::Binary || split > m_position + 1;
-    if (isLooser && reach == Reach::Operand) return AfterOperand::Ends;
-    m_position = split;
+    const TokenIndex behind = endOfOperator();
+    const char last = m_parser.text[m_tokens[behind - 1].offset];
+    const bool isSplitComparison = behind > m_position + 1 && last != '|' && last != '*';
+    if ((role != OperatorRole::Binary || isSplitComparison) && reach == Reach::Operand)
+        return AfterOperand::Ends;
+    m_position = behind;
     return AfterOperand::WantsOperand;
 }
 
-/// Where the operator here ends, which in Oracle may have blanks in it.
-TokenIndex Grammar::splitComparison() const {
+/// One behind the operator here, which in Oracle may have blanks in it.
+TokenIndex Grammar::endOfOperator() const {
     const TokenIndex behind = m_position + 1;
     if (!m_dialect.hasBlanksInOperators || here().length != 1) return behind;
     const char first = m_parser.text[here().offset];
-    const bool isEqual = isSymbol(behind, "=");
+    const bool takesEqual =
+        first == '<' || first == '>' || first == '!' || first == '^' || first == '~';
     const bool isSplit =
-        (isEqual &&
-         (first == '<' || first == '>' || first == '!' || first == '^' || first == '~')) ||
-        (first == '<' && isSymbol(behind, ">")) || (first == '|' && isSymbol(behind, "|"));
+        (takesEqual && isSymbol(behind, "=")) || (first == '<' && isSymbol(behind, ">")) ||
+        (first == '|' && isSymbol(behind, "|")) || (first == '*' && isSymbol(behind, "*"));
     return isSplit ? behind + 1 : behind;
 }
 

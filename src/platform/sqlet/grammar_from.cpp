@@ -115,7 +115,7 @@ Grammar::JoinOperator Grammar::wordJoin() {
         op.isCross = true;
         if (!m_dialect.crossTakesCondition) op.takesCondition = false;
         op.wantsCondition = false;
-    } else if (is(K::Left) || is(K::Right) || is(K::Full)) {
+    } else if (is(K::Left) || is(K::Right) || isFullJoin()) {
         advance();
         op.isOuter = true;
         if (is(K::Outer)) advance();
@@ -144,6 +144,11 @@ Grammar::JoinOperator Grammar::wordJoin() {
         op.words = {m_position - 1, m_position - 1};
     }
     return op;
+}
+
+/// FULL is a name of MySQL.
+bool Grammar::isFullJoin() const {
+    return is(K::Full) && (m_dialect.sourceEnds.contains(K::Full) || nextIs(K::Outer));
 }
 
 void Grammar::joinConditions(std::vector<JoinStep>& steps, std::uint32_t parens) {
@@ -590,6 +595,7 @@ bool Grammar::isBareSourceAlias() const {
     if (token.kind == T::String) return m_dialect.hasStringAliases && m_dialect.number == 4;
     if (token.kind != T::Word) return false;
     if (m_dialect.sourceEnds.contains(token.keyword) || isOffsetClause()) return false;
+    if (is(K::Full) && nextIs(K::Outer)) return false;  // elsewhere an alias of MySQL
     return (token.flags & SQLET_WORD_RESERVED) == 0;
 }
 

@@ -49,8 +49,10 @@ void Grammar::readStatement() {
     refuseUnlessSelect();
     if (m_parser.statementType == SQLET_STATEMENT_OTHER) return;
     m_parser.select = select();
-    for (TokenIndex i = 0; i < brackets; ++i)
-        take(T::RightParen, "')'");
+    for (TokenIndex i = 0; i < brackets; ++i) {
+        refuseClause();
+        take(T::RightParen, m_expectedEnd);
+    }
     if (brackets > 0 && !is(T::End) && !is(T::Semicolon)) {
         refuseClause();
         unsupported(m_position, wordOf(m_position) + " behind a statement in brackets");
@@ -90,6 +92,7 @@ SqletSelect* Grammar::select() {
     if (otherQueries.contains(here().keyword) || dataChanges.contains(here().keyword))
         unsupported(m_position, wordOf(m_position));
     const TokenIndex first = m_position;
+    if (is(T::LeftParen)) unsupported(first, "a query of several in brackets");
     take(K::Select, "SELECT");
     SqletSelect* result = m_parser.arena.make<SqletSelect>(&m_parser);
     const bool hadFetchWords = m_hasFetchWords;
@@ -435,7 +438,7 @@ const char* Grammar::rowCount() {
         if (!is(T::RightParen)) unsupported(first, "a row limit that is no number");
         takeStructure();
     }
-    const bool goesOn = is(T::Operator) && !isSymbol(m_position, "*");  // TOP 5 *
+    const bool goesOn = is(T::Operator) && !takesLimit(TopWord);  // TOP 5 *
     if (goesOn) unsupported(first, "a row limit that is no number");
     return text;
 }
