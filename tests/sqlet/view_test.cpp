@@ -208,6 +208,8 @@ const ViewCase qualifiers[] = {
      "column <ORD.*> parent0=Ord name=*\n"
      "value <ord.id> parent1=Ord name=id\n"
      "column <oRD.x> parent0=Ord name=x"},
+    {SQLite, "SELECT main.ORD.id FROM Ord",
+     "column <main.ORD.id> parent0=main parent1=Ord name=id"},
     {SQLServer, "SELECT 1 FROM t AS A JOIN u b ON a.x = B.x",
      "value <a.x> parent1=A name=x\n"
      "value <B.x> parent1=b name=x"},

@@ -225,10 +225,10 @@ bool ViewSettler::isQualifierKept(Node& node, const NameChain& chain, NamePlace 
     const std::string qualifier = decoded(chain.innermost());
     const SourceScope::Entry& found = m_scope.find(qualifier);
     if (found.count > 1 && (count == 1 || !m_scope.isSurelyMixed())) return false;
-    if (count > 1) return isLongPathKept(chain, place);
-    if (found.count == 0) return place != NamePlace::Condition || !m_scope.isMixed();
-    if (!isPathKept(*found.source, place)) return false;
-    if (qualifier != found.name) textsOf(node, m_parser.arena).parents[0] = found.name;
+    if (found.count == 0 && count == 1) return place != NamePlace::Condition || !m_scope.isMixed();
+    if (count > 1 ? !isLongPathKept(chain, place) : !isPathKept(*found.source, place)) return false;
+    if (found.count == 1 && qualifier != found.name)
+        textsOf(node, m_parser.arena).parents[count - 1] = found.name;
     return true;
 }
 
