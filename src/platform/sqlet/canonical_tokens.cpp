@@ -212,11 +212,16 @@ private:
                 waiting.push_back(expr->right);
             } else if (expr->form == ExprForm::Compare) {
                 markOperand(expr->left, Run::Kind::Operand);
-                markRightSide(expr->right);
+                if (!isNullTest(*expr)) markRightSide(expr->right);
             } else {
                 markOperand(expr, Run::Kind::RightOperand);
             }
         }
+    }
+
+    /// The NULL in it is no operand, but a word of the comparison.
+    static bool isNullTest(const SqletExpr& compare) {
+        return compare.op && std::string_view(compare.op).substr(0, 2) == "IS";
     }
 
     void markRightSide(const SqletExpr* expr) {
@@ -318,11 +323,27 @@ private:
         markImpliedOrder(select);
         m_sources = &sources;
         const TokenIndex firstItem = firstItemOf(select);
-        TokenIndex i = readOptions(span.first, firstItem);
-        while (i <= span.last)
-            i = readNext(i, span.last);
+        readClauses(select, {readOptions(span.first, firstItem), span.last});
         addLimit(select, span.last);
         m_sources = outer;
+    }
+
+    /// HAVING may stand in front of GROUP BY, in Oracle, and means the same behind it.
+    void readClauses(const SqletSelect& select, TokenSpan span) {
+        const TokenSpan group = select.parts[static_cast<int>(Part::GroupBy)];
+        const TokenSpan having = select.parts[static_cast<int>(Part::Having)];
+        const bool isSwapped =
+            !group.isEmpty() && !having.isEmpty() && having.last + 3 == group.first;
+        if (!isSwapped) return readTokens(span);
+        readTokens({span.first, having.first - 2});
+        readTokens({group.first - 2, group.last});
+        readTokens({having.first - 1, having.last});
+        readTokens({group.last + 1, span.last});
+    }
+
+    void readTokens(TokenSpan span) {
+        for (TokenIndex i = span.first; i <= span.last;)
+            i = readNext(i, span.last);
     }
 
     static TokenIndex firstItemOf(const SqletSelect& select) {
@@ -350,9 +371,9 @@ private:
         const TokenSpan item = select.orderBy.items[0]->span;
         const bool isFirstColumn = item.first == item.last && isText(item.first, "1");
         const bool hasLimit = select.limit.count || select.limit.offset;
-        const bool hasDirection = is(item.last + 1, K::Asc) || is(item.last + 1, K::Desc);
-        if (isFirstColumn && hasLimit && !hasDirection)
-            markAs(Run::Kind::Redundant, item.first - 2, item.last);
+        if (!isFirstColumn || !hasLimit || is(item.last + 1, K::Desc)) return;
+        const TokenIndex last = is(item.last + 1, K::Asc) ? item.last + 1 : item.last;
+        markAs(Run::Kind::Redundant, item.first - 2, last);
     }
 
     TokenIndex readNext(TokenIndex i, TokenIndex last) {
@@ -388,7 +409,8 @@ private:
             case K::Notnull:
                 return readNullTest(i, 1, true);
             case K::Not:
-                if (is(i + 1, K::Null) && m_runAt[i + 1] == 0) return readNullTest(i, 2, true);
+                if (is(i + 1, K::Null) && m_runAt[i + 1] == 0 && !is(i - 1, K::Is))
+                    return readNullTest(i, 2, true);
                 break;
             default:
                 break;
@@ -621,15 +643,23 @@ private:
                 case K::Inner:
                 case K::Join:
                     break;
-                default:  // an operator of its own
-                    return readVerbatim(span);
+                default:
+                    return readOwnOperator(span);
             }
         }
-        if (isOuter && side.empty()) return readVerbatim(span);
+        if (isOuter && side.empty()) return readOwnOperator(span);
         const bool isCross = side == "CROSS" && !isNatural && !hasCondition;
         if (isNatural) addWord("NATURAL", span.first);
         if (!side.empty() && (side != "CROSS" || isCross)) addWord(side, span.first);
         addWord("JOIN", span.first);
+    }
+
+    /// CROSS APPLY, PARTITION BY (a) RIGHT JOIN and others without another spelling.
+    void readOwnOperator(TokenSpan span) {
+        for (TokenIndex i = span.first; i <= span.last; ++i) {
+            const bool isName = isNameToken(token(i)) && is(i, K::None);
+            add(isName ? SymbolKind::Name : SymbolKind::Token, i);
+        }
     }
 
     const SqletParser& m_parser;

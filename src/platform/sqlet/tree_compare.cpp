@@ -123,7 +123,8 @@ private:
 
     bool isSameName(const Symbol& a, const Symbol& b) const {
         const bool isInBoth = a.kind != SymbolKind::NameText && b.kind != SymbolKind::NameText;
-        if (isInBoth && isVerbatim(a, b)) return isSameBytes(a, b);
+        // Free text stays as it is; what was a name may be shown as text once it is in quotes.
+        if (isInBoth && (a.flags & SymbolIsVerbatim) != 0) return isSameBytes(a, b);
         if (isInBoth && ((a.flags | b.flags) & SymbolIsUnqualified) != 0 &&
             m_original.isConstant(a) != m_rebuilt.isConstant(b))
             return false;
@@ -136,7 +137,7 @@ private:
         if (isSameBytes(a, b)) return true;
         const bool areBare = m_original.token(a).kind == TokenKind::Word &&
                              m_rebuilt.token(b).kind == TokenKind::Word;
-        return areBare && !isVerbatim(a, b) &&
+        return areBare && (a.flags & SymbolIsVerbatim) == 0 &&
                withoutCase(m_original.bytes(a)) == withoutCase(m_rebuilt.bytes(b));
     }
 
