@@ -31,17 +31,41 @@ void destroyOwnClauses(SQLSelectStmtComponent* statement) {
     destroyColumns(statement->orderByExpr);
 }
 
-/// Every statement among the components of a part. The walk hands out const pointers to what the
-/// caller owns and may change.
-template <typename Root>
-std::vector<SQLSelectStmtComponent*> statementsIn(const Root* root) {
-    std::vector<SQLSelectStmtComponent*> statements;
-    Tools::visitOwnedComponents(root, [&statements](const AbstractQueryComponent* component) {
-        if (const auto* statement = dynamic_cast<const SQLSelectStmtComponent*>(component)) {
-            statements.push_back(const_cast<SQLSelectStmtComponent*>(statement));
-        }
-    });
+using Statements = std::vector<SQLSelectStmtComponent*>;
+
+/// Only a derived table owns a statement, so columns and conditions need no look. The walk hands
+/// out const pointers to what the caller owns and may change.
+void addStatementOf(const AbstractQueryComponent* component, Statements& statements) {
+    const AbstractQueryComponent* owned = component;
+    if (const auto* source = dynamic_cast<const SQLSubquerySourceComponent*>(component))
+        owned = source->subquery;
+    if (const auto* statement = dynamic_cast<const SQLSelectStmtComponent*>(owned))
+        statements.push_back(const_cast<SQLSelectStmtComponent*>(statement));
+}
+
+void addStatementsOf(const SourceNode* tree, Statements& statements) {
+    Tools::visitSourceNodes(
+        tree, [&statements](const SourceNode* node) { addStatementOf(node->value, statements); });
+}
+
+/// Grows @p statements by all that lie deeper.
+Statements withNested(Statements statements) {
+    for (std::size_t i = 0; i < statements.size(); ++i)
+        addStatementsOf(statements[i]->sourceExpr->root, statements);
     return statements;
+}
+
+/// Every statement in a part.
+Statements statementsIn(const AbstractQueryComponent* root) {
+    Statements statements;
+    addStatementOf(root, statements);
+    return withNested(std::move(statements));
+}
+
+Statements statementsIn(const SourceNode* root) {
+    Statements statements;
+    addStatementsOf(root, statements);
+    return withNested(std::move(statements));
 }
 
 template <typename Root>
