@@ -21,12 +21,9 @@ void visitGaps(std::string_view text, DatabaseType type, Visit visit) {
 
 }  // namespace
 
-std::vector<Comment> commentsOf(const std::string& text, QBRange range, DatabaseType type) {
+std::vector<Comment> commentsOf(const std::string& text, DatabaseType type) {
     std::vector<Comment> comments;
-    const auto first = static_cast<std::size_t>(range.location);
-    const std::size_t last = first + static_cast<std::size_t>(range.length);
     visitGaps(text, type, [&](std::size_t start, std::size_t end) {
-        if (start < first || end > last) return;
         const std::string_view gap = std::string_view(text).substr(start, end - start);
         const std::size_t begin = gap.find_first_not_of(blanks);
         if (begin == std::string_view::npos) return;

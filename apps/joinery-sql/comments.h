@@ -14,8 +14,7 @@ struct Comment {
     std::string text;
 };
 
-/// The comments within @p range of @p text.
-std::vector<Comment> commentsOf(const std::string& text, QBRange range, DatabaseType type);
+std::vector<Comment> commentsOf(const std::string& text, DatabaseType type);
 
 /// The comments of @p before that @p after does not have, in order.
 std::vector<Comment> lostComments(const std::vector<Comment>& before,

@@ -60,7 +60,8 @@ private:
 
     ExitCode format(const ParsedStatement& parsed) {
         const std::string formatted = replaceStatement(parsed);
-        const std::vector<Comment> lost = lostIn(formatted, parsed.outcome().statement);
+        const std::vector<Comment> lost = lostComments(commentsOf(m_text, *m_options.dialect),
+                                                       commentsOf(formatted, *m_options.dialect));
         if (!m_options.inPlace) {
             for (const Comment& comment : lost)
                 complain(placePrefix(m_name, m_text, comment.offset) +
@@ -83,14 +84,6 @@ private:
                        static_cast<std::size_t>(range.length), text);
         if (result.back() != '\n') result += usesCarriageReturns(m_text) ? "\r\n" : "\n";
         return result;
-    }
-
-    /// The comments of the statement, which stood at @p range, that @p formatted does not have.
-    std::vector<Comment> lostIn(const std::string& formatted, QBRange range) const {
-        const auto growth = static_cast<std::int32_t>(formatted.size() - m_text.size());
-        const QBRange after{range.location, range.length + growth};
-        return lostComments(commentsOf(m_text, range, *m_options.dialect),
-                            commentsOf(formatted, after, *m_options.dialect));
     }
 
     /// Writes @p formatted only if reading it again gives the same statement.

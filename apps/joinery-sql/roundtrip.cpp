@@ -1,12 +1,14 @@
 #include "apps/joinery-sql/roundtrip.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <fstream>
 
 #include "apps/joinery-sql/dialect_names.h"
 #include "apps/joinery-sql/json_line.h"
@@ -59,7 +61,7 @@ const char* verdictName(QBParseOutcome::Verdict verdict) {
 class RequestReader {
 public:
     /// @p line is borrowed.
-    explicit RequestReader(const std::string& line) {
+    explicit RequestReader(std::string_view line) {
         if (line.size() > largestLine) {
             m_problem = "the line is longer than 1 GiB";
             return;
@@ -182,12 +184,13 @@ public:
     ~LineReader() { std::free(m_buffer); }
 
     /// The next line of standard input without its line feed; the last one may have none.
-    bool next(std::string& line) {
+    /// It lives until the next call.
+    bool next(std::string_view& line) {
         errno = 0;
         const ssize_t length = ::getline(&m_buffer, &m_capacity, stdin);
         if (length < 0) return false;
         const bool hasLineFeed = m_buffer[length - 1] == '\n';
-        line.assign(m_buffer, static_cast<std::size_t>(length) - (hasLineFeed ? 1 : 0));
+        line = {m_buffer, static_cast<std::size_t>(length) - (hasLineFeed ? 1 : 0)};
         return true;
     }
 
@@ -199,12 +202,32 @@ private:
     std::size_t m_capacity = 0;
 };
 
+std::size_t addressSpaceInUse() {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+}
+
+/// Takes at most half of the machine's memory, so that a line that needs more is answered, where
+/// the system would end the process. Leaves alone what lives in a larger space from the start, as
+/// under a sanitizer.
+void limitMemory() {
+    const auto half = static_cast<rlim_t>(::sysconf(_SC_PHYS_PAGES)) / 2 *
+                      static_cast<rlim_t>(::sysconf(_SC_PAGESIZE));
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur <= half) return;
+    if (addressSpaceInUse() >= half) return;
+    limit.rlim_cur = half;
+    ::setrlimit(RLIMIT_AS, &limit);
+}
+
 }  // namespace
 
-std::string answerLine(const std::string& line, const CommandLine& options) {
-    const std::string id = rawMember(line, "id");
+std::string answerLine(std::string_view line, const CommandLine& options) {
+    std::string id = "null";
     bool details = options.details;
     try {
+        id = rawMember(line, "id");
         RequestReader reader(line);
         const Request request = reader.read(options);
         details = request.details;
@@ -219,8 +242,9 @@ std::string answerLine(const std::string& line, const CommandLine& options) {
 }
 
 ExitCode runRoundtrip(const CommandLine& options) {
+    limitMemory();
     LineReader input;
-    std::string line;
+    std::string_view line;
     while (input.next(line)) {
         if (!writeOut(answerLine(line, options) + '\n') || !flushOut()) return ExitIo;
     }

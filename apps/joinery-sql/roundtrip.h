@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "apps/joinery-sql/command_line.h"
 
@@ -11,8 +12,8 @@ namespace QB::Cli {
 /// Returns: ExitOk, whatever the lines were; ExitIo if reading or writing failed.
 ExitCode runRoundtrip(const CommandLine& options);
 
-/// The answer to one line, without a line feed. @p line can hold anything; never throws but for
-/// want of memory.
-std::string answerLine(const std::string& line, const CommandLine& options);
+/// The answer to one line, without a line feed. @p line can hold anything; where memory runs out,
+/// that is the answer.
+std::string answerLine(std::string_view line, const CommandLine& options);
 
 }  // namespace QB::Cli

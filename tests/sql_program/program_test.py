@@ -20,8 +20,8 @@ class Format(ProgramTest):
             (b"\xef\xbb\xbf" + QUERY, b"\xef\xbb\xbf" + WRITTEN + b";\n"),
             (QUERY[:-2], WRITTEN + b"\n"),
             (b"select '\xff\n', '\xc3\xa4' from t", b"SELECT\n\t'\xff\n', \n\t'\xc3\xa4'\nFROM\n\tt\n"),
-            (b"-- x\r\nselect 'a\nb', 'c\r\nd'\r\nfrom t;\r\n",
-             b"-- x\r\nSELECT\r\n\t'a\nb', \r\n\t'c\r\nd'\r\nFROM\r\n\tt;\r\n"),
+            (b"-- x\r\nselect 'a\nb', f('c\r\nd',\r\n1)\r\nfrom t;\r\n",
+             b"-- x\r\nSELECT\r\n\t'a\nb', \r\n\tf('c\r\nd',\r\n1)\r\nFROM\r\n\tt;\r\n"),
         ]
         for given, wanted in cases:
             with self.subTest(given=given):

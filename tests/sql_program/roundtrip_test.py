@@ -1,5 +1,6 @@
 """roundtrip: one answer for each line, whatever the line is."""
 import json
+import resource
 import subprocess
 import unittest
 
@@ -132,6 +133,18 @@ class Roundtrip(ProgramTest):
         first, second, third = map(json.loads, self.answers(given))
         self.assertEqual(first["sql"], f"SELECT\n\t'{text}'")
         self.assertEqual((second["status"], third["status"]), ("rejected", "ok"))
+
+    def test_a_line_for_which_memory_is_short_is_answered(self):
+        limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (400 << 20, resource.RLIM_INFINITY))
+        if self.run_program("--version", preexec_fn=limit).code != OK:
+            self.skipTest("the program does not start in so little memory: a sanitizer")
+        given = [line(id=1, sql="select " + "1," * (30 << 20) + "1"), line(id=2)]
+        run = self.run_program("roundtrip", "--details", given=b"\n".join(given), preexec_fn=limit)
+        self.expect(run, OK)
+        short, next_one = map(json.loads, run.output.splitlines())
+        self.assertEqual((short["id"], short["verdict"]), (1, "internal_error"))
+        self.assertIn("memory", short["message"])
+        self.assertEqual((next_one["id"], next_one["status"]), (2, "ok"))
 
 
 if __name__ == "__main__":
