@@ -113,8 +113,8 @@ constexpr Dialect postgresql() {
     Dialect d;
     d.number = 2;
     setRules(d, standardRules);
-    // % is what client programs put in front of their parameters.
-    d.prefixes = "+ - ~ ! !! @ @@ |/ ||/ # @-@ ?- ?| !!= %";
+    // % and : are what client programs put in front of their parameters.
+    d.prefixes = "+ - ~ ! !! @ @@ |/ ||/ # @-@ ?- ?| !!= % :";
     d.comparisonWords = standardComparisons.with({K::Ilike, K::Similar, K::Overlaps, K::Escape});
     d.hasPostfixNullTests = true;
     d.hasTypedLiterals = true;

@@ -389,6 +389,8 @@ void Grammar::sourceHead(SqletTable* table) {
     if (isReserved && !is(K::Dual)) unexpected("a table");
     nameChain();
     afterName();
+    const bool hasMark = is(T::LeftParen) && isSymbol(m_position + 1, "+");
+    if (hasMark && m_dialect.hasOuterJoinMarks) skipBrackets();  // XMLTABLE(..)(+)
 }
 
 bool Grammar::takeHeadWords() {

@@ -84,8 +84,14 @@ private:
                 return scanOperator();
             case CharClass::Blank:
             case CharClass::Bad:
-                return pushUpTo(m_at + 1, TokenKind::Bad);
+                return isNullEscape() ? pushUpTo(m_at + 2, TokenKind::Parameter)
+                                      : pushUpTo(m_at + 1, TokenKind::Bad);
         }
+    }
+
+    /// \N, which is NULL.
+    bool isNullEscape() const {
+        return traits().backslashEscapes && here() == '\\' && here(1) == 'N';
     }
 
     // Tokens
