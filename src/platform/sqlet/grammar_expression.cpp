@@ -231,8 +231,10 @@ void Grammar::intervalLiteral() {
         if (is(T::Word) && !isComparisonWordAt(m_position) &&
             !neverOperands.contains(here().keyword) &&
             !m_dialect.clauseWords.contains(here().keyword) && here().keyword != K::Desc &&
-            here().keyword != K::Asc)
+            here().keyword != K::Asc) {
             advance();
+            if (is(T::LeftParen)) skipBrackets();
+        }
         return;
     }
     if (!is(T::String) && !is(T::Parameter)) {

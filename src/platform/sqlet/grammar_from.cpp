@@ -146,9 +146,10 @@ Grammar::JoinOperator Grammar::wordJoin() {
     return op;
 }
 
-/// FULL is a name of MySQL.
+/// Where a source is complete. FULL is a name of MySQL, which took it as alias if it could.
 bool Grammar::isFullJoin() const {
-    return is(K::Full) && (m_dialect.sourceEnds.contains(K::Full) || nextIs(K::Outer));
+    return is(K::Full) &&
+           (nextIs(K::Join) || nextIs(K::Outer) || joinHints.contains(next().keyword));
 }
 
 void Grammar::joinConditions(std::vector<JoinStep>& steps, std::uint32_t parens) {
