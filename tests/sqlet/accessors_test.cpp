@@ -20,18 +20,18 @@ Handle parsed(int dialect, const char* text) {
 TEST(Accessors, ShowAWholeStatement) {
     const Handle parser =
         parsed(PostgreSQL,
-               "SELECT DISTINCT a.x AS \"Y\", s.\"T\".*, max(b.z)\n"
+               "SELECT DISTINCT a.x AS \"Y\", \"d\".*, max(b.z)\n"
                "FROM (s.t AS a JOIN b USING (id, \"K\")) LEFT JOIN (SELECT 1) d ON a.i = d.i\n"
                "WHERE a IN (1, b.c) AND (x = 1 OR NOT (y > 2 AND z)) OR NOT w IS NOT NULL\n"
                "GROUP BY a.x HAVING count(*) NOT BETWEEN 3 AND 4 ORDER BY \"Y\" DESC, 2\n"
                "OFFSET 5 ROWS FETCH NEXT 3 ROWS ONLY");
     EXPECT_EQ(
         sqlet_test::dumpAccessors(parser.get()),
-        R"(parts columns[16+29] from[51+69] where[127+67] group[204+3] having[215+28] order[253+11] limit[265+36] statement[0+301]
+        R"(parts columns[16+27] from[49+69] where[125+67] group[202+3] having[213+28] order[251+11] limit[263+36] statement[0+299]
 select distinct
 columns
  column <a.x> parent0=a name=x alias=Y
- column <s."T".*> parent0=s parent1=T name=*
+ column <"d".*> parent0=d name=*
  column <max(b.z)> parent0=b name=z aggregate=max of=b.z
 from
  table <s.t> parent=s name=t alias=a parens=1

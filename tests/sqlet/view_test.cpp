@@ -208,8 +208,12 @@ const ViewCase qualifiers[] = {
      "column <ORD.*> parent0=Ord name=*\n"
      "value <ord.id> parent1=Ord name=id\n"
      "column <oRD.x> parent0=Ord name=x"},
-    {SQLite, "SELECT main.ORD.id FROM Ord",
-     "column <main.ORD.id> parent0=main parent1=Ord name=id"},
+    // With a schema in front: only for a source that bears the name, for the schema may be dropped.
+    {SQLite, "SELECT main.Ord.id, main.ORD.id, main.x.id FROM Ord, t x WHERE main.y.id = 1",
+     "column <main.Ord.id> parent0=main parent1=Ord name=id\n"
+     "column <main.ORD.id>\n"
+     "column <main.x.id>\n"
+     "value <main.y.id>"},
     {SQLServer, "SELECT 1 FROM t AS A JOIN u b ON a.x = B.x",
      "value <a.x> parent1=A name=x\n"
      "value <B.x> parent1=b name=x"},
@@ -227,7 +231,7 @@ const ViewCase qualifiers[] = {
      "column <t.*>\n"
      "value <t.a> parent1=t name=a"},
     // Attributes of a column.
-    {Oracle, "SELECT o.addr.city, s.o.city FROM s.orders o",
+    {Oracle, "SELECT o.addr.city, s.o.city FROM s.o, addr",
      "column <o.addr.city>\n"
      "column <s.o.city> parent0=S parent1=O name=CITY written=city"},
 };

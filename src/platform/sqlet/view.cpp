@@ -66,7 +66,8 @@ private:
     template <typename Node>
     bool isQualifierKept(Node& node, const NameChain& chain, NamePlace place);
     bool isPathKept(const SqletTable& source, NamePlace place) const;
-    bool isLongPathKept(const NameChain& chain, NamePlace place) const;
+    bool isLongPathKept(const NameChain& chain, const SourceScope::Entry& found,
+                        const std::string& tableName, NamePlace place) const;
 
     const Token& token(TokenIndex index) const { return m_parser.tokens[index]; }
     std::string decoded(TokenIndex index) const {
@@ -224,11 +225,11 @@ bool ViewSettler::isQualifierKept(Node& node, const NameChain& chain, NamePlace 
     if (count == 0) return true;
     const std::string qualifier = decoded(chain.innermost());
     const SourceScope::Entry& found = m_scope.find(qualifier);
-    if (found.count > 1 && (count == 1 || !m_scope.isSurelyMixed())) return false;
-    if (found.count == 0 && count == 1) return place != NamePlace::Condition || !m_scope.isMixed();
-    if (count > 1 ? !isLongPathKept(chain, place) : !isPathKept(*found.source, place)) return false;
-    if (found.count == 1 && qualifier != found.name)
-        textsOf(node, m_parser.arena).parents[count - 1] = found.name;
+    if (count > 1) return isLongPathKept(chain, found, qualifier, place);
+    if (found.count > 1) return false;
+    if (found.count == 0) return place != NamePlace::Condition || !m_scope.isMixed();
+    if (!isPathKept(*found.source, place)) return false;
+    if (qualifier != found.name) textsOf(node, m_parser.arena).parents[0] = found.name;
     return true;
 }
 
@@ -241,13 +242,16 @@ bool ViewSettler::isPathKept(const SqletTable& source, NamePlace place) const {
     return depth < 2;  // no server takes more than a.b.c.d for a column
 }
 
-/// The current schema may be dropped from the front.
-bool ViewSettler::isLongPathKept(const NameChain& chain, NamePlace place) const {
+/// The current schema may be dropped from the front, so the table's name alone has to find it.
+bool ViewSettler::isLongPathKept(const NameChain& chain, const SourceScope::Entry& found,
+                                 const std::string& tableName, NamePlace place) const {
     if (place == NamePlace::Wildcard && m_parser.dialect == dialectSQLite) return false;
     // Here a.b.c may also be attribute c of column b.
     const bool hasAttributes =
         m_parser.dialect == dialectOracle || m_parser.dialect == dialectSQLServer;
-    return !hasAttributes || m_scope.find(decoded(chain.first)).count == 0;
+    if (hasAttributes && m_scope.find(decoded(chain.first)).count > 0) return false;
+    if (found.count > 1) return m_scope.isSurelyMixed();
+    return found.count == 1 && found.source->alias == noToken && tableName == found.name;
 }
 
 // ---- coverage -------------------------------------------------------------------------------
