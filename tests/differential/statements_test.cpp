@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "differential/adversarial_schema.h"
+#include "differential/examination.h"
 #include "differential/session_fixture.h"
 #include "differential/statement_file.h"
 
@@ -22,7 +23,31 @@ std::vector<StatementCase> statementsOf(const LiveServer& server) {
     return statements;
 }
 
-class Statements : public OnAdversarialSchema {};
+class Statements : public OnAdversarialSchema {
+protected:
+    void expectRefused(const StatementCase& statement, const Examination& examination,
+                       const Answer& original) {
+        if (examination.result != Examined::RefusedByParser) {
+            ADD_FAILURE() << statement.where << " is not refused\n"
+                          << describe(examination, statement.sql, original);
+            return;
+        }
+        EXPECT_NE(examination.outcome.message.find(statement.refusal), std::string::npos)
+            << statement.where << "\n"
+            << examination.outcome.message;
+        EXPECT_GE(examination.outcome.error.location, 0) << statement.where;
+    }
+
+    void expectKept(const StatementCase& statement, const Examination& examination,
+                    const Answer& original) {
+        Examined worst = statement.mayChangeLabels ? Examined::OtherLabels : Examined::Same;
+        if (statement.changesByContract) worst = Examined::RefusedByServer;
+        EXPECT_LE(examination.result, worst) << statement.where << "\n"
+                                             << describe(examination, statement.sql, original);
+        EXPECT_TRUE(!statement.changesByContract || examination.result == Examined::OtherRows)
+            << statement.where << " no longer changes; mend the file";
+    }
+};
 
 TEST_P(Statements, AreAcceptedByTheServerAsTheyStand) {
     for (const StatementCase& statement : statementsOf(GetParam())) {
@@ -31,6 +56,20 @@ TEST_P(Statements, AreAcceptedByTheServerAsTheyStand) {
         const bool mustHaveRows = statement.hasRows && !statement.isRefused;
         EXPECT_TRUE(!answer.rows.empty() || !mustHaveRows)
             << statement.where << " " << statement.name;
+    }
+}
+
+TEST_P(Statements, KeepTheirMeaningOrAreRefused) {
+    for (const StatementCase& statement : statementsOf(GetParam())) {
+        const std::string schema =
+            statement.hasSchema ? statement.schema : mainSchema(GetParam().family);
+        const Answer original = session->ask(statement.sql);
+        const Examination examination = examine(*session, statement.sql, original, schema);
+        if (statement.isRefused) {
+            expectRefused(statement, examination, original);
+        } else {
+            expectKept(statement, examination, original);
+        }
     }
 }
 

@@ -255,8 +255,7 @@ SELECT id FROM o ORDER BY id LIMIT 1 + 1
 --: refused
 SELECT id FROM o ORDER BY id LIMIT (SELECT 2)
 
---- LIMIT in hexadecimal keeps its value or is refused
---: refused
+--- LIMIT in hexadecimal
 SELECT id FROM o ORDER BY id LIMIT 0x2
 
 --- LIMIT in brackets
