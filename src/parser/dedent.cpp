@@ -57,8 +57,7 @@ public:
             } else if (m_text[m_position] == '\n') {
                 m_result += '\n';
                 ++m_position;
-                if (m_text.compare(m_position, m_indent.size(), m_indent) == 0)
-                    m_position += m_indent.size();
+                skipIndent();
             } else {
                 m_result += m_text[m_position++];
             }
@@ -68,6 +67,15 @@ public:
     std::string takeResult() { return std::move(m_result); }
 
 private:
+    /// Of further tabs one stays: two are the least indentation of a derived table in generated
+    /// text, and would be taken for it when that text is parsed.
+    void skipIndent() {
+        if (m_text.compare(m_position, m_indent.size(), m_indent) == 0)
+            m_position += m_indent.size();
+        while (m_text.compare(m_position, 2, "\t\t") == 0)
+            ++m_position;
+    }
+
     /// The line feed behind a comment of one line is not part of it.
     std::size_t commentEnd(std::size_t limit) const {
         if (m_text.compare(m_position, 2, "/*") == 0) {
@@ -92,7 +100,7 @@ private:
 std::string dedented(const std::string& text, int dialect) {
     const std::string_view body = withoutSurroundingBlanks(text);
     const std::string_view indent = leadingBlanks(body);
-    if (indent.empty()) return std::string(body);
+    if (indent.empty() && body.find("\n\t\t") == std::string_view::npos) return std::string(body);
     Dedenter dedenter(body, indent, dialect);
     for (const sqlet::Token& token : sqlet::lex(body, dialect).tokens) {
         dedenter.dedentTo(token.offset);

@@ -367,7 +367,12 @@ private:
 
     /// SQL Server takes no limit without an order, so this one is written for none.
     void markImpliedOrder(const SqletSelect& select) {
-        if (m_parser.dialect != dialectSQLServer || select.orderBy.count != 1) return;
+        if (m_parser.dialect != dialectSQLServer) return;
+        const TokenSpan limit = select.parts[static_cast<int>(Part::Limit)];
+        const bool isDropped = select.orderBy.count == 0 && !limit.isEmpty() && limit.first >= 3 &&
+                               is(limit.first - 3, K::Order) && isText(limit.first - 1, "1");
+        if (isDropped) markAs(Run::Kind::Redundant, limit.first - 3, limit.first - 1);
+        if (select.orderBy.count != 1) return;
         const TokenSpan item = select.orderBy.items[0]->span;
         const bool isFirstColumn = item.first == item.last && isText(item.first, "1");
         const bool hasLimit = select.limit.count || select.limit.offset;

@@ -211,6 +211,7 @@ private:
     const char* rowOffset();
     const char* decimal(TokenIndex number, bool isNegative);
     void settleLimit(SqletSelect& select);
+    void dropMadeUpOrder(SqletSelect& select);
     TokenSpan spanFrom(TokenIndex first) const { return {first, m_position - 1}; }
 
     ColumnArray arrayOf(const std::vector<SqletColumn*>& columns);

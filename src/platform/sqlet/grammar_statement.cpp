@@ -465,8 +465,25 @@ const char* Grammar::decimal(TokenIndex number, bool isNegative) {
 }
 
 void Grammar::settleLimit(SqletSelect& select) {
+    dropMadeUpOrder(select);
     if (!m_hasFetchWords) return;
     select.limit.fetchOption = select.limit.offset ? "NEXT" : "FIRST";
+}
+
+/// SQL Server limits rows only in some order, so a TOP is generated as ORDER BY 1 OFFSET 0 ROWS
+/// FETCH NEXT n ROWS ONLY. Read back it is the same limit, without an order that nobody chose.
+void Grammar::dropMadeUpOrder(SqletSelect& select) {
+    const Limit& limit = select.limit;
+    const bool isForm = takesLimit(TopWord) && limit.count && limit.offset &&
+                        std::string_view(limit.offset) == "0" && select.orderBy.count == 1;
+    if (!isForm) return;
+    const SqletColumn& only = *select.orderBy.items[0];
+    const TokenSpan part = select.parts[static_cast<int>(Part::OrderBy)];
+    if (part.first != part.last || m_parser.textOf(only.span) != "1") return;
+    structure(part);
+    select.orderBy = {};
+    select.parts[static_cast<int>(Part::OrderBy)] = {};
+    select.limit.offset = nullptr;
 }
 
 ColumnArray Grammar::arrayOf(const std::vector<SqletColumn*>& columns) {
