@@ -3,6 +3,8 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include "apps/joinery-desk/sql_file.h"
+
 namespace QB::Desk {
 namespace {
 
@@ -15,14 +17,17 @@ public:
         m_parser.setApplicationDescription(text(QT_TRANSLATE_NOOP(
             "CommandLine",
             "Composes SQL queries on a SQLite database: pick tables, watch the text grow, run "
-            "it.\n\nWithout FILE it opens the database used last, or else a sample database. "
+            "it.\n\nWithout a database it opens the one used last, or else a sample database. "
             "Databases are only read, never written.\n\nExit codes: 0 all went well, 1 wrong "
             "command line, 2 the database could not be opened, 3 no such table, 4 the query "
-            "failed, 5 the deadline has passed, 6 the picture could not be written.")));
+            "failed, 5 the deadline has passed, 6 the picture could not be written, 7 the SQL "
+            "text could not be read or was refused.")));
         m_parser.addPositionalArgument(QStringLiteral("FILE"),
-                                       text(QT_TRANSLATE_NOOP("CommandLine", "A SQLite database.")),
-                                       QStringLiteral("[FILE]"));
-        m_parser.addOptions({m_sample, m_add, m_run, m_screenshot, m_size, m_scale, m_theme,
+                                       text(QT_TRANSLATE_NOOP("CommandLine",
+                                                              "A SQLite database, or SQL text in "
+                                                              "a file named *.sql, or both.")),
+                                       QStringLiteral("[FILE...]"));
+        m_parser.addOptions({m_sample, m_sql, m_add, m_run, m_screenshot, m_size, m_scale, m_theme,
                              m_language, m_settings, m_deadline});
         m_help.append(m_parser.addHelpOption().names());
         m_version.append(m_parser.addVersionOption().names());
@@ -61,10 +66,16 @@ private:
 
     /// Returns: empty, or what is wrong.
     QString read(CommandLine& options) const {
-        const QStringList files = m_parser.positionalArguments();
-        if (files.size() > 1)
+        QStringList databases;
+        QStringList texts = m_parser.values(m_sql);
+        for (const QString& file : m_parser.positionalArguments())
+            (isSqlFileName(file) ? texts : databases).append(file);
+        if (databases.size() > 1)
             return text(QT_TRANSLATE_NOOP("CommandLine", "Only one database can be opened."));
-        options.file = files.value(0);
+        if (texts.size() > 1)
+            return text(QT_TRANSLATE_NOOP("CommandLine", "Only one SQL text can be opened."));
+        options.file = databases.value(0);
+        options.sqlFile = texts.value(0);
         options.wantsSample = m_parser.isSet(m_sample);
         options.tables = m_parser.values(m_add);
         options.run = m_parser.isSet(m_run);
@@ -82,6 +93,7 @@ private:
         const QStringList themes = {QStringLiteral("system"), QStringLiteral("light"),
                                     QStringLiteral("dark")};
         if (m_parser.isSet(m_theme) && !themes.contains(options.theme)) return wrongValue(m_theme);
+        if (m_parser.isSet(m_sql) && options.sqlFile.isEmpty()) return wrongValue(m_sql);
         if (m_parser.isSet(m_screenshot) && options.screenshot.isEmpty())
             return wrongValue(m_screenshot);
         if (m_parser.isSet(m_size)) options.size = parseSize(m_parser.value(m_size));
@@ -116,6 +128,12 @@ private:
     const QCommandLineOption m_sample{
         QStringLiteral("sample"),
         text(QT_TRANSLATE_NOOP("CommandLine", "Open the sample database."))};
+    const QCommandLineOption m_sql{
+        QStringLiteral("sql"),
+        text(QT_TRANSLATE_NOOP("CommandLine",
+                               "Open SQL text in the SQL tab, and load it into the builder if it "
+                               "is accepted.")),
+        QStringLiteral("FILE")};
     const QCommandLineOption m_add{
         QStringLiteral("add"),
         text(QT_TRANSLATE_NOOP("CommandLine",
@@ -154,7 +172,8 @@ private:
     const QCommandLineOption m_deadline{
         QStringLiteral("deadline"),
         text(QT_TRANSLATE_NOOP(
-            "CommandLine", "How long --add, --run and --screenshot may take; 30 if not given.")),
+            "CommandLine",
+            "How long --sql, --add, --run and --screenshot may take; 30 if not given.")),
         QStringLiteral("SECONDS")};
 };
 

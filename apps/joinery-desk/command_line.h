@@ -15,10 +15,12 @@ enum ExitCode {
     ExitQueryFailed = 4,
     ExitDeadline = 5,  ///< the scripted start took too long
     ExitNoImage = 6,   ///< the picture could not be written
+    ExitNoText = 7,    ///< the SQL text could not be read, or was refused
 };
 
 struct CommandLine {
-    QString file;
+    QString file;     ///< a database
+    QString sqlFile;  ///< to open in the SQL tab
     bool wantsSample = false;
     QStringList tables;  ///< to add: "table" or "schema.table"
     bool run = false;
@@ -29,7 +31,9 @@ struct CommandLine {
     QString settingsFile;
     int deadlineMs = 30000;
 
-    bool isScripted() const { return !tables.isEmpty() || run || !screenshot.isEmpty(); }
+    bool isScripted() const {
+        return !tables.isEmpty() || !sqlFile.isEmpty() || run || !screenshot.isEmpty();
+    }
 };
 
 struct CommandLineResult {

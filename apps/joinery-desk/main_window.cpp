@@ -24,6 +24,8 @@
 #include "apps/joinery-desk/message_bar.h"
 #include "apps/joinery-desk/result_grid.h"
 #include "apps/joinery-desk/sample_database.h"
+#include "apps/joinery-desk/sql_file.h"
+#include "apps/joinery-desk/sql_tab.h"
 #include "apps/joinery-desk/window_actions.h"
 #include "apps/joinery-desk/workspace.h"
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
@@ -65,20 +67,25 @@ void check(const QActionGroup* group, const QString& data) {
 
 }  // namespace
 
-MainWindow::MainWindow(QSettings* settings, const QString& sampleFile, QWidget* parent)
+MainWindow::MainWindow(QSettings* settings, const QString& sampleFile, const QueryParsing& parsing,
+                       QWidget* parent)
     : QMainWindow(parent)
     , m_settings(settings)
     , m_sampleFile(sampleFile)
-    , m_recentFiles(settings)
+    , m_recentFiles(settings, QStringLiteral("recentFiles"))
+    , m_recentTexts(settings, QStringLiteral("recentTexts"))
     , m_actions(new WindowActions(this))
     , m_builder(new QBQueryBuilderWidget)
+    , m_sqlTab(new SqlTab(parsing))
     , m_grid(new ResultGrid)
     , m_messageBar(new MessageBar)
     , m_splitter(new QSplitter(Qt::Vertical)) {
     setAcceptDrops(true);
     setUpContent();
     setUpBuilder();
+    setUpSqlTab();
     connectActions();
+    connectTextActions();
     connect(m_grid, &ResultGrid::runningChanged, this, &MainWindow::updateActions);
     HostKit::setErrorHandler(
         [this](const std::string& text) { showError(QString::fromStdString(text)); });
@@ -119,7 +126,8 @@ void MainWindow::setUpBuilder() {
         for (const auto which : {QDialogButtonBox::Yes, QDialogButtonBox::Ok})
             box->button(which)->setIcon(QIcon());
     }
-    connect(m_builder, &QBQueryBuilderWidget::okDialogButtonClicked, this, &MainWindow::takeQuery);
+    connect(m_builder, &QBQueryBuilderWidget::okDialogButtonClicked, this,
+            [this](const QString&, bool run) { takeQuery(run); });
     connect(objectTree(), &QBDiagramObjectTreePanelWidget::signalTreeSettled, this,
             &MainWindow::showDefaultSchema);
 }
@@ -139,8 +147,10 @@ void MainWindow::connectActions() {
     connect(m_actions->reload, &QAction::triggered, this,
             [this] { m_workspace->session()->reloadCandidates(); });
     connect(m_actions, &WindowActions::recentFileTriggered, this, &MainWindow::openFile);
+    connect(m_actions, &WindowActions::recentTextTriggered, this, &MainWindow::openTextFile);
     connect(m_actions->clearRecent, &QAction::triggered, this, [this] {
         m_recentFiles.clear();
+        m_recentTexts.clear();
         updateRecentFiles();
     });
     connect(m_actions->themes, &QActionGroup::triggered, this, [this](const QAction* action) {
@@ -180,8 +190,13 @@ void MainWindow::openLast() {
     openFile(last);
 }
 
+void MainWindow::openAnyFile(const QString& file) {
+    isSqlFileName(file) ? openTextFile(file) : openFile(file);
+}
+
 void MainWindow::openFile(const QString& file) {
-    if (!confirmDiscard()) return;
+    // Text in the SQL tab stays there, so only the query is at stake.
+    if (!confirmDiscardQuery()) return;
     // Nothing is ever written: the builder makes SELECT statements only.
     auto settings = HostKit::ConnectionSettings::sqliteFile(QFileInfo(file).absoluteFilePath());
     settings.readOnly = true;
@@ -257,8 +272,8 @@ bool MainWindow::isDatabaseShown() const {
     return m_isSchemaLoaded && objectTree()->isSettled();
 }
 
-bool MainWindow::confirmDiscard() {
-    if (!m_isQueryUnsaved) return true;
+bool MainWindow::confirmDiscardQuery() {
+    if (!m_isQueryUnsaved || m_sqlTab->holdsQuery()) return true;
     const auto answer = QMessageBox::question(
         this, tr("Discard the query?"),
         tr("The query has been changed since its text was last copied or run. Discard it?"),
@@ -269,20 +284,25 @@ bool MainWindow::confirmDiscard() {
 // ---- The query
 
 void MainWindow::startQuery() {
-    if (!m_workspace || !confirmDiscard()) return;
+    if (!m_workspace || !confirmDiscardText() || !confirmDiscardQuery()) return;
     adopt(m_workspace->database());
+    m_sqlTab->startAnew();
 }
 
-void MainWindow::runQuery() {
-    if (m_workspace) takeQuery(QString::fromStdString(m_workspace->engine()->buildQuery()), true);
+/// Who looks at a text that was never applied means that text, not the query behind it.
+void MainWindow::takeQuery(bool run) {
+    if (!m_workspace) return;
+    if (!isTextInFront() || !m_sqlTab->hasUnappliedText()) return takeBuiltQuery(run);
+    m_sqlTab->apply([this, run](bool isApplied) {
+        if (isApplied) return takeBuiltQuery(run);
+        showNote(tr("The SQL text is not applied, so nothing was done."));
+        editText();
+    });
 }
 
-void MainWindow::copyQuery() {
-    if (m_workspace) takeQuery(QString::fromStdString(m_workspace->engine()->buildQuery()), false);
-}
-
-void MainWindow::takeQuery(const QString& text, bool run) {
-    if (!confirmIncompleteQuery()) return;
+void MainWindow::takeBuiltQuery(bool run) {
+    if (!m_workspace || !confirmIncompleteQuery()) return;
+    const QString text = QString::fromStdString(m_workspace->engine()->buildQuery());
     m_isQueryUnsaved = false;
     if (run) return m_grid->run(text);
     QApplication::clipboard()->setText(text);
@@ -325,10 +345,11 @@ void MainWindow::updateActions() {
         for (const auto which : {QDialogButtonBox::Yes, QDialogButtonBox::Ok})
             box->button(which)->setEnabled(hasDatabase);
     m_actions->stop->setEnabled(m_grid->isRunning());
+    updateTextActions();
 }
 
 void MainWindow::updateRecentFiles() {
-    m_actions->setRecentFiles(m_recentFiles.files());
+    m_actions->setRecentFiles(m_recentFiles.files(), m_recentTexts.files());
 }
 
 void MainWindow::showAbout() {
@@ -351,6 +372,7 @@ void MainWindow::setLanguage(const QString& code) {
 void MainWindow::retranslate() {
     m_actions->retranslate();
     m_builder->setAccessibleName(tr("Query builder"));
+    updateTextActions();
     updateTitle();
 }
 
@@ -386,7 +408,7 @@ void MainWindow::changeEvent(QEvent* event) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (!confirmDiscard()) return event->ignore();
+    if (!confirmDiscardText() || !confirmDiscardQuery()) return event->ignore();
     m_isQueryUnsaved = false;
     saveState();
     QMainWindow::closeEvent(event);
@@ -403,7 +425,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
     if (file.isEmpty()) return;
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    openFile(file);
+    openAnyFile(file);
 }
 
 void MainWindow::keyPressEvent(QKeyEvent* event) {

@@ -4,6 +4,7 @@
 #include <QString>
 #include <memory>
 
+#include "apps/joinery-desk/query_parsing.h"
 #include "apps/joinery-desk/recent_files.h"
 #include "apps/joinery-desk/theme.h"
 
@@ -22,6 +23,7 @@ namespace QB::Desk {
 
 class MessageBar;
 class ResultGrid;
+class SqlTab;
 class WindowActions;
 class Workspace;
 
@@ -33,7 +35,8 @@ class MainWindow : public QMainWindow {
 public:
     /// @param settings not owned: outlives the window. The sample database lies beside its file if
     /// @p sampleFile says so.
-    MainWindow(QSettings* settings, const QString& sampleFile, QWidget* parent = nullptr);
+    MainWindow(QSettings* settings, const QString& sampleFile,
+               const QueryParsing& parsing = libraryParsing(), QWidget* parent = nullptr);
     ~MainWindow() override;
 
     /// Opens a SQLite database in the background; databaseOpened() or openFailed() follows. On an
@@ -42,15 +45,21 @@ public:
     void openSample();
     /// The file opened last if it is still there, else the sample.
     void openLast();
+    /// Opens a file with SQL text in the SQL tab, where it is applied if it is accepted. Asks the
+    /// user first when typed text would be lost. SqlTab::fileOpened() or fileFailed() follows.
+    void openTextFile(const QString& file);
+    /// One or the other, by the name of the file.
+    void openAnyFile(const QString& file);
     bool isOpening() const { return m_isOpening; }
 
     /// True when the tables of the default schema are in the tree.
     bool isDatabaseShown() const;
 
-    /// Builds the query and runs it; nothing without a database.
-    void runQuery();
-    /// Builds the query and puts its text on the clipboard.
-    void copyQuery();
+    /// Builds the query and runs it; nothing without a database. With the SQL tab in front, text in
+    /// it that is new is applied before, and nothing runs if it is refused.
+    void runQuery() { takeQuery(true); }
+    /// Puts its text on the clipboard. The same otherwise.
+    void copyQuery() { takeQuery(false); }
 
     void setTheme(Theme theme);
     /// A code such as "de", empty for the system's.
@@ -59,6 +68,7 @@ public:
     QBQueryBuilderWidget* builder() const { return m_builder; }
     QBDiagramObjectTreePanelWidget* objectTree() const;
     ResultGrid* resultGrid() const { return m_grid; }
+    SqlTab* sqlTab() const { return m_sqlTab; }
     MessageBar* messageBar() const { return m_messageBar; }
     Workspace* workspace() const { return m_workspace.get(); }
 
@@ -78,7 +88,9 @@ protected:
 private:
     void setUpContent();
     void setUpBuilder();
+    void setUpSqlTab();
     void connectActions();
+    void connectTextActions();
     void retranslate();
     void chooseFile();
     void finishOpening(const QString& file, const HostKit::Database& database,
@@ -86,9 +98,20 @@ private:
     void adopt(const HostKit::Database& database);
     void connectEngine();
     void startQuery();
-    void takeQuery(const QString& text, bool run);
+    void takeQuery(bool run);
+    void takeBuiltQuery(bool run);
     bool confirmIncompleteQuery();
-    bool confirmDiscard();
+    bool confirmDiscardQuery();
+    bool confirmDiscardText();
+    bool confirmReplacingQuery(const QString& reason);
+    void editText();
+    void chooseTextFile();
+    bool saveText();
+    bool saveTextAs();
+    bool saveTextTo(const QString& file);
+    bool confirmOverwriting();
+    bool isTextInFront() const;
+    void updateTextActions();
     void showDefaultSchema();
     void showError(const QString& text);
     void showNote(const QString& text);
@@ -102,10 +125,12 @@ private:
     QSettings* m_settings;  // not owned
     const QString m_sampleFile;
     RecentFiles m_recentFiles;
+    RecentFiles m_recentTexts;
     ThemeSwitcher m_themeSwitcher;
     std::unique_ptr<Workspace> m_workspace;  // null while no database is open
     WindowActions* m_actions;                // owned by the widget
     QBQueryBuilderWidget* m_builder;         // owned by the widget, destroyed before the workspace
+    SqlTab* m_sqlTab;                        // owned by the builder
     ResultGrid* m_grid;                      // owned by the widget
     MessageBar* m_messageBar;                // owned by the widget
     QSplitter* m_splitter;                   // owned by the widget

@@ -6,8 +6,6 @@
 namespace QB::Desk {
 namespace {
 
-const char* const key = "recentFiles";
-
 QString absolutePath(const QString& file) {
     return QFileInfo(file).absoluteFilePath();
 }
@@ -15,7 +13,7 @@ QString absolutePath(const QString& file) {
 }  // namespace
 
 QStringList RecentFiles::files() const {
-    return m_settings->value(QLatin1String(key)).toStringList();
+    return m_settings->value(m_key).toStringList();
 }
 
 void RecentFiles::add(const QString& file) {
@@ -36,7 +34,7 @@ void RecentFiles::clear() {
 }
 
 void RecentFiles::store(const QStringList& files) {
-    m_settings->setValue(QLatin1String(key), files);
+    m_settings->setValue(m_key, files);
 }
 
 }  // namespace QB::Desk

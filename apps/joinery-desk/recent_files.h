@@ -12,8 +12,8 @@ class RecentFiles {
 public:
     static constexpr int limit = 10;
 
-    /// @param settings not owned: outlives the list.
-    explicit RecentFiles(QSettings* settings) : m_settings(settings) {}
+    /// @param settings not owned: outlives the list. @param key where it lies in them.
+    RecentFiles(QSettings* settings, const QString& key) : m_settings(settings), m_key(key) {}
 
     QStringList files() const;
     /// Puts @p file to the front, by its absolute path.
@@ -25,6 +25,7 @@ private:
     void store(const QStringList& files);
 
     QSettings* m_settings;  // not owned
+    const QString m_key;
 };
 
 }  // namespace QB::Desk

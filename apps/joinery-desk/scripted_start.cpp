@@ -7,6 +7,7 @@
 
 #include "apps/joinery-desk/main_window.h"
 #include "apps/joinery-desk/result_grid.h"
+#include "apps/joinery-desk/sql_tab.h"
 #include "apps/joinery-desk/workspace.h"
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
 #include "frame/abstract_query_preview_panel_widget.h"
@@ -35,6 +36,7 @@ ScriptedStart::ScriptedStart(MainWindow* window, const CommandLine& options)
             [this](const QString& message) { m_openError = message; });
     connect(window, &MainWindow::sourcesChanged, this, [this] { ++m_sourceChanges; });
     m_steps.push_back([this] { return waitForDatabase(); });
+    if (!options.sqlFile.isEmpty()) planText(options.sqlFile);
     for (const QString& table : options.tables)
         planAdding(table);
     m_steps.push_back([this] { return waitForPreview(); });
@@ -79,6 +81,27 @@ ScriptedStart::Progress ScriptedStart::fail(ExitCode code, const QString& messag
 ScriptedStart::Progress ScriptedStart::waitForDatabase() {
     if (!m_openError.isEmpty()) return fail(ExitNoDatabase, m_openError);
     return m_window->isDatabaseShown() ? Progress::Done : Progress::Wait;
+}
+
+void ScriptedStart::planText(const QString& file) {
+    connect(m_window->sqlTab(), &SqlTab::fileFailed, this, [this](const QString& message) {
+        m_isTextSettled = true;
+        m_textError = message;
+    });
+    connect(m_window->sqlTab(), &SqlTab::fileSettled, this, [this](bool isApplied) {
+        m_isTextSettled = true;
+        m_isTextApplied = isApplied;
+    });
+    m_steps.push_back([this, file] {
+        m_window->openTextFile(file);
+        return Progress::Done;
+    });
+    m_steps.push_back([this] { return m_isTextSettled ? Progress::Done : Progress::Wait; });
+    m_steps.push_back([this] {
+        if (m_isTextApplied) return Progress::Done;
+        return fail(ExitNoText,
+                    m_textError.isEmpty() ? m_window->sqlTab()->message() : m_textError);
+    });
 }
 
 void ScriptedStart::planAdding(const QString& table) {

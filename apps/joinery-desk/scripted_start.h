@@ -15,9 +15,9 @@ namespace QB::Desk {
 
 class MainWindow;
 
-/// Does by itself what a user would do after the start: waits for the database, adds tables, runs
-/// the query, takes a picture. Each step begins when the one before has really come to its end.
-/// The window has been told to open its database. Main thread.
+/// Does by itself what a user would do after the start: waits for the database, opens SQL text,
+/// adds tables, runs the query, takes a picture. Each step begins when the one before has really
+/// come to its end. The window has been told to open its database. Main thread.
 class ScriptedStart : public QObject {
     Q_OBJECT
 
@@ -34,6 +34,7 @@ private:
     /// Called again and again until it is done.
     using Step = std::function<Progress()>;
 
+    void planText(const QString& file);
     void planAdding(const QString& table);
     void planRun();
     Progress waitForDatabase();
@@ -53,6 +54,9 @@ private:
     const QString m_pictureFile;  // empty: none is wanted
     int m_sourceChanges = 0;
     int m_awaitedChanges = 0;
+    bool m_isTextSettled = false;
+    bool m_isTextApplied = false;
+    QString m_textError;
     bool m_hasRunEnded = false;
     QString m_openError;
     QString m_runError;

@@ -21,7 +21,11 @@ WindowActions::WindowActions(QMainWindow* window)
     open = add(file, QT_TR_NOOP("&Open Database…"), QKeySequence::Open);
     recent = addMenu(file, QT_TR_NOOP("Open &Recent"));
     clearRecent = add(recent, QT_TR_NOOP("&Clear List"));
-    openSample = add(file, QT_TR_NOOP("Open &Sample Database"));
+    openSample = add(file, QT_TR_NOOP("Open Sam&ple Database"));
+    file->addSeparator();
+    openText = add(file, QT_TR_NOOP("Open SQL &Text…"), Qt::CTRL + Qt::SHIFT + Qt::Key_O);
+    saveText = add(file, QT_TR_NOOP("&Save SQL Text"), QKeySequence::Save);
+    saveTextAs = add(file, QT_TR_NOOP("Save SQL Text &As…"));
     file->addSeparator();
     reload = add(file, QT_TR_NOOP("Re&load Objects"), Qt::CTRL + Qt::Key_R);
     file->addSeparator();
@@ -35,6 +39,15 @@ WindowActions::WindowActions(QMainWindow* window)
     stop = add(query, QT_TR_NOOP("&Stop"), Qt::Key_Escape);
     query->addSeparator();
     copyText = add(query, QT_TR_NOOP("&Copy SQL Text"), Qt::CTRL + Qt::SHIFT + Qt::Key_S);
+
+    query->addSeparator();
+    editText = add(query, QT_TR_NOOP("&Edit SQL Text"), Qt::CTRL + Qt::Key_E);
+    // In the text Ctrl+Return applies it; in the whole window that key runs the query.
+    applyText = add(query, QT_TR_NOOP("&Apply SQL Text"));
+    undoApply = add(query, QT_TR_NOOP("&Undo Apply"), Qt::CTRL + Qt::ALT + Qt::Key_Z);
+    redoApply = add(query, QT_TR_NOOP("Red&o Apply"), Qt::CTRL + Qt::ALT + Qt::Key_Y);
+    loadText = add(query, QT_TR_NOOP("Load SQL Text from &Builder"));
+    goToError = add(query, QT_TR_NOOP("&Go to Error"), Qt::Key_F8);
 
     QMenu* view = addMenu(nullptr, QT_TR_NOOP("&View"));
     QMenu* theme = addMenu(view, QT_TR_NOOP("&Theme"));
@@ -87,21 +100,31 @@ void WindowActions::retranslate() {
         action->setText(tr(text));
 }
 
-void WindowActions::setRecentFiles(const QStringList& files) {
+void WindowActions::setRecentFiles(const QStringList& databases, const QStringList& texts) {
     const QList<QAction*> old = recent->actions();
     for (QAction* action : old)
         if (action != clearRecent) recent->removeAction(action);
-    QAction* const line = recent->insertSeparator(clearRecent);
-    for (int i = 0; i < files.size(); ++i) {
-        QString name = QDir::toNativeSeparators(files[i]);
+    m_recentCount = 0;
+    addRecent(databases, &WindowActions::recentFileTriggered, clearRecent);
+    addRecent(texts, &WindowActions::recentTextTriggered, clearRecent);
+    recent->setEnabled(!databases.isEmpty() || !texts.isEmpty());
+}
+
+/// A group with a line below it; the first ones in the menu have their number as a key.
+void WindowActions::addRecent(const QStringList& files,
+                              void (WindowActions::*triggered)(const QString&), QAction* before) {
+    for (const QString& file : files) {
+        QString name = QDir::toNativeSeparators(file);
         name.replace(QLatin1Char('&'), QLatin1String("&&"));
-        auto* action =
-            new QAction(i < 9 ? QStringLiteral("&%1  %2").arg(i + 1).arg(name) : name, recent);
-        connect(action, &QAction::triggered, this,
-                [this, file = files[i]] { Q_EMIT recentFileTriggered(file); });
-        recent->insertAction(line, action);
+        const int number = ++m_recentCount;
+        auto* action = new QAction(
+            number < 10 ? QStringLiteral("&%1  %2").arg(number).arg(name) : name, recent);
+        connect(action, &QAction::triggered, this, [this, triggered, file] {
+            Q_EMIT(this->*triggered)(file);
+        });
+        recent->insertAction(before, action);
     }
-    recent->setEnabled(!files.isEmpty());
+    if (!files.isEmpty()) recent->insertSeparator(before);
 }
 
 }  // namespace QB::Desk

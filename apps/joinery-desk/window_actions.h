@@ -22,12 +22,13 @@ public:
     explicit WindowActions(QMainWindow* window);
 
     void retranslate();
-    /// Fills the menu of recent files; the data of each action is the file.
-    void setRecentFiles(const QStringList& files);
+    /// Fills the menu of recent files: databases, and SQL texts below them.
+    void setRecentFiles(const QStringList& databases, const QStringList& texts);
 
     // All owned by the window.
-    QAction *open, *openSample, *reload, *quit;
+    QAction *open, *openSample, *openText, *saveText, *saveTextAs, *reload, *quit;
     QAction *newQuery, *run, *stop, *copyText;
+    QAction *editText, *applyText, *undoApply, *redoApply, *loadText, *goToError;
     QAction* about;
     QMenu* recent;
     QAction* clearRecent;
@@ -36,15 +37,19 @@ public:
 
 Q_SIGNALS:
     void recentFileTriggered(const QString& file);
+    void recentTextTriggered(const QString& file);
 
 private:
     QAction* add(QMenu* menu, const char* text, const QKeySequence& keys = QKeySequence());
     QMenu* addMenu(QMenu* parent, const char* text);
     void addChoice(QMenu* menu, QActionGroup* group, const char* text, const QString& data);
     void addLanguages(QMenu* menu);
+    void addRecent(const QStringList& files, void (WindowActions::*triggered)(const QString&),
+                   QAction* before);
 
     QMainWindow* m_window;  // not owned: the parent
     QVector<std::pair<QAction*, const char*>> m_texts;
+    int m_recentCount = 0;
 };
 
 }  // namespace QB::Desk

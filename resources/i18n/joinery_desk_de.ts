@@ -11,22 +11,6 @@
 <context>
     <name>CommandLine</name>
     <message>
-        <source>Composes SQL queries on a SQLite database: pick tables, watch the text grow, run it.
-
-Without FILE it opens the database used last, or else a sample database. Databases are only read, never written.
-
-Exit codes: 0 all went well, 1 wrong command line, 2 the database could not be opened, 3 no such table, 4 the query failed, 5 the deadline has passed, 6 the picture could not be written.</source>
-        <translation>Stellt SQL-Abfragen auf einer SQLite-Datenbank zusammen: Tabellen wählen, den Text wachsen sehen, ausführen.
-
-Ohne FILE wird die zuletzt benutzte Datenbank geöffnet, sonst eine Beispieldatenbank. Datenbanken werden nur gelesen, nie geschrieben.
-
-Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ sich nicht öffnen, 3 keine solche Tabelle, 4 die Abfrage schlug fehl, 5 die Frist ist verstrichen, 6 das Bild ließ sich nicht schreiben.</translation>
-    </message>
-    <message>
-        <source>A SQLite database.</source>
-        <translation>Eine SQLite-Datenbank.</translation>
-    </message>
-    <message>
         <source>Only one database can be opened.</source>
         <translation>Es kann nur eine Datenbank geöffnet werden.</translation>
     </message>
@@ -75,8 +59,32 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
         <translation>Einstellungen in FILE halten, und die Beispieldatenbank daneben, statt in den Ordnern des Benutzers.</translation>
     </message>
     <message>
-        <source>How long --add, --run and --screenshot may take; 30 if not given.</source>
-        <translation>Wie lange --add, --run und --screenshot dauern dürfen; ohne Angabe 30.</translation>
+        <source>Composes SQL queries on a SQLite database: pick tables, watch the text grow, run it.
+
+Without a database it opens the one used last, or else a sample database. Databases are only read, never written.
+
+Exit codes: 0 all went well, 1 wrong command line, 2 the database could not be opened, 3 no such table, 4 the query failed, 5 the deadline has passed, 6 the picture could not be written, 7 the SQL text could not be read or was refused.</source>
+        <translation>Stellt SQL-Abfragen auf einer SQLite-Datenbank zusammen: Tabellen wählen, den Text wachsen sehen, ausführen.
+
+Ohne Datenbank wird die zuletzt benutzte geöffnet, sonst eine Beispieldatenbank. Datenbanken werden nur gelesen, nie geschrieben.
+
+Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ sich nicht öffnen, 3 keine solche Tabelle, 4 die Abfrage schlug fehl, 5 die Frist ist verstrichen, 6 das Bild ließ sich nicht schreiben, 7 der SQL-Text ließ sich nicht lesen oder wurde abgelehnt.</translation>
+    </message>
+    <message>
+        <source>A SQLite database, or SQL text in a file named *.sql, or both.</source>
+        <translation>Eine SQLite-Datenbank, oder SQL-Text in einer Datei namens *.sql, oder beides.</translation>
+    </message>
+    <message>
+        <source>Only one SQL text can be opened.</source>
+        <translation>Es kann nur ein SQL-Text geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>Open SQL text in the SQL tab, and load it into the builder if it is accepted.</source>
+        <translation>SQL-Text auf der SQL-Seite öffnen und in den Generator laden, wenn er angenommen wird.</translation>
+    </message>
+    <message>
+        <source>How long --sql, --add, --run and --screenshot may take; 30 if not given.</source>
+        <translation>Wie lange --sql, --add, --run und --screenshot dauern dürfen; ohne Angabe 30.</translation>
     </message>
 </context>
 <context>
@@ -133,6 +141,54 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <source>Query builder</source>
         <translation>Abfragegenerator</translation>
     </message>
+    <message>
+        <source>The SQL text is not applied, so nothing was done.</source>
+        <translation>Der SQL-Text ist nicht angewendet, darum geschah nichts.</translation>
+    </message>
+    <message>
+        <source>Open SQL Text</source>
+        <translation>SQL-Text öffnen</translation>
+    </message>
+    <message>
+        <source>SQL text (*.sql);;All files (*)</source>
+        <translation>SQL-Text (*.sql);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Save SQL Text</source>
+        <translation>SQL-Text speichern</translation>
+    </message>
+    <message>
+        <source>The SQL text is saved.</source>
+        <translation>Der SQL-Text ist gespeichert.</translation>
+    </message>
+    <message>
+        <source>The file has changed</source>
+        <translation>Die Datei hat sich geändert</translation>
+    </message>
+    <message>
+        <source>Somebody else has written &quot;%1&quot; since it was opened. Write over it?</source>
+        <translation>Seit dem Öffnen hat jemand anderes „%1“ geschrieben. Überschreiben?</translation>
+    </message>
+    <message>
+        <source>Save the SQL text?</source>
+        <translation>SQL-Text speichern?</translation>
+    </message>
+    <message>
+        <source>The SQL text has been edited and is not saved.</source>
+        <translation>Der SQL-Text wurde bearbeitet und ist nicht gespeichert.</translation>
+    </message>
+    <message>
+        <source>Replace the query?</source>
+        <translation>Abfrage ersetzen?</translation>
+    </message>
+    <message>
+        <source>Parts of the present query cannot be brought back once it is replaced, because they are incomplete or cannot be written as SQL text.</source>
+        <translation>Teile der jetzigen Abfrage lassen sich nach dem Ersetzen nicht zurückholen, weil sie unvollständig sind oder sich nicht als SQL-Text schreiben lassen.</translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>E&amp;rsetzen</translation>
+    </message>
 </context>
 <context>
     <name>QB::Desk::MessageBar</name>
@@ -147,6 +203,13 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
     <message>
         <source>Close this message</source>
         <translation>Diese Meldung schließen</translation>
+    </message>
+</context>
+<context>
+    <name>QB::Desk::QueryApplier</name>
+    <message>
+        <source>The builder did not take the text, although it was accepted before. The query is as it was.</source>
+        <translation>Der Generator hat den Text nicht übernommen, obwohl er zuvor angenommen wurde. Die Abfrage ist, wie sie war.</translation>
     </message>
 </context>
 <context>
@@ -252,6 +315,108 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
     </message>
 </context>
 <context>
+    <name>QB::Desk::SqlChecker</name>
+    <message>
+        <source>The text could not be checked.</source>
+        <translation>Der Text ließ sich nicht prüfen.</translation>
+    </message>
+</context>
+<context>
+    <name>QB::Desk::SqlTab</name>
+    <message>
+        <source>The text was edited while &quot;%1&quot; was read, so it stays. Open the file again.</source>
+        <translation>Während „%1“ gelesen wurde, wurde der Text bearbeitet; darum bleibt er. Bitte die Datei noch einmal öffnen.</translation>
+    </message>
+    <message>
+        <source>Applying…</source>
+        <translation>Wird angewendet …</translation>
+    </message>
+    <message>
+        <source>Open a database: its family decides how the text is read.</source>
+        <translation>Bitte eine Datenbank öffnen: ihre Art entscheidet, wie der Text gelesen wird.</translation>
+    </message>
+    <message>
+        <source>Type or paste a SELECT statement, or open a file.</source>
+        <translation>Eine SELECT-Anweisung eingeben oder einfügen, oder eine Datei öffnen.</translation>
+    </message>
+    <message>
+        <source>Checking…</source>
+        <translation>Wird geprüft …</translation>
+    </message>
+    <message>
+        <source>Accepted. The builder has another query.</source>
+        <translation>Angenommen. Der Generator hat eine andere Abfrage.</translation>
+    </message>
+    <message>
+        <source>The query in the builder has been changed since this text was applied.</source>
+        <translation>Die Abfrage im Generator wurde geändert, seit dieser Text angewendet wurde.</translation>
+    </message>
+    <message>
+        <source>This is the query in the builder.</source>
+        <translation>Das ist die Abfrage im Generator.</translation>
+    </message>
+    <message>
+        <source>The lines of the file ended in several ways; here, and when it is saved, they all end alike.</source>
+        <translation>Die Zeilen der Datei endeten verschieden; hier, und beim Speichern, enden sie alle gleich.</translation>
+    </message>
+    <message>
+        <source>Line %1, column %2</source>
+        <translation>Zeile %1, Spalte %2</translation>
+    </message>
+    <message>
+        <source>SQL</source>
+        <translation>SQL</translation>
+    </message>
+    <message>
+        <source>%1 for %2</source>
+        <translation>%1 für %2</translation>
+    </message>
+    <message>
+        <source>SQL text</source>
+        <translation>SQL-Text</translation>
+    </message>
+    <message>
+        <source>Tab indents; Ctrl+Tab goes on to the next field, Ctrl+Shift+Tab back.</source>
+        <translation>Tab rückt ein; Strg+Tab geht zum nächsten Feld weiter, Strg+Umschalt+Tab zurück.</translation>
+    </message>
+    <message>
+        <source>Place of the cursor</source>
+        <translation>Ort der Schreibmarke</translation>
+    </message>
+    <message>
+        <source>&amp;Go to error</source>
+        <translation>Zum Feh&amp;ler</translation>
+    </message>
+    <message>
+        <source>Put the cursor where the error is (F8)</source>
+        <translation>Die Schreibmarke an den Fehler setzen (F8)</translation>
+    </message>
+    <message>
+        <source>Fr&amp;om builder</source>
+        <translation>Aus Genera&amp;tor</translation>
+    </message>
+    <message>
+        <source>Show the text of the query in the builder here; undo brings this text back</source>
+        <translation>Den Text der Abfrage im Generator hier zeigen; Rückgängig holt diesen Text zurück</translation>
+    </message>
+    <message>
+        <source>&amp;Undo apply</source>
+        <translation>&amp;Zurücknehmen</translation>
+    </message>
+    <message>
+        <source>Give the builder the query back that it had before this text was applied</source>
+        <translation>Dem Generator die Abfrage zurückgeben, die er vor dem Anwenden hatte</translation>
+    </message>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>An&amp;wenden</translation>
+    </message>
+    <message>
+        <source>Load this text into the builder (Ctrl+Return)</source>
+        <translation>Diesen Text in den Generator laden (Strg+Eingabe)</translation>
+    </message>
+</context>
+<context>
     <name>QB::Desk::WindowActions</name>
     <message>
         <source>&amp;File</source>
@@ -268,10 +433,6 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
     <message>
         <source>&amp;Clear List</source>
         <translation>Liste &amp;leeren</translation>
-    </message>
-    <message>
-        <source>Open &amp;Sample Database</source>
-        <translation>&amp;Beispieldatenbank öffnen</translation>
     </message>
     <message>
         <source>Re&amp;load Objects</source>
@@ -333,12 +494,83 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <source>&amp;About Joinery</source>
         <translation>&amp;Über Joinery</translation>
     </message>
+    <message>
+        <source>Open Sam&amp;ple Database</source>
+        <translation>Beis&amp;pieldatenbank öffnen</translation>
+    </message>
+    <message>
+        <source>Open SQL &amp;Text…</source>
+        <translation>SQL-&amp;Text öffnen …</translation>
+    </message>
+    <message>
+        <source>&amp;Save SQL Text</source>
+        <translation>SQL-Text &amp;speichern</translation>
+    </message>
+    <message>
+        <source>Save SQL Text &amp;As…</source>
+        <translation>SQL-Text speichern &amp;unter …</translation>
+    </message>
+    <message>
+        <source>&amp;Edit SQL Text</source>
+        <translation>SQL-Text &amp;bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Apply SQL Text</source>
+        <translation>SQL-Text an&amp;wenden</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Apply</source>
+        <translation>Anwenden &amp;zurücknehmen</translation>
+    </message>
+    <message>
+        <source>Red&amp;o Apply</source>
+        <translation>Anwenden w&amp;iederholen</translation>
+    </message>
+    <message>
+        <source>Load SQL Text from &amp;Builder</source>
+        <translation>SQL-Text aus &amp;Generator laden</translation>
+    </message>
+    <message>
+        <source>&amp;Go to Error</source>
+        <translation>Zum Feh&amp;ler</translation>
+    </message>
 </context>
 <context>
     <name>SampleDatabase</name>
     <message>
         <source>The sample database &quot;%1&quot; could not be written: %2</source>
         <translation>Die Beispieldatenbank „%1“ ließ sich nicht schreiben: %2</translation>
+    </message>
+</context>
+<context>
+    <name>SqlFile</name>
+    <message>
+        <source>&quot;%1&quot; is too large: it has %2, and at most %3 are opened.</source>
+        <translation>„%1“ ist zu groß: die Datei hat %2, und höchstens %3 werden geöffnet.</translation>
+    </message>
+    <message>
+        <source>There is no file &quot;%1&quot;.</source>
+        <translation>Es gibt keine Datei „%1“.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is a folder, not a file with SQL text.</source>
+        <translation>„%1“ ist ein Ordner, keine Datei mit SQL-Text.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a regular file.</source>
+        <translation>„%1“ ist keine gewöhnliche Datei.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be read: %2</source>
+        <translation>„%1“ lässt sich nicht lesen: %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not UTF-8: in line %2 there are bytes that are no character.</source>
+        <translation>„%1“ ist kein UTF-8: in Zeile %2 stehen Bytes, die kein Zeichen sind.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be written: %2</source>
+        <translation>„%1“ lässt sich nicht schreiben: %2</translation>
     </message>
 </context>
 </TS>

@@ -109,6 +109,7 @@ void QBQueryBuilderWidget::localizeControls() {
     describe(ui->objectTreeButton, Tolk::TextToggleObjectTree);
     describe(ui->previewButton, Tolk::TextTogglePreview);
     ui->tabWidget->setAccessibleName(Tolk::localize(Tolk::TextClauses));
+    if (m_diagramTabs != nullptr) m_diagramTabs->setTabText(0, Tolk::localize(Tolk::TextDiagram));
 }
 
 void QBQueryBuilderWidget::updateButtonIcons() {
@@ -180,6 +181,22 @@ QBTopLevelElementPanelWidget* QBQueryBuilderWidget::findPanel(
     for (QBTopLevelElementPanelWidget* panel : panels)
         if (panel->firstRelatedElement() == element) return panel;
     return nullptr;
+}
+
+QTabWidget* QBQueryBuilderWidget::obtainDiagramTabs() {
+    if (m_diagramTabs != nullptr) return m_diagramTabs;
+    const QList<int> widths = ui->horizontalSplitter->sizes();
+    m_diagramTabs = new QTabWidget;
+    m_diagramTabs->setObjectName(QStringLiteral("diagramTabs"));
+    m_diagramTabs->setDocumentMode(true);
+    m_diagramTabs->setSizePolicy(ui->diagramPanel->sizePolicy());
+    ui->horizontalSplitter->replaceWidget(ui->horizontalSplitter->indexOf(ui->diagramPanel),
+                                          m_diagramTabs);
+    m_diagramTabs->addTab(ui->diagramPanel, QString());
+    m_diagramTabs->show();
+    ui->horizontalSplitter->setSizes(widths);
+    localizeControls();
+    return m_diagramTabs;
 }
 
 void QBQueryBuilderWidget::selectPanel(TopLevelQueryComponentElementEnum element) {
@@ -275,9 +292,10 @@ bool QBQueryBuilderWidget::focusNextPrevChild(bool next) {
 }
 
 void QBQueryBuilderWidget::arrangeTabOrder() {
-    const std::array<QWidget*, 6> areas = {ui->objectTreePanel,  ui->diagramPanel,
-                                           ui->previewContainer, ui->paneBar,
-                                           ui->tabWidget,        ui->buttonBox};
+    QWidget* middle = ui->diagramPanel;
+    if (m_diagramTabs != nullptr) middle = m_diagramTabs;
+    const std::array<QWidget*, 6> areas = {ui->objectTreePanel, middle,        ui->previewContainer,
+                                           ui->paneBar,         ui->tabWidget, ui->buttonBox};
     std::array<std::vector<QWidget*>, 6> stops;
     for (QWidget* widget = nextInFocusChain(); widget != this;
          widget = widget->nextInFocusChain()) {

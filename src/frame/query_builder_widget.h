@@ -10,6 +10,8 @@
 #include "model/export.h"
 #include "model/vocabulary.h"
 
+class QTabWidget;
+
 namespace Ui {
 class QBQueryBuilderWidget;
 }
@@ -52,6 +54,10 @@ public:
     /// Sets the tabs for the engine's present family and version. A panel that loses its tab is
     /// kept for the time when the tab comes back.
     void renewPanelsIfNeeded();
+
+    /// The tabs of the middle of the diagram area, for a host that has pages of its own to show
+    /// beside the diagram, which is the first page. Without this call there are no such tabs.
+    QTabWidget* obtainDiagramTabs();
 
     /// Makes the tab of that clause the current one; nothing if there is none.
     void selectPanel(TopLevelQueryComponentElementEnum element);
@@ -107,6 +113,7 @@ private:
     QBEngine_LINUX* m_engine = nullptr;  // not owned: m_emitter tells whether it still lives
     QPointer<QObject> m_emitter;         // not owned: the engine's signal emitter
     QBAbstractQueryPreviewPanelWidget* m_previewPanel = nullptr;  // not owned: a child
+    QTabWidget* m_diagramTabs = nullptr;  // not owned: a child; null until asked for
     const std::vector<ClauseTab> m_clauseTabs;
     /// By tab; null until the tab was needed.
     std::vector<QBTopLevelElementPanelWidget*> m_clausePanels;  // not owned: children

@@ -37,13 +37,18 @@ bool isColored(const QTextBlock& line) {
 struct Colors {
     std::array<QRgb, 6> tokens;  // by SqlTokenKind
     QRgb mark;
+    QRgb error;
 };
 
 // Each stands out from its background with a contrast of at least 4.5 to 1.
 constexpr Colors lightColors = {
-    {0xff0033b3, 0xff7a3e9d, 0xff067d17, 0xffb02a00, 0xff6a737d, 0xff00627a}, 0xffffeaa8};
+    {0xff0033b3, 0xff7a3e9d, 0xff067d17, 0xffb02a00, 0xff6a737d, 0xff00627a},
+    0xffffeaa8,
+    0xffd01c1c};
 constexpr Colors darkColors = {
-    {0xff7aa6ff, 0xffc792ea, 0xff8fce7a, 0xfff0a36b, 0xff9aa5b1, 0xff6fd3e3}, 0xff5a4a12};
+    {0xff7aa6ff, 0xffc792ea, 0xff8fce7a, 0xfff0a36b, 0xff9aa5b1, 0xff6fd3e3},
+    0xff5a4a12,
+    0xffff7070};
 
 /// Where the platform names no fixed-width font, Qt answers with the general one.
 QFont fixedWidthFont() {
@@ -197,6 +202,17 @@ void QBSqlTextView::setMarks(const std::vector<TextSpan>& spans) {
     showMarks();
 }
 
+void QBSqlTextView::setErrorSpan(TextSpan span) {
+    if (span == errorSpan()) return;
+    m_error = span.length > 0 ? cursorOver(span) : QTextCursor();
+    showMarks();
+}
+
+TextSpan QBSqlTextView::errorSpan() const {
+    if (m_error.isNull() || !m_error.hasSelection()) return TextSpan();
+    return {m_error.selectionStart(), m_error.selectionEnd() - m_error.selectionStart()};
+}
+
 void QBSqlTextView::showMarks() {
     QList<QTextEdit::ExtraSelection> selections;
     for (const TextSpan span : m_marks) {
@@ -205,6 +221,7 @@ void QBSqlTextView::showMarks() {
         selection.cursor = cursorOver(span);
         selections.append(selection);
     }
+    if (!m_error.isNull()) selections.append({m_error, m_errorFormat});
     setExtraSelections(selections);
 }
 
@@ -213,6 +230,8 @@ void QBSqlTextView::updateColors() {
     for (std::size_t kind = 0; kind < m_formats.size(); ++kind)
         m_formats[kind].setForeground(QColor(colors.tokens[kind]));
     m_markFormat.setBackground(QColor(colors.mark));
+    m_errorFormat.setUnderlineStyle(QTextCharFormat::WaveUnderline);
+    m_errorFormat.setUnderlineColor(QColor(colors.error));
     forgetColors();
     colorVisibleLines();
     showMarks();

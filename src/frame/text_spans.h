@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "model/export.h"
 #include "model/vocabulary.h"
 
 namespace QB {
@@ -28,7 +29,7 @@ struct TextDifference {
 
 /// UTF-8 @p text as a document holds it: each of "\r\n", "\r" and the separators that Qt reads as
 /// the end of a block becomes one "\n".
-QString documentText(const std::string& text);
+QB_EXPORT QString documentText(const std::string& text);
 
 /// @p range with the indentation in front of it: where only white space stands between the start
 /// and the line feed before it, the range begins behind that line feed.
@@ -37,9 +38,10 @@ QBRange widenedOverIndentation(const std::string& text, QBRange range);
 /// Where ranges of bytes of the UTF-8 @p text stand in documentText(text). What lies beyond the
 /// text is cut off, and a range without text is left out. In order of @p ranges. One pass over the
 /// text.
-std::vector<TextSpan> documentSpans(const std::string& text, const std::vector<QBRange>& ranges);
+QB_EXPORT std::vector<TextSpan> documentSpans(const std::string& text,
+                                              const std::vector<QBRange>& ranges);
 
 /// The shortest difference in one piece; splits no surrogate pair.
-TextDifference differenceBetween(const QString& oldText, const QString& newText);
+QB_EXPORT TextDifference differenceBetween(const QString& oldText, const QString& newText);
 
 }  // namespace QB

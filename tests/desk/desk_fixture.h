@@ -1,7 +1,11 @@
 #pragma once
 
+#include <QApplication>
 #include <QDialogButtonBox>
+#include <QDropEvent>
 #include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSettings>
@@ -9,6 +13,7 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 #include <memory>
 
@@ -22,12 +27,35 @@
 
 namespace QB::Test {
 
+/// Clicks a button of the next modal box.
+inline void answerNextBox(QMessageBox::StandardButton answer, int* boxes) {
+    auto* timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, answer, boxes] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box) return;
+        ++*boxes;
+        timer->deleteLater();
+        timer->stop();
+        QTest::mouseClick(box->button(answer), Qt::LeftButton);
+    });
+    timer->start(10);
+}
+
+inline void sendDrop(QWidget* target, const QMimeData& data) {
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(target, &enter);
+    if (!enter.isAccepted()) return;
+    QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(target, &drop);
+}
+
 /// The window on the screen, with settings of its own, and what a user would look at and reach for.
 class DeskFixture {
 public:
-    DeskFixture()
+    explicit DeskFixture(const Desk::QueryParsing& parsing = Desk::libraryParsing())
         : settings(folder.filePath("settings.ini"), QSettings::IniFormat)
-        , window(std::make_unique<Desk::MainWindow>(&settings, folder.filePath("sample.sqlite"))) {
+        , window(std::make_unique<Desk::MainWindow>(&settings, folder.filePath("sample.sqlite"),
+                                                    parsing)) {
         window->setLanguage("en");
         window->show();
     }

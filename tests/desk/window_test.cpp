@@ -1,9 +1,5 @@
-#include <QApplication>
 #include <QClipboard>
-#include <QDropEvent>
 #include <QMenuBar>
-#include <QMessageBox>
-#include <QMimeData>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -13,7 +9,9 @@
 #include "hostkit/threads.h"
 #include "model/callbacks.h"
 
+using QB::Test::answerNextBox;
 using QB::Test::DeskFixture;
+using QB::Test::sendDrop;
 using QB::Test::SqliteFile;
 
 namespace {
@@ -29,28 +27,6 @@ const char* const endless =
     "SELECT count(*) AS number FROM n;"
     "CREATE VIEW stream AS WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) "
     "SELECT i FROM n;";
-
-/// Clicks a button of the next modal box.
-void answerNextBox(QMessageBox::StandardButton answer, int* boxes) {
-    auto* timer = new QTimer(qApp);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, answer, boxes] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box) return;
-        ++*boxes;
-        timer->deleteLater();
-        timer->stop();
-        QTest::mouseClick(box->button(answer), Qt::LeftButton);
-    });
-    timer->start(10);
-}
-
-void sendDrop(QWidget* target, const QMimeData& data) {
-    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QApplication::sendEvent(target, &enter);
-    if (!enter.isAccepted()) return;
-    QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QApplication::sendEvent(target, &drop);
-}
 
 }  // namespace
 

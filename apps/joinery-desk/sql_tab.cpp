@@ -1,0 +1,512 @@
+#include "apps/joinery-desk/sql_tab.h"
+
+#include <QAccessible>
+#include <QDir>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QStyle>
+#include <QTextBlock>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include "apps/joinery-desk/builder_text.h"
+#include "apps/joinery-desk/sql_editor.h"
+#include "engine/engine_linux.h"
+#include "hostkit/threads.h"
+
+namespace QB::Desk {
+namespace {
+
+constexpr int pauseMs = 250;     // without typing, before the text is checked
+constexpr int patienceMs = 700;  // without an answer, before the earlier one is taken away
+
+bool isApplyKey(const QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    return isReturn && (event->modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier;
+}
+
+void describe(QAbstractButton* button, const QString& text, const QString& hint) {
+    button->setText(text);
+    button->setToolTip(hint);
+    button->setAccessibleDescription(hint);
+}
+
+}  // namespace
+
+SqlTab::SqlTab(const QueryParsing& parsing, QWidget* parent)
+    : QWidget(parent)
+    , m_editor(new SqlEditor)
+    , m_icon(new QLabel)
+    , m_message(new QLabel)
+    , m_place(new QLabel)
+    , m_goToError(new QToolButton)
+    , m_load(new QPushButton)
+    , m_undo(new QPushButton)
+    , m_apply(new QPushButton)
+    , m_builderText(new BuilderText(this))
+    , m_checker(parsing.check)
+    , m_applier(new QueryApplier(parsing, m_builderText, this)) {
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(pauseMs);
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patienceMs);
+    setUpLayout();
+    connectParts();
+    retranslate();
+}
+
+SqlTab::~SqlTab() = default;
+
+void SqlTab::setUpLayout() {
+    m_editor->setObjectName(QStringLiteral("sqlEditor"));
+    m_message->setObjectName(QStringLiteral("sqlMessage"));
+    m_goToError->setObjectName(QStringLiteral("sqlGoToError"));
+    m_place->setObjectName(QStringLiteral("sqlPlace"));
+    m_load->setObjectName(QStringLiteral("sqlLoad"));
+    m_undo->setObjectName(QStringLiteral("sqlUndo"));
+    m_apply->setObjectName(QStringLiteral("sqlApply"));
+    m_message->setTextFormat(Qt::PlainText);
+    m_message->setWordWrap(true);
+    m_message->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_goToError->setFocusPolicy(Qt::StrongFocus);
+    m_goToError->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    for (QPushButton* button : {m_load, m_undo, m_apply})
+        button->setAutoDefault(false);
+
+    auto* told = new QHBoxLayout;
+    told->addWidget(m_icon, 0, Qt::AlignTop);
+    told->addWidget(m_message, 1, Qt::AlignVCenter);
+    told->addWidget(m_goToError, 0, Qt::AlignTop);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(m_place, 1);
+    buttons->addWidget(m_load);
+    buttons->addWidget(m_undo);
+    buttons->addWidget(m_apply);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_editor, 1);
+    layout->addLayout(told);
+    layout->addLayout(buttons);
+    setFocusProxy(m_editor);
+}
+
+void SqlTab::connectParts() {
+    connect(m_editor, &QPlainTextEdit::textChanged, this, &SqlTab::takeEdit);
+    connect(m_editor, &QPlainTextEdit::cursorPositionChanged, this, &SqlTab::showPlace);
+    connect(m_editor->document(), &QTextDocument::modificationChanged, this, &SqlTab::changed);
+    connect(&m_pause, &QTimer::timeout, this, &SqlTab::checkNow);
+    connect(&m_patience, &QTimer::timeout, this, &SqlTab::showMessage);
+    connect(&m_checker, &SqlChecker::checked, this, &SqlTab::takeResult);
+    connect(m_builderText, &QBPanelWidget::engineSet, this, &SqlTab::connectEngine);
+    connect(m_builderText, &BuilderText::ready, this, &SqlTab::takeBuilderText);
+    connect(m_applier, &QueryApplier::ended, this, &SqlTab::takeApplied);
+    connect(m_goToError, &QToolButton::clicked, this, &SqlTab::goToError);
+    connect(m_load, &QPushButton::clicked, this, &SqlTab::loadFromBuilder);
+    connect(m_undo, &QPushButton::clicked, this, &SqlTab::undoApply);
+    connect(m_apply, &QPushButton::clicked, this, [this] { apply(); });
+}
+
+// ---- The engine
+
+void SqlTab::connectEngine() {
+    m_applier->reset();
+    m_heldText.reset();
+    using Emitter = QBEngineSignalEmitter;
+    const Emitter* emitter = engine()->signalEmitter();
+    connect(emitter, &Emitter::databaseTypeChanged, this, &SqlTab::recheck);
+    connect(emitter, &Emitter::currentSchemaChanged, this, &SqlTab::recheck);
+    connect(emitter, &Emitter::topLevelQueryComponentLayerChanged, this, [this] {
+        followBuilder();
+        showState();
+    });
+    connect(emitter, &Emitter::topLevelQueryComponentElementModified, this,
+            [this](QBEngine* sending, const QSet<TopLevelQueryComponentElementEnum>&, int,
+                   void* sender) {
+                // The engine itself announces what a load has replaced.
+                if (sender != static_cast<void*>(sending)) m_isBuilderChanged = true;
+                followBuilder();
+                showState();
+            });
+    recheck();
+    followBuilder();
+}
+
+QBEngine_LINUX* SqlTab::engine() const {
+    return m_builderText->engine();
+}
+
+DatabaseType SqlTab::family() const {
+    return engine() ? engine()->databaseType() : DatabaseTypeNone;
+}
+
+long SqlTab::statementId() const {
+    const auto* statement = engine() ? engine()->currentTopLevelQueryComponent() : nullptr;
+    return statement ? statement->id() : -1;
+}
+
+// ---- Text from the builder
+
+void SqlTab::followBuilder() {
+    if (m_isFollowing && isVisible() && !m_isFileWaiting) m_builderText->request();
+}
+
+void SqlTab::loadFromBuilder() {
+    if (!engine()) return;
+    m_isBuilderWanted = true;
+    m_builderText->request();
+}
+
+void SqlTab::takeBuilderText() {
+    const bool isWanted = std::exchange(m_isBuilderWanted, false);
+    // The applier asks for the text, too.
+    if (!isWanted && (!m_isFollowing || m_applier->isBusy() || m_isFileWaiting)) return;
+    {
+        const QScopedValueRollback<bool> guard(m_isFilling, true);
+        m_editor->replaceText(documentText(m_builderText->text()));
+        if (m_file.path.isEmpty()) m_editor->document()->setModified(false);
+    }
+    m_isFollowing = true;
+    m_heldText.reset();
+    showState();
+}
+
+// ---- Checking
+
+void SqlTab::takeEdit() {
+    if (!m_isFilling) m_isFollowing = false;
+    m_isTextNew = !m_isFilling;
+    m_isFileWaiting = false;
+    recheck();
+}
+
+void SqlTab::recheck() {
+    m_editor->setFamily(family());
+    m_checker.cancel();
+    m_result.reset();
+    m_checked.reset();
+    m_applyError.clear();
+    m_pause.start();
+    if (!m_patience.isActive()) m_patience.start();
+    showState();
+    if (m_applyDone) finishApply(false);
+}
+
+bool SqlTab::isBlank() const {
+    for (QTextBlock line = m_editor->document()->begin(); line.isValid(); line = line.next())
+        if (!line.text().trimmed().isEmpty()) return false;
+    return true;
+}
+
+void SqlTab::checkNow() {
+    m_pause.stop();
+    if (m_isFollowing || m_result || m_checker.isChecking() || family() == DatabaseTypeNone) return;
+    if (isBlank()) {
+        m_editor->clearError();
+        if (std::exchange(m_isFileWaiting, false)) Q_EMIT fileSettled(false);
+        return;
+    }
+    m_checked = SqlCheckRequest{encodedText(m_editor->text(), m_file.hasCarriageReturns), family(),
+                                engine()->currentSchema()};
+    m_checker.start(*m_checked);
+    showState();
+}
+
+void SqlTab::takeResult(const SqlCheckResult& result) {
+    m_result = result;
+    m_editor->setError(result.place, QString::fromStdString(result.outcome.message));
+    showState();
+    if (std::exchange(m_isFileWaiting, false)) {
+        // A file is a whole query.
+        if (result.isAccepted()) engine()->resetUi();
+        return apply([this](bool isApplied) { Q_EMIT fileSettled(isApplied); });
+    }
+    if (m_applyDone) continueApply();
+}
+
+// ---- Applying
+
+bool SqlTab::canApply() const {
+    return m_state != State::NoDatabase && m_state != State::Blank && m_state != State::Refused &&
+           !m_applier->isBusy();
+}
+
+bool SqlTab::hasUnappliedText() const {
+    const bool isOpen =
+        m_state == State::Checking || m_state == State::Refused || m_state == State::Acceptable;
+    return m_isTextNew && !m_isFollowing && isOpen;
+}
+
+void SqlTab::apply(std::function<void(bool)> done) {
+    if (!done)
+        done = [](bool) {
+        };
+    if (m_applyDone) return done(false);
+    m_applyError.clear();
+    m_applyDone = std::move(done);
+    continueApply();
+}
+
+void SqlTab::continueApply() {
+    if (m_state == State::Held) return finishApply(true);
+    if (!canApply()) return finishApply(false);
+    if (!m_result) return checkNow();
+    applyNow();
+}
+
+void SqlTab::applyNow() {
+    m_applier->apply(m_checked->text);
+    showState();
+}
+
+void SqlTab::takeApplied(bool isApplied, const QString& error) {
+    if (isApplied) {
+        m_isBuilderChanged = false;
+        m_isTextNew = false;
+        m_heldStatement = statementId();
+        // After an undo the builder has another text than this page.
+        m_heldText = m_applier->appliedText();
+        followBuilder();
+    }
+    m_applyError = error;
+    showState();
+    if (m_applyDone) finishApply(isApplied);
+}
+
+void SqlTab::finishApply(bool isApplied) {
+    const auto done = std::exchange(m_applyDone, nullptr);
+    done(isApplied);
+}
+
+void SqlTab::applyKept(const std::string* text, QueryApplier::Origin origin) {
+    if (!text || m_applier->isBusy() || m_applyDone) return;
+    m_applyError.clear();
+    m_applier->apply(std::string(*text), origin);
+    showState();
+}
+
+void SqlTab::undoApply() {
+    applyKept(m_applier->undoText(), QueryApplier::Origin::Undo);
+}
+
+void SqlTab::redoApply() {
+    applyKept(m_applier->redoText(), QueryApplier::Origin::Redo);
+}
+
+bool SqlTab::canUndoApply() const {
+    return m_applier->undoText() && !m_applier->isBusy();
+}
+
+bool SqlTab::canRedoApply() const {
+    return m_applier->redoText() && !m_applier->isBusy();
+}
+
+// ---- Files
+
+void SqlTab::openFile(const QString& path) {
+    const int number = ++m_fileNumber;
+    const int revision = m_editor->document()->revision();
+    HostKit::postToWorker([tab = QPointer(this), number, path, revision] {
+        SqlFile file;
+        file.path = path;
+        const QString error = readSqlFile(file);
+        HostKit::postToMainThread([tab, number, file, error, revision] {
+            if (tab && tab->m_fileNumber == number) tab->takeFile(file, error, revision);
+        });
+    });
+}
+
+void SqlTab::takeFile(const SqlFile& file, QString error, int revision) {
+    const bool isEdited = revision != m_editor->document()->revision();
+    if (error.isEmpty() && isEdited && !m_isFollowing)
+        error = tr("The text was edited while \"%1\" was read, so it stays. Open the file again.")
+                    .arg(QDir::toNativeSeparators(file.path));
+    if (!error.isEmpty()) return Q_EMIT fileFailed(error);
+    m_file = file;
+    m_editor->startAnew(std::exchange(m_file.text, QString()));
+    m_isFollowing = false;
+    m_isFileWaiting = true;
+    showState();
+    Q_EMIT fileOpened(file.path);
+    checkNow();
+}
+
+QString SqlTab::save(const QString& path) {
+    SqlFile file = m_file;
+    if (!path.isEmpty()) file.path = path;
+    file.text = m_editor->text();
+    const QString error = writeSqlFile(file);
+    if (!error.isEmpty()) return error;
+    m_file = file;
+    m_file.text.clear();
+    m_file.areLineEndsMixed = false;
+    m_editor->document()->setModified(false);
+    showState();
+    return QString();
+}
+
+bool SqlTab::isFileChangedOutside() const {
+    const QFileInfo info(m_file.path);
+    return info.exists() && info.lastModified() != m_file.lastModified;
+}
+
+void SqlTab::startAnew() {
+    ++m_fileNumber;
+    m_file = SqlFile();
+    m_editor->startAnew(QString());
+    m_isFollowing = true;
+    m_heldText.reset();
+    followBuilder();
+    showState();
+}
+
+bool SqlTab::hasUnsavedText() const {
+    if (m_isFollowing || !m_editor->document()->isModified()) return false;
+    return !m_file.path.isEmpty() || !isBlank();
+}
+
+// ---- What the user sees of it
+
+SqlTab::State SqlTab::judge() const {
+    if (family() == DatabaseTypeNone) return State::NoDatabase;
+    if (m_isFollowing) return isBlank() ? State::Blank : State::Held;
+    if (!m_result) return isBlank() ? State::Blank : State::Checking;
+    if (!m_result->isAccepted()) return State::Refused;
+    const bool wasApplied = m_heldText && *m_heldText == m_checked->text;
+    if (!wasApplied || m_heldStatement != statementId()) return State::Acceptable;
+    return m_isBuilderChanged ? State::Outdated : State::Held;
+}
+
+void SqlTab::showState() {
+    const State earlier = std::exchange(m_state, judge());
+    if (m_state != State::Refused && m_state != State::Checking) m_editor->clearError();
+    showMessage();
+    showPlace();
+    m_apply->setEnabled(canApply());
+    m_undo->setEnabled(canUndoApply());
+    m_load->setEnabled(engine() && !m_isFollowing);
+    if (earlier != m_state && m_state == State::Refused) {
+        QAccessibleEvent told(m_message, QAccessible::Alert);
+        QAccessible::updateAccessibility(&told);
+    }
+    Q_EMIT changed();
+}
+
+QString SqlTab::message() const {
+    return m_message->text();
+}
+
+QString SqlTab::stateText() const {
+    if (!m_applyError.isEmpty()) return m_applyError;
+    if (m_applier->isBusy()) return tr("Applying…");
+    switch (m_state) {
+        case State::NoDatabase:
+            return tr("Open a database: its family decides how the text is read.");
+        case State::Blank:
+            return tr("Type or paste a SELECT statement, or open a file.");
+        case State::Checking:
+            return tr("Checking…");
+        case State::Refused:
+            return QString::fromStdString(m_result->outcome.message).replace("\n\n", " ");
+        case State::Acceptable:
+            return tr("Accepted. The builder has another query.");
+        case State::Outdated:
+            return tr("The query in the builder has been changed since this text was applied.");
+        case State::Held:
+            break;
+    }
+    return tr("This is the query in the builder.");
+}
+
+void SqlTab::showMessage() {
+    // While a user types, the message shall not flicker.
+    const bool isPassing = m_state == State::Checking && m_patience.isActive();
+    if (isPassing && !m_applier->isBusy() && m_applyError.isEmpty()) return;
+    QString text = stateText();
+    if (m_file.areLineEndsMixed)
+        text += QLatin1Char('\n') + tr("The lines of the file ended in several ways; here, and "
+                                       "when it is saved, they all end alike.");
+    m_message->setText(text);
+    m_message->setAccessibleName(text);
+    const bool isBad = m_state == State::Refused || !m_applyError.isEmpty();
+    const bool isGood = m_state == State::Held || m_state == State::Acceptable;
+    const auto icon = isBad    ? QStyle::SP_MessageBoxCritical
+                      : isGood ? QStyle::SP_DialogApplyButton
+                               : QStyle::SP_MessageBoxInformation;
+    const int side = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+    m_icon->setPixmap(style()->standardIcon(icon, nullptr, this).pixmap(side));
+    m_goToError->setVisible(m_state == State::Refused && m_editor->hasErrorPlace());
+}
+
+void SqlTab::showPlace() {
+    const TextPlace place = m_editor->cursorPlace();
+    m_place->setText(tr("Line %1, column %2").arg(place.line).arg(place.column));
+}
+
+void SqlTab::goToError() {
+    m_editor->goToError();
+}
+
+QString SqlTab::title() const {
+    QString name = tr("SQL");
+    if (!m_file.path.isEmpty()) name += QStringLiteral(" – ") + QFileInfo(m_file.path).fileName();
+    const int layer = engine() ? engine()->currentTopLevelQueryComponentLayer() : 0;
+    if (layer > 0)
+        name = tr("%1 for %2")
+                   .arg(name,
+                        QString::fromStdString(engine()->topLevelQueryComponentLayerName(layer)));
+    name.replace(QLatin1Char('&'), QLatin1String("&&"));
+    return hasUnsavedText() ? name + QLatin1Char('*') : name;
+}
+
+void SqlTab::retranslate() {
+    m_editor->setAccessibleName(tr("SQL text"));
+    m_editor->setAccessibleDescription(
+        tr("Tab indents; Ctrl+Tab goes on to the next field, Ctrl+Shift+Tab back."));
+    m_place->setAccessibleName(tr("Place of the cursor"));
+    describe(m_goToError, tr("&Go to error"), tr("Put the cursor where the error is (F8)"));
+    describe(m_load, tr("Fr&om builder"),
+             tr("Show the text of the query in the builder here; undo brings this text back"));
+    describe(m_undo, tr("&Undo apply"),
+             tr("Give the builder the query back that it had before this text was applied"));
+    describe(m_apply, tr("&Apply"), tr("Load this text into the builder (Ctrl+Return)"));
+    showState();
+}
+
+// ---- Events
+
+void SqlTab::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) {
+        retranslate();
+        // The parser's message is in the language of the check.
+        if (m_state == State::Refused) recheck();
+    }
+    if (event->type() == QEvent::StyleChange) showMessage();
+}
+
+bool SqlTab::event(QEvent* event) {
+    // In here these keys are not the window's.
+    if (event->type() == QEvent::ShortcutOverride && isApplyKey(static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+void SqlTab::keyPressEvent(QKeyEvent* event) {
+    if (isApplyKey(event)) return apply();
+    QWidget::keyPressEvent(event);
+}
+
+void SqlTab::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    followBuilder();
+}
+
+}  // namespace QB::Desk
