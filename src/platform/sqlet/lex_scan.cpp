@@ -174,24 +174,27 @@ std::uint32_t TextScan::listedOperator(std::uint32_t position) const {
     return 0;
 }
 
-std::uint32_t TextScan::operatorEnd(std::uint32_t position) const {
-    if (!isInOperator(at(position + 1))) return position + 1;
+TextScan::OperatorEnd TextScan::operatorEnd(std::uint32_t position) const {
+    if (!isInOperator(at(position + 1))) return {position + 1, position + 1};
     if (traits.operatorRuns) return runEnd(position);
-    return position + std::max(listedOperator(position), 1U);
+    const std::uint32_t end = position + std::max(listedOperator(position), 1U);
+    return {end, end};
 }
 
 /// A run ends before a comment, and with + or - only if it holds a character that no operator of
-/// the SQL standard has: "Operators" in PostgreSQL's "Lexical Structure".
-std::uint32_t TextScan::runEnd(std::uint32_t position) const {
+/// the SQL standard has: "Operators" in PostgreSQL's "Lexical Structure". The signs given back are
+/// told too, or a million of them would be read a million times.
+TextScan::OperatorEnd TextScan::runEnd(std::uint32_t position) const {
     constexpr std::string_view unusual = "~!@#%^&|`?";
     bool isUnusual = holds(unusual, at(position));
     std::uint32_t end = position + 1;
-    for (std::uint32_t i = end; isInOperator(at(i)) && !isCommentAt(i); ++i) {
-        const char c = at(i);
+    std::uint32_t runEnd = end;
+    for (; isInOperator(at(runEnd)) && !isCommentAt(runEnd); ++runEnd) {
+        const char c = at(runEnd);
         isUnusual = isUnusual || holds(unusual, c);
-        if (isUnusual || (c != '+' && c != '-')) end = i + 1;
+        if (isUnusual || (c != '+' && c != '-')) end = runEnd + 1;
     }
-    return end;
+    return {end, runEnd};
 }
 
 bool TextScan::isCommentAt(std::uint32_t position) const {

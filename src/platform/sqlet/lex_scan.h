@@ -76,8 +76,12 @@ public:
 
     /// Length of the longest listed operator, or 0.
     std::uint32_t listedOperator(std::uint32_t position) const;
+    struct OperatorEnd {
+        std::uint32_t end;
+        std::uint32_t signsEnd;  ///< behind the signs that follow, each an operator of its own
+    };
     /// Of the operator that begins with the operator character here.
-    std::uint32_t operatorEnd(std::uint32_t position) const;
+    OperatorEnd operatorEnd(std::uint32_t position) const;
 
     const std::string_view text;
     const std::uint32_t size;
@@ -89,7 +93,7 @@ private:
     bool isSeparator(std::uint32_t position) const;
     std::uint32_t exponentEnd(std::uint32_t position) const;
     NumberEnd withTail(std::uint32_t begin, std::uint32_t end) const;
-    std::uint32_t runEnd(std::uint32_t position) const;
+    OperatorEnd runEnd(std::uint32_t position) const;
     bool isCommentAt(std::uint32_t position) const;
 
     const CharTable& m_chars;

@@ -357,9 +357,13 @@ private:
     // Operators and parameters
 
     void scanOperator() {
-        const std::uint32_t end = m_scan.operatorEnd(m_at);
+        const auto [end, signsEnd] = m_scan.operatorEnd(m_at);
         const bool isParameter = here() == '?' && end == m_at + 1 && !followsOperand();
         pushUpTo(end, isParameter ? TokenKind::Parameter : TokenKind::Operator);
+        while (m_at < signsEnd) {
+            m_start = m_at;
+            pushUpTo(m_at + 1, TokenKind::Operator);
+        }
     }
 
     /// PostgreSQL has operators with a question mark, but its drivers have parameters too.
