@@ -8,6 +8,7 @@
 #include "platform/sqlet/lexer.h"
 #include "round_trip_faults.h"
 #include "statements.h"
+#include "support/token_changes.h"
 
 using namespace QB;
 using namespace QB::Test;
@@ -38,19 +39,6 @@ private:
     std::set<std::pair<DatabaseType, std::string>> m_kinds;
     std::string m_told;
 };
-
-/// The text without token @p i, with it twice, and with it behind the next one.
-std::vector<std::string> changedAt(const std::string& text, const sqlet::TokenList& list,
-                                   sqlet::TokenIndex i) {
-    const sqlet::Token& token = list[i];
-    const sqlet::Token& next = list[i + 1];
-    const std::string before = text.substr(0, token.offset);
-    const std::string here = text.substr(token.offset, token.length);
-    const std::string after = text.substr(token.end());
-    const std::string behindNext =
-        text.substr(next.offset, next.length) + " " + here + " " + text.substr(next.end());
-    return {before + after, before + here + " " + here + after, before + behindNext};
-}
 
 TEST(Mutation, AStatementCutAtAnyByteKeepsItsMeaningOrIsRefused) {
     Faults faults;
