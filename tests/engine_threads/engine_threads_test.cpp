@@ -48,9 +48,15 @@ void replaceColumns(QBEngine* engine, SQLAbstractSourceComponent* source) {
                                                                             replace, nullptr);
 }
 
+/// How much of the work came to its end.
+struct Outcome {
+    int generated = 0;
+    int parsed = 0;
+};
+
 /// Does to one engine what a host and the panels do, in an order of @p seed, and destroys it
-/// anywhere between. What a step started goes on meanwhile. Gives how many texts were generated.
-int playScene(unsigned seed) {
+/// anywhere between. What a step started goes on meanwhile.
+Outcome playScene(unsigned seed) {
     HostCallbacks host;
     OwnedEngine<> engine(DatabaseTypeMySQL);
     engine->registerIdentifierCandidateChildrenUpdater([](auto* accessor, auto* node) {
@@ -62,6 +68,7 @@ int playScene(unsigned seed) {
         return static_cast<SQLSelectStmtComponent*>(engine->topLevelQueryComponent(0));
     };
     int generated = 0;  // main thread
+    int parsed = 0;     // main thread
     std::vector<std::function<void()>> steps;
     const auto addTwice = [&steps](const auto& step) {
         steps.insert(steps.end(), 2, step);
@@ -82,6 +89,11 @@ int playScene(unsigned seed) {
         };
         Callback::runOperationOnDispatchedThread(work);
     });
+    addTwice([&] {
+        engine->parseQuery("SELECT a FROM n1, n2 AS x WHERE x.a = 1 ORDER BY a",
+                           [&parsed](bool isRead, QBRange) { parsed += isRead; });
+    });
+    addTwice([&] { engine->parseQuery("SELECT", nullptr); });
     addTwice([&] { replaceTable(engine.get()); });
     addTwice([&] {
         const SourceNode* const node = root()->sourceExpr->root;
@@ -97,7 +109,7 @@ int playScene(unsigned seed) {
         step();
     engine.destroy();
     host.finishWorkers();
-    return generated;
+    return {generated, parsed};
 }
 
 /// Work on several threads, at most once in each of main's rounds, so that nobody starves. The
@@ -119,26 +131,34 @@ public:
         for (int i = 0; i < repetitions; ++i) {
             const int round = m_round.load(std::memory_order_relaxed);
             work();
-            while (m_round.load(std::memory_order_relaxed) == round)
+            while (m_round.load(std::memory_order_relaxed) == round &&
+                   !m_isOver.load(std::memory_order_relaxed))
                 std::this_thread::yield();
         }
     }
 
     void nextRound() { m_round.fetch_add(1, std::memory_order_relaxed); }
     bool isRunning() const { return m_running.load() > 0; }
+    /// No more rounds come: what a late task still repeats runs freely.
+    void end() { m_isOver.store(true, std::memory_order_relaxed); }
 
 private:
     std::atomic<int> m_running{0};
     std::atomic<int> m_round{0};
+    std::atomic<bool> m_isOver{false};
 };
 
 }  // namespace
 
 TEST(EngineThreads, AnyOrderOfWorkEndsCleanlyWhereverTheEngineIsDestroyed) {
-    int generated = 0;
-    for (unsigned seed = 0; seed < 60; ++seed)
-        generated += playScene(seed);
-    EXPECT_GT(generated, 0);  // or the scene would show nothing
+    Outcome sum;
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        const Outcome outcome = playScene(seed);
+        sum.generated += outcome.generated;
+        sum.parsed += outcome.parsed;
+    }
+    EXPECT_GT(sum.generated, 0);  // or the scene would show nothing
+    EXPECT_GT(sum.parsed, 0);
 }
 
 TEST(EngineThreads, WorkersThatModifyFetchReadAndGenerateMeetTheMainThread) {
@@ -146,6 +166,7 @@ TEST(EngineThreads, WorkersThatModifyFetchReadAndGenerateMeetTheMainThread) {
     OwnedEngine<> engine(DatabaseTypeSQLite);
     Crowd crowd;
     std::atomic<int> updatersInside{0};
+    std::atomic<int> updatersDone{0};
     engine->registerIdentifierCandidateChildrenUpdater([&](auto* accessor, auto* node) {
         EXPECT_EQ(updatersInside.fetch_add(1, std::memory_order_relaxed), 0);
         crowd.repeat([&] {
@@ -153,28 +174,37 @@ TEST(EngineThreads, WorkersThatModifyFetchReadAndGenerateMeetTheMainThread) {
             if (accessor->childCount(node) > 20) accessor->clearChildren(node);
         });
         updatersInside.fetch_sub(1, std::memory_order_relaxed);
+        updatersDone.fetch_add(1, std::memory_order_relaxed);
     });
     int notices = 0;
     QObject::connect(engine->signalEmitter(),
                      &QBEngineSignalEmitter::topLevelQueryComponentElementModified,
                      [&notices] { ++notices; });
-    for (int task = 0; task < 3; ++task) {
+    constexpr int tasks = 3;
+    for (int task = 0; task < tasks; ++task) {
         engine->addRefreshRootIdentifierCandidateChildrenRequest(true);
         engine->refreshRequestedIdentifierCandidateChildren(true);
     }
     crowd.start([&] { replaceColumns(engine.get(), nullptr); });
     crowd.start([&] { replaceTable(engine.get()); });
+    std::atomic<int> parses{0};
+    crowd.start([&] {
+        if (parses.fetch_add(1, std::memory_order_relaxed) % 20 == 0)
+            engine->parseQuery("SELECT a FROM n1 WHERE a = 1", nullptr);
+    });
     crowd.start([&] { engine->findAllIdentifierRefreshPathInCurrentQueryLevel(); });
     crowd.start([&] {
         const std::lock_guard lock(engine->queryComponentAccessMutex());
         engine->buildQuery();
     });
-    while (crowd.isRunning() || engine->isRefreshingIdentifierCandidateChildren()) {
+    while (crowd.isRunning() || updatersDone.load(std::memory_order_relaxed) < tasks ||
+           engine->isParsingQuery()) {
         host.runPending();
         engine->childrenSnapshot(nullptr);
         crowd.nextRound();
     }
+    crowd.end();  // a parse has its tables fetched after it was delivered
     host.finishWorkers();
-    EXPECT_EQ(notices, 2 * Crowd::repetitions);
+    EXPECT_EQ(notices, 2 * Crowd::repetitions + Crowd::repetitions / 20);
     EXPECT_EQ(engine->core()->retired.size(), 0U);
 }
