@@ -537,8 +537,9 @@ private:
         const bool isDescending = is(i, K::Desc);
         if (isDescending) add(SymbolKind::Token, i);
         if (isDescending || is(i, K::Asc)) ++i;
+        if (!is(i, K::Nulls)) return i;
         const bool isFirst = is(i + 1, K::First);
-        if (!is(i, K::Nulls) || !(isFirst || is(i + 1, K::Last))) return i;
+        if (!isFirst && !is(i + 1, K::Last)) return i;
         const bool isNullSmallest = m_parser.dialect == dialectSQLite;
         const bool isDefault = isFirst == (isNullSmallest != isDescending);
         return isDefault ? i + 2 : i;
