@@ -82,7 +82,7 @@ StatementConverter::ConditionPtr StatementConverter::convertCondition(SqletExpr*
 
     ConditionPtr result = convertChain(expr, brackets, tail);
     const auto negatedAt = static_cast<unsigned>(sqlet_expr_is_negated(expr));
-    result->negated = negatedAt == brackets + 1;
+    if (negatedAt == brackets + 1) result->negated = true;  // a chain's first link has its own
     for (unsigned around = brackets; around > depth; --around) {
         auto bracket = std::make_unique<SQLBracketedConditionComponent>();
         bracket->inner = result.release();

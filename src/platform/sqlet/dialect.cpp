@@ -170,6 +170,7 @@ constexpr Dialect sqlite() {
     d.comparisonWords = standardComparisons.with({K::Glob, K::Regexp, K::Match, K::Escape});
     d.hasPostfixNullTests = true;
     d.hasPostfixNotNull = true;
+    d.hasEmptyLists = true;
     d.hasStringAliases = true;
     d.clauseWords = standardClauses.with({K::Limit, K::Window});
     d.sourceEnds =

@@ -109,6 +109,8 @@ struct Dialect {
     bool hasPostfixNullTests = false;
     bool hasPostfixNotNull = false;
 
+    bool hasEmptyLists = false;  ///< x IN ()
+
     /// Any word in front of a string makes it a literal of that type; else DATE, TIME, TIMESTAMP
     /// where hasDateLiterals.
     bool hasTypedLiterals = false;

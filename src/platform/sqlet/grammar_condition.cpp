@@ -178,7 +178,11 @@ SqletExpr* Grammar::inComparison(TokenSpan left, std::uint32_t parens) {
     if (at(open).kind != T::LeftParen) return nullptr;
     m_position = open;
     const TokenIndex close = partner();
-    if (close == open + 1) return nullptr;  // IN ()
+    if (close == open + 1) {
+        m_position = close;
+        if (!m_dialect.hasEmptyLists) unexpected("an expression");
+        return nullptr;
+    }
     m_position = close + 1;
     if (!endsTerm()) return nullptr;
 
