@@ -414,10 +414,10 @@ private:
         pushUpTo(m_scan.nameEnd(end), isWhole ? TokenKind::Parameter : TokenKind::Bad);
     }
 
-    /// An amount, or a pseudo-column such as $action.
+    /// An amount, or a pseudo-column such as $action, which is no name to be quoted.
     void scanMoney() {
-        const bool isWord = m_scan.isInName(here(1)) && !isDigit(here(1));
-        return isWord ? scanWord() : pushNumber(m_scan.moneyEnd(m_at));
+        if (!m_scan.isInName(here(1)) || isDigit(here(1))) return pushNumber(m_scan.moneyEnd(m_at));
+        pushUpTo(m_scan.nameEnd(m_at + 1), TokenKind::Parameter);
     }
 
     void scanMark() {

@@ -25,7 +25,7 @@ enum class TokenKind : std::uint8_t {
     QuotedName,  ///< a name in quotes of any form, `"a"`, `a` in backticks, [a]
     String,      ///< a string in any form, with its prefix (N'..', E'..', q'[..]', $$..$$)
     Number,
-    Parameter,  ///< ?, ?1, $1, :name, @name, @@name, %s
+    Parameter,  ///< ?, ?1, $1, :name, @name, @@name, &name, $action
     Operator,   ///< the longest operator of the dialect, such as <=, ||, ::, ->>
     LeftParen,
     RightParen,
