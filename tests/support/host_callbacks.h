@@ -83,11 +83,11 @@ public:
     std::vector<std::string> errors;
 
 private:
-    static std::string doubled(std::string name, char quote) {
-        for (std::size_t at = name.find(quote); at != std::string::npos;
-             at = name.find(quote, at + 2))
-            name.insert(at, 1, quote);
-        return name;
+    static std::string doubled(const std::string& name, char quote) {
+        std::string all;
+        for (const char c : name)
+            all.append(c == quote ? 2 : 1, c);
+        return all;
     }
 
     static HostCallbacks*& current() {
