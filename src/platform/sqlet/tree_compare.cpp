@@ -37,6 +37,7 @@ public:
         const Token& word = token(symbol);
         if (word.kind != TokenKind::Word) return false;
         if ((word.flags & SQLET_WORD_CONSTANT) != 0) return true;
+        if (word.keyword == Keyword::Nextval || word.keyword == Keyword::Currval) return true;
         if (m_parser.dialect != dialectMySQL) return false;
         const std::string_view text = bytes(symbol);
         const unsigned flags =
