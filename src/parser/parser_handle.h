@@ -14,8 +14,9 @@ struct ParserHandleDeleter {
 /// A parsed text of the parser library, with all of its nodes and texts.
 using ParserHandle = std::unique_ptr<SqletParser, ParserHandleDeleter>;
 
-inline ParserHandle parseText(int dialect, const std::string& text) {
-    return ParserHandle(sqlet_create(dialect, text.c_str(), 1));
+inline ParserHandle parseText(int dialect, const std::string& text,
+                              const std::string& defaultSchema) {
+    return ParserHandle(sqlet_create_in_schema(dialect, text.c_str(), defaultSchema.c_str()));
 }
 
 /// True for one statement that the accessors show whole.

@@ -58,7 +58,7 @@ QBParseOutcome outcomeOf(SqletParser* parser) {
 
 /// The parser library reads up to a NUL and would leave out what follows.
 QBParseOutcome nulFailure(int dialect, const std::string& text, std::size_t nul) {
-    const ParserHandle parser = parseText(dialect, text);
+    const ParserHandle parser = parseText(dialect, text, {});
     const int offset = static_cast<int>(nul);
     const char* const position = sqlet_position_text(parser.get(), offset);
     return parseError(Verdict::SyntaxError,
@@ -81,7 +81,7 @@ QBParseOutcome fill(SQLSelectStmtComponent& content, const std::string& text, Da
     const std::size_t nul = text.find('\0');
     if (nul != std::string::npos) return nulFailure(dialect, text, nul);
 
-    const ParserHandle parser = parseText(dialect, text);
+    const ParserHandle parser = parseText(dialect, text, defaultSchema);
     QBParseOutcome outcome = outcomeOf(parser.get());
     if (!outcome.isAccepted()) return outcome;
     // The library wants to be asked for the stretches before it is asked for the statement.

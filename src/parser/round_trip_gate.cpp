@@ -71,7 +71,7 @@ constexpr int noDifference = -1;
 
 int firstDifference(SqletParser* original, const std::string& rebuilt, int dialect,
                     const std::string& schema) {
-    const ParserHandle parser = parseText(dialect, rebuilt);
+    const ParserHandle parser = parseText(dialect, rebuilt, schema);
     return sqlet_first_difference(original, parser.get(), schema.c_str());
 }
 

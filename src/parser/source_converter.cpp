@@ -171,12 +171,12 @@ StatementConverter::NodePtr StatementConverter::convertComplexSource(
     if (text.empty()) return nullptr;
     if (!isBracketed(text)) return freeText(text);
     std::string inner = text.substr(1, text.size() - 2);
-    if (!isOneSelect(parseText(m_dialect, inner).get())) return freeText(text);
+    if (!isOneSelect(parseText(m_dialect, inner, m_defaultSchema).get())) return freeText(text);
 
     inner = dedented(inner, m_dialect);
     OwnedStatement statement(new SQLSelectStmtComponent);
     // What goes wrong in here leaves an empty statement and is told to nobody.
-    const ParserHandle parser = parseText(m_dialect, inner);
+    const ParserHandle parser = parseText(m_dialect, inner, m_defaultSchema);
     if (isOneSelect(parser.get()))
         StatementConverter(m_type, m_defaultSchema).convert(sqlet_select(parser.get()), *statement);
     auto source = std::make_unique<SQLSubquerySourceComponent>();

@@ -11,8 +11,8 @@ namespace {
 
 enum Dialect { MySQL = 1, PostgreSQL, Oracle, SQLite, SQLServer };
 
-std::string dumpOf(int dialect, const std::string& text) {
-    SqletParser* parser = sqlet_create(dialect, text.c_str(), 1);
+std::string dumpOf(int dialect, const std::string& text, const char* schema) {
+    SqletParser* parser = sqlet_create_in_schema(dialect, text.c_str(), schema);
     const std::string dump = sqlet_test::dumpAccessors(parser);
     sqlet_free(parser);
     return dump;
@@ -35,12 +35,14 @@ struct ViewCase {
     const char* text;
     /// Lines of the dump, one below the other.
     const char* lines;
+    /// Of bare table names; null: not known.
+    const char* schema = nullptr;
 };
 
 class EachView : public testing::TestWithParam<ViewCase> {};
 
 TEST_P(EachView, ShowsWhatCanBeRebuiltAndKeepsTheRestAsText) {
-    const std::string dump = dumpOf(GetParam().dialect, GetParam().text);
+    const std::string dump = dumpOf(GetParam().dialect, GetParam().text, GetParam().schema);
     EXPECT_EQ(dump.find("BROKEN"), std::string::npos) << dump;
     std::string rest = GetParam().lines;
     while (!rest.empty()) {
@@ -260,6 +262,27 @@ const ViewCase systemTables[] = {
      "table <dbo.sysusers> parent=dbo name=sysusers"},
 };
 INSTANTIATE_TEST_SUITE_P(SystemTables, EachView, testing::ValuesIn(systemTables));
+
+const ViewCase knownSchemas[] = {
+    {PostgreSQL, "SELECT 1 FROM public.a, pg_class, b WHERE q.n = 2",
+     "table <pg_class> name=pg_class\n"
+     "value <q.n> parent1=q name=n",
+     "public"},
+    {PostgreSQL, "SELECT 1 FROM public.a, pg_class WHERE q.n = 2",
+     "source <pg_class>\n"
+     "value <q.n> parent1=q name=n",
+     "other"},
+    {PostgreSQL, "SELECT 1 FROM public.a, b WHERE q.n = 2", "value <q.n> parent1=q name=n", ""},
+    {SQLServer, "SELECT 1 FROM dbo.a, b WHERE q.n = 2", "value <q.n> parent1=q name=n", ""},
+    {SQLServer, "SELECT 1 FROM sales.a, b WHERE q.n = 2", "value <q.n>", ""},
+    {SQLite, "SELECT t.*, u.* FROM main.t, u",
+     "column <t.*> parent0=t name=*\n"
+     "column <u.*> parent0=u name=*",
+     "main"},
+    {SQLite, "SELECT t.* FROM main.t", "column <t.*>", "aux"},
+    {SQLite, "SELECT t.* FROM main.t", "column <t.*>", ""},
+};
+INSTANTIATE_TEST_SUITE_P(KnownSchemas, EachView, testing::ValuesIn(knownSchemas));
 
 TEST(View, RefusesTheFirstTokenThatNothingShows) {
     // The grammar marks what is structure: take one mark away, as a clause without an accessor

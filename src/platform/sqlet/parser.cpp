@@ -82,7 +82,12 @@ std::string SqletParser::positionText(std::uint32_t offset) const {
 }
 
 SqletParser* sqlet_create(int dialect, const char* text, int /*one*/) {
+    return sqlet_create_in_schema(dialect, text, nullptr);
+}
+
+SqletParser* sqlet_create_in_schema(int dialect, const char* text, const char* default_schema) {
     auto* parser = new SqletParser;
+    if (default_schema) parser->defaultSchema = default_schema;
     parser->dialect = dialect;
     parser->original = text;
     if (!text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,7 @@ struct SqletParser {
     const char* original = nullptr;  // not owned: the text that sqlet_create was given
     std::string text;
     int dialect = 0;
+    std::optional<std::string> defaultSchema;  ///< of bare table names, if it is known
     sqlet::TokenList tokens;
     std::vector<sqlet::Coverage> coverage;  ///< as long as the tokens
     sqlet::Arena arena;

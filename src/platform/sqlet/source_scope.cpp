@@ -11,7 +11,14 @@ namespace sqlet {
 
 namespace {
 
+constexpr int dialectSQLServer = 5;
 constexpr std::uint32_t maxTableQualifiers = 3;
+
+/// As a text built from the parts has it; empty: none.
+std::string schemaOfBareNames(const SqletParser& parser) {
+    const bool isImplied = parser.dialect == dialectSQLServer && parser.defaultSchema->empty();
+    return isImplied ? "dbo" : *parser.defaultSchema;
+}
 
 bool startsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
@@ -148,8 +155,20 @@ SourceScope::Schemas SourceScope::countSchemas() const {
         else
             schemas.insert(decoded(chain.innermost()));
     }
+    if (hasBareName && m_parser.defaultSchema) {
+        const std::string schema = schemaOfBareNames(m_parser);
+        if (!schema.empty()) schemas.insert(schema);
+        hasBareName = false;
+    }
     if (schemas.size() >= 2) return Schemas::Several;
     return hasBareName && !schemas.empty() ? Schemas::Unknown : Schemas::One;
+}
+
+bool SourceScope::isSchemaWritten(const SqletTable& source) const {
+    if (isMixed()) return true;
+    const NameChain chain = nameChainOf(source);
+    if (chain.qualifierCount() == 0) return false;
+    return chain.qualifierCount() > 1 || decoded(chain.first) != m_parser.defaultSchema;
 }
 
 bool SourceScope::isRebuildable(const SqletTable& table) const {

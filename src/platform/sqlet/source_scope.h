@@ -30,10 +30,13 @@ public:
     const Entry& find(const std::string& qualifier) const;
 
     /// True if the sources may lie in several schemas, so that a text built from the parts keeps
-    /// every schema: one more schema than the explicit ones is assumed for the bare names.
+    /// every schema: bare names lie in another than the explicit ones unless it is known better.
     bool isMixed() const { return m_schemas == Schemas::Several || m_schemas == Schemas::Unknown; }
     /// True if they do, whatever the current schema is.
     bool isSurelyMixed() const { return m_schemas == Schemas::Several; }
+
+    /// True if the name of @p source, which has no alias, may be built with its schema.
+    bool isSchemaWritten(const SqletTable& source) const;
 
 private:
     /// In how many schemas the plain names lie.

@@ -49,6 +49,13 @@ typedef struct SqletStretch {
 SQLET_API SqletParser* sqlet_create(int dialect, const char* text, int one);
 SQLET_API void sqlet_free(SqletParser* parser);
 
+/// The same, with the schema in which bare table names are found (copied; empty: none, null: not
+/// known, as sqlet_create has it). Where sources of an explicit schema stand beside bare ones, only
+/// this tells whether they all lie in one schema; if it is not known, what would be written with a
+/// schema in several is shown as text.
+SQLET_API SqletParser* sqlet_create_in_schema(int dialect, const char* text,
+                                              const char* default_schema);
+
 /// 0 if the text is clean; else 1, the first error.
 SQLET_API int sqlet_number_of_error(SqletParser* parser);
 /// Such as "line 3, column 12: unexpected 'FORM', expected ',' or FROM"; columns count code points

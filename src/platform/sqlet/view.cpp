@@ -236,10 +236,9 @@ bool ViewSettler::isQualifierKept(Node& node, const NameChain& chain, NamePlace 
 /// A list item that is qualified by the name of its source is built with the source's own path.
 bool ViewSettler::isPathKept(const SqletTable& source, NamePlace place) const {
     if (source.alias != noToken || place == NamePlace::Condition) return true;
-    const std::uint32_t depth = schemaDepth(source);
-    const bool isSchemaWritten = depth > 0 || m_scope.isMixed();
-    if (place == NamePlace::Wildcard && m_parser.dialect == dialectSQLite) return !isSchemaWritten;
-    return depth < 2;  // no server takes more than a.b.c.d for a column
+    if (place == NamePlace::Wildcard && m_parser.dialect == dialectSQLite)
+        return !m_scope.isSchemaWritten(source);
+    return schemaDepth(source) < 2;  // no server takes more than a.b.c.d for a column
 }
 
 /// The current schema may be dropped from the front, so the table's name alone has to find it.

@@ -20,7 +20,7 @@ FakeSqlet::~FakeSqlet() {
     current = nullptr;
 }
 
-SqletParser* sqlet_create(int, const char* text, int) {
+SqletParser* sqlet_create_in_schema(int, const char* text, const char*) {
     current->parsed.emplace_back(text);
     ++current->openHandles;
     const auto found = current->answers.find(text);
