@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "model/detached_parts.h"
+#include "platform/sqlet/lexer.h"
 
 namespace QB::Cli {
 namespace {
@@ -26,6 +27,20 @@ QBParseOutcome nothingThere() {
     return outcome;
 }
 
+/// Where the statement begins that a text with several must not have, or that is no SELECT: the
+/// parser's verdicts on whole texts name no place. A length of 0 at the end if there is no token.
+QBRange unwantedStatement(const std::string& text, DatabaseType type, bool isSecond) {
+    const sqlet::TokenList list = sqlet::lex(text, parserDialect(type));
+    const auto isSemicolon = [](const sqlet::Token& token) {
+        return token.kind == sqlet::TokenKind::Semicolon;
+    };
+    auto start = list.tokens.begin();
+    if (isSecond) start = std::find_if(start, list.tokens.end(), isSemicolon);
+    start = std::find_if_not(start, list.tokens.end(), isSemicolon);
+    const sqlet::Token& found = start == list.tokens.end() ? list.tokens.back() : *start;
+    return {static_cast<std::int32_t>(found.offset), static_cast<std::int32_t>(found.length)};
+}
+
 }  // namespace
 
 ParsedStatement::ParsedStatement(const std::string& text, DatabaseType type,
@@ -35,7 +50,12 @@ ParsedStatement::ParsedStatement(const std::string& text, DatabaseType type,
     , m_statement(std::make_unique<SQLSelectStmtComponent>())
     , m_outcome(isBlank(text)
                     ? nothingThere()
-                    : QBQueryParser::parseStatement(m_statement.get(), text, type, schema)) {}
+                    : QBQueryParser::parseStatement(m_statement.get(), text, type, schema)) {
+    const bool isSecond = m_outcome.verdict == QBParseOutcome::Verdict::SeveralStatements;
+    const bool isOther = m_outcome.verdict == QBParseOutcome::Verdict::NotSelect;
+    if (m_outcome.error.location < 0 && (isSecond || isOther))
+        m_outcome.error = unwantedStatement(text, type, isSecond);
+}
 
 ParsedStatement::~ParsedStatement() {
     destroyUnownedClauses(m_statement.get());

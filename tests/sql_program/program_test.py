@@ -77,10 +77,10 @@ class Check(ProgramTest):
             (b"select 1\runion select 2", b"2:1: "),
             (b"select 1 \0 from t", b"1:10: "),
             (b"select a from", b"1:14: "),
-            (b"select 1; select 2", b" "),
-            (b"update t set a = 1", b" "),
-            (b"  \n", b" "),
-            (b"-- nothing\n", b" "),
+            (b"select 1;;\n select ';'", b"2:2: "),
+            (b" update t set a = 1", b"1:2: "),
+            (b"  \n", b"2:1: "),
+            (b"-- nothing\n", b"2:1: "),
         ]
         for given, place in cases:
             with self.subTest(given=given):

@@ -103,8 +103,8 @@ class Roundtrip(ProgramTest):
             ("select a from t where a = f(1) and (b in (1, 2))", ("accepted", None, None, (True, True))),
             ("select 'ä',\n  from t", ("syntax_error", 2, 3, None)),
             ("select 1 union select 2", ("unsupported", 1, 10, None)),
-            ("select 1; select 2", ("several_statements", None, None, None)),
-            ("drop table t", ("not_select", None, None, None)),
+            ("select 1; select 2", ("several_statements", 1, 11, None)),
+            ("drop table t", ("not_select", 1, 1, None)),
             (3, ("invalid_line", None, None, None)),
         ]
         answers = self.answers([line(sql=sql, details=True) for sql, _ in cases])
