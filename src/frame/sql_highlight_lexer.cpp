@@ -1,60 +1,15 @@
 #include "frame/sql_highlight_lexer.h"
 
 #include <array>
+#include <string_view>
 
+#include "platform/sqlet/lexer.h"
 #include "platform/sqlet/words.h"
 
 namespace QB {
 namespace {
 
 using Open = SqlLexState::Open;
-
-/// How a family writes comments, strings and names.
-struct Notation {
-    bool hasHashComments = false;
-    bool needsBlankAfterDashes = false;
-    bool hasNestedComments = false;
-    bool hasBackslashEscapes = false;  // in every string
-    bool hasEscapeStrings = false;     // E'...'
-    bool hasDollarQuotes = false;
-    bool hasAlternativeQuotes = false;  // q'[...]'
-    bool hasBackticks = false;
-    bool hasBrackets = false;
-    bool hasDoubleQuotedStrings = false;  // else a double quote opens a name
-};
-
-Notation notationOf(DatabaseType family) {
-    Notation notation;
-    switch (family) {
-        case DatabaseTypeMySQL:
-        case DatabaseTypeMariaDB:
-            notation.hasHashComments = true;
-            notation.needsBlankAfterDashes = true;
-            notation.hasBackslashEscapes = true;
-            notation.hasBackticks = true;
-            notation.hasDoubleQuotedStrings = true;
-            break;
-        case DatabaseTypePostgreSQL:
-            notation.hasNestedComments = true;
-            notation.hasEscapeStrings = true;
-            notation.hasDollarQuotes = true;
-            break;
-        case DatabaseTypeOracle:
-            notation.hasAlternativeQuotes = true;
-            break;
-        case DatabaseTypeSQLite:
-            notation.hasBackticks = true;
-            notation.hasBrackets = true;
-            break;
-        case DatabaseTypeSQLServer:
-            notation.hasNestedComments = true;
-            notation.hasBrackets = true;
-            break;
-        default:
-            break;
-    }
-    return notation;
-}
 
 bool isDigit(QChar c) {
     return c >= QLatin1Char('0') && c <= QLatin1Char('9');
@@ -65,33 +20,17 @@ bool isAsciiLetter(QChar c) {
     return lower >= u'a' && lower <= u'z';
 }
 
-/// Letters of any script count as letters of a word, as they do for the servers.
-bool isWordStart(QChar c) {
-    return isAsciiLetter(c) || c == QLatin1Char('_') || c == QLatin1Char('@') ||
-           c == QLatin1Char('#') || c.unicode() >= 0x80;
-}
-
-bool isWordPart(QChar c) {
-    return isWordStart(c) || isDigit(c) || c == QLatin1Char('$');
-}
-
 bool isBlank(QChar c) {
     return c.unicode() <= 0x20;
 }
 
-QChar closingQuote(QChar opening) {
-    switch (opening.unicode()) {
-        case u'[':
-            return QLatin1Char(']');
-        case u'{':
-            return QLatin1Char('}');
-        case u'(':
-            return QLatin1Char(')');
-        case u'<':
-            return QLatin1Char('>');
-        default:
-            return opening;
-    }
+bool holds(std::string_view characters, QChar c) {
+    return c.unicode() < 0x80 && characters.find(c.toLatin1()) != characters.npos;
+}
+
+QChar closingPartner(QChar opening) {
+    if (opening.unicode() >= 0x80) return opening;
+    return QLatin1Char(sqlet::closingPartner(opening.toLatin1()));
 }
 
 /// One run over one line.
@@ -100,7 +39,7 @@ public:
     LineScanner(DatabaseType family, const QString& line, const SqlLexState& start,
                 QVector<SqlToken>* tokens)
         : m_family(family)
-        , m_notation(notationOf(family))
+        , m_traits(sqlet::lexTraits(family))
         , m_line(line)
         , m_state(start)
         , m_tokens(tokens) {}
@@ -140,6 +79,17 @@ private:
         }
     }
 
+    /// Letters of any script count as letters of a word, as they do for the servers; a variable
+    /// is a word too, one without a meaning.
+    bool isWordStart(QChar c) const {
+        return isAsciiLetter(c) || c == QLatin1Char('_') || c == QLatin1Char('@') ||
+               c.unicode() >= 0x80 || holds(m_traits.nameStart, c);
+    }
+
+    bool isWordPart(QChar c) const {
+        return isWordStart(c) || isDigit(c) || holds(m_traits.namePart, c);
+    }
+
     void scanCode() {
         if (isLineComment()) return scanLineComment();
         if (isHere('/', '*')) return openBlockComment();
@@ -151,9 +101,9 @@ private:
     }
 
     bool isLineComment() const {
-        if (m_notation.hasHashComments && here() == QLatin1Char('#')) return true;
+        if (m_traits.hashComments && here() == QLatin1Char('#')) return true;
         if (!isHere('-', '-')) return false;
-        return !m_notation.needsBlankAfterDashes || isBlank(here(2));
+        return !m_traits.dashesNeedBlank || isBlank(here(2));
     }
 
     void scanLineComment() {
@@ -173,7 +123,7 @@ private:
             if (isHere('*', '/')) {
                 --m_state.depth;
                 m_position += 2;
-            } else if (m_notation.hasNestedComments && isHere('/', '*')) {
+            } else if (m_traits.nestedComments && isHere('/', '*')) {
                 ++m_state.depth;
                 m_position += 2;
             } else {
@@ -187,19 +137,19 @@ private:
     /// Opens the string or name that begins here, with its prefix, if one does.
     bool openQuoted() {
         if (here() == QLatin1Char('\''))
-            return open(1, here(), SqlTokenKind::String, m_notation.hasBackslashEscapes);
+            return open(1, here(), SqlTokenKind::String, m_traits.backslashEscapes);
         if (here() == QLatin1Char('"')) return openDoubleQuoted();
-        if (m_notation.hasBackticks && here() == QLatin1Char('`'))
+        if (m_traits.backtickNames && here() == QLatin1Char('`'))
             return open(1, here(), SqlTokenKind::QuotedIdentifier, false);
-        if (m_notation.hasBrackets && here() == QLatin1Char('['))
+        if (m_traits.bracketNames && here() == QLatin1Char('['))
             return open(1, QLatin1Char(']'), SqlTokenKind::QuotedIdentifier, false);
-        if (m_notation.hasDollarQuotes && here() == QLatin1Char('$')) return openDollarQuoted();
+        if (m_traits.dollarQuotes && here() == QLatin1Char('$')) return openDollarQuoted();
         return isAsciiLetter(here()) && openPrefixed();
     }
 
     bool openDoubleQuoted() {
-        if (m_notation.hasDoubleQuotedStrings)
-            return open(1, here(), SqlTokenKind::String, m_notation.hasBackslashEscapes);
+        if (m_traits.doubleQuoteIsString)
+            return open(1, here(), SqlTokenKind::String, m_traits.backslashEscapes);
         return open(1, here(), SqlTokenKind::QuotedIdentifier, false);
     }
 
@@ -212,17 +162,27 @@ private:
         return true;
     }
 
-    /// N'...', B'...', X'...' everywhere, E'...' and q'[...]' where the family has them.
+    /// N'...', U&'...', q'[...]' and the like, where the family has them.
     bool openPrefixed() {
-        const QChar prefix = here().toLower();
-        if (m_notation.hasAlternativeQuotes && openAlternative(prefix == QLatin1Char('n') ? 1 : 0))
-            return true;
-        if (here(1) != QLatin1Char('\'')) return false;
-        const bool isEscape = m_notation.hasEscapeStrings && prefix == QLatin1Char('e');
-        const bool isKnown = isEscape || prefix == QLatin1Char('n') || prefix == QLatin1Char('b') ||
-                             prefix == QLatin1Char('x');
-        return isKnown && open(2, QLatin1Char('\''), SqlTokenKind::String,
-                               isEscape || m_notation.hasBackslashEscapes);
+        const char prefix = here().toLower().toLatin1();
+        if (m_traits.alternativeQuotes && openAlternative(prefix == 'n' ? 1 : 0)) return true;
+        if (m_traits.unicodePrefix && prefix == 'u' && here(1) == QLatin1Char('&'))
+            return openUnicode();
+        if (here(1) != QLatin1Char('\'') || !isStringPrefix(prefix)) return false;
+        return open(2, QLatin1Char('\''), SqlTokenKind::String,
+                    prefix == 'e' || m_traits.backslashEscapes);
+    }
+
+    bool isStringPrefix(char prefix) const {
+        return (prefix == 'e' && m_traits.escapePrefix) ||
+               (prefix == 'n' && m_traits.nationalPrefix) ||
+               (prefix == 'x' && m_traits.hexPrefix) || (prefix == 'b' && m_traits.bitPrefix);
+    }
+
+    bool openUnicode() {
+        const QChar quote = here(2);
+        if (quote == QLatin1Char('\'')) return open(3, quote, SqlTokenKind::String, false);
+        return quote == QLatin1Char('"') && open(3, quote, SqlTokenKind::QuotedIdentifier, false);
     }
 
     bool openAlternative(int prefixLength) {
@@ -232,7 +192,7 @@ private:
         if (opening.isNull() || isBlank(opening)) return false;
         m_position += prefixLength + 3;
         m_state.open = Open::DollarQuoted;
-        m_state.delimiter = QString(closingQuote(opening)) + QLatin1Char('\'');
+        m_state.delimiter = QString(closingPartner(opening)) + QLatin1Char('\'');
         return true;
     }
 
@@ -254,7 +214,7 @@ private:
                 m_position = qMin(m_position + 2, m_line.size());
             } else if (here() != m_state.quote) {
                 ++m_position;
-            } else if (here(1) == m_state.quote) {
+            } else if (here(1) == m_state.quote && isQuoteDoubled()) {
                 m_position += 2;
             } else {
                 ++m_position;
@@ -262,6 +222,10 @@ private:
             }
         }
         emitToken(m_state.kind);
+    }
+
+    bool isQuoteDoubled() const {
+        return m_state.quote != QLatin1Char(']') || m_traits.doubledBracketEscapes;
     }
 
     void closeQuoted() {
@@ -330,7 +294,7 @@ private:
     }
 
     const DatabaseType m_family;
-    const Notation m_notation;
+    const sqlet::LexTraits& m_traits;
     const QString& m_line;
     SqlLexState m_state;
     QVector<SqlToken>* const m_tokens;  // not owned: the caller's, may be null

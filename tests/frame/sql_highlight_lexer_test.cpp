@@ -79,6 +79,8 @@ private Q_SLOTS:
         add("quoted names", DatabaseTypePostgreSQL, "\"a\"\"select\" x", "I<\"a\"\"select\"> x");
         add("backticks", DatabaseTypeMySQL, "`a``select` `b\\` x", "I<`a``select`> I<`b\\`> x");
         add("brackets", DatabaseTypeSQLServer, "[a]]select] x[1]", "I<[a]]select]> xI<[1]>");
+        add("SQLite's brackets know no escape", DatabaseTypeSQLite, "[a]]select",
+            "I<[a]>]K<select>");
         add("no brackets in PostgreSQL", DatabaseTypePostgreSQL, "x[1]", "x[N<1>]");
         add("dollar quotes", DatabaseTypePostgreSQL, "$$ it's\nselect $$ select $1",
             "S<$$ it's>\nS<select $$> K<select> $N<1>");
@@ -86,7 +88,10 @@ private Q_SLOTS:
             "S<$q$ a $$ b>\nS<$qq$ $q$> K<select>");
         add("Oracle's alternative quotes", DatabaseTypeOracle, "q'[it's]' nq'!a'!' select",
             "S<q'[it's]'> S<nq'!a'!'> K<select>");
-        add("prefixes", DatabaseTypeSQLServer, "N'ü' X'1F' en'a'", "S<N'ü'> S<X'1F'> enS<'a'>");
+        add("prefixes", DatabaseTypeMariaDB, "N'ü' X'1F' en'a'", "S<N'ü'> S<X'1F'> enS<'a'>");
+        add("what is no prefix", DatabaseTypeSQLServer, "N'a' X'1F'", "S<N'a'> XS<'1F'>");
+        add("escapes by Unicode", DatabaseTypePostgreSQL, "U&'\\0041' u&\"a\" U& 'x'",
+            "S<U&'\\0041'> I<u&\"a\"> U& S<'x'>");
         add("umlauts and emoji", DatabaseTypePostgreSQL, "größe 😀 'ä😀' select",
             "größe 😀 S<'ä😀'> K<select>");
         add("hexadecimal", DatabaseTypeMySQL, "0x1F+1 1e+5", "N<0x1F>+N<1> N<1e+5>");

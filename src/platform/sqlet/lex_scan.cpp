@@ -89,8 +89,7 @@ std::uint32_t TextScan::alternativeEnd(std::uint32_t position) const {
            (static_cast<unsigned char>(at(end)) & 0xC0U) == 0x80)
         ++end;
     std::string delimiter(between(position + 1, end));
-    const std::size_t bracket = std::string_view("([{<").find(opening);
-    if (bracket != std::string_view::npos) delimiter = ")]}>"[bracket];
+    delimiter.front() = closingPartner(opening);
     return delimitedEnd(end, delimiter + '\'');
 }
 

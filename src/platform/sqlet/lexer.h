@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -60,6 +61,13 @@ struct LexTraits {
     bool operatorRuns = false;        ///< any run of operator characters is one operator
     std::string_view operators;       ///< those of several characters, longest first, with blanks
 };
+
+/// What closes q'[..]' after @p opening: its partner, or the character itself.
+constexpr char closingPartner(char opening) {
+    constexpr std::string_view openings = "([{<";
+    const std::size_t bracket = openings.find(opening);
+    return bracket == openings.npos ? opening : ")]}>"[bracket];
+}
 
 /// The traits of a server family (QB::DatabaseType): of dialect 1 to 5, and of MariaDB, which is
 /// dialect 1. Those of any other number are empty.
