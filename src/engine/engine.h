@@ -147,12 +147,13 @@ public:
     /// generator. Takes no lock: another thread than main locks queryComponentAccessMutex() first.
     std::string buildQuery() const;
 
-    /// Parses @p text on a dispatched thread, under queryComponentAccessMutex, into the statement
-    /// of the layer that is current by then; a text that cannot be read leaves it empty. Returns at
-    /// once. Then, on the main thread and in this order: @p completion (may be empty) with whether
-    /// the text was read and where in it the statement stands, location -1 if none was found;
-    /// "TopLevelQueryComponentElementModifiedNotification" with the engine as sender; after a
-    /// failure "ParsingQueryUnsupportedNotification". Afterwards the fields of the tables are
+    /// Parses @p text on a dispatched thread, under queryComponentAccessMutex, for the statement of
+    /// the layer that is current by then. Returns at once. Then, on the main thread and in this
+    /// order: the content of the statement is replaced, by nothing if the text cannot be read;
+    /// @p completion (may be empty) is called with whether the text was read and where in it the
+    /// statement stands, location -1 if none was found;
+    /// "TopLevelQueryComponentElementModifiedNotification" is sent with the engine as sender; after
+    /// a failure "ParsingQueryUnsupportedNotification". Afterwards the fields of the tables are
     /// fetched (see refreshRequestedIdentifierCandidateChildren, with its errors).
     /// What the statement held is kept until the notification was delivered.
     /// If the engine goes before the end, nothing more is called. Parses are not merged.
@@ -274,6 +275,7 @@ private:
 
     class Parse;
     struct ParseResult;
+    unsigned long takeOver(const ParseResult& result);
     void deliver(const ParseResult& result, Parse& parse);
 
     void replaceRootStatement();

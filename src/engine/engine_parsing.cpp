@@ -22,7 +22,9 @@ struct QBEngine::ParseResult {
     std::set<TopLevelQueryComponentElementEnum> changed;
     std::string message;  ///< empty: success
     QBRange range{-1, 0};
-    RetiredParts::Number modification = 0;  ///< 0: nothing was replaced
+    OwnedStatement content;                       ///< what is to stand in the statement below
+    SQLSelectStmtComponent* statement = nullptr;  // not owned: with statementId alone
+    long statementId = 0;
 };
 
 /// One call of parseQuery. Counts as running until it is delivered, or dropped by the host.
@@ -59,47 +61,27 @@ public:
     }
 
 private:
-    struct Target {
-        AbstractTopLevelQueryComponent* statement = nullptr;  // not owned
-        DatabaseType type = DatabaseTypeNone;
-        std::string schema;
-    };
-
-    /// False if the engine has gone. While the mutex is held the statement stays, since who
-    /// destroys it after the engine takes the mutex first.
+    /// False if the engine has gone.
     bool parse(ParseResult& result) const {
         const std::lock_guard lock(m_core->queryComponentAccessMutex);
-        Target target;
-        if (!withEngine([&] {
-                target = {m_engine->currentTopLevelQueryComponent(), m_engine->databaseType(),
-                          m_engine->currentSchema()};
-            }))
-            return false;
-        // Read into a statement of its own, so that the live one changes at one stroke.
-        const OwnedStatement content(new SQLSelectStmtComponent);
+        DatabaseType type = DatabaseTypeNone;
+        std::string schema;
+        const auto look = [&] {
+            type = m_engine->databaseType();
+            schema = m_engine->currentSchema();
+            auto* const current = m_engine->currentTopLevelQueryComponent();
+            result.statement = dynamic_cast<SQLSelectStmtComponent*>(current);
+            result.statementId = current ? current->id() : 0;
+        };
+        if (!withEngine(look)) return false;
+        result.content.reset(result.statement ? new SQLSelectStmtComponent : nullptr);
         try {
-            QBQueryParser::parse(content.get(), m_text, target.type, target.schema, &result.changed,
+            QBQueryParser::parse(result.content.get(), m_text, type, schema, &result.changed,
                                  &result.message, &result.range);
         } catch (std::runtime_error* error) {
             result.message = std::unique_ptr<std::runtime_error>(error)->what();
-            return true;
         }
-        replaceContent(target.statement, *content, result);
         return true;
-    }
-
-    void replaceContent(AbstractTopLevelQueryComponent* target, SQLSelectStmtComponent& content,
-                        ParseResult& result) const {
-        auto* const statement = dynamic_cast<SQLSelectStmtComponent*>(target);
-        if (!statement) return;
-        RetiredParts::Modification modification(m_core->retired);
-        auto earlier = std::make_unique<SQLSelectStmtComponent>();
-        swapElements(*earlier, *statement);
-        swapElements(*statement, content);
-        DetachedParts parts;
-        parts.add(std::move(earlier));
-        m_core->retired.add(std::move(parts));
-        result.modification = modification.announce();
     }
 
     void fetchFields() const {
@@ -144,9 +126,28 @@ bool QBEngine::isParsingQuery() const {
     return m_core->runningParseCount.load() > 0;
 }
 
+/// Puts the content into the statement at one stroke, here, since panels read it on this thread
+/// without a lock. Gives the number of the modification, or 0 if the statement has gone.
+unsigned long QBEngine::takeOver(const ParseResult& result) {
+    RetiredParts::Number number = 0;
+    m_core->withLiveComponent(result.statementId, [&] {
+        if (!result.statement) return;
+        RetiredParts::Modification modification(m_core->retired);
+        auto earlier = std::make_unique<SQLSelectStmtComponent>();
+        swapElements(*earlier, *result.statement);
+        swapElements(*result.statement, *result.content);
+        DetachedParts parts;
+        parts.add(std::move(earlier));
+        m_core->retired.add(std::move(parts));
+        number = modification.announce();
+    });
+    return number;
+}
+
 /// Any of those who are told may destroy the engine.
 void QBEngine::deliver(const ParseResult& result, Parse& parse) {
     const long id = m_id;
+    const RetiredParts::Number modification = takeOver(result);
     parse.complete(result.message.empty(), result.range);
     parse.endRunning();
     if (!isAlive(id)) return;
@@ -159,7 +160,7 @@ void QBEngine::deliver(const ParseResult& result, Parse& parse) {
         notifyChange(Notification::parsingQueryUnsupported, &unsupported);
         if (!isAlive(id)) return;
     }
-    if (result.modification != 0) sweepRetired(result.modification);
+    if (modification != 0) sweepRetired(modification);
 }
 
 }  // namespace QB
