@@ -7,6 +7,7 @@ using namespace QB;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const Fuzz::Input input = Fuzz::inputOf(data, size);
-    Fuzz::stopIfBroken(Test::faultOfAccessors(input.dialect(), input.text), input);
+    const char* schema = input.isAlwaysQuoted ? input.schema.c_str() : nullptr;
+    Fuzz::stopIfBroken(Test::faultOfAccessors(input.dialect(), input.text, schema), input);
     return 0;
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "parser/parser_handle.h"
 #include "platform/sqlet/sqlet.h"
 #include "sqlet/accessor_dump.h"
 
@@ -296,21 +297,23 @@ inline std::string faultOfDumps(SqletParser* parser, const std::string& text) {
     return first.substr(broken, first.find('\n', broken) - broken);
 }
 
-/// Parses @p text up to its first NUL and checks everything that can be asked; "" if all is well.
-inline std::string faultOfAccessors(int dialect, const std::string& text) {
+/// Parses @p text up to its first NUL, in @p schema if it is not null, and checks everything that
+/// can be asked; "" if all is well.
+inline std::string faultOfAccessors(int dialect, const std::string& text,
+                                    const char* schema = nullptr) {
     const std::string upToNul = text.c_str();
-    SqletParser* parser = sqlet_create(dialect, upToNul.c_str(), 1);
-    if (!parser) return "sqlet_create gave null";
-    std::string fault = AccessorCheck(parser, upToNul).fault();
-    if (fault.empty()) fault = faultOfDumps(parser, upToNul);
-    if (fault.empty() && sqlet_select(parser)) {
-        SqletParser* again = sqlet_create(dialect, upToNul.c_str(), 1);
-        if (sqlet_first_difference(parser, again, nullptr) != -1)
-            fault = "a statement differs from itself";
-        sqlet_free(again);
-    }
-    sqlet_free(parser);
-    return fault;
+    const auto parsed = [&] {
+        return ParserHandle(schema ? sqlet_create_in_schema(dialect, upToNul.c_str(), schema)
+                                   : sqlet_create(dialect, upToNul.c_str(), 1));
+    };
+    const ParserHandle parser = parsed();
+    if (!parser) return "there is no handle";
+    std::string fault = AccessorCheck(parser.get(), upToNul).fault();
+    if (fault.empty()) fault = faultOfDumps(parser.get(), upToNul);
+    if (!fault.empty() || !isOneSelect(parser.get())) return fault;
+    const ParserHandle again = parsed();
+    const int difference = sqlet_first_difference(parser.get(), again.get(), schema);
+    return difference == -1 ? "" : "a statement differs from itself";
 }
 
 }  // namespace QB::Test

@@ -20,7 +20,7 @@ struct Shape {
     int size;
     Verdict verdict;  ///< at this size
     std::string (*text)(int n);
-    /// At the limit: one more is too much, so it cannot be doubled.
+    /// At the limit of what is accepted: bounded, so that it need not grow evenly.
     bool isAtLimit = false;
 };
 
