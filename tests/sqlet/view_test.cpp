@@ -191,6 +191,12 @@ const ViewCase qualifiers[] = {
      "value <q.n> parent1=q name=n"},
     {PostgreSQL, "SELECT 1 FROM x.a, y.b WHERE q.n = 2", "value <q.n>"},
     {PostgreSQL, "SELECT 1 FROM db.x.a, x.b WHERE q.n = 2", "value <q.n> parent1=q name=n"},
+    // Behind the condition a source is as good as unknown.
+    {SQLite, "SELECT 1 FROM x.a JOIN b ON a.i = c.i JOIN y.c ON c.i = b.i",
+     "value <a.i> parent1=a name=i\n"
+     "value <c.i>\n"
+     "value <c.i> parent1=c name=i"},
+    {SQLite, "SELECT 1 FROM a JOIN b ON a.i = c.i JOIN c", "value <c.i> parent1=c name=i"},
     // Two sources of one name.
     {PostgreSQL, "SELECT t.a, x.t.a FROM x.t, y.t WHERE t.b = x.t.b",
      "column <t.a>\n"

@@ -211,6 +211,7 @@ void SourceScope::enter(SqletTable* table) {
     Entry& entry = m_entries[key(name)];
     ++entry.count;
     entry.source = table;
+    entry.token = token;
     entry.name = m_parser.arena.copyText(name);
 }
 

@@ -20,6 +20,7 @@ public:
     struct Entry {
         SqletTable* source = nullptr;  ///< one of those that match
         const char* name = nullptr;    ///< alias or name of the source, decoded
+        TokenIndex token = noToken;    ///< where that name stands
         std::size_t count = 0;         ///< how many sources match, 0: none
     };
 

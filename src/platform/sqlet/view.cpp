@@ -66,6 +66,10 @@ private:
     template <typename Node>
     bool isQualifierKept(Node& node, const NameChain& chain, NamePlace place);
     bool isPathKept(const SqletTable& source, NamePlace place) const;
+    /// True in an ON for a source that comes later: sources become known in the order of the text.
+    static bool isBehind(const SourceScope::Entry& source, const NameChain& chain) {
+        return source.token > chain.first;
+    }
     bool isLongPathKept(const NameChain& chain, const SourceScope::Entry& found,
                         const std::string& tableName, NamePlace place) const;
 
@@ -227,7 +231,9 @@ bool ViewSettler::isQualifierKept(Node& node, const NameChain& chain, NamePlace 
     const SourceScope::Entry& found = m_scope.find(qualifier);
     if (count > 1) return isLongPathKept(chain, found, qualifier, place);
     if (found.count > 1) return false;
-    if (found.count == 0) return place != NamePlace::Condition || !m_scope.isMixed();
+    const bool isUnknown = found.count == 0 || isBehind(found, chain);
+    if (isUnknown && place == NamePlace::Condition && m_scope.isMixed()) return false;
+    if (found.count == 0) return true;
     if (!isPathKept(*found.source, place)) return false;
     if (qualifier != found.name) textsOf(node, m_parser.arena).parents[0] = found.name;
     return true;
