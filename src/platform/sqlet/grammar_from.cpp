@@ -173,11 +173,13 @@ void Grammar::joinConditions(std::vector<JoinStep>& steps, std::uint32_t parens)
     }
 }
 
-/// The last join that has no condition yet and takes one; a condition does not reach over a comma.
+/// The last join that has no condition yet and takes one; a condition does not reach over a comma,
+/// nor over another join where no join has to wait for one.
 std::size_t Grammar::pendingJoin(const std::vector<JoinStep>& steps) const {
+    const bool canWait = m_dialect.conditionless != ConditionlessJoin::Always;
     for (std::size_t i = steps.size() - 1; i > 0; --i) {
         if (steps[i].op.takesCondition && !steps[i].on) return i;
-        if (steps[i].op.isComma) return noStep;
+        if (steps[i].op.isComma || !canWait) return noStep;
     }
     return noStep;
 }
@@ -447,7 +449,7 @@ bool Grammar::takePivot() {
 }
 
 bool Grammar::takeTimeTravel() {
-    if (is(K::As) && nextIs(K::Of)) {
+    if (isFlashback()) {
         m_position += 2;
         takeTimeKind();
         expression(Reach::Operand);
@@ -487,6 +489,11 @@ bool Grammar::takeTimeTravel() {
         unexpected("a time");
     }
     return true;
+}
+
+/// t AS OF TIMESTAMP x; OF is a name elsewhere.
+bool Grammar::isFlashback() const {
+    return m_dialect.hasFlashback && is(K::As) && nextIs(K::Of);
 }
 
 void Grammar::takeTimeKind() {
@@ -570,7 +577,7 @@ void Grammar::keepAliasInText(SqletTable* table) {
 }
 
 bool Grammar::takeSourceAlias(SqletTable* table) {
-    const bool hasAs = is(K::As) && !nextIs(K::Of);
+    const bool hasAs = is(K::As) && !isFlashback();
     if (!hasAs && !isBareSourceAlias()) return false;
     const TokenIndex as = m_position;
     if (hasAs) advance();
