@@ -1,6 +1,7 @@
 -- The tables that the cells run on. A line "-- only FAMILY" holds for the statement that follows.
 -- The same names in every table, columns named like aliases, NULLs, duplicates, strings with
--- quotes and lines; the same tables with other rows in a second schema.
+-- quotes and lines; the same tables with other rows in a second schema; a temporary table in front of
+-- another of its name.
 
 -- only sqlite
 ATTACH ':memory:' AS other;
@@ -29,6 +30,16 @@ CREATE TABLE one (v integer);
 INSERT INTO one VALUES (1), (2);
 CREATE TABLE odd (id integer, "two words" integer, "select" integer, "a""b" integer);
 INSERT INTO odd VALUES (1, 2, 1, 4), (2, 1, 2, 3), (3, 2, 1, 2);
+
+CREATE TABLE shade (id integer, x integer);
+INSERT INTO shade VALUES (1, 1), (2, 2);
+CREATE TEMPORARY TABLE shade (id integer, x integer);
+-- only sqlite
+INSERT INTO temp.shade VALUES (3, 3), (4, 4), (5, 5);
+-- only postgresql
+INSERT INTO pg_temp.shade VALUES (3, 3), (4, 4), (5, 5);
+-- only mariadb
+INSERT INTO shade VALUES (3, 3), (4, 4), (5, 5);
 
 CREATE TABLE other.a (id integer PRIMARY KEY, x integer, y integer, n integer, s varchar(60));
 INSERT INTO other.a VALUES (1, 9, 9, 9, 'z'), (2, 8, 8, 8, 'z'), (9, 1, 1, 1, 'a');
