@@ -104,6 +104,7 @@ constexpr Dialect mysql() {
                           K::SqlNoCache,   K::SqlCalcFoundRows, K::MaxStatementTime};
     d.distinctWords = {K::Distinctrow};
     d.conditionless = ConditionlessJoin::InnerOnly;
+    d.hasFlashback = true;
     d.crossTakesCondition = true;
     d.limitForms = LimitWord | LimitComma | OffsetWord | OffsetAlone | FetchWords;
     return d;
@@ -154,7 +155,7 @@ constexpr Dialect oracle() {
     d.refusedClauses =
         standardRefusals.with({K::Minus, K::Connect, K::Start, K::For, K::Model, K::Qualify});
     d.distinctWords = {K::Unique};
-    d.hasAliasAs = false;
+    d.hasFlashback = true;
     d.nulls = NullOrder::Largest;
     d.hasNullsWords = true;
     d.limitForms = OffsetAlone | FetchWords;

@@ -142,7 +142,8 @@ struct Dialect {
     /// UNIQUE or DISTINCTROW.
     KeywordSet distinctWords;
     bool mayLackColumns = false;  ///< SELECT FROM t
-    bool hasAliasAs = true;       ///< t AS x, not only t x
+
+    bool hasFlashback = false;  ///< t AS OF TIMESTAMP x
 
     ConditionlessJoin conditionless = ConditionlessJoin::Never;
     bool crossTakesCondition = false;

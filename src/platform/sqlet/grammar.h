@@ -50,7 +50,10 @@ private:
     bool isSymbol(TokenIndex index, std::string_view symbol) const;
     bool isName(const Token& token) const;
     bool isQueryStart(TokenIndex index) const;
-    void advance() { ++m_position; }
+    /// Never behind the End.
+    void advance() {
+        if (m_position < m_count) ++m_position;
+    }
     /// The partner of the bracket here; refuses if it has none.
     TokenIndex partner();
     void skipBrackets() { m_position = partner() + 1; }
@@ -80,10 +83,14 @@ private:
     void nameChain();
     void afterCall();
     void afterName();
+    bool isIntervalLiteral() const;
     void intervalLiteral();
+    void expressionWithUnit();
     bool isFromFirstOrLast() const;
     bool takeTypedLiteral();
     void caseExpression();
+    bool isPartOfName() const;
+    bool isBehindOperator() const;
     void typeName();
     void unitOf();
     AfterOperand afterOperand(Reach reach);
@@ -165,6 +172,7 @@ private:
     bool takeSourceSuffix();
     bool takePivot();
     bool takeTimeTravel();
+    bool isFlashback() const;
     void takeTimeKind();
     SqletTable* pivotOf(TokenIndex first, std::uint32_t parens);
     bool takeSuffixBehindAlias();

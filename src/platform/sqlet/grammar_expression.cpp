@@ -107,7 +107,7 @@ void Grammar::wordPrimary() {
         return;
     }
     if (is(K::Case)) return caseExpression();
-    if (is(K::Interval) && m_dialect.hasIntervals) return intervalLiteral();
+    if (isIntervalLiteral()) return intervalLiteral();
     if (is(K::Array) && next().kind == T::LeftBracket) {
         advance();
         skipBrackets();
@@ -120,12 +120,12 @@ void Grammar::wordPrimary() {
         return;
     }
     const bool isCall = next().kind == T::LeftParen;
-    const bool isLikeFunction = isCall && token.keyword == K::Like;
-    if (neverOperands.contains(token.keyword) && !isLikeFunction) unexpected("an expression");
+    const bool isName = next().kind == T::Dot || (isCall && is(K::Like));
+    const bool isReserved = (token.flags & SQLET_WORD_RESERVED) != 0;
+    if (neverOperands.contains(token.keyword) && isReserved && !isName) unexpected("an expression");
     if (takeTypedLiteral()) return;
-    if (!isCall && (token.flags & SQLET_WORD_RESERVED) != 0 &&
-        (token.flags & (SQLET_WORD_CONSTANT | SQLET_WORD_FUNCTION)) == 0 && next().kind != T::Dot &&
-        !is(K::Default))
+    if (!isCall && isReserved && (token.flags & (SQLET_WORD_CONSTANT | SQLET_WORD_FUNCTION)) == 0 &&
+        next().kind != T::Dot && !is(K::Default))
         unexpected("an expression");
     nameChain();
     afterName();
@@ -137,7 +137,9 @@ void Grammar::nameChain() {
     while (is(T::Dot)) {
         const Token& behind = next();
         const bool isStar = behind.kind == T::Operator && isSymbol(m_position + 1, "*");
-        if (!isName(behind) && !isStar && behind.kind != T::Dot) return;
+        // t.$node_id is a pseudo-column of SQL Server.
+        const bool isPart = isName(behind) || behind.kind == T::Parameter;
+        if (!isPart && !isStar && behind.kind != T::Dot) return;
         m_position += behind.kind == T::Dot ? 1 : 2;
         if (isStar) return;
     }
@@ -223,29 +225,34 @@ bool Grammar::takeTypedLiteral() {
     return true;
 }
 
+/// Elsewhere INTERVAL is a name, but for MySQL, where an expression follows it.
+bool Grammar::isIntervalLiteral() const {
+    if (!is(K::Interval) || !m_dialect.hasIntervals) return false;
+    const TokenKind behind = next().kind;
+    if (m_dialect.number == 1) return behind != T::Dot;
+    if (behind == T::String || behind == T::Parameter) return true;
+    const TokenIndex close = m_parser.tokens.partner[m_position + 1];
+    return behind == T::LeftParen && close != noToken && at(close + 1).kind == T::String;
+}
+
 void Grammar::intervalLiteral() {
     advance();
-    if (is(T::LeftParen) && m_dialect.hasTypedLiterals) skipBrackets();  // interval(3) '..'
-    if (m_dialect.number == 1) {
-        expression(Reach::Operand);
-        if (is(T::Word) && !isComparisonWordAt(m_position) &&
-            !neverOperands.contains(here().keyword) &&
-            !m_dialect.clauseWords.contains(here().keyword) && here().keyword != K::Desc &&
-            here().keyword != K::Asc) {
-            advance();
-            if (is(T::LeftParen)) skipBrackets();
-        }
-        return;
-    }
-    if (!is(T::String) && !is(T::Parameter)) {
-        // A column of that name.
-        if (isName(here())) unexpected("a string");
-        --m_position;
-        nameChain();
-        return;
-    }
+    if (m_dialect.number == 1) return expressionWithUnit();
+    if (is(T::LeftParen)) skipBrackets();  // interval(3) '..'
     advance();
     unitOf();
+}
+
+/// INTERVAL 1 + n DAY
+void Grammar::expressionWithUnit() {
+    expression(Reach::Operand);
+    const Keyword word = here().keyword;
+    const bool isUnit = is(T::Word) && !isComparisonWordAt(m_position) &&
+                        !neverOperands.contains(word) && !m_dialect.clauseWords.contains(word) &&
+                        word != K::Asc && word != K::Desc;
+    if (!isUnit) return;
+    advance();
+    if (is(T::LeftParen)) skipBrackets();
 }
 
 void Grammar::unitOf() {
@@ -270,11 +277,32 @@ void Grammar::caseExpression() {
             continue;
         }
         if (is(T::RightParen) || is(T::Semicolon)) unexpected("END");
-        const bool isQualified = m_position > 0 && at(m_position - 1).kind == T::Dot;
-        if (is(K::Case) && !isQualified) ++depth;
-        if (is(K::End) && !isQualified) --depth;
+        if (is(K::Case) && !isPartOfName()) ++depth;
+        if (is(K::End) && !isPartOfName() && !isBehindOperator()) --depth;
         advance();
     } while (depth > 0);
+}
+
+bool Grammar::isPartOfName() const {
+    return next().kind == T::Dot || at(m_position - 1).kind == T::Dot;
+}
+
+/// True where an operand has to come, so that END is a name where it is none of the reserved.
+bool Grammar::isBehindOperator() const {
+    if ((here().flags & SQLET_WORD_RESERVED) != 0) return false;
+    const Token& before = at(m_position - 1);
+    switch (before.keyword) {
+        case K::Case:
+        case K::When:
+        case K::Then:
+        case K::Else:
+        case K::And:
+        case K::Or:
+        case K::Not:
+            return true;
+        default:
+            return before.kind == T::Operator;
+    }
 }
 
 /// The type behind a cast operator.
@@ -374,10 +402,15 @@ Grammar::AfterOperand Grammar::afterOperandWord(Reach reach) {
             nameChain();
         return AfterOperand::GoesOn;
     }
-    if (word == K::At && (nextIs(K::Time) || nextIs(K::Local))) {
-        const bool isLocal = nextIs(K::Local);
-        m_position += isLocal ? 2 : 3;
-        return isLocal ? AfterOperand::GoesOn : AfterOperand::WantsOperand;
+    if (word == K::At && nextIs(K::Local)) {
+        m_position += 2;
+        return AfterOperand::GoesOn;
+    }
+    if (word == K::At && nextIs(K::Time)) {
+        m_position += 2;
+        if (!is(K::Zone)) unexpected("ZONE");
+        advance();
+        return AfterOperand::WantsOperand;
     }
     if (m_dialect.hasOuterJoinMarks && intervalUnits.contains(word) && isIntervalOf()) {
         unitOf();

@@ -491,9 +491,13 @@ bool Grammar::takeTimeTravel() {
     return true;
 }
 
-/// t AS OF TIMESTAMP x; OF is a name elsewhere.
+/// t AS OF TIMESTAMP x; where no time follows, OF is a name.
 bool Grammar::isFlashback() const {
-    return m_dialect.hasFlashback && is(K::As) && nextIs(K::Of);
+    if (!m_dialect.hasFlashback || !is(K::As) || !nextIs(K::Of)) return false;
+    const Token& time = at(m_position + 2);
+    return time.kind == T::String || time.kind == T::Parameter || time.kind == T::LeftParen ||
+           time.keyword == K::Timestamp || time.keyword == K::Scn || time.keyword == K::Period ||
+           (time.kind == T::Word && at(m_position + 3).kind == T::LeftParen);
 }
 
 void Grammar::takeTimeKind() {
