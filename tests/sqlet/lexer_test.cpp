@@ -141,6 +141,7 @@ TEST(Lexer, ReadsStringsByTheRulesOfTheServer) {
         {"4", "N'a'", "W:N S:'a'"},
         {"12", "x'41', X'', b'01'", "S:x'41' , S:X'' , S:b'01'"},
         {"4", "x'41', b'01'", "S:x'41' , W:b S:'01'"},
+        {"124", "x'41''a'", "S:x'41' S:'a'"},
         {"35", "x'41'", "W:x S:'41'"},
         {"2", "E'a\\'b' e'a'", "S!:E'a\\'b' S:e'a'"},
         {"1345", "E'a'", "W:E S:'a'"},

@@ -194,9 +194,10 @@ private:
         return true;
     }
 
-    /// Of all strings x'..' and b'..' alone do not go on in MySQL.
+    /// x'..' and b'..' end at the first quote: x'41''a' has an alias. Of all strings these alone do
+    /// not go on in MySQL.
     bool scanBits() {
-        scanPrefixedString(false);
+        pushString(m_scan.quotedEnd(m_at + 1, '\'', false, false));
         m_mayStringGoOn = traits().adjacentStrings != AdjacentStrings::Joined;
         return true;
     }
@@ -429,7 +430,9 @@ private:
         const bool isDoubled = here(1) == mark && mark != ':';
         const std::uint32_t name = m_at + (isDoubled ? 2 : 1);
         if (traits().dottedVariables && mark == '@') return scanVariable(name);
-        pushMarked(name, m_scan.nameEnd(name));
+        // :5 ends with its digits.
+        const bool isNumbered = mark == ':' && isDigit(m_scan.at(name));
+        pushMarked(name, isNumbered ? m_scan.digitsEnd(name) : m_scan.nameEnd(name));
     }
 
     /// A mark without a name is an operator, if anything.
