@@ -1,11 +1,16 @@
-// From components to text: what a statement of n parts costs, at n, 2n and 4n.
-// Rooms: stringifier
+// From components to text: what a statement of n parts costs, at n, 2n and 4n, and what the texts
+// of the parser's benchmark cost with the range of every component.
+//
+// bench/gates.py counts the instructions of the function measuredGeneration.
+// Rooms: parser stringifier
 #include <benchmark/benchmark.h>
 
+#include "parser/query_parser.h"
 #include "platform/sqlet/words.h"
 #include "stringifier/query_component_stringifier.h"
 #include "stringifier/statement_builder.h"
 #include "support/host_callbacks.h"
+#include "texts.h"
 
 using namespace QB;
 using namespace QB::Test;
@@ -70,6 +75,26 @@ void rangesOfConditions(benchmark::State& state) {
     state.SetComplexityN(state.range(0));
 }
 
+[[gnu::noinline]] std::size_t measuredGeneration(const SQLSelectStmtComponent& statement) {
+    auto stringifier = QBQueryComponentStringifier::createStringifier({DatabaseTypePostgreSQL, 0});
+    stringifier->setCurrentSchema("shop");
+    const std::size_t bytes = stringifier->stringifyQuery(&statement).size();
+    benchmark::DoNotOptimize(stringifier->componentRanges());
+    return bytes;
+}
+
+void textAndRanges(benchmark::State& state, Bench::TextKind kind) {
+    const HostCallbacks host;
+    const Statement statement = newStatement();
+    QBQueryParser::parseStatement(statement.get(), Bench::textOf(kind), DatabaseTypePostgreSQL,
+                                  "shop");
+    std::size_t bytes = 0;
+    for (auto _ : state)
+        bytes = measuredGeneration(*statement);
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
+    state.counters["bytes"] = static_cast<double>(bytes);
+}
+
 void wordClass(benchmark::State& state) {
     const std::string word = "Between";
     for (auto _ : state) {
@@ -93,6 +118,13 @@ BENCHMARK_TEMPLATE(text, joins)->Name("text/deep_joins")->Apply([](auto* b) {
 BENCHMARK(rangesOfConditions)->Name("ranges/conditions")->Apply([](auto* b) {
     doubled(b, 100000);
 });
+// The number of runs is fixed for counting instructions.
+BENCHMARK_CAPTURE(textAndRanges, 1kB, Bench::TextKind::Ordinary1kB)->Iterations(500);
+BENCHMARK_CAPTURE(textAndRanges, 10kB, Bench::TextKind::Ordinary10kB);
+BENCHMARK_CAPTURE(textAndRanges, in_list_1MB, Bench::TextKind::InList1MB)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(textAndRanges, chain_100k, Bench::TextKind::Chain100k)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(wordClass)->Name("word_class");
 
 }  // namespace

@@ -1,0 +1,77 @@
+#!/usr/bin/env python3
+"""Counts the instructions that reading and writing SQL takes, and fails where a limit is exceeded.
+
+  bench/gates.py [BUILD]     BUILD holds the programs in bin/, built as a release (build/release)
+
+Instructions, since times are noisy: valgrind's callgrind counts those inside of one function of a
+benchmark whose number of runs is fixed. The limits are what was promised; a gate that nears its
+limit says so.
+"""
+import json
+import re
+import subprocess
+import sys
+import tempfile
+from dataclasses import dataclass
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+NEAR = 0.9
+
+
+@dataclass
+class Gate:
+    what: str
+    program: str
+    benchmark: str  # regular expression of its name
+    function: str  # whose instructions count, with what it calls
+    limit: float  # instructions a byte
+    bytes: int = 0  # of one run; 0: the benchmark's counter "bytes"
+
+
+GATES = [
+    Gate("text to components, and destroying them, 1 kB", "parse_bench", "^components/1kB",
+         "*measuredComponents*", 460),
+    Gate("text to components, the gate included, 1 kB", "parse_bench", "^components_and_gate/1kB",
+         "*measuredParse*", 2000),
+    Gate("components to text with ranges, 1 kB", "generate_bench", "^textAndRanges/1kB",
+         "*measuredGeneration*", 90),
+    *[Gate(f"text to tokens, dialect {dialect}", "lexer_bench",
+           f"^tokens<ordinaryText>/1024/{dialect}/", "sqlet::lex(*", 45, bytes=1024)
+      for dialect in range(1, 6)],
+]
+
+
+def measured(gate, build):
+    """Instructions a byte."""
+    with tempfile.TemporaryDirectory() as folder:
+        result = Path(folder) / "result.json"
+        run = subprocess.run(
+            ["valgrind", "--tool=callgrind", f"--callgrind-out-file={folder}/callgrind.out",
+             f"--toggle-collect={gate.function}", str(build / "bin" / gate.program),
+             f"--benchmark_filter={gate.benchmark}", f"--benchmark_out={result}"],
+            capture_output=True, text=True)
+        collected = re.search(r"Collected : (\d+)", run.stderr)
+        if run.returncode != 0 or not collected:
+            sys.exit(f"{gate.what}: no count\n{run.stdout}\n{run.stderr}")
+        benchmarks = json.loads(result.read_text())["benchmarks"]
+    if len(benchmarks) != 1 or "error_message" in benchmarks[0]:
+        sys.exit(f"{gate.what}: expected one benchmark, got {benchmarks}")
+    run_bytes = gate.bytes or benchmarks[0]["bytes"]
+    # The first run outside of the count warms up; the function may be called there, too.
+    return int(collected[1]) / (benchmarks[0]["iterations"] * run_bytes)
+
+
+def main():
+    build = Path(sys.argv[1]) if len(sys.argv) > 1 else ROOT / "build/release"
+    is_clean = True
+    print("instructions a byte   limit", flush=True)
+    for gate in GATES:
+        count = measured(gate, build)
+        verdict = "EXCEEDED" if count > gate.limit else "near" if count > NEAR * gate.limit else ""
+        print(f"{count:19.1f} {gate.limit:7.0f}  {gate.what}  {verdict}".rstrip(), flush=True)
+        is_clean = is_clean and count <= gate.limit
+    sys.exit(0 if is_clean else 1)
+
+
+main()
