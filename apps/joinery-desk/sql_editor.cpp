@@ -6,6 +6,7 @@
 #include <QScrollBar>
 #include <QTextBlock>
 
+#include "apps/joinery-desk/long_lines.h"
 #include "model/callbacks.h"
 
 namespace QB::Desk {
@@ -13,6 +14,21 @@ namespace {
 
 constexpr int indentColumns = 4;
 constexpr int gutterMargin = 4;  // logical pixels
+/// What is inserted at a stroke: takes a few milliseconds, most of them for the lines.
+constexpr int sliceLines = 1000;
+constexpr int sliceLength = 64 * 1024;
+
+/// Where the slice that begins at @p start ends. A line is never cut: all of it would be laid out
+/// again for each piece.
+int sliceEnd(const QString& text, int start) {
+    int end = start;
+    for (int lines = 0; lines < sliceLines && end - start < sliceLength; ++lines) {
+        const int found = text.indexOf(QLatin1Char('\n'), end);
+        if (found < 0) return text.size();
+        end = found + 1;
+    }
+    return end;
+}
 
 QColor signColor() {
     return Callback::isDarkTheme() ? QColor(0xff7070) : QColor(0xd01c1c);
@@ -58,6 +74,8 @@ SqlEditor::SqlEditor(QWidget* parent) : QBSqlTextView(parent), m_gutter(new Gutt
         if (dy != 0) return m_gutter->scroll(0, dy);
         m_gutter->update(0, area.y(), m_gutter->width(), area.height());
     });
+    m_sliceTimer.setInterval(0);
+    connect(&m_sliceTimer, &QTimer::timeout, this, &SqlEditor::insertSlice);
     fitGutter();
 }
 
@@ -79,9 +97,58 @@ void SqlEditor::replaceText(const QString& text) {
 }
 
 void SqlEditor::startAnew(const QString& text) {
+    m_isStarting = true;
+    m_waiting.clear();
     clearError();
-    setPlainText(text);
-    document()->setModified(false);
+    clear();
+    setUndoRedoEnabled(false);
+    insert(text);
+}
+
+void SqlEditor::insertFromMimeData(const QMimeData* source) {
+    // The base would build a document of its own first.
+    if (source->hasText() && !isReadOnly()) insert(source->text());
+}
+
+void SqlEditor::insert(const QString& text) {
+    m_waiting = withBrokenLines(text, family());
+    m_waitingFrom = sliceEnd(m_waiting, 0);
+    m_hasBrokenLines = m_waiting.size() != text.size();
+    m_insertion = textCursor();
+    m_insertion.insertText(m_waiting.left(m_waitingFrom));
+    if (m_waitingFrom == m_waiting.size()) return endInserting();
+    setReadOnly(true);
+    m_sliceTimer.start();
+}
+
+/// Undo takes all slices back at once.
+void SqlEditor::insertSlice() {
+    const int end = sliceEnd(m_waiting, m_waitingFrom);
+    m_insertion.joinPreviousEditBlock();
+    m_insertion.insertText(m_waiting.mid(m_waitingFrom, end - m_waitingFrom));
+    m_insertion.endEditBlock();
+    m_waitingFrom = end;
+    if (end == m_waiting.size()) endInserting();
+}
+
+void SqlEditor::finishInserting() {
+    while (isInserting())
+        insertSlice();
+}
+
+void SqlEditor::endInserting() {
+    m_sliceTimer.stop();
+    m_waiting.clear();
+    if (isReadOnly()) setReadOnly(false);
+    if (!m_isStarting) setTextCursor(m_insertion);
+    if (m_isStarting) {
+        moveCursor(QTextCursor::Start);
+        setUndoRedoEnabled(true);
+        document()->setModified(false);
+    }
+    ensureCursorVisible();
+    m_isStarting = false;
+    Q_EMIT inserted();
 }
 
 // ---- The error

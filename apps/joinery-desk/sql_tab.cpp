@@ -98,6 +98,7 @@ void SqlTab::setUpLayout() {
 
 void SqlTab::connectParts() {
     connect(m_editor, &QPlainTextEdit::textChanged, this, &SqlTab::takeEdit);
+    connect(m_editor, &SqlEditor::inserted, this, &SqlTab::takeInserted);
     connect(m_editor, &QPlainTextEdit::cursorPositionChanged, this, &SqlTab::showPlace);
     connect(m_editor->document(), &QTextDocument::modificationChanged, this, &SqlTab::changed);
     connect(&m_pause, &QTimer::timeout, this, &SqlTab::checkNow);
@@ -158,6 +159,7 @@ void SqlTab::followBuilder() {
 
 void SqlTab::loadFromBuilder() {
     if (!engine()) return;
+    m_editor->finishInserting();
     m_isBuilderWanted = true;
     m_builderText->request();
 }
@@ -179,9 +181,12 @@ void SqlTab::takeBuilderText() {
 // ---- Checking
 
 void SqlTab::takeEdit() {
-    if (!m_isFilling) m_isFollowing = false;
-    m_isTextNew = !m_isFilling;
-    m_isFileWaiting = false;
+    const bool isTyped = !m_isFilling && !m_editor->isStarting();
+    if (isTyped) {
+        m_isFollowing = false;
+        m_isTextNew = true;
+        m_isFileWaiting = false;
+    }
     recheck();
 }
 
@@ -205,7 +210,9 @@ bool SqlTab::isBlank() const {
 
 void SqlTab::checkNow() {
     m_pause.stop();
-    if (m_isFollowing || m_result || m_checker.isChecking() || family() == DatabaseTypeNone) return;
+    if (m_editor->isInserting() || m_isFollowing || m_result || m_checker.isChecking() ||
+        family() == DatabaseTypeNone)
+        return;
     if (isBlank()) {
         m_editor->clearError();
         if (std::exchange(m_isFileWaiting, false)) Q_EMIT fileSettled(false);
@@ -246,6 +253,7 @@ void SqlTab::apply(std::function<void(bool)> done) {
     if (!done)
         done = [](bool) {
         };
+    m_editor->finishInserting();
     if (m_applyDone) return done(false);
     m_applyError.clear();
     m_applyDone = std::move(done);
@@ -328,15 +336,21 @@ void SqlTab::takeFile(const SqlFile& file, QString error, int revision) {
                     .arg(QDir::toNativeSeparators(file.path));
     if (!error.isEmpty()) return Q_EMIT fileFailed(error);
     m_file = file;
-    m_editor->startAnew(std::exchange(m_file.text, QString()));
     m_isFollowing = false;
+    m_editor->startAnew(std::exchange(m_file.text, QString()));
     m_isFileWaiting = true;
-    showState();
+    m_isTextNew = true;
     Q_EMIT fileOpened(file.path);
     checkNow();
 }
 
+/// A text that is wholly in is checked at once: nobody is typing.
+void SqlTab::takeInserted() {
+    if (!m_isFollowing) checkNow();
+}
+
 QString SqlTab::save(const QString& path) {
+    m_editor->finishInserting();
     SqlFile file = m_file;
     if (!path.isEmpty()) file.path = path;
     file.text = m_editor->text();
@@ -357,6 +371,7 @@ bool SqlTab::isFileChangedOutside() const {
 
 void SqlTab::startAnew() {
     ++m_fileNumber;
+    m_isFileWaiting = false;
     m_file = SqlFile();
     m_editor->startAnew(QString());
     m_isFollowing = true;
@@ -431,6 +446,9 @@ void SqlTab::showMessage() {
     if (m_file.areLineEndsMixed)
         text += QLatin1Char('\n') + tr("The lines of the file ended in several ways; here, and "
                                        "when it is saved, they all end alike.");
+    if (m_editor->hasBrokenLines())
+        text += QLatin1Char('\n') + tr("Very long lines were broken after commas and before "
+                                       "keywords.");
     m_message->setText(text);
     m_message->setAccessibleName(text);
     const bool isBad = m_state == State::Refused || !m_applyError.isEmpty();

@@ -109,6 +109,7 @@ private:
     void followBuilder();
     void takeBuilderText();
     void takeEdit();
+    void takeInserted();
     void recheck();
     void checkNow();
     void takeResult(const SqlCheckResult& result);

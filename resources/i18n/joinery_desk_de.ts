@@ -415,6 +415,10 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <source>Load this text into the builder (Ctrl+Return)</source>
         <translation>Diesen Text in den Generator laden (Strg+Eingabe)</translation>
     </message>
+    <message>
+        <source>Very long lines were broken after commas and before keywords.</source>
+        <translation>Sehr lange Zeilen wurden nach Kommas und vor Schlüsselwörtern umbrochen.</translation>
+    </message>
 </context>
 <context>
     <name>QB::Desk::WindowActions</name>

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QVector>
 
+#include "model/export.h"
 #include "model/vocabulary.h"
 
 namespace QB {
@@ -49,7 +50,7 @@ inline bool operator!=(const SqlLexState& a, const SqlLexState& b) {
 /// Finds what is to be coloured in SQL text, line by line, by the rules of a server family. It
 /// knows quotes, comments and words, no grammar, and reads any text, however broken.
 /// Thread: any; without state of its own.
-class SqlHighlightLexer {
+class QB_EXPORT SqlHighlightLexer {
 public:
     explicit SqlHighlightLexer(DatabaseType family = DatabaseTypeNone);
 

@@ -26,6 +26,7 @@ public:
     explicit QBSqlTextView(QWidget* parent = nullptr);
 
     void setFamily(DatabaseType family);
+    DatabaseType family() const { return m_lexer.family(); }
 
     /// Shows @p text, UTF-8. Selection and place in the text stay as far as the text is the same.
     void setSqlText(const std::string& text);

@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <mutex>
 
+#include "apps/joinery-desk/long_lines.h"
 #include "apps/joinery-desk/sql_editor.h"
 #include "apps/joinery-desk/sql_file.h"
 #include "apps/joinery-desk/sql_tab.h"
@@ -294,6 +295,45 @@ private Q_SLOTS:
         paste(text);
         QCOMPARE(editor()->text(), text);
         QTRY_VERIFY(m_parser->texts().contains(text));
+    }
+
+    void aLargePasteGoesInBitByBitAndIsTakenBackAtOnce() {
+        type("SELECT 1");
+        QString text = "SELECT id FROM city WHERE id IN (0";
+        for (int i = 1; i < 20000; ++i)
+            text += QString(",\n%1").arg(i);
+        text += ")";
+        paste(text);
+        QVERIFY(editor()->isInserting());
+        QTest::keyClicks(editor(), "x");
+        QTRY_VERIFY(!editor()->isInserting());
+        QCOMPARE(editor()->text(), text);
+        QTRY_COMPARE(tab()->state(), SqlTab::State::Acceptable);
+        m_desk->press(Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(editor()->text(), QString("SELECT 1"));
+        paste(text);
+        m_desk->press(Qt::Key_Return, Qt::ControlModifier);
+        QTRY_VERIFY(m_desk->preview().contains("19999"));
+    }
+
+    void overlongLinesAreBrokenOnlyWhereThatMeansNothing() {
+        using QB::Desk::withBrokenLines;
+        const QString list = QString("1, 'a, b' , \"c, d\", ").repeated(1000);
+        const QString text = "SELECT " + list + "0 /* a, b */ -- x, y";
+        const QString broken = withBrokenLines(text, QB::DatabaseTypeSQLite);
+        QVERIFY(broken.count('\n') > 50);
+        QCOMPARE(QString(broken).remove('\n'), text);
+        for (const QString& line : broken.split('\n')) {
+            QVERIFY(line.size() < 300);
+            QCOMPARE(line.count('\'') % 2 + line.count('"') % 2, 0);
+        }
+        QVERIFY(broken.endsWith("0 /* a, b */ -- x, y"));
+        const QString chain = "SELECT 1 WHERE a" + QString(" = 'x' OR a").repeated(1000);
+        QVERIFY(withBrokenLines(chain, QB::DatabaseTypeSQLite).count("\nOR a") > 50);
+        const QString literal = "SELECT '" + QString("a, ").repeated(5000) + "'";
+        QCOMPARE(withBrokenLines(literal, QB::DatabaseTypeSQLite), literal);
+        paste(text + "\nFROM city");
+        QTRY_VERIFY2(tab()->message().contains("long lines"), qPrintable(tab()->message()));
     }
 
     // ---- files ------------------------------------------------------------------------------
