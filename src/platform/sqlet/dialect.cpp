@@ -156,6 +156,7 @@ constexpr Dialect oracle() {
         standardRefusals.with({K::Minus, K::Connect, K::Start, K::For, K::Model, K::Qualify});
     d.distinctWords = {K::Unique};
     d.hasFlashback = true;
+    d.hasModel = true;
     d.nulls = NullOrder::Largest;
     d.hasNullsWords = true;
     d.limitForms = OffsetAlone | FetchWords;

@@ -143,6 +143,7 @@ struct Dialect {
     KeywordSet distinctWords;
     bool mayLackColumns = false;  ///< SELECT FROM t
 
+    bool hasModel = false;      ///< MODEL DIMENSION BY ..
     bool hasFlashback = false;  ///< t AS OF TIMESTAMP x
 
     ConditionlessJoin conditionless = ConditionlessJoin::Never;

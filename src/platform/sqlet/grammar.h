@@ -178,6 +178,8 @@ private:
     bool takeSuffixBehindAlias();
     bool takeIndexHints();
     void sourceTail(SqletTable* table);
+    bool takeModel();
+    bool isBehindModel() const;
     void keepAliasInText(SqletTable* table);
     bool takeSourceAlias(SqletTable* table);
     bool isBareSourceAlias() const;

@@ -571,6 +571,27 @@ void Grammar::sourceTail(SqletTable* table) {
     }
     while (takeSuffixBehindAlias())
         keepAliasInText(table);
+    if (takeModel()) keepAliasInText(table);
+}
+
+/// The MODEL clause of Oracle, up to what may follow it; it stays with what it follows.
+bool Grammar::takeModel() {
+    static constexpr KeywordSet beginnings = {K::Return,    K::Unique, K::Dimension, K::Partition,
+                                              K::Reference, K::Main,   K::Ignore,    K::Keep};
+    if (!is(K::Model) || !m_dialect.hasModel || !beginnings.contains(next().keyword)) return false;
+    while (!isBehindModel()) {
+        if (is(T::LeftParen) || is(T::LeftBracket))
+            skipBrackets();
+        else
+            advance();
+    }
+    return true;
+}
+
+bool Grammar::isBehindModel() const {
+    if (is(K::Order)) return nextIs(K::By);  // not RULES SEQUENTIAL ORDER (..)
+    return is(T::End) || is(T::Semicolon) || is(T::RightParen) || is(K::Fetch) || is(K::Offset) ||
+           (is(K::For) && nextIs(K::Update)) || is(K::Union) || is(K::Minus) || is(K::Intersect);
 }
 
 void Grammar::keepAliasInText(SqletTable* table) {
@@ -608,6 +629,7 @@ bool Grammar::isBareSourceAlias() const {
     if (token.kind == T::QuotedName) return true;
     if (token.kind == T::String) return m_dialect.hasStringAliases && m_dialect.number == 4;
     if (token.kind != T::Word) return false;
+    if (is(K::Model) && next().kind != T::Word) return true;  // a name of Oracle too
     if (m_dialect.sourceEnds.contains(token.keyword) || isOffsetClause()) return false;
     if (is(K::Full) && nextIs(K::Outer)) return false;  // elsewhere an alias of MySQL
     return (token.flags & SQLET_WORD_RESERVED) == 0;

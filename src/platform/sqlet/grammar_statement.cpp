@@ -287,6 +287,7 @@ void Grammar::groupSuffix(SqletColumn& column) {
     const TokenIndex first = m_position;
     if (is(K::Asc) || is(K::Desc)) advance();
     if (is(K::With) && (nextIs(K::Rollup) || nextIs(K::Cube))) m_position += 2;
+    takeModel();
     if (m_position != first) keepInText(column);
 }
 
