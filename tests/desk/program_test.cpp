@@ -62,6 +62,16 @@ private Q_SLOTS:
             << QStringList{m_folder.filePath("none.db")} + take << int(ExitNoDatabase) << "none.db";
         QTest::newRow("unknown table")
             << QStringList{"--sample", "--add", "nope"} + take << int(ExitNoTable) << "nope";
+        const QString wrong = m_folder.filePath("wrong.sql");
+        QFile file(wrong);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("SELECT id\nFROM (") > 0);
+        QTest::newRow("text that is refused")
+            << QStringList{"--sample", wrong} + take << int(ExitNoText) << "line 2";
+        QTest::newRow("no text") << QStringList{"--sample", "--sql", m_folder.filePath("none")} +
+                                        take
+                                 << int(ExitNoText) << "none";
+        QTest::newRow("two texts")
+            << QStringList{"a.sql", "--sql", "b.sql"} << int(ExitUsage) << "Only one";
         QTest::newRow("nothing to run")
             << QStringList{"--sample", "--run"} + take << int(ExitQueryFailed) << "joinery-desk:";
         QTest::newRow("no folder for the picture")
@@ -79,6 +89,15 @@ private Q_SLOTS:
         QCOMPARE(QFileInfo::exists(picture()), arguments.contains(picture()));
     }
 
+    void aTextIsLoadedAndRun() {
+        QFile file(m_folder.filePath("text.SQL"));
+        QVERIFY(file.open(QIODevice::WriteOnly) &&
+                file.write("SELECT s.name FROM station s JOIN dock d ON d.station_id = s.id") > 0);
+        file.close();
+        const Run result = run({"--sample", file.fileName(), "--run", "--screenshot", picture()});
+        QVERIFY2(result.code == ExitOk, qPrintable(result.errors));
+    }
+
     void aQueryWithoutEndMeetsItsDeadline() {
         const QB::Test::SqliteFile file(
             "CREATE VIEW silent AS WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n)"
@@ -91,7 +110,7 @@ private Q_SLOTS:
     void helpTellsEveryExitCodeAndNeedsNoDatabase() {
         const Run help = run({"--help"});
         QCOMPARE(help.code, int(ExitOk));
-        for (const char* word : {"--add", "--screenshot", "6 "})
+        for (const char* word : {"--add", "--screenshot", "6 ", "--sql", "7 "})
             QVERIFY2(help.output.contains(word), word);
     }
 };
