@@ -51,12 +51,7 @@ std::string_view contentOf(std::string_view spelled) {
     return spelled.substr(1, spelled.size() - 2);
 }
 
-/// In SQLite a name in brackets ends at the first closing one.
-bool isClosingDoubled(char closing, int dialect) {
-    return closing != ']' || lexTraits(dialect).doubledBracketEscapes;
-}
-
-std::string unquoted(std::string_view spelled, int dialect) {
+std::string unquoted(std::string_view spelled) {
     const std::string_view content = contentOf(spelled);
     if (content.data() == nullptr) return std::string(spelled);
     const char closing = spelled.back();
@@ -66,7 +61,7 @@ std::string unquoted(std::string_view spelled, int dialect) {
         name += content[i];
         const bool isDoubled =
             content[i] == closing && i + 1 < content.size() && content[i + 1] == closing;
-        if (isDoubled && isClosingDoubled(closing, dialect)) ++i;
+        if (isDoubled) ++i;
     }
     return name;
 }
@@ -106,7 +101,7 @@ std::size_t sequenceLength(std::string_view bytes) {
 std::string decodedName(std::string_view text, const Token& token, int dialect) {
     const std::string_view spelled = spelling(text, token);
     if (token.kind == TokenKind::Word) return folded(spelled, dialect);
-    return unquoted(spelled, dialect);
+    return unquoted(spelled);
 }
 
 bool isDecodable(std::string_view text, const Token& token, int dialect) {
