@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <thread>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace QB {
@@ -14,11 +14,38 @@ namespace {
 /// One entry a thread that is inside a block; recursion gives several entries.
 using PinHolders = std::vector<std::thread::id>;
 
+/// A set of ids, 64 to an entry: ids come in a row, and a large query issues them by the million.
+class IdSet {
+public:
+    void insert(long id) { m_words[wordOf(id)] |= bitOf(id); }
+
+    void erase(long id) {
+        const auto found = m_words.find(wordOf(id));
+        if (found == m_words.end()) return;
+        found->second &= ~bitOf(id);
+        if (found->second == 0) m_words.erase(found);
+    }
+
+    bool contains(long id) const {
+        const auto found = m_words.find(wordOf(id));
+        return found != m_words.end() && (found->second & bitOf(id)) != 0;
+    }
+
+private:
+    // Unsigned: any number may be asked for.
+    static unsigned long wordOf(long id) { return static_cast<unsigned long>(id) / 64; }
+    static std::uint64_t bitOf(long id) {
+        return std::uint64_t{1} << (static_cast<unsigned long>(id) % 64);
+    }
+
+    std::unordered_map<unsigned long, std::uint64_t> m_words;
+};
+
 struct Registry {
     std::mutex mutex;
     std::condition_variable pinReleased;
     long counter = 0;
-    std::unordered_set<long> alive;
+    IdSet alive;
     std::unordered_map<long, PinHolders> pins;
 
     bool isPinnedElsewhere(long id, std::thread::id here) const {
@@ -40,7 +67,7 @@ class Pin {
 public:
     explicit Pin(long id) : m_id(id) {
         const std::lock_guard lock(registry().mutex);
-        m_alive = registry().alive.count(id) > 0;
+        m_alive = registry().alive.contains(id);
         if (m_alive) registry().pins[id].push_back(std::this_thread::get_id());
     }
 
@@ -66,18 +93,19 @@ private:
 }  // namespace
 
 long issueId() {
-    const std::lock_guard lock(registry().mutex);
-    const long id = ++registry().counter;
-    registry().alive.insert(id);
+    Registry& ids = registry();
+    const std::lock_guard lock(ids.mutex);
+    const long id = ++ids.counter;
+    ids.alive.insert(id);
     return id;
 }
 
 void retireId(long id) {
-    std::unique_lock lock(registry().mutex);
-    registry().alive.erase(id);
+    Registry& ids = registry();
+    std::unique_lock lock(ids.mutex);
+    ids.alive.erase(id);
     const auto here = std::this_thread::get_id();
-    registry().pinReleased.wait(lock,
-                                [id, here] { return !registry().isPinnedElsewhere(id, here); });
+    ids.pinReleased.wait(lock, [&ids, id, here] { return !ids.isPinnedElsewhere(id, here); });
 }
 
 void runIfAlive(long id, const std::function<void(bool)>& block) {

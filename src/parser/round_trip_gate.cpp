@@ -50,6 +50,8 @@ public:
         return readsAsName(name) ? name : quoted(name, m_marks);
     }
 
+    bool isWord(const std::string& name) const { return wordClass(name) != 0; }
+
     /// True if one of the names is a word of the dialect that may stand bare.
     bool hasBareWord() const { return m_hasBareWord; }
 
@@ -105,7 +107,9 @@ QBParseOutcome checkRoundTrip(SqletParser* original, const SQLSelectStmtComponen
     };
     Quoter quoter(type);
     int difference = compare([&quoter](const std::string& name) { return quoter.always(name); });
-    if (difference == noDifference && quoter.hasBareWord())
+    // What stood bare in the original text stands bare again.
+    const bool isNewlyBare = sqlet_has_quoted_word(original) || quoter.isWord(schema);
+    if (difference == noDifference && quoter.hasBareWord() && isNewlyBare)
         difference =
             compare([&quoter](const std::string& name) { return quoter.whereNeeded(name); });
     return difference == noDifference ? QBParseOutcome() : refusal(original, difference);

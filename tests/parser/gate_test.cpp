@@ -100,7 +100,8 @@ TEST(Gate, RunsOnceForTheWholeStatementAndAgainWhereQuotesMatter) {
         int runs;
     } cases[] = {{"SELECT a FROM (SELECT b AS a FROM t) x", 1},
                  {"SELECT \"select\" FROM t", 1},  // cannot stand bare
-                 {"SELECT a FROM t AS rows", 2},   // a word of the grammar that can
+                 {"SELECT a FROM t AS rows", 1},   // stood bare and does so again
+                 {"SELECT a FROM t AS \"rows\"", 2},
                  {"SELECT a + FROM t", 0}};
     for (const auto& [text, runs] : cases) {
         for (const bool hasStatement : {true, false}) {

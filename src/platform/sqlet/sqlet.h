@@ -182,6 +182,10 @@ SQLET_API SqletStretch sqlet_error_stretch(SqletParser* parser);
 /// "line L, column C" of the byte @p offset of the text.
 SQLET_API const char* sqlet_position_text(SqletParser* parser, int offset);
 
+/// 1 if a name in quotes, or a string that may be one, spells a word of the dialect: without quotes
+/// it might read otherwise.
+SQLET_API int sqlet_has_quoted_word(SqletParser* parser);
+
 /// Compares two statements of kind SQLET_STATEMENT_SELECT in the same dialect by what they mean to
 /// the server: names folded, unqualified tables in @p default_schema (may be null), "!=" as "<>",
 /// ASC and AS and INNER and OUTER left out, brackets that change nothing left out, limits by their

@@ -156,6 +156,19 @@ std::string_view schemaOf(int dialect, const char* defaultSchema) {
 
 }  // namespace sqlet
 
+int sqlet_has_quoted_word(SqletParser* parser) {
+    if (!parser) return 0;
+    for (const sqlet::Token& token : parser->tokens.tokens) {
+        const bool mayBeName =
+            token.kind == sqlet::TokenKind::QuotedName || token.kind == sqlet::TokenKind::String;
+        if (!mayBeName) continue;
+        const std::string name = sqlet::decodedName(parser->text, token, parser->dialect);
+        const int length = static_cast<int>(name.size());
+        if (sqlet_word_class(parser->dialect, name.data(), length) != 0) return 1;
+    }
+    return 0;
+}
+
 int sqlet_first_difference(SqletParser* original, SqletParser* rebuilt,
                            const char* default_schema) {
     if (!original || !rebuilt || !original->select || !rebuilt->select) return 0;

@@ -319,6 +319,8 @@ TEST_F(ConversionTest, ConditionsOfEveryShape) {
     list->list = first;
     SqletExpr* const negated = op(text("a", 2), "=", text("b", 2), 2);
     negated->negatedAt = 3;
+    SqletExpr* const negatedFirst = text("a");
+    negatedFirst->negatedAt = 1;
     SqletExpr* const negatedOutside = op(text("a", 2), "=", text("b", 2), 2);
     negatedOutside->negatedAt = 1;
     SqletExpr* const negatedBetween = op(text("a", 2), "=", text("b", 2), 2);
@@ -360,6 +362,8 @@ TEST_F(ConversionTest, ConditionsOfEveryShape) {
         // A right side that cannot be read is left out.
         {op(op(text("a"), "AND", nullptr), "OR", text("c")),
          value("    ", "or ", "a") + value("    ", "or ", "c")},
+        {op(negatedFirst, "AND", text("c")),
+         "    and not value\n      expression \"a\"\n" + value("    ", "and ", "c")},
         {negated, "    bracket\n      bracket\n        not compare op=0\n" + inner},
         {negatedBetween, "    bracket\n      not bracket\n        compare op=0\n" + inner},
         {negatedOutside, "    not bracket\n      bracket\n        compare op=0\n" + inner},

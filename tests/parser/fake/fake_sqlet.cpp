@@ -65,6 +65,9 @@ SqletStretch sqlet_error_stretch(SqletParser* p) {
 const char* sqlet_position_text(SqletParser*, int) {
     return "line 1, column 3";
 }
+int sqlet_has_quoted_word(SqletParser*) {
+    return 0;
+}
 int sqlet_first_difference(SqletParser* original, SqletParser*, const char*) {
     return original->firstDifference;
 }
