@@ -222,6 +222,9 @@ const ViewCase qualifiers[] = {
      "column <main.ORD.id>\n"
      "column <main.x.id>\n"
      "value <main.y.id>"},
+    {SQLite, "SELECT main.u.id, MAIN.u.id FROM MAIN.u",
+     "column <main.u.id>\n"
+     "column <MAIN.u.id> parent0=MAIN parent1=u name=id"},
     {SQLServer, "SELECT 1 FROM t AS A JOIN u b ON a.x = B.x",
      "value <a.x> parent1=A name=x\n"
      "value <B.x> parent1=b name=x"},

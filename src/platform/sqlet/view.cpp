@@ -66,6 +66,7 @@ private:
     template <typename Node>
     bool isQualifierKept(Node& node, const NameChain& chain, NamePlace place);
     bool isPathKept(const SqletTable& source, NamePlace place) const;
+    bool isSchemaOf(const SqletTable& source, const NameChain& chain) const;
     /// True in an ON for a source that comes later: sources become known in the order of the text.
     static bool isBehind(const SourceScope::Entry& source, const NameChain& chain) {
         return source.token > chain.first;
@@ -256,7 +257,16 @@ bool ViewSettler::isLongPathKept(const NameChain& chain, const SourceScope::Entr
         m_parser.dialect == dialectOracle || m_parser.dialect == dialectSQLServer;
     if (hasAttributes && m_scope.find(decoded(chain.first)).count > 0) return false;
     if (found.count > 1) return m_scope.isSurelyMixed();
-    return found.count == 1 && found.source->alias == noToken && tableName == found.name;
+    const bool isTable =
+        found.count == 1 && found.source->alias == noToken && tableName == found.name;
+    return isTable && isSchemaOf(*found.source, chain);
+}
+
+/// True if the schema in @p chain is spelled as that of @p source, or nothing else is known.
+bool ViewSettler::isSchemaOf(const SqletTable& source, const NameChain& chain) const {
+    if (schemaDepth(source) == 0) return true;
+    const TokenIndex schema = chain.qualifier(chain.qualifierCount() - 2);
+    return decoded(schema) == decoded(nameChainOf(source).innermost());
 }
 
 // ---- coverage -------------------------------------------------------------------------------
