@@ -49,6 +49,13 @@ const std::vector<ExpressionRule> integerRules = {
     {onAll, 1, "<int> % 3"},
     {onSQLite, 1, "+ <intcol>"},
     {onSQLite, 1, "<intcol> COLLATE NOCASE"},
+    {onAll, 1, "COUNT(*) OVER ( PARTITION BY <intcol> )"},
+    {onAll, 1, "SUM( <intcol> ) OVER ( ORDER BY <intcol> )"},
+    {onAll, 1, "RANK() OVER ( ORDER BY <intcol> DESC )"},
+    {onMariaDB, 1, "- <int> - - <int>"},
+    {notSQLite, 1, "EXTRACT( DAY FROM CAST( '2024-02-29' AS DATE ) )"},
+    {onMariaDB, 1, "YEAR( '2024-02-29' + INTERVAL <intval> MONTH )"},
+    {onPostgreSQL, 1, "EXTRACT( DAY FROM DATE '2024-02-29' + INTERVAL '1' MONTH )"},
 };
 
 const std::vector<ExpressionRule> textRules = {
@@ -172,6 +179,18 @@ const std::vector<ExpressionRule> conditionRules = {
     {onSQLite, 1, "<text> = <text> COLLATE NOCASE"},
     {onSQLite, 1, "<textcol> = \"two\""},
     {onMariaDB, 1, "<int> IN ( <query:int> )"},
+    {onPostgreSQL, 1, "<int> IN ( <query:int> )"},
+    {onSQLite, 1, "<int> IN json_each( '[1,2]' )"},
+    {onSQLite, 1, "'x' = \"name\""},
+    {onSQLite, 1, "\"tw o\" = <textcol>"},
+    {onSQLite, 1, "<textcol> IN ( \"two\" , \"one\" , <textval> )"},
+    {onPostgreSQL, 1, "<int> <cmp> ALL <query:int>"},
+    {onPostgreSQL, 1, "( <int> , <int> ) IS NOT NULL"},
+    {onPostgreSQL, 1, "<text> LIKE ANY ( ARRAY [ 't%' , <textval> ] )"},
+    {onPostgreSQL, 1, "<text> COLLATE \"C\" < <text>"},
+    {onAll, 1, "( <text> || '' ) IS NOT NULL"},
+    {onAll, 1, "( ( <bool> ) OR <bool> ) AND ( <bool> )"},
+    {onAll, 1, "( <query:scalar> ) BETWEEN <int> AND <query:scalar>"},
 };
 
 const std::vector<ExpressionRule> aggregateRules = {

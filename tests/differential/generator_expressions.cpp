@@ -1,4 +1,5 @@
 #include <sstream>
+#include <utility>
 
 #include "differential/statement_generator.h"
 #include "platform/sqlet/words.h"
@@ -11,6 +12,12 @@ int length(const std::string& text) {
 }
 
 }  // namespace
+
+std::string StatementGenerator::inSmallLetters(std::string text) {
+    for (char& c : text)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+    return text;
+}
 
 StatementTokens StatementGenerator::words(const std::string& form) {
     StatementTokens tokens;
@@ -176,11 +183,7 @@ StatementTokens StatementGenerator::scalarSubquery(const Scope& scope) {
 }
 
 std::string StatementGenerator::folded(const std::string& name) const {
-    if (is(onPostgreSQL)) return name;
-    std::string lower = name;
-    for (char& c : lower)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-    return lower;
+    return is(onPostgreSQL) ? name : inSmallLetters(name);
 }
 
 bool StatementGenerator::isAmbiguous(const Scope& scope, const std::string& name) const {
@@ -221,16 +224,24 @@ std::string StatementGenerator::columnName(const std::string& name) {
 }
 
 std::string StatementGenerator::tableName(const std::string& name) {
-    return spelled(name, is(onMariaDB));
+    const bool isString = is(onSQLite) && m_dice.chance(2) && name.find('\'') == std::string::npos;
+    return isString ? "'" + name + "'" : spelled(name, is(onMariaDB));
 }
 
 StatementTokens StatementGenerator::withAlias(const std::string& alias, bool caseMatters) {
     StatementTokens tokens;
-    std::string spelling = spelled(alias, caseMatters);
+    const bool isPlain = sqlet_is_plain_word(m_family, alias.data(), length(alias)) != 0;
+    const bool isDaring = isPlain && m_dice.chance(20);  // bare, whatever the word
+    const std::string spelling = isDaring ? alias : spelled(alias, caseMatters);
     const unsigned flags = sqlet_word_class(m_family, spelling.data(), length(spelling));
     const bool needsAs = (flags & (SQLET_WORD_RESERVED | SQLET_WORD_NO_BARE_ALIAS)) != 0;
-    if (needsAs || m_dice.chance(60)) tokens += words("AS");
+    if ((needsAs && !isDaring) || m_dice.chance(60)) tokens += words("AS");
     return tokens += spelling;
+}
+
+/// One of the usual ones or, now and then, any word of the server's grammar.
+std::string StatementGenerator::anyAlias(const std::vector<std::string>& usual) {
+    return m_dice.chance(12) ? m_dice.pick(m_words) : m_dice.pick(usual);
 }
 
 }  // namespace QB::Test

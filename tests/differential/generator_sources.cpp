@@ -23,6 +23,7 @@ StatementTokens StatementGenerator::sources(Scope& scope, int budget) {
             tokens += condition(scope, 1);
         }
     }
+    if (is(onPostgreSQL) && m_queries < 4 && m_dice.chance(6)) tokens += lateral(scope);
     return tokens;
 }
 
@@ -112,6 +113,12 @@ StatementTokens StatementGenerator::joinWith(Scope& scope, const Scope& right,
         tokens += words("USING (");
         tokens += columnName(item);
         absorb(scope.merged, {item});
+        const std::string second = m_dice.pick(common);
+        if (second != item && m_dice.chance(30)) {
+            tokens += ",";
+            tokens += columnName(second);
+            absorb(scope.merged, {second});
+        }
         return tokens += ")";
     }
     tokens += words("ON");
@@ -122,17 +129,38 @@ StatementTokens StatementGenerator::primary(Scope& scope, int budget) {
     const unsigned choice = m_dice.below(100);
     if (budget > 0 && m_queries < 6 && choice < 14) return derivedTable(scope);
     if (choice < 18) return specialSource(scope);
-    if (budget > 0 && choice < 28) {
-        StatementTokens tokens;
-        tokens += "(";
-        tokens += joined(scope, budget - 1);
-        if (scope.sources.size() == 1 && is(onPostgreSQL)) {  // no lone table in brackets there
-            tokens += words("CROSS JOIN");
-            tokens += table(scope);
-        }
-        return tokens += ")";
-    }
+    if (budget > 0 && choice < 28) return bracketed(scope, budget - 1);
     return table(scope);
+}
+
+StatementTokens StatementGenerator::bracketed(Scope& scope, int budget) {
+    StatementTokens tokens = joined(scope, budget);
+    if (scope.sources.size() == 1 && is(onPostgreSQL)) {  // no lone table in brackets there
+        tokens += words("CROSS JOIN");
+        tokens += table(scope);
+    }
+    tokens = inBrackets(tokens);
+    if (m_dice.chance(15)) tokens = inBrackets(tokens);
+    if (is(onMariaDB) || scope.sources.size() == 1 || !m_dice.chance(12)) return tokens;
+
+    // An alias for all; what occurs once can still be named.
+    Source whole{freeAlias(), "", {}};
+    for (const Source& source : scope.sources) {
+        for (const Label& label : source.columns) {
+            if (!isAmbiguous(scope, label.name)) whole.columns.push_back(label);
+        }
+    }
+    tokens += withAlias(whole.name, false);
+    scope.sources = {whole};
+    scope.merged.clear();
+    return tokens;
+}
+
+StatementTokens StatementGenerator::inBrackets(const StatementTokens& content) {
+    StatementTokens tokens;
+    tokens += "(";
+    tokens += content;
+    return tokens += ")";
 }
 
 std::string StatementGenerator::freeAlias() {
@@ -140,7 +168,7 @@ std::string StatementGenerator::freeAlias() {
         "x",  "o",     "g",    "a",    "b", "y",     "n", "t1",    "O",   "Y", "My A",
         "id", "order", "user", "name", "é", "count", "A", "value", "2nd", "s", "full"};
     for (int tries = 0; tries < 40; ++tries) {
-        const std::string alias = m_dice.pick(aliases);
+        const std::string alias = anyAlias(aliases);
         if (m_sourceNames.insert(folded(alias)).second) return alias;
     }
     const std::string alias = "q" + std::to_string(m_sourceNames.size());
@@ -174,6 +202,22 @@ StatementTokens StatementGenerator::table(Scope& scope) {
     return tokens;
 }
 
+/// Behind what is there already, which it may use.
+StatementTokens StatementGenerator::lateral(Scope& scope) {
+    const std::vector<std::string> joins = {", LATERAL (", "CROSS JOIN LATERAL (",
+                                            "LEFT JOIN LATERAL ("};
+    const std::string join = m_dice.pick(joins);
+    StatementTokens tokens = words(join);
+    Query inner = query(&scope, Depth::Inner, nullptr);
+    tokens += inner.tokens;
+    tokens += ")";
+    Source source{freeAlias(), "", inner.labels};
+    tokens += withAlias(source.name, false);
+    if (join[0] == 'L') tokens += words("ON TRUE");
+    scope.sources.push_back(source);
+    return tokens;
+}
+
 StatementTokens StatementGenerator::setOperation(std::vector<Label>& labels) {
     const std::vector<std::string> operations = {"UNION", "UNION ALL", "EXCEPT", "INTERSECT"};
     const std::vector<bool> types = {false, true};
@@ -197,6 +241,7 @@ StatementTokens StatementGenerator::derivedTable(Scope& scope) {
         source.columns = inner.labels;
     }
     tokens += ")";
+    if (m_dice.chance(6)) tokens = inBrackets(tokens);
     m_sourceNames = outerNames;
     if (!is(onSQLite) || m_dice.chance(75)) {
         source.name = freeAlias();
@@ -206,6 +251,19 @@ StatementTokens StatementGenerator::derivedTable(Scope& scope) {
     return tokens;
 }
 
+/// The alias with names for the columns behind it.
+StatementTokens StatementGenerator::columnsNamed(Source& source,
+                                                 const std::vector<Label>& columns) {
+    StatementTokens tokens = withAlias(source.name, false);
+    source.columns = columns;
+    tokens += "(";
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (i > 0) tokens += ",";
+        tokens += columnName(columns[i].name);
+    }
+    return tokens += ")";
+}
+
 StatementTokens StatementGenerator::specialSource(Scope& scope) {
     Source source;
     source.name = freeAlias();
@@ -213,27 +271,21 @@ StatementTokens StatementGenerator::specialSource(Scope& scope) {
     if (is(onSQLite)) {
         tokens += words("json_each( '[1,2,6]' )");
         source.columns = {{"value"}};
+        tokens += withAlias(source.name, false);
     } else if (is(onMariaDB)) {
         tokens += words("( SELECT 2 AS id , 'two' AS name )");
         source.columns = {{"id"}, {"name", true}};
-    } else if (m_dice.chance(50)) {
+        tokens += withAlias(source.name, true);
+    } else if (m_dice.chance(40)) {
         tokens += words("generate_series( 1 , 3 )");
-        tokens += words("AS");
-        tokens += quotedName(source.name, m_family);
-        tokens += words("( id )");
-        source.columns = {{"id"}};
-        scope.sources.push_back(source);
-        return tokens;
-    } else {
+        tokens += columnsNamed(source, {{"id"}});
+    } else if (m_dice.chance(50)) {
         tokens += words("( VALUES ( 2 , 'two' ) , ( 6 , 'six' ) )");
-        tokens += words("AS");
-        tokens += quotedName(source.name, m_family);
-        tokens += words("( id , name )");
-        source.columns = {{"id"}, {"name", true}};
-        scope.sources.push_back(source);
-        return tokens;
+        tokens += columnsNamed(source, {{"Y"}, {"name", true}});
+    } else {
+        tokens += words("g");
+        tokens += columnsNamed(source, {{"y"}, {"id"}, {"n"}});
     }
-    tokens += withAlias(source.name, is(onMariaDB));
     scope.sources.push_back(source);
     return tokens;
 }

@@ -1,6 +1,8 @@
 #include "differential/statement_generator.h"
 
-#include <algorithm>
+#include <utility>
+
+#include "platform/sqlet/words.h"
 
 namespace QB::Test {
 
@@ -10,12 +12,16 @@ StatementGenerator::StatementGenerator(DatabaseType family, bool schemaIsKnown, 
         const bool isHidden = table.name == "hidden";
         if (!isHidden || !schemaIsKnown) m_tables.push_back(std::move(table));
     }
+    for (int i = 0; const char* word = sqlet_words(family, i, nullptr); ++i) {
+        m_words.push_back(inSmallLetters(word));
+    }
 }
 
 StatementTokens StatementGenerator::statement() {
     m_queries = 0;
     m_sourceNames.clear();
     StatementTokens tokens = query(nullptr, Depth::Top, nullptr).tokens;
+    if (!is(onSQLite) && m_dice.chance(3)) tokens = inBrackets(tokens);
     if (m_dice.chance(3)) tokens += unsupportedTail();
     if (m_dice.chance(5)) tokens += ";";
     return tokens;
@@ -50,11 +56,7 @@ StatementGenerator::Query StatementGenerator::query(const Scope* outer, Depth de
     result.tokens += words("FROM");
     result.tokens += from;
     result.tokens += where;
-    for (std::size_t i = 0; i < scope.keys.size(); ++i) {
-        if (i == 0) result.tokens += words("GROUP BY");
-        if (i > 0) result.tokens += ",";
-        result.tokens += scope.keys[i].first;
-    }
+    if (!scope.keys.empty()) result.tokens += grouping(scope, items);
     if (scope.isGrouped && m_dice.chance(40)) {
         result.tokens += words("HAVING");
         result.tokens += condition(scope, 2);
@@ -79,12 +81,47 @@ void StatementGenerator::chooseKeys(Scope& scope) {
     scope.isGrouped = true;
 }
 
+StatementTokens StatementGenerator::grouping(const Scope& scope, const std::vector<Item>& items) {
+    StatementTokens tokens = words("GROUP BY");
+    const bool isRollup = is(onPostgreSQL) && m_dice.chance(8);
+    if (isRollup) tokens += words("ROLLUP (");
+    for (std::size_t i = 0; i < scope.keys.size(); ++i) {
+        if (i > 0) tokens += ",";
+        tokens += isRollup ? scope.keys[i].first : groupingItem(scope.keys[i].first, items);
+    }
+    if (isRollup) tokens += ")";
+    if (is(onMariaDB) && m_dice.chance(8)) tokens += words("WITH ROLLUP");
+    return tokens;
+}
+
+/// The key itself or, where it is a column of the SELECT list, its alias or its number.
+StatementTokens StatementGenerator::groupingItem(const StatementTokens& key,
+                                                 const std::vector<Item>& items) {
+    StatementTokens tokens;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (items[i].tokens.empty() || plainText(items[i].tokens) != plainText(key)) continue;
+        if (m_dice.chance(30)) return tokens += std::to_string(i + 1);
+        if (!items[i].alias.empty() && m_dice.chance(40))
+            return tokens += columnName(items[i].alias);
+    }
+    if (m_dice.chance(5)) {
+        tokens += "(";
+        tokens += key;
+        return tokens += ")";
+    }
+    tokens += key;
+    if (is(onMariaDB) && m_dice.chance(6)) tokens += words("DESC");
+    return tokens;
+}
+
 bool StatementGenerator::appendStar(const Scope& scope, StatementTokens& tokens,
                                     std::vector<Item>& items, std::vector<Label>& labels) {
-    if (scope.isGrouped || scope.sources.size() != 1 || !scope.merged.empty()) return false;
-    const Source& source = scope.sources.front();
+    const bool isAlone = scope.sources.size() == 1;
+    if (scope.isGrouped || !scope.merged.empty()) return false;
+    const Source& source = m_dice.pick(scope.sources);
     if (source.columns.empty() || source.columns.front().name == "value") return false;
-    const bool isQualified = !source.name.empty() && m_dice.chance(40);
+    if (source.name.empty() && !isAlone) return false;
+    const bool isQualified = !source.name.empty() && (!isAlone || m_dice.chance(40));
     tokens += isQualified ? tableName(source.name) + ".*" : "*";
     for (const Label& label : source.columns) {
         labels.push_back(label);
@@ -101,11 +138,14 @@ StatementTokens StatementGenerator::selectList(Scope& scope, const std::vector<b
     const std::size_t count = types ? types->size() : 1 + m_dice.below(4);
     for (std::size_t i = 0; i < count; ++i) {
         if (i > 0) tokens += ",";
+        if (!types && m_dice.chance(6) && appendStar(scope, tokens, items, labels)) continue;
         items.push_back(item(scope, types ? (*types)[i] : m_dice.chance(30), depth));
         const Item& last = items.back();
         tokens += last.tokens;
         if (last.alias.empty()) continue;
-        tokens += withAlias(last.alias, false);
+        const bool isString =
+            !is(onPostgreSQL) && m_dice.chance(4) && last.alias.find('\'') == std::string::npos;
+        tokens += isString ? words("AS '" + last.alias + "'") : withAlias(last.alias, false);
         labels.push_back({last.alias, last.isText});
     }
     return tokens;
@@ -113,8 +153,9 @@ StatementTokens StatementGenerator::selectList(Scope& scope, const std::vector<b
 
 StatementGenerator::Item StatementGenerator::item(const Scope& scope, bool isText, Depth depth) {
     static const std::vector<std::string> aliases = {
-        "y",    "n",    "total", "Y", "O", "id", "My A", "2",    "user",  "order", "k",  "v",
-        "name", "note", "count", "é", "N", "x",  "1",    "true", "value", "a\"b",  "T o"};
+        "y",     "n",    "total", "Y",    "O",     "id",     "My A", "2", "user", "order",
+        "k",     "v",    "name",  "note", "count", "é",      "N",    "x", "1",    "true",
+        "value", "a\"b", "T o",   "*",    "a.b",   "isnull", "-- c", "(", "`t`",  "ORDER"};
     Item made;
     made.isText = isText;
     if (!isText && m_dice.chance(6)) {
@@ -122,7 +163,7 @@ StatementGenerator::Item StatementGenerator::item(const Scope& scope, bool isTex
     } else {
         made.tokens = isText ? text(scope, 2) : integer(scope, 2);
     }
-    if (m_dice.chance(depth == Depth::Top ? 50 : 85)) made.alias = m_dice.pick(aliases);
+    if (m_dice.chance(depth == Depth::Top ? 50 : 85)) made.alias = anyAlias(aliases);
     return made;
 }
 

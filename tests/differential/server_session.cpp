@@ -4,6 +4,7 @@
 #include <QSqlRecord>
 #include <QVariant>
 #include <algorithm>
+#include <cstring>
 
 #include "differential/adversarial_schema.h"
 
@@ -17,6 +18,19 @@ std::string cellText(const QVariant& value) {
     const std::string text = value.toString().toStdString();
     const bool isText = value.type() == QVariant::String || value.type() == QVariant::ByteArray;
     return isText ? "'" + text + "'" : text;
+}
+
+/// SQLite names a column by its text as written, qualifiers and quotes included, where a full join
+/// has merged it from two tables.
+Answer::Row bareLabels(Answer::Row labels) {
+    for (std::string& label : labels) {
+        const auto isQuote = [](char c) {
+            return std::strchr("\"`[]", c) != nullptr;
+        };
+        label.erase(std::remove_if(label.begin(), label.end(), isQuote), label.end());
+        label.erase(0, label.rfind('.') + 1);
+    }
+    return labels;
 }
 
 std::vector<Answer::Row> sorted(std::vector<Answer::Row> rows) {
@@ -46,7 +60,7 @@ Difference differenceBetween(const Answer& original, const Answer& rebuilt) {
         difference.isRefused = true;
         return difference;
     }
-    difference.inLabels = original.labels != rebuilt.labels;
+    difference.inLabels = bareLabels(original.labels) != bareLabels(rebuilt.labels);
     if (original.rows == rebuilt.rows) return difference;
     difference.inRows = sorted(original.rows) != sorted(rebuilt.rows);
     difference.inOrder = !difference.inRows;

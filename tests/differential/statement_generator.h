@@ -60,6 +60,8 @@ private:
                     std::vector<Label>& labels);
     Item item(const Scope& scope, bool isText, Depth depth);
     void chooseKeys(Scope& scope);
+    StatementTokens grouping(const Scope& scope, const std::vector<Item>& items);
+    StatementTokens groupingItem(const StatementTokens& key, const std::vector<Item>& items);
     StatementTokens orderAndLimit(const std::vector<Item>& items);
     StatementTokens orderItem(const Item& item, std::size_t position);
     StatementTokens limit();
@@ -71,9 +73,13 @@ private:
     StatementTokens deferredJoin(Scope& scope, int budget);
     StatementTokens joinWith(Scope& scope, const Scope& right, const StatementTokens& rightTokens);
     StatementTokens primary(Scope& scope, int budget);
+    StatementTokens bracketed(Scope& scope, int budget);
+    static StatementTokens inBrackets(const StatementTokens& content);
     StatementTokens table(Scope& scope);
     StatementTokens derivedTable(Scope& scope);
     StatementTokens specialSource(Scope& scope);
+    StatementTokens lateral(Scope& scope);
+    StatementTokens columnsNamed(Source& source, const std::vector<Label>& columns);
     StatementTokens setOperation(std::vector<Label>& labels);
     std::string freeAlias();
     std::vector<std::string> commonColumns(const Scope& left, const Scope& right);
@@ -100,13 +106,17 @@ private:
     std::string folded(const std::string& name) const;
     bool isAmbiguous(const Scope& scope, const std::string& name) const;
 
+    std::string anyAlias(const std::vector<std::string>& usual);
+
     bool is(unsigned families) const { return (m_bit & families) != 0; }
+    static std::string inSmallLetters(std::string text);
     static StatementTokens words(const std::string& form);
 
     const DatabaseType m_family;
     const unsigned m_bit;
     Dice m_dice;
     std::vector<SchemaTable> m_tables;
+    std::vector<std::string> m_words;     ///< of the family, in small letters
     std::set<std::string> m_sourceNames;  ///< in use in the FROM clause at hand
     int m_queries = 0;                    ///< in the statement at hand
 };
