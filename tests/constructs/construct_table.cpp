@@ -10,8 +10,8 @@ namespace constructs {
 namespace {
 
 constexpr std::string_view caret = "‸";
-constexpr const char* files[] = {"conditions", "qualifiers", "names",   "from",
-                                 "statement",  "text_level", "everyday"};
+constexpr const char* files[] = {"conditions", "operands",  "qualifiers", "names",
+                                 "from",       "statement", "text_level", "everyday"};
 
 [[noreturn]] void fail(const std::string& place, const std::string& why) {
     std::cerr << "constructs: " << place << ": " << why << "\n";
