@@ -1,11 +1,8 @@
 #include "platform/sqlet/canonical_tokens.h"
 
 #include <string>
-#include <unordered_map>
 
-#include "platform/sqlet/name_chain.h"
-#include "platform/sqlet/names.h"
-#include "platform/sqlet/words.h"
+#include "platform/sqlet/canonical_runs.h"
 
 namespace sqlet {
 
@@ -17,111 +14,10 @@ using T = TokenKind;
 constexpr int dialectOracle = 3;
 constexpr int dialectSQLite = 4;
 constexpr int dialectSQLServer = 5;
-constexpr std::uint32_t noSource = 0xFFFFFFFFU;
 
 bool isNameToken(const Token& token) {
     return token.kind == T::Word || token.kind == T::QuotedName;
 }
-
-/// What a qualifier finds in one FROM clause.
-class Sources {
-public:
-    Sources(const SqletParser& parser, std::string_view defaultSchema)
-        : m_parser(parser)
-        , m_defaultSchema(defaultSchema)
-        , m_ignoresCase(sqlet_folding(parser.dialect) == SQLET_FOLDING_NONE) {}
-
-    void add(const SqletTable& table) {
-        const bool isTable = table.form == TableForm::Name;
-        const TokenIndex named =
-            table.alias != noToken ? table.alias : (isTable ? table.span.last : noToken);
-        const auto number = static_cast<std::uint32_t>(m_tables.size());
-        m_tables.push_back(&table);
-        if (named == noToken) return;
-        const std::string name = decoded(named);
-        enter(m_byName, name, number);
-        if (m_ignoresCase) enter(m_byFoldedName, withoutCase(name), number);
-    }
-
-    /// The source that the qualifiers of @p chain find; noSource for none or several.
-    std::uint32_t find(const NameChain& chain) const {
-        const std::string name = decoded(chain.innermost());
-        std::uint32_t found = lookUp(m_byName, name);
-        if (found == noSource && m_ignoresCase && m_byName.count(name) == 0)
-            found = lookUp(m_byFoldedName, withoutCase(name));
-        if (found == noSource || chain.qualifierCount() == 1) return found;
-        return isPathOf(chain, *m_tables[found]) ? found : noSource;
-    }
-
-private:
-    using Numbers = std::unordered_map<std::string, std::uint32_t>;
-
-    /// A name that stands for several sources finds none.
-    static void enter(Numbers& numbers, const std::string& name, std::uint32_t number) {
-        const auto [entry, isNew] = numbers.emplace(name, number);
-        if (!isNew) entry->second = noSource;
-    }
-
-    static std::uint32_t lookUp(const Numbers& numbers, const std::string& name) {
-        const auto found = numbers.find(name);
-        return found == numbers.end() ? noSource : found->second;
-    }
-
-    /// True if what stands before the name of the table in @p chain is the end of its path.
-    bool isPathOf(const NameChain& chain, const SqletTable& table) const {
-        if (table.alias != noToken || table.form != TableForm::Name) return false;
-        const NameChain path = nameChainOf(table);
-        const std::uint32_t wanted = chain.qualifierCount() - 1;
-        if (path.qualifierCount() == 0)
-            return wanted == 1 && !m_defaultSchema.empty() &&
-                   decoded(chain.first) == m_defaultSchema;
-        if (wanted > path.qualifierCount()) return false;
-        const std::uint32_t skipped = path.qualifierCount() - wanted;
-        for (std::uint32_t i = 0; i < wanted; ++i) {
-            if (decoded(chain.qualifier(i)) != decoded(path.qualifier(skipped + i))) return false;
-        }
-        return true;
-    }
-
-    std::string decoded(TokenIndex token) const {
-        return decodedName(m_parser.text, m_parser.tokens[token], m_parser.dialect);
-    }
-
-    const SqletParser& m_parser;
-    const std::string_view m_defaultSchema;
-    const bool m_ignoresCase;
-    std::vector<const SqletTable*> m_tables;
-    Numbers m_byName;
-    Numbers m_byFoldedName;
-};
-
-/// Something in the text that is read as a whole.
-struct Run {
-    enum class Kind : std::uint8_t {
-        Column,
-        Operand,       ///< a leaf of a condition
-        RightOperand,  ///< a leaf where SQLite takes a name in double quotes for a string
-        Source,
-        JoinOperator,
-        JoinAlias,  ///< behind the bracket around a join
-        Redundant,  ///< means nothing
-        Unreadable,
-    };
-    Kind kind;
-    TokenIndex last;
-    union {
-        const SqletColumn* column;
-        const SqletExpr* expr;
-        const SqletTable* table;
-    };
-};
-
-/// What stands in the meaning, but not in the text.
-struct Implied {
-    int bracketsBefore = 0;
-    int bracketsBehind = 0;
-    bool isAlwaysTrueBehind = false;  ///< ON 1
-};
 
 class Canonicalizer {
 public:
@@ -129,7 +25,7 @@ public:
         : m_parser(parser)
         , m_tokens(parser.tokens.tokens.data())
         , m_defaultSchema(defaultSchema)
-        , m_runAt(parser.tokens.tokens.size(), 0) {
+        , m_runs(parser) {
         m_symbols.reserve(parser.tokens.tokens.size());
     }
 
@@ -166,161 +62,11 @@ private:
         m_symbols.push_back({SymbolKind::Word, 0, token, 0, text});
     }
 
-    // ---- what is a whole
-    void mark(TokenIndex first, Run run) {
-        m_runs.push_back(run);
-        m_runAt[first] = static_cast<std::uint32_t>(m_runs.size());
-    }
-    void markAs(Run::Kind kind, TokenIndex first, TokenIndex last) {
-        Run run{kind, last, {}};
-        mark(first, run);
-    }
-
-    void markColumns(const ColumnArray& columns) {
-        for (std::uint32_t i = 0; i < columns.count; ++i)
-            markColumn(*columns.items[i]);
-    }
-
-    void markColumn(const SqletColumn& column) {
-        Run run{Run::Kind::Column, column.span.last, {}};
-        run.column = &column;
-        TokenIndex first = column.span.first;
-        if (column.alias != noToken && column.alias < first) {  // x = expression
-            if (column.alias + 2 != first || !isText(column.alias + 1, "="))
-                run.kind = Run::Kind::Unreadable;
-            first = column.alias;
-        } else if (column.alias != noToken) {
-            if (!isAliasBehind(column.span.last, column.alias)) run.kind = Run::Kind::Unreadable;
-            run.last = column.alias;
-        }
-        mark(first, run);
-    }
-
-    bool isAliasBehind(TokenIndex last, TokenIndex alias) const {
-        return alias == last + 1 || (alias == last + 2 && is(last + 1, K::As));
-    }
-
-    /// Chains lean to the left and are as deep as they are long.
-    void markCondition(const SqletExpr* root) {
-        std::vector<const SqletExpr*> waiting = {root};
-        while (!waiting.empty()) {
-            const SqletExpr* expr = waiting.back();
-            waiting.pop_back();
-            if (!expr) continue;
-            if (expr->form == ExprForm::Chain) {
-                waiting.push_back(expr->left);
-                waiting.push_back(expr->right);
-            } else if (expr->form == ExprForm::Compare) {
-                markOperand(expr->left, Run::Kind::Operand);
-                if (!isNullTest(*expr)) markRightSide(expr->right);
-            } else {
-                markOperand(expr, Run::Kind::RightOperand);
-            }
-        }
-    }
-
-    /// The NULL in it is no operand, but a word of the comparison.
-    static bool isNullTest(const SqletExpr& compare) {
-        return compare.op && std::string_view(compare.op).substr(0, 2) == "IS";
-    }
-
-    void markRightSide(const SqletExpr* expr) {
-        if (!expr) return;
-        if (expr->form != ExprForm::Chain) return markOperand(expr, Run::Kind::RightOperand);
-        markOperand(expr->left, Run::Kind::RightOperand);  // the bounds of BETWEEN
-        markOperand(expr->right, Run::Kind::RightOperand);
-    }
-
-    void markOperand(const SqletExpr* expr, Run::Kind kind) {
-        if (!expr || expr->form == ExprForm::Using) return;  // its names stand as written
-        if (expr->form == ExprForm::List) return markColumns(expr->items);
-        if (expr->span.isEmpty()) return;
-        Run run{kind, expr->span.last, {}};
-        run.expr = expr;
-        mark(expr->span.first, run);
-    }
-
-    void markSources(const SqletTable* root, Sources& sources) {
-        std::vector<const SqletTable*> waiting = {root};
-        while (!waiting.empty()) {
-            const SqletTable* table = waiting.back();
-            waiting.pop_back();
-            if (!table) continue;
-            sources.add(*table);
-            if (table->form != TableForm::Join) {
-                markSource(*table);
-                continue;
-            }
-            markJoin(*table);
-            waiting.push_back(table->right);
-            waiting.push_back(table->left);
-        }
-    }
-
-    /// Brackets around a lone source mean nothing; its alias may stand inside or behind them.
-    void markSource(const SqletTable& table) {
-        Run run{Run::Kind::Source, table.span.last, {}};
-        run.table = &table;
-        TokenIndex first = table.span.first;
-        bool isAliasTaken = table.alias == noToken;
-        for (;;) {
-            if (!isAliasTaken && isAliasBehind(run.last, table.alias)) {
-                run.last = table.alias;
-                isAliasTaken = true;
-            }
-            const bool isBracketed = first > 0 && token(first - 1).kind == T::LeftParen &&
-                                     m_parser.tokens.partner[first - 1] == run.last + 1;
-            if (!isBracketed) break;
-            --first;
-            ++run.last;
-        }
-        if (!isAliasTaken) run.kind = Run::Kind::Unreadable;
-        mark(first, run);
-    }
-
-    void markJoin(const SqletTable& join) {
-        Run run{Run::Kind::JoinOperator, join.operatorSpan.last, {}};
-        run.table = &join;
-        mark(join.operatorSpan.first, run);
-        if (join.alias != noToken) {
-            const TokenIndex first = is(join.alias - 1, K::As) ? join.alias - 1 : join.alias;
-            Run alias{Run::Kind::JoinAlias, join.alias, {}};
-            alias.table = &join;
-            mark(first, alias);
-        }
-        if (isAlwaysTrue(join.on))
-            m_implied[join.span.last].isAlwaysTrueBehind = true;
-        else
-            markCondition(join.on);
-        markDeferredCondition(*join.right);
-    }
-
-    static bool isAlwaysTrue(const SqletExpr* on) { return on && on->span.isEmpty(); }
-
-    /// In a JOIN b JOIN c ON .. ON .. the right side is a join without brackets; it means one in
-    /// brackets.
-    void markDeferredCondition(const SqletTable& right) {
-        if (right.form != TableForm::Join) return;
-        const TokenIndex first = right.span.first;
-        const TokenIndex last = right.span.last;
-        if (token(first - 1).kind == T::LeftParen && m_parser.tokens.partner[first - 1] == last + 1)
-            return;
-        if (!right.on || !(is(last + 1, K::On) || is(last + 1, K::Using))) return;
-        ++m_implied[first].bracketsBefore;
-        ++m_implied[last].bracketsBehind;
-    }
-
     // ---- a statement
     void readSelect(const SqletSelect& select, TokenSpan span) {
-        const Sources* const outer = m_sources;
-        Sources sources(m_parser, m_defaultSchema);
-        markColumns(select.columns);
-        markSources(select.from, sources);
-        markCondition(select.where);
-        markColumns(select.groupBy);
-        markCondition(select.having);
-        markColumns(select.orderBy);
-        markImpliedOrder(select);
+        const SourceNumbers* const outer = m_sources;
+        SourceNumbers sources(m_parser, m_defaultSchema);
+        m_runs.add(select, sources);
         m_sources = &sources;
         const TokenIndex firstItem = firstItemOf(select);
         readClauses(select, {readOptions(span.first, firstItem), span.last});
@@ -365,40 +111,24 @@ private:
         return i;
     }
 
-    /// SQL Server takes no limit without an order, so this one is written for none.
-    void markImpliedOrder(const SqletSelect& select) {
-        if (m_parser.dialect != dialectSQLServer) return;
-        const TokenSpan limit = select.parts[static_cast<int>(Part::Limit)];
-        const bool isDropped = select.orderBy.count == 0 && !limit.isEmpty() && limit.first >= 3 &&
-                               is(limit.first - 3, K::Order) && isText(limit.first - 1, "1");
-        if (isDropped) markAs(Run::Kind::Redundant, limit.first - 3, limit.first - 1);
-        if (select.orderBy.count != 1) return;
-        const TokenSpan item = select.orderBy.items[0]->span;
-        const bool isFirstColumn = item.first == item.last && isText(item.first, "1");
-        const bool hasLimit = select.limit.count || select.limit.offset;
-        if (!isFirstColumn || !hasLimit || is(item.last + 1, K::Desc)) return;
-        const TokenIndex last = is(item.last + 1, K::Asc) ? item.last + 1 : item.last;
-        markAs(Run::Kind::Redundant, item.first - 2, last);
-    }
-
     TokenIndex readNext(TokenIndex i, TokenIndex last) {
-        const auto implied = m_implied.empty() ? m_implied.end() : m_implied.find(i);
-        if (implied != m_implied.end())
-            for (int n = 0; n < implied->second.bracketsBefore; ++n)
+        if (const Implied* implied = m_runs.impliedAt(i)) {
+            for (int n = 0; n < implied->bracketsBefore; ++n)
                 addWord("(", i);
-        const TokenIndex next = m_runAt[i] != 0 ? readRun(i) : readStructure(i, last);
-        if (!m_implied.empty()) addImpliedBehind(next - 1);
+        }
+        const TokenIndex next = m_runs.isRun(i) ? readRun(i) : readStructure(i, last);
+        addImpliedBehind(next - 1);
         return next;
     }
 
     void addImpliedBehind(TokenIndex i) {
-        const auto implied = m_implied.find(i);
-        if (implied == m_implied.end()) return;
-        if (implied->second.isAlwaysTrueBehind) {
+        const Implied* const implied = m_runs.impliedAt(i);
+        if (!implied) return;
+        if (implied->isAlwaysTrueBehind) {
             addWord("ON", i);
             addWord("1", i);
         }
-        for (int n = 0; n < implied->second.bracketsBehind; ++n)
+        for (int n = 0; n < implied->bracketsBehind; ++n)
             addWord(")", i);
     }
 
@@ -414,7 +144,7 @@ private:
             case K::Notnull:
                 return readNullTest(i, 1, true);
             case K::Not:
-                if (is(i + 1, K::Null) && m_runAt[i + 1] == 0 && !is(i - 1, K::Is))
+                if (is(i + 1, K::Null) && !m_runs.isRun(i + 1) && !is(i - 1, K::Is))
                     return readNullTest(i, 2, true);
                 break;
             default:
@@ -496,7 +226,7 @@ private:
 
     // ---- wholes
     TokenIndex readRun(TokenIndex first) {
-        const Run run = m_runs[m_runAt[first] - 1];  // a copy: a subquery adds runs
+        const Run run = m_runs.runAt(first);
         switch (run.kind) {
             case Run::Kind::Column:
                 return readColumn(*run.column, run.last);
@@ -577,8 +307,8 @@ private:
 
     void readName(NameChain chain, unsigned flags, bool mayBeString) {
         const std::uint32_t count = chain.qualifierCount();
-        const std::uint32_t source = count > 0 ? m_sources->find(chain) : noSource;
-        if (source != noSource) {
+        const std::uint32_t source = count > 0 ? m_sources->find(chain) : SourceNumbers::none;
+        if (source != SourceNumbers::none) {
             m_symbols.push_back({SymbolKind::Source, 0, chain.first, source, {}});
         } else {
             for (std::uint32_t i = 0; i < count; ++i)
@@ -671,10 +401,8 @@ private:
     const SqletParser& m_parser;
     const Token* const m_tokens;
     const std::string_view m_defaultSchema;
-    std::vector<std::uint32_t> m_runAt;  ///< by first token: index in m_runs plus 1; 0: none
-    std::vector<Run> m_runs;
-    std::unordered_map<TokenIndex, Implied> m_implied;
-    const Sources* m_sources = nullptr;  ///< of the statement that is read
+    RunTable m_runs;
+    const SourceNumbers* m_sources = nullptr;  ///< of the statement that is read
     std::vector<Symbol> m_symbols;
 };
 
