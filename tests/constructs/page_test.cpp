@@ -34,6 +34,15 @@ is not taken. Each construct is one of these:
 A family without an entry has no such construct, or reads it as one of the other rows does. The last
 column is what the builder writes for a host that quotes only what it must, in the first family of
 the row and without line breaks; "same" where that is the text itself.
+
+What the text does not say comes from the connection:
+
+- The current schema is the one in which the server looks for a table without a schema. Where two
+  schemas meet in one FROM, such tables are written with it; one that is really a temporary table in
+  front of another of its name, or stands in a later schema of a search path, would then be missed.
+- The servers' default modes are taken for granted: MySQL and MariaDB with backslashes in strings and
+  without `ANSI_QUOTES`, PostgreSQL with `standard_conforming_strings`, SQL Server with
+  `QUOTED_IDENTIFIER`.
 )";
 
 std::string replaced(std::string text, const std::string& what, const std::string& by) {
