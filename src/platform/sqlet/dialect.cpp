@@ -157,6 +157,8 @@ constexpr Dialect oracle() {
     d.distinctWords = {K::Unique};
     d.hasFlashback = true;
     d.hasModel = true;
+    d.hasPivot = true;
+    d.hasApply = true;
     d.nulls = NullOrder::Largest;
     d.hasNullsWords = true;
     d.limitForms = OffsetAlone | FetchWords;
@@ -197,6 +199,8 @@ constexpr Dialect sqlserver() {
     d.hasStaticMethods = true;
     d.hasStringAliases = true;
     d.hasAssignedAliases = true;
+    d.hasPivot = true;
+    d.hasApply = true;
     d.clauseWords = standardClauses.with({K::For, K::Option, K::Within});
     d.sourceEnds =
         standardSourceEnds.with({K::Full, K::Outer, K::For, K::Option, K::With, K::Tablesample,

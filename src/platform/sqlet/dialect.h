@@ -143,6 +143,8 @@ struct Dialect {
     KeywordSet distinctWords;
     bool mayLackColumns = false;  ///< SELECT FROM t
 
+    bool hasPivot = false;      ///< t PIVOT (..)
+    bool hasApply = false;      ///< t CROSS APPLY f(t.a)
     bool hasModel = false;      ///< MODEL DIMENSION BY ..
     bool hasFlashback = false;  ///< t AS OF TIMESTAMP x
 

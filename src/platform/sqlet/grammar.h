@@ -80,6 +80,7 @@ private:
     void primary();
     void takeStringChain();
     void wordPrimary();
+    bool isAtStart() const;
     void nameChain();
     void afterCall();
     void afterName();

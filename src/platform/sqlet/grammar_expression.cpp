@@ -124,11 +124,19 @@ void Grammar::wordPrimary() {
     const bool isReserved = (token.flags & SQLET_WORD_RESERVED) != 0;
     if (neverOperands.contains(token.keyword) && isReserved && !isName) unexpected("an expression");
     if (takeTypedLiteral()) return;
+    if (is(K::All) && isReserved && isAtStart()) unexpected("an expression");
     if (!isCall && isReserved && (token.flags & (SQLET_WORD_CONSTANT | SQLET_WORD_FUNCTION)) == 0 &&
         next().kind != T::Dot && !is(K::Default))
         unexpected("an expression");
     nameChain();
     afterName();
+}
+
+/// True where no operator stands before the operand, so that ALL quantifies nothing.
+bool Grammar::isAtStart() const {
+    if (m_position == 0) return true;
+    const Token& before = at(m_position - 1);
+    return before.kind != T::Operator && !m_dialect.comparisonWords.contains(before.keyword);
 }
 
 void Grammar::nameChain() {

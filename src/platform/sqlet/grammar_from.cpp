@@ -89,7 +89,7 @@ Grammar::JoinOperator Grammar::wordJoin() {
         op.text = "STRAIGHT_JOIN";
         return op;
     }
-    if ((is(K::Cross) || is(K::Outer)) && nextIs(K::Apply)) {
+    if (m_dialect.hasApply && (is(K::Cross) || is(K::Outer)) && nextIs(K::Apply)) {
         op.text = is(K::Cross) ? "CROSS APPLY" : "OUTER APPLY";
         op.takesCondition = op.wantsCondition = false;
         m_position += 2;
@@ -435,7 +435,8 @@ bool Grammar::takeSourceSuffix() {
 }
 
 bool Grammar::takePivot() {
-    if (!is(K::Pivot) && !is(K::Unpivot) && !is(K::MatchRecognize)) return false;
+    const bool isPivot = is(K::Pivot) || is(K::Unpivot) || is(K::MatchRecognize);
+    if (!isPivot || !m_dialect.hasPivot) return false;
     const TokenIndex first = m_position;
     advance();
     while (is(T::Word) && m_position < first + 3)

@@ -344,6 +344,8 @@ bool Grammar::takeLimitClause(SqletSelect& select) {
         limitWord(select);
         return true;
     }
+    const bool needsOrder = takesLimit(TopWord) && select.orderBy.count == 0;
+    if ((is(K::Offset) || is(K::Fetch)) && needsOrder) unexpected("ORDER BY");
     if (is(K::Offset) && takesLimit(OffsetAlone)) {
         offsetRows(select);
         return true;

@@ -70,6 +70,13 @@ bool isFoldedByAsciiRules(std::string_view word, int dialect) {
     return dialect != dialectOracle || std::all_of(word.begin(), word.end(), isAscii);
 }
 
+/// Hosts leave the names of aggregates bare, whoever bears them, and the server then folds those.
+bool isFoldedAggregate(std::string_view name, int dialect) {
+    if (sqlet_folding(dialect) == SQLET_FOLDING_NONE) return false;
+    const unsigned word = sqlet_word_class(dialect, name.data(), static_cast<int>(name.size()));
+    return (word & SQLET_WORD_FUNCTION) != 0 && folded(name, dialect) != name;
+}
+
 bool isPlainlyQuoted(std::string_view spelled, const Token& token, int dialect) {
     if (token.flags & TokenHasEscape) return false;
     const std::string_view content = contentOf(spelled);
@@ -109,7 +116,8 @@ bool isDecodable(std::string_view text, const Token& token, int dialect) {
     if (spelled.empty() || !isValidUtf8(spelled)) return false;
     if (token.kind == TokenKind::Word) return isFoldedByAsciiRules(spelled, dialect);
     const bool isQuoted = token.kind == TokenKind::QuotedName || token.kind == TokenKind::String;
-    return isQuoted && isPlainlyQuoted(spelled, token, dialect);
+    return isQuoted && isPlainlyQuoted(spelled, token, dialect) &&
+           !isFoldedAggregate(contentOf(spelled), dialect);
 }
 
 bool isValidUtf8(std::string_view bytes) {

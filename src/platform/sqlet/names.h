@@ -17,7 +17,8 @@ std::string decodedName(std::string_view text, const Token& token, int dialect);
 /// True if decodedName gives the name that the server reads, so that a host can quote it again: a
 /// Word, QuotedName or plain String without prefix and escapes (TokenHasEscape), not empty and of
 /// valid UTF-8 (hosts hold names as Unicode), and no bare word whose folding is the server's affair
-/// (Oracle folds letters beyond ASCII too, by its character set).
+/// (Oracle folds letters beyond ASCII too, by its character set). Nor is it true for a quoted name
+/// that is an aggregate's in another case than the server folds to: hosts write those bare.
 bool isDecodable(std::string_view text, const Token& token, int dialect);
 
 /// True if @p bytes is UTF-8 without overlong forms, surrogates and values above U+10FFFF. Linear.
