@@ -16,7 +16,7 @@ struct Input {
     std::string schema;   ///< the current one; may be empty
     std::string text;
 
-    int dialect() const { return family == DatabaseTypeMariaDB ? DatabaseTypeMySQL : family; }
+    int dialect() const { return parserDialect(family); }
 };
 
 inline Input inputOf(const std::uint8_t* data, std::size_t size) {

@@ -19,15 +19,11 @@ std::vector<Text> seeds() {
     return statementsIn(JOINERY_TEST_DATA "/../../fuzz/seeds");
 }
 
-int dialectOf(DatabaseType family) {
-    return family == DatabaseTypeMariaDB ? DatabaseTypeMySQL : family;
-}
-
 /// Gathers what is wrong with many texts, of each kind of fault the first.
 class Faults {
 public:
     void look(DatabaseType family, const std::string& text) {
-        std::string fault = faultOfAccessors(dialectOf(family), text);
+        std::string fault = faultOfAccessors(parserDialect(family), text);
         if (fault.empty()) fault = faultOfRoundTrip(text, family, "s", HostStyle::Minimal);
         if (fault.empty() || !m_kinds.insert({family, fault.substr(0, kindLength)}).second) return;
         m_told += "\nfamily " + std::to_string(family) + ": " + fault + "\n" + text + "\n";
@@ -51,7 +47,7 @@ TEST(Mutation, AStatementCutAtAnyByteKeepsItsMeaningOrIsRefused) {
 TEST(Mutation, AStatementWithATokenLostDoubledOrMisplacedKeepsItsMeaningOrIsRefused) {
     Faults faults;
     for (const Text& statement : seeds()) {
-        const sqlet::TokenList list = sqlet::lex(statement.text, dialectOf(statement.family));
+        const sqlet::TokenList list = sqlet::lex(statement.text, parserDialect(statement.family));
         for (sqlet::TokenIndex i = 0; i < list.count(); ++i)
             for (const std::string& text : changedAt(statement.text, list, i))
                 faults.look(statement.family, text);
@@ -69,7 +65,8 @@ TEST(Findings, StayMended) {
         ASSERT_LT(blank, end) << entry.path();
         const Text finding{familyNamed(content.substr(0, blank)), content.substr(end + 1)};
         const std::string schema = content.substr(blank + 1, end - blank - 1);
-        EXPECT_EQ(faultOfAccessors(dialectOf(finding.family), finding.text), "") << entry.path();
+        EXPECT_EQ(faultOfAccessors(parserDialect(finding.family), finding.text), "")
+            << entry.path();
         for (const HostStyle style : {HostStyle::Minimal, HostStyle::AlwaysQuote})
             EXPECT_EQ(faultOfRoundTrip(finding.text, finding.family, schema, style), "")
                 << entry.path();

@@ -32,7 +32,7 @@ inline std::string faultOfOutcome(const QBParseOutcome& outcome, const std::stri
 /// "" if two texts of statements mean the same to the parser's own comparison.
 inline std::string faultOfMeaning(const std::string& text, const std::string& rebuilt,
                                   DatabaseType family, const std::string& schema) {
-    const int dialect = family == DatabaseTypeMariaDB ? DatabaseTypeMySQL : family;
+    const int dialect = parserDialect(family);
     const ParserHandle original = parseText(dialect, text, schema);
     const ParserHandle other = parseText(dialect, rebuilt, schema);
     const int place = sqlet_first_difference(original.get(), other.get(), schema.c_str());
