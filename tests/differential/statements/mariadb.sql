@@ -411,3 +411,70 @@ SELECT id AS größe, n AS `Größe 2` FROM a ORDER BY größe, `Größe 2`, y
 
 --- a window with a frame
 SELECT id, SUM(n) OVER (ORDER BY id, n, a.y ROWS BETWEEN 1 PRECEDING AND CURRENT ROW) AS k FROM a
+
+--- names and texts of several lines in a derived table
+SELECT s.`k
+    l`, s.m FROM (
+    SELECT id AS `k
+    l`, 'p\'
+    q' 'r' AS m FROM a
+    WHERE name <> "t\"
+    u" # c
+) AS s
+
+--- an aggregate is named by its text without regard to case
+SELECT `max(n)`, s.`N + 1` FROM (SELECT MAX(n), n + 1 FROM a) AS s
+
+--- a text is named by itself
+SELECT s.x, s.p FROM (SELECT 'x', "p") AS s
+
+--- aliases that need quotes, in ORDER BY
+SELECT id AS `a.id`, n AS `n ASC`, y AS `q``q` FROM b WHERE n > 0 AND y > 0 ORDER BY `n ASC`, `q``q` DESC, `a.id`
+
+--- an alias in another case in ORDER BY
+SELECT id, total AS Sumx FROM b WHERE total IS NOT NULL ORDER BY SUMX, id
+
+--- an alias called like a function
+SELECT id, total AS Sum FROM b WHERE total IS NOT NULL ORDER BY `Sum`, id
+
+--- ORDER BY an expression with an alias that hides a column
+SELECT id AS n, n AS id FROM b WHERE n IS NOT NULL ORDER BY -n, id + 0
+
+--- an alias called of
+SELECT of.k FROM (SELECT 10 AS k) AS of JOIN g
+
+--- a column called end
+SELECT end, `end`, words.end FROM words WHERE end > 3
+
+--- CASE over a column called end
+SELECT CASE WHEN id = 2 THEN `end` END AS k FROM words
+
+--- columns called like words of the grammar
+SELECT date, `interval`, `left`, row, `values`, words.key, `natural`, words.exists, `current_user`, first FROM words WHERE date = 3 OR words.interval > 5
+
+--- a column called like the star and one with a dot
+SELECT `*`, words.`*`, `a.b`, words.`a.b` FROM words WHERE `*` > 3
+
+--- a count of a column called like the star
+SELECT COUNT(`*`), COUNT(*), MAX(`a.b`) FROM words
+
+--- a name of three parts in a condition and in an order
+SELECT other.b.id FROM other.b, g WHERE other.b.n > joinery.g.n ORDER BY other.b.id, other.b.n, g.id, g.n
+
+--- blanks around the points of a name
+SELECT a . id, joinery . a . n FROM joinery . a WHERE a . n = 1
+
+--- CROSS JOIN with a condition beside a comma
+SELECT a.id, b.n, g.n FROM g, a CROSS JOIN b ON a.id = b.id AND a.n = b.n
+
+--- a bracket of a comma list at the left
+SELECT a.id, b.n, o.n FROM (a, b) JOIN o ON o.id = a.id WHERE b.id = a.id
+
+--- LEFT JOIN of a bracketed cross product
+SELECT a.id, b.id, g.id FROM a LEFT JOIN (b CROSS JOIN g) ON a.id = b.id AND g.id = b.id
+
+--- a condition with assignments and user variables
+SELECT id FROM a WHERE @missing IS NULL AND n = 1
+
+--- the largest limit without an offset
+SELECT id FROM o ORDER BY id LIMIT 18446744073709551615

@@ -446,3 +446,78 @@ SELECT GREATEST(n, 2), LEAST(n, y), COALESCE(n, y), NULLIF(n, 1) FROM a WHERE CO
 
 --- current_schema and session values
 SELECT CURRENT_SCHEMA, CURRENT_CATALOG, SESSION_USER = CURRENT_USER FROM g
+
+--- names and texts of several lines in a derived table
+SELECT s."k
+    l", s.m FROM (
+    SELECT id AS "k
+    l", $$p
+    q$$ || E'r\'
+    s' AS m FROM a
+    WHERE name <> $x$t
+    u$x$ /* c
+    /* d
+    */ e */
+) AS s
+
+--- an aggregate is named by its function
+SELECT s.max, s.count FROM (SELECT MAX(n), COUNT(*) FROM a) AS s
+
+--- a cast is named by its column, a CASE by its word
+SELECT s.n, s."case", s."coalesce" FROM (SELECT n::text, CASE WHEN y = 5 THEN 1 END, COALESCE(y, 1) FROM a) AS s
+
+--- an expression has no name of its own
+SELECT s."?column?" FROM (SELECT n + 1 FROM a) AS s
+
+--- aliases that need quotes, in ORDER BY
+SELECT id AS "a.id", n AS "n ASC", y AS "q""q" FROM b WHERE n > 0 AND y > 0 ORDER BY "n ASC", "q""q" DESC, "a.id"
+
+--- an alias without quotes is folded
+SELECT id, total AS Sum FROM b WHERE total IS NOT NULL ORDER BY SUM, id
+
+--- an alias in capitals beside one that is folded
+SELECT id AS "K", total AS k FROM b WHERE total IS NOT NULL ORDER BY k, "K"
+
+--- ORDER BY an expression takes the columns
+SELECT id AS n, n AS id FROM b WHERE n IS NOT NULL ORDER BY -n, id + 0
+
+--- LIMIT as a text keeps its value or is refused
+--: refused
+SELECT id FROM o ORDER BY id LIMIT '2'
+
+--- LIMIT ALL with an offset
+SELECT id FROM o ORDER BY id LIMIT ALL OFFSET 2
+
+--- OFFSET ROW and FETCH NEXT ROW
+SELECT id FROM o ORDER BY id OFFSET 1 ROW FETCH NEXT ROW ONLY
+
+--- OFFSET in brackets
+SELECT id FROM o ORDER BY id LIMIT 2 OFFSET (1)
+
+--- OFFSET NULL is none
+SELECT id FROM o ORDER BY id LIMIT 2 OFFSET NULL
+
+--- an alias called of
+SELECT "of".k FROM (SELECT 10 AS k) AS of CROSS JOIN g
+
+--- a column called interval
+SELECT interval, "interval", words.interval FROM words WHERE interval > 5 OR interval BETWEEN 1 AND 5
+
+--- columns called like words of the grammar
+SELECT date, "left", row, words.values, "end", key, "natural", words.exists, "current_user", first FROM words WHERE date = 3 OR "end" > 4
+
+--- a column called like the star and one with a dot
+SELECT "*", words."*", "a.b", words."a.b" FROM words WHERE "*" > 3
+
+--- a count of a column called like the star
+SELECT COUNT("*"), COUNT(*), MAX("a.b") FROM words
+
+--- a bare alias that is a reserved word is not read, though the server does
+--: refused unexpected 'user'
+SELECT id user, n true, y "end" FROM a WHERE n = 1
+
+--- the same table of two schemas
+SELECT x.n, a.n FROM public.a AS x JOIN other.a ON x.id = other.a.id
+
+--- a name of three parts in a condition and in an order
+SELECT other.b.id FROM other.b, g WHERE other.b.n > public.g.n ORDER BY other.b.id, other.b.n, g.id, g.n

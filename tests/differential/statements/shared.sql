@@ -586,3 +586,107 @@ SELECT id, n = 1 AS k, n > 1 AND y > 5 AS l, n IS NULL AS m FROM a
 --- a comparison of a comparison's bracket
 SELECT id FROM a WHERE (n = 1) = (y = 20)
 
+
+--- an order by a column of a derived table
+SELECT s.c FROM (SELECT a.id AS c FROM a) AS s ORDER BY s.c
+
+--- two columns that swap names, in an expression of ORDER BY
+SELECT id AS n, n AS id FROM b WHERE n IS NOT NULL ORDER BY b.n, b.id
+
+--- the qualified column beside an alias of its name
+SELECT n AS id FROM b WHERE n IS NOT NULL ORDER BY b.id, b.n
+
+--- an aggregate with a bracketed argument
+SELECT COUNT((n)), MAX((a.y)), SUM(+ n), COUNT(/* c */ n) FROM a
+
+--- an aggregate over ALL
+SELECT COUNT(ALL n), SUM(ALL total) FROM a
+
+--- DISTINCT over an aggregate
+SELECT DISTINCT COUNT(*) FROM a GROUP BY id
+
+--- a subquery alone as condition
+SELECT id FROM a WHERE (SELECT COUNT(*) FROM b WHERE b.id = a.id) > 0 AND (SELECT MAX(y) FROM g) > 1
+
+--- a LIMIT of no rows behind an offset
+--: no rows
+SELECT id FROM o ORDER BY id LIMIT 0 OFFSET 3
+
+--- brackets around ON
+SELECT a.id, b.n FROM a JOIN b ON ((a.id = b.id) AND ((a.n = b.n)))
+
+--- brackets around the sides of ON
+SELECT a.id, b.n FROM a JOIN b ON (a.id) = (b.id)
+
+--- ON with OR beside another join
+SELECT a.id, b.n, o.n FROM a JOIN b ON a.id = b.id OR a.n = b.n JOIN o ON o.id = a.id AND o.n = b.n OR o.id = 8
+
+--- a join inside brackets inside a comma list
+SELECT a.id, b.n, g.n FROM g, (a LEFT JOIN b ON a.id = b.id AND b.n = 1) WHERE g.id = a.id
+
+--- four tables, left and right
+SELECT a.id, b.id, o.id, g.id FROM a LEFT JOIN b ON a.id = b.id RIGHT JOIN o ON o.id = b.id LEFT JOIN g ON g.id = o.id
+
+--- a comment as the last thing of a derived table
+SELECT s.id FROM (
+    SELECT id FROM a -- the end
+) AS s
+
+--- a comment of several lines in a derived table
+SELECT s.id FROM (
+    SELECT id /* one
+    two */ FROM a
+    WHERE n = 1 -- three
+) AS s
+
+--- texts of several lines at every depth
+SELECT s.k, s.l FROM (
+    SELECT t.k, 'x
+    y' AS l FROM (
+        SELECT 'p
+        q' AS k FROM g WHERE name <> 'r
+            s'
+    ) AS t
+) AS s
+
+--- CASE with conditions of all kinds
+SELECT id, CASE WHEN n BETWEEN 1 AND 2 AND name LIKE 't%' THEN 'p' WHEN id IN (1, 4) OR NOT y = 5 THEN 'q' END AS k FROM a
+
+--- BETWEEN whose bounds are CASE and subquery
+SELECT id FROM a WHERE y BETWEEN CASE WHEN n = 1 AND id = 2 THEN 20 ELSE 10 END AND (SELECT MAX(y) FROM b)
+
+--- BETWEEN twice with AND between
+SELECT id FROM a WHERE y BETWEEN 5 AND 15 AND total BETWEEN 1 AND 7 AND id NOT BETWEEN 4 AND 4
+
+--- NOT in front of EXISTS and of brackets in a chain
+SELECT id FROM a WHERE n > 0 AND NOT EXISTS (SELECT 1 FROM empty) AND NOT (n = 1 AND y = 20) OR NOT (id = 2)
+
+--- a chain of both gates without brackets
+SELECT id FROM a WHERE n = 1 AND y = 20 OR n = 3 AND total = 5 OR id = 4 AND n = 2 AND total = 1
+
+--- a chain of brackets of both gates
+SELECT id FROM a WHERE (n = 1 OR n = 3) AND (y = 20 OR total = 5) AND NOT (id = 4 OR id = 5)
+
+--- HAVING with a subquery
+SELECT id FROM a GROUP BY id HAVING COUNT(*) >= (SELECT COUNT(*) FROM o WHERE o.id = a.id) AND id IN (SELECT id FROM b)
+
+--- GROUP BY of a CASE
+SELECT CASE WHEN n > 1 THEN 'more' ELSE 'less' END AS k, COUNT(*) FROM a GROUP BY CASE WHEN n > 1 THEN 'more' ELSE 'less' END
+
+--- ORDER BY of a CASE with a direction
+SELECT id, n FROM b WHERE n IS NOT NULL ORDER BY CASE WHEN n = 3 THEN 0 ELSE 1 END DESC, id DESC, n
+
+--- ORDER BY of a subquery
+SELECT id, n FROM b WHERE n IS NOT NULL ORDER BY (SELECT COUNT(*) FROM a WHERE a.id = b.id) DESC, id, n
+
+--- the same table twice, in two schemas
+SELECT x.n, y.n FROM other.a AS x, a AS y WHERE x.id = y.id AND x.n > y.n
+
+--- an alias called like the schema
+SELECT other.n FROM a AS other WHERE other.id = 2
+
+--- an alias called like a table of the other schema
+SELECT x.n, a.n FROM other.a AS x, b AS a WHERE x.id = a.id
+
+--- the bare name where the alias of another hides it
+SELECT a.n, b.n FROM b AS a, a AS b WHERE a.id = b.id AND a.n > 1

@@ -341,3 +341,66 @@ SELECT (SELECT 1), (SELECT MAX(id) FROM a)
 
 --- a byte order mark
 ﻿SELECT id FROM a WHERE n = 1
+
+--- names and texts of several lines in a derived table
+SELECT s."k
+    l", s.[p
+    q] FROM (
+    SELECT id AS "k
+    l", n AS [p
+    q] FROM a
+    WHERE name <> 'x
+    y'
+) AS s
+
+--- an aggregate is named by its text without regard to case
+SELECT "max(n)" FROM (SELECT MAX(n) FROM a)
+
+--- an expression in brackets is named by its text
+SELECT "(n)", "a.n" FROM (SELECT (n), n AS "a.n" FROM a)
+
+--- aliases that need quotes, in ORDER BY
+SELECT id AS "a.id", n AS "n ASC", y AS "q""q" FROM b WHERE n > 0 AND y > 0 ORDER BY "n ASC", "q""q" DESC, "a.id"
+
+--- an alias in another case in ORDER BY
+SELECT id, total AS Sum FROM b WHERE total IS NOT NULL ORDER BY SUM, id
+
+--- ORDER BY an expression with an alias that hides a column
+SELECT id AS n, n AS id FROM b WHERE n IS NOT NULL ORDER BY -n, id + 0
+
+--- LIMIT as a text
+SELECT id FROM o ORDER BY id LIMIT '2'
+
+--- a negative offset is refused
+--: refused offset
+SELECT id FROM o ORDER BY id LIMIT 2 OFFSET -1
+
+--- a string as table name
+SELECT x.id FROM 'a' AS x WHERE x.n = 1
+
+--- an alias called of
+SELECT of.k FROM (SELECT 10 AS k) AS of JOIN g
+
+--- a column called end
+SELECT end, "end", words.end FROM words WHERE end > 3
+
+--- CASE over a column called end
+SELECT CASE WHEN id = 2 THEN "end" END AS k FROM words
+
+--- columns called like words of the grammar
+SELECT words.date, interval, "left", row, "values", key, "natural", "exists", "current_user", first FROM words WHERE interval > 5 OR date = 3
+
+--- a column called like the star and one with a dot
+SELECT "*", words."*", "a.b", words."a.b" FROM words WHERE "*" > 3
+
+--- a count of a column called like the star
+SELECT COUNT("*"), COUNT(*), MAX("a.b") FROM words
+
+--- a schema in another case
+SELECT MAIN.a.n, z.n FROM Main.a, OTHER.a AS z WHERE a.id = z.ID
+
+--- the same table of two schemas without aliases
+SELECT main.a.n, other.a.n FROM main.a JOIN other.a ON main.a.id = other.a.id
+
+--- a name of three parts in a condition and in an order
+SELECT other.b.id FROM other.b, g WHERE other.b.n > main.g.n ORDER BY other.b.id, other.b.n, g.id, g.n
