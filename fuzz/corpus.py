@@ -33,7 +33,7 @@ def constructs(root):
                 named = tuple(f for f in FAMILIES if re.search(rf"\b{f}\b", line.split(":")[0]))
                 families = named or FAMILIES
             elif line.startswith(">> "):
-                text = line[3:].replace("⏎", "\n")
+                text = re.sub("[⏎␊]", "\n", line[3:]).replace("␉", "\t")
                 is_whole = re.match(r"\s*\(*\s*(SELECT|WITH)\b", text, re.I)
                 yield families, text if is_whole else frame.replace("…", text)
 

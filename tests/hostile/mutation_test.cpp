@@ -57,20 +57,26 @@ TEST(Mutation, AStatementWithATokenLostDoubledOrMisplacedKeepsItsMeaningOrIsRefu
 
 /// What fuzzing found: the first line of each file names the family and the current schema, the
 /// rest is the text, byte for byte.
-TEST(Findings, StayMended) {
-    for (const auto& entry : std::filesystem::directory_iterator(JOINERY_TEST_DATA "/findings")) {
-        const std::string content = contentOf(entry.path());
-        const std::size_t blank = content.find(' ');
-        const std::size_t end = content.find('\n');
-        ASSERT_LT(blank, end) << entry.path();
-        const Text finding{familyNamed(content.substr(0, blank)), content.substr(end + 1)};
-        const std::string schema = content.substr(blank + 1, end - blank - 1);
-        EXPECT_EQ(faultOfAccessors(parserDialect(finding.family), finding.text), "")
-            << entry.path();
-        for (const HostStyle style : {HostStyle::Minimal, HostStyle::AlwaysQuote})
-            EXPECT_EQ(faultOfRoundTrip(finding.text, finding.family, schema, style), "")
-                << entry.path();
-    }
+class Finding : public testing::TestWithParam<std::filesystem::path> {};
+
+TEST_P(Finding, StaysMended) {
+    const std::string content = contentOf(GetParam());
+    const std::size_t blank = content.find(' ');
+    const std::size_t end = content.find('\n');
+    ASSERT_TRUE(blank < end && end != std::string::npos) << "no line \"FAMILY SCHEMA\"";
+    const DatabaseType family = familyNamed(content.substr(0, blank));
+    const std::string schema = content.substr(blank + 1, end - blank - 1);
+    const std::string text = content.substr(end + 1);
+    EXPECT_EQ(faultOfAccessors(parserDialect(family), text, schema.c_str()), "");
+    for (const HostStyle style : {HostStyle::Minimal, HostStyle::AlwaysQuote})
+        EXPECT_EQ(faultOfRoundTrip(text, family, schema, style), "");
 }
+
+std::string stemOf(const testing::TestParamInfo<std::filesystem::path>& file) {
+    return file.param.stem().string();
+}
+
+INSTANTIATE_TEST_SUITE_P(, Finding, testing::ValuesIn(filesIn(JOINERY_TEST_DATA "/findings")),
+                         stemOf);
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -24,6 +25,14 @@ inline std::string contentOf(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+inline std::vector<std::filesystem::path> filesIn(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> paths;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        paths.push_back(entry.path());
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
 inline DatabaseType familyNamed(const std::string& name) {
     static const std::vector<std::pair<std::string, DatabaseType>> names = {
         {"mysql", DatabaseTypeMySQL},           {"mariadb", DatabaseTypeMariaDB},
@@ -37,9 +46,9 @@ inline DatabaseType familyNamed(const std::string& name) {
 /// The statements of the files FAMILY.sql in @p folder, with blank lines between them.
 inline std::vector<Text> statementsIn(const std::filesystem::path& folder) {
     std::vector<Text> all;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        const std::string content = contentOf(entry.path());
-        const DatabaseType family = familyNamed(entry.path().stem().string());
+    for (const auto& path : filesIn(folder)) {
+        const std::string content = contentOf(path);
+        const DatabaseType family = familyNamed(path.stem().string());
         for (std::size_t begin = 0; begin < content.size();) {
             std::size_t end = content.find("\n\n", begin);
             if (end == std::string::npos) end = content.size();

@@ -1,0 +1,2 @@
+postgresql s
+SELECT ALL ALL ((1) n.id)

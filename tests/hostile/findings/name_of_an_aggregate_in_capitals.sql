@@ -1,0 +1,2 @@
+postgresql s
+SELECT "COUNT", "SUM"("MAX") AS "MIN" FROM "AVG" WHERE "AVG"."COUNT" = 1

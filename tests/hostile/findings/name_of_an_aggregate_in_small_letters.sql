@@ -1,0 +1,2 @@
+oracle s
+SELECT 1 FROM odd WHERE "count" = 1

@@ -1,0 +1,2 @@
+sqlserver s
+SELECT - 2 OFFSET 0 ROWS

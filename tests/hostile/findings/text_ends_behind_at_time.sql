@@ -1,0 +1,2 @@
+postgresql s
+SELECT a ISNULL, b AT TIME
