@@ -9,13 +9,17 @@ namespace {
 Candidate candidateOf(ServerSession& session, unsigned seed) {
     Candidate candidate;
     const bool schemaIsKnown = seed % 3 != 0;
-    candidate.schema = schemaIsKnown ? mainSchema(session.family()) : "";
-    candidate.tokens = StatementGenerator(session.family(), schemaIsKnown, seed).statement();
+    const bool isOther = seed % 11 == 0 && session.family() != DatabaseTypeSQLite;
+    candidate.bareSchema = isOther ? "other" : mainSchema(session.family());
+    candidate.schema = schemaIsKnown ? candidate.bareSchema : "";
+    StatementGenerator generator(session.family(), candidate.bareSchema, schemaIsKnown, seed);
+    candidate.tokens = generator.statement();
     candidate.isOdd = seed % 4 == 0;
     if (candidate.isOdd) {
         candidate.tokens = oddlyWritten(candidate.tokens, session.family(), seed);
     }
     candidate.sql = plainText(candidate.tokens);
+    session.useSchema(candidate.bareSchema);
     candidate.original = session.ask(candidate.sql);
     return candidate;
 }
@@ -25,6 +29,7 @@ Candidate candidateOf(ServerSession& session, unsigned seed) {
 Candidate randomCandidate(ServerSession& session, unsigned number) {
     constexpr unsigned tries = 7;
     Candidate best;
+    best.bareSchema = mainSchema(session.family());
     best.original.isRefused = true;
     for (unsigned i = 0; i < tries; ++i) {
         Candidate candidate = candidateOf(session, number * tries + i);
@@ -32,6 +37,7 @@ Candidate randomCandidate(ServerSession& session, unsigned number) {
         if (candidate.original.rows.size() > 1) return candidate;
         best = std::move(candidate);
     }
+    session.useSchema(best.bareSchema);
     return best;
 }
 

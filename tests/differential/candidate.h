@@ -12,14 +12,15 @@ namespace QB::Test {
 struct Candidate {
     StatementTokens tokens;
     std::string sql;
-    std::string schema;  ///< the current one; empty: not known
-    bool isOdd = false;  ///< with comments, which may be part of a label
+    std::string bareSchema;  ///< where the server finds bare names
+    std::string schema;      ///< the same as the parser is told, or empty: not known
+    bool isOdd = false;      ///< with comments, which may be part of a label
     Answer original;
     Examination examination;  ///< yet to be made
 };
 
 /// The statement of that number: of several tries the first that gives rows, since no rows show no
-/// fault; else one that the server accepts at least, or none.
+/// fault; else one that the server accepts at least, or none. Leaves the session in its bareSchema.
 Candidate randomCandidate(ServerSession& session, unsigned number);
 
 }  // namespace QB::Test

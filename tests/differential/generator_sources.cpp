@@ -178,9 +178,9 @@ std::string StatementGenerator::freeAlias() {
 
 StatementTokens StatementGenerator::table(Scope& scope) {
     const SchemaTable& chosen = m_dice.pick(m_tables);
-    const bool isMain = chosen.schema == mainSchema(m_family);
+    const bool isBare = chosen.schema == m_bareSchema;
     StatementTokens tokens;
-    const bool isQualified = !chosen.isTemporary() && (!isMain || m_dice.chance(15));
+    const bool isQualified = !chosen.isTemporary() && (!isBare || m_dice.chance(15));
     if (is(onPostgreSQL) && m_dice.chance(4)) tokens += words("ONLY");
     tokens += isQualified ? tableName(chosen.schema) + "." + tableName(chosen.name)
                           : tableName(chosen.name);

@@ -6,8 +6,12 @@
 
 namespace QB::Test {
 
-StatementGenerator::StatementGenerator(DatabaseType family, bool schemaIsKnown, unsigned seed)
-    : m_family(family), m_bit(familyBit(family)), m_dice(seed) {
+StatementGenerator::StatementGenerator(DatabaseType family, std::string bareSchema,
+                                       bool schemaIsKnown, unsigned seed)
+    : m_family(family)
+    , m_bit(familyBit(family))
+    , m_bareSchema(std::move(bareSchema))
+    , m_dice(seed) {
     for (SchemaTable& table : adversarialTables(family)) {
         const bool isHidden = table.name == "hidden";
         if (!isHidden || !schemaIsKnown) m_tables.push_back(std::move(table));

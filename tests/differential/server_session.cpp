@@ -82,7 +82,7 @@ std::string describe(const Answer& answer) {
 }
 
 ServerSession::ServerSession(LiveConnection& connection, DatabaseType family)
-    : m_connection(connection), m_family(family) {
+    : m_connection(connection), m_family(family), m_schema(mainSchema(family)) {
     // Decimals come as text, with all their digits.
     m_connection.database().driver()->setNumericalPrecisionPolicy(QSql::HighPrecision);
     for (const char* statement : settings(m_family)) {
@@ -94,6 +94,7 @@ ServerSession::ServerSession(LiveConnection& connection, DatabaseType family)
 }
 
 void ServerSession::load(bool isReversed) {
+    useSchema(mainSchema(m_family));
     for (const std::string& statement : schemaScript(m_family, isReversed)) {
         if (m_connection.run(QString::fromStdString(statement))) continue;
         m_error = statement + ": " + m_connection.error().toStdString();
@@ -125,20 +126,27 @@ Answer ServerSession::ask(const std::string& sql) {
     return answer;
 }
 
-bool ServerSession::isSteady(const std::string& sql) {
-    return areSteady({sql}).front();
+void ServerSession::useSchema(const std::string& schema) {
+    if (m_family == DatabaseTypeSQLite || schema == m_schema) return;
+    const bool isPostgreSQL = m_family == DatabaseTypePostgreSQL;
+    const std::string statement = (isPostgreSQL ? "SET search_path = " : "USE ") + schema;
+    if (m_connection.run(QString::fromStdString(statement))) m_schema = schema;
 }
 
-std::vector<bool> ServerSession::areSteady(const std::vector<std::string>& statements) {
+std::vector<Difference> ServerSession::chances(const std::vector<LocatedStatement>& statements) {
+    const auto answerTo = [this](const LocatedStatement& statement) {
+        useSchema(statement.schema);
+        return ask(statement.sql);
+    };
     std::vector<Answer> answers;
-    for (const std::string& sql : statements)
-        answers.push_back(ask(sql));
+    for (const LocatedStatement& statement : statements)
+        answers.push_back(answerTo(statement));
     load(true);
-    std::vector<bool> steady;
+    std::vector<Difference> differences;
     for (std::size_t i = 0; i < statements.size(); ++i)
-        steady.push_back(ask(statements[i]).rows == answers[i].rows);
+        differences.push_back(differenceBetween(answers[i], answerTo(statements[i])));
     load(false);
-    return steady;
+    return differences;
 }
 
 }  // namespace QB::Test

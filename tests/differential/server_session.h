@@ -17,6 +17,12 @@ struct Answer {
     std::vector<Row> rows;            ///< in the order in which they came
 };
 
+/// A statement and the schema where its bare names are found.
+struct LocatedStatement {
+    std::string sql;
+    std::string schema;
+};
+
 /// How the answer to a rebuilt statement differs from that to the original.
 struct Difference {
     bool isRefused = false;  ///< the server refuses the rebuilt statement
@@ -42,15 +48,17 @@ public:
     const std::string& error() const { return m_error; }
     DatabaseType family() const { return m_family; }
 
+    /// Where bare names are found from now on: the main schema at first, or "other", which SQLite
+    /// cannot.
+    void useSchema(const std::string& schema);
+
     /// At most 20,000 rows are read.
     Answer ask(const std::string& sql);
 
-    /// True if the statement gives the same rows in the same order when all tables hold theirs in
-    /// reverse: then its order is total and its limit picks the same rows always. Slow: loads the
-    /// schema twice.
-    bool isSteady(const std::string& sql);
-    /// The same for many statements, in the time of one.
-    std::vector<bool> areSteady(const std::vector<std::string>& statements);
+    /// For each statement what it leaves to chance: how its answer differs when all tables hold
+    /// their rows in reverse. In rows: a limit that picks others; in order: one that is not total.
+    /// Slow: loads the schema twice.
+    std::vector<Difference> chances(const std::vector<LocatedStatement>& statements);
 
 private:
     void load(bool isReversed);
@@ -58,6 +66,7 @@ private:
     LiveConnection& m_connection;
     DatabaseType m_family;
     std::string m_error;
+    std::string m_schema;  ///< in use
 };
 
 }  // namespace QB::Test

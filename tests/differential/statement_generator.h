@@ -16,9 +16,10 @@ namespace QB::Test {
 /// same seed gives the same statement. ORDER BY is total and stands wherever there is a limit.
 class StatementGenerator {
 public:
-    /// @p schemaIsKnown: leaves out what reads another table when bare names are taken to lie in
-    /// the main schema (the temporary table that hides a real one).
-    StatementGenerator(DatabaseType family, bool schemaIsKnown, unsigned seed);
+    /// @p bareSchema: where the server finds bare names. @p schemaIsKnown: the parser is told, so
+    /// what makes it untrue is left out (the temporary table that hides a real one).
+    StatementGenerator(DatabaseType family, std::string bareSchema, bool schemaIsKnown,
+                       unsigned seed);
 
     StatementTokens statement();
 
@@ -114,6 +115,7 @@ private:
 
     const DatabaseType m_family;
     const unsigned m_bit;
+    const std::string m_bareSchema;
     Dice m_dice;
     std::vector<SchemaTable> m_tables;
     std::vector<std::string> m_words;     ///< of the family, in small letters
