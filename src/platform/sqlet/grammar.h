@@ -98,7 +98,7 @@ private:
     AfterOperand afterOperandSymbol(Reach reach);
     TokenIndex endOfOperator() const;
     AfterOperand afterOperandWord(Reach reach);
-    bool isIntervalOf() const;
+    bool isIntervalOf(TokenIndex unit) const;
     bool isBinaryWord(TokenIndex index) const;
     AfterOperand comparisonWord();
     void isTest();
@@ -162,6 +162,7 @@ private:
                           std::uint32_t parens);
     void completeConditions(std::vector<JoinStep>& steps);
     SqletExpr* alwaysTrue();
+    static void dropBracket(SqletTable* table);
     static std::uint32_t addBracket(SqletTable* table);
     SqletTable* source(std::uint32_t parens);
     SqletTable* bracketedSource(std::uint32_t parens);
@@ -177,6 +178,7 @@ private:
     void takeTimeKind();
     SqletTable* pivotOf(TokenIndex first, std::uint32_t parens);
     bool takeSuffixBehindAlias();
+    bool isPartitionedSource() const;
     bool takeIndexHints();
     void sourceTail(SqletTable* table);
     bool takeModel();

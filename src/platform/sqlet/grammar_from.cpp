@@ -248,6 +248,13 @@ SqletTable* Grammar::foldJoins(const std::vector<JoinStep>& steps, std::size_t f
     return left;
 }
 
+void Grammar::dropBracket(SqletTable* table) {
+    for (; table; table = table->left) {
+        --table->parens;
+        dropBracket(table->right);
+    }
+}
+
 /// Returns how deep the deepest source is then.
 std::uint32_t Grammar::addBracket(SqletTable* table) {
     std::uint32_t deepest = 0;
@@ -294,7 +301,8 @@ bool Grammar::isQueryInBrackets(TokenIndex open) const {
 }
 
 SqletTable* Grammar::derivedTable(std::uint32_t parens) {
-    TokenIndex open = m_position;
+    const TokenIndex outerOpen = m_position;
+    TokenIndex open = outerOpen;
     TokenIndex close = partner();
     const TokenIndex outerClose = close;
     while (at(open + 1).kind == T::LeftParen && m_parser.tokens.partner[open + 1] == close - 1) {
@@ -306,6 +314,7 @@ SqletTable* Grammar::derivedTable(std::uint32_t parens) {
     readSubquery(table, open, close);
     m_position = outerClose + 1;
     sourceTail(table);
+    if (table->form == TableForm::Text) table->span.first = outerOpen;  // with all its brackets
     return table;
 }
 
@@ -343,8 +352,9 @@ SqletTable* Grammar::bracketedSource(std::uint32_t parens) {
     --m_groupDepth;
 
     if (takePivot()) return pivotOf(open, parens);
-    if (content->form != TableForm::Join) {
-        --content->parens;  // brackets around a lone source mean nothing
+    const bool isLone = content->form != TableForm::Join || content->alias != noToken;
+    if (isLone) {
+        dropBracket(content);  // around one source it means nothing
         const bool hadAlias = content->alias != noToken;
         if (!takeSourceAlias(content)) return content;
         if (hadAlias) unsupported(m_position - 1, "a second alias");
@@ -512,6 +522,11 @@ void Grammar::takeTimeKind() {
 
 /// Modifiers behind the alias.
 bool Grammar::takeSuffixBehindAlias() {
+    if (isPartitionedSource()) {
+        m_position += 2;
+        skipBrackets();
+        return true;
+    }
     if (is(K::Tablesample)) {
         advance();
         if (is(T::Word)) nameChain();
@@ -538,6 +553,16 @@ bool Grammar::takeSuffixBehindAlias() {
         return true;
     }
     return takeIndexHints();
+}
+
+/// t PARTITION BY (..) at the right of an outer join; at its left these words begin the join.
+bool Grammar::isPartitionedSource() const {
+    if (!is(K::Partition) || !nextIs(K::By) || at(m_position + 2).kind != T::LeftParen)
+        return false;
+    const TokenIndex close = m_parser.tokens.partner[m_position + 2];
+    if (close == noToken) return false;
+    const Keyword behind = at(close + 1).keyword;
+    return behind == K::On || behind == K::Using;
 }
 
 bool Grammar::takeIndexHints() {
@@ -607,7 +632,9 @@ bool Grammar::takeSourceAlias(SqletTable* table) {
     if (!hasAs && !isBareSourceAlias()) return false;
     const TokenIndex as = m_position;
     if (hasAs) advance();
-    if (hasAs && is(T::LeftParen)) {  // f() AS (a int)
+    const bool isFunction =
+        table->form == TableForm::Text && at(table->span.last).kind == T::RightParen;
+    if (hasAs && is(T::LeftParen) && isFunction) {  // f() AS (a int)
         skipBrackets();
         keepAliasInText(table);
         return true;
@@ -628,7 +655,7 @@ bool Grammar::takeSourceAlias(SqletTable* table) {
 bool Grammar::isBareSourceAlias() const {
     const Token& token = here();
     if (token.kind == T::QuotedName) return true;
-    if (token.kind == T::String) return m_dialect.hasStringAliases && m_dialect.number == 4;
+    if (token.kind == T::String) return m_dialect.hasStringNames;
     if (token.kind != T::Word) return false;
     if (is(K::Model) && next().kind != T::Word) return true;  // a name of Oracle too
     if (m_dialect.sourceEnds.contains(token.keyword) || isOffsetClause()) return false;

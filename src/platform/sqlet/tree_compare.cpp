@@ -11,6 +11,7 @@ namespace sqlet {
 namespace {
 
 constexpr int dialectMySQL = 1;
+constexpr int dialectOracle = 3;
 constexpr int dialectSQLServer = 5;
 constexpr int familyMariaDB = 6;
 constexpr int noDifference = -1;
@@ -37,7 +38,9 @@ public:
         const Token& word = token(symbol);
         if (word.kind != TokenKind::Word) return false;
         if ((word.flags & SQLET_WORD_CONSTANT) != 0) return true;
-        if (word.keyword == Keyword::Nextval || word.keyword == Keyword::Currval) return true;
+        const bool isSequence =
+            word.keyword == Keyword::Nextval || word.keyword == Keyword::Currval;
+        if (isSequence && m_parser.dialect == dialectOracle) return true;
         if (m_parser.dialect != dialectMySQL) return false;
         const std::string_view text = bytes(symbol);
         const unsigned flags =
