@@ -512,8 +512,7 @@ SELECT "*", words."*", "a.b", words."a.b" FROM words WHERE "*" > 3
 --- a count of a column called like the star
 SELECT COUNT("*"), COUNT(*), MAX("a.b") FROM words
 
---- a bare alias that is a reserved word is not read, though the server does
---: refused unexpected 'user'
+--- a bare alias that is a reserved word
 SELECT id user, n true, y "end" FROM a WHERE n = 1
 
 --- the same table of two schemas
