@@ -27,15 +27,29 @@ std::string upperCase(std::string text) {
     return text;
 }
 
+/// What servers that limit ordered rows alone are given where the statement has no order.
+void appendFirstOrder(StringifiedNode& node, int level) {
+    node.appendLine({}, level);
+    node.append("ORDER BY 1");
+}
+
+/// A line of a number of rows between two texts.
+void appendRows(StringifiedNode& node, int level, std::string_view before, std::int32_t rows,
+                std::string_view after = {}) {
+    node.appendLine({}, level);
+    node.append(before);
+    node.appendNumber(rows);
+    node.append(after);
+}
+
 /// MySQL's form, on one line: LIMIT count, or LIMIT offset, count.
-StringifiedNode commaLimit(const ELEMSQLLimitExpr* limit, const std::string& newline) {
-    if (isUnlimited(limit)) return {};
-    std::string line = newline + "LIMIT ";
-    if (isSet(limit->offset)) line += std::to_string(limit->offset) + ", ";
+void appendCommaLimit(StringifiedNode& node, int level, const ELEMSQLLimitExpr* limit) {
+    if (isUnlimited(limit)) return;
+    if (!isSet(limit->offset)) return appendRows(node, level, "LIMIT ", limit->rowCount);
+    appendRows(node, level, "LIMIT ", limit->offset, ", ");
     // An offset needs a count; the largest one stands for none.
-    line += isSet(limit->rowCount) ? std::to_string(limit->rowCount)
-                                   : "18446744073709551615/* 2^64-1 */";
-    return StringifiedNode(line);
+    if (isSet(limit->rowCount)) return node.appendNumber(limit->rowCount);
+    node.append("18446744073709551615/* 2^64-1 */");
 }
 
 }  // namespace
@@ -43,48 +57,49 @@ StringifiedNode commaLimit(const ELEMSQLLimitExpr* limit, const std::string& new
 StringifiedNode QBQueryComponentStringifier_MYSQL::stringifyExpr_ELEMSQLLimitExpr(
     const SQLSelectStmtComponent*, const ELEMSQLLimitExpr* limit, int level,
     TopLevelQueryComponentElementEnum) {
-    return commaLimit(limit, newlineIndent(level));
+    StringifiedNode node = newNode();
+    appendCommaLimit(node, level, limit);
+    return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_MARIADB::stringifyExpr_ELEMSQLLimitExpr(
     const SQLSelectStmtComponent*, const ELEMSQLLimitExpr* limit, int level,
     TopLevelQueryComponentElementEnum) {
-    return commaLimit(limit, newlineIndent(level));
+    StringifiedNode node = newNode();
+    appendCommaLimit(node, level, limit);
+    return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_PGSQL::stringifyExpr_ELEMSQLLimitExpr(
     const SQLSelectStmtComponent*, const ELEMSQLLimitExpr* limit, int level,
     TopLevelQueryComponentElementEnum) {
-    StringifiedNode node;
-    const std::string newline = newlineIndent(level);
-    if (isSet(limit->rowCount)) node.append(newline + "LIMIT " + std::to_string(limit->rowCount));
-    if (isSet(limit->offset)) node.append(newline + "OFFSET " + std::to_string(limit->offset));
+    StringifiedNode node = newNode();
+    if (isSet(limit->rowCount)) appendRows(node, level, "LIMIT ", limit->rowCount);
+    if (isSet(limit->offset)) appendRows(node, level, "OFFSET ", limit->offset);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQLITE::stringifyExpr_ELEMSQLLimitExpr(
     const SQLSelectStmtComponent*, const ELEMSQLLimitExpr* limit, int level,
     TopLevelQueryComponentElementEnum) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     if (isUnlimited(limit)) return node;
-    const std::string newline = newlineIndent(level);
     // A count of -1 means all rows here, which is how the model marks it as not set.
-    node.append(newline + "LIMIT " + std::to_string(limit->rowCount));
-    if (isSet(limit->offset)) node.append(newline + "OFFSET " + std::to_string(limit->offset));
+    appendRows(node, level, "LIMIT ", limit->rowCount);
+    if (isSet(limit->offset)) appendRows(node, level, "OFFSET ", limit->offset);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_MSSQL::stringifyExpr_ELEMSQLLimitExpr(
     const SQLSelectStmtComponent* statement, const ELEMSQLLimitExpr* limit, int level,
     TopLevelQueryComponentElementEnum) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     if (isUnlimited(limit)) return node;
-    const std::string newline = newlineIndent(level);
-    if (isUnordered(statement)) node.append(newline + "ORDER BY 1");
+    if (isUnordered(statement)) appendFirstOrder(node, level);
     const std::int32_t offset = isSet(limit->offset) ? limit->offset : 0;
-    node.append(newline + "OFFSET " + std::to_string(offset) + " ROWS");
+    appendRows(node, level, "OFFSET ", offset, " ROWS");
     if (isSet(limit->rowCount))
-        node.append(newline + "FETCH NEXT " + std::to_string(limit->rowCount) + " ROWS ONLY");
+        appendRows(node, level, "FETCH NEXT ", limit->rowCount, " ROWS ONLY");
     return node;
 }
 
@@ -95,27 +110,25 @@ bool QBQueryComponentStringifier_MSSQL::keepsTableSchema() const {
 StringifiedNode QBQueryComponentStringifier_ORA::stringifyExpr_ELEMSQLLimitExpr(
     const SQLSelectStmtComponent* statement, const ELEMSQLLimitExpr* limit, int level,
     TopLevelQueryComponentElementEnum) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     if (isUnlimited(limit)) return node;
-    const std::string newline = newlineIndent(level);
     const std::string option = upperCase(limit->returnOption);
-    if (option == "WITH TIES" && isUnordered(statement)) node.append(newline + "ORDER BY 1");
-    if (isSet(limit->offset))
-        node.append(newline + "OFFSET " + std::to_string(limit->offset) + " ROWS");
+    if (option == "WITH TIES" && isUnordered(statement)) appendFirstOrder(node, level);
+    if (isSet(limit->offset)) appendRows(node, level, "OFFSET ", limit->offset, " ROWS");
     if (isSet(limit->rowCount)) {
-        node.append(newline + "FETCH " + (isSet(limit->offset) ? "NEXT " : "FIRST ") +
-                    std::to_string(limit->rowCount) + (limit->isPercent ? " PERCENT" : "") +
-                    " ROWS " + option);
+        appendRows(node, level, isSet(limit->offset) ? "FETCH NEXT " : "FETCH FIRST ",
+                   limit->rowCount, limit->isPercent ? " PERCENT ROWS " : " ROWS ");
+        node.appendCopy(option);
     }
     return node;
 }
 
-std::string QBQueryComponentStringifier_ORA::sourceAliasSeparator() const {
+std::string_view QBQueryComponentStringifier_ORA::sourceAliasSeparator() const {
     return " ";
 }
 
 StringifiedNode QBQueryComponentStringifier_MONGODB::stringifyComponent(
-    const AbstractQueryComponent*, int, SourceChildCallback) {
+    const AbstractQueryComponent*, int, const SourceChildCallback&) {
     return {};
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "stringifier/query_component_stringifier_sql.h"
 
@@ -55,7 +55,7 @@ protected:
         const Component::SQL::SQLSelectStmtComponent* statement, const ELEMSQLLimitExpr* element,
         int level, TopLevelQueryComponentElementEnum which) override;
     /// Oracle reads no AS before the alias of a source.
-    std::string sourceAliasSeparator() const override;
+    std::string_view sourceAliasSeparator() const override;
 };
 
 /// LIMIT and OFFSET; OFFSET needs a LIMIT before it.
@@ -90,7 +90,7 @@ public:
         : QBQueryComponentStringifier(info) {}
 
     StringifiedNode stringifyComponent(const Component::AbstractQueryComponent* component,
-                                       int level, SourceChildCallback sourceChild) override;
+                                       int level, const SourceChildCallback& sourceChild) override;
 };
 
 }  // namespace QB

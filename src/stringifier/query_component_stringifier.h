@@ -4,6 +4,8 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "model/components.h"
 #include "model/statement_text.h"
@@ -24,6 +26,9 @@ namespace QB {
 /// queryComponentAccessMutex while other threads may change the components.
 class QBQueryComponentStringifier {
 public:
+    /// Where each component of a text stands, those inside before those around them.
+    using ComponentRangeList =
+        std::vector<std::pair<const Component::AbstractQueryComponent*, QBRange>>;
     /// Gives the text of one side of the tree node that is being written: 0 and 2 are the left
     /// child (2 inside brackets), 1 is the right child. Empty where no source tree is walked.
     using SourceChildCallback = std::function<StringifiedNode(int side, int level)>;
@@ -33,9 +38,10 @@ public:
     static std::unique_ptr<QBQueryComponentStringifier> createStringifier(QBDatabaseInfo info);
 
     /// One level of @p component: its own text, with what it holds deferred. For subclasses; users
-    /// call stringifyQuery.
+    /// call stringifyQuery. What it returns is written, or dropped, before the run ends.
     virtual StringifiedNode stringifyComponent(const Component::AbstractQueryComponent* component,
-                                               int level, SourceChildCallback sourceChild) = 0;
+                                               int level,
+                                               const SourceChildCallback& sourceChild) = 0;
 
     virtual ~QBQueryComponentStringifier();
     QBQueryComponentStringifier(const QBQueryComponentStringifier&) = delete;
@@ -64,8 +70,13 @@ public:
 protected:
     explicit QBQueryComponentStringifier(QBDatabaseInfo info);
 
-    /// A line feed and @p level tabs; the only source of line breaks and indentation.
-    static std::string newlineIndent(int level);
+    /// An empty node of this run.
+    StringifiedNode newNode() { return StringifiedNode(m_pieces); }
+
+    /// The text of @p root and of all that it defers; appends the range of every node that has a
+    /// component to @p ranges, when the last of its text is written. Linear, any depth.
+    /// Errors: what an operation or quoted throws passes through.
+    std::string flatten(StringifiedNode root, ComponentRangeList& ranges);
 
     /// @p name as the host, or the function that was set, quotes it for the server.
     std::string quoted(const std::string& name) const;
@@ -80,11 +91,14 @@ protected:
     const std::string& currentSchema() const { return m_currentSchema; }
 
 private:
+    class Flattening;
+
     std::map<std::string, QBVariant> m_parameters;
     QBDatabaseInfo m_databaseInfo;
     std::string m_currentSchema;
     QuoteName m_quoteName;        // empty: the host's
     ComponentRangeList m_ranges;  // of the last run, in the order in which they ended
+    StringifiedPieces m_pieces;   // of this run
 };
 
 /// Parameter of type int: how a value list that is not the operand of a comparison is written.

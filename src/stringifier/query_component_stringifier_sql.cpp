@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "model/kind_of.h"
 #include "model/tree_walks.h"
 #include "platform/sqlet/words.h"
 
@@ -14,15 +15,15 @@ using namespace Component::SQL;
 namespace {
 
 /// @p keyword if the element is one of those that write it.
-std::string keywordOf(bool isExpectedElement, const char* keyword) {
+std::string_view keywordOf(bool isExpectedElement, std::string_view keyword) {
     if (isExpectedElement) return keyword;
     std::perror("Inconsistent Top Level Element");
     return {};
 }
 
-std::string directionText(const SQLAbstractColumnComponent* column) {
+std::string_view directionText(const SQLAbstractColumnComponent* column) {
     using ExtraData = SQLAbstractColumnComponent::ExtraDataOrderDirection;
-    const auto* extra = column ? dynamic_cast<const ExtraData*>(column->extraData) : nullptr;
+    const auto* extra = column ? ifKind<ExtraData>(column->extraData) : nullptr;
     if (!extra) return {};
     if (extra->direction == OrderDirectionAscending) return " ASC";
     if (extra->direction == OrderDirectionDescending) return " DESC";
@@ -33,28 +34,46 @@ bool isNaturalWithoutCondition(SQLJoinType type) {
     return type == SQLJoinTypeLeft || type == SQLJoinTypeRight || type == SQLJoinTypeFullOuter;
 }
 
-std::string joinKeyword(const SQLJoinSourceNodeComponent* join) {
+void appendJoinKeyword(StringifiedNode& node, const SQLJoinSourceNodeComponent* join) {
     const bool isListed =
         join->joinType >= SQLJoinTypeComma && join->joinType <= SQLJoinTypeFullOuter;
-    if (!isListed) return join->joinText;
-    const bool isNatural = isNaturalWithoutCondition(join->joinType) && !join->hasCondition();
-    return (isNatural ? "NATURAL " : "") + joinTypeText(join->joinType);
+    if (!isListed) return node.append(join->joinText);
+    if (isNaturalWithoutCondition(join->joinType) && !join->hasCondition()) node.append("NATURAL ");
+    node.appendCopy(joinTypeText(join->joinType));
 }
 
 /// The column list of USING, which is kept as one free text.
-std::string usingColumns(const SQLAbstractConditionComponent* condition) {
-    const auto* value = dynamic_cast<const SQLConditionValueComponent*>(condition);
+std::string_view usingColumns(const SQLAbstractConditionComponent* condition) {
+    const auto* value = ifKind<SQLConditionValueComponent>(condition);
     if (!value) return {};
-    const auto* columns = dynamic_cast<const SQLAnyExpressionColumnComponent*>(value->firstValue());
-    return columns ? columns->expression : std::string();
+    const auto* columns = ifKind<SQLAnyExpressionColumnComponent>(value->firstValue());
+    return columns ? std::string_view(columns->expression) : std::string_view();
 }
 
-/// @p node as the text of @p component. Null and unknown classes never get here: they have no
-/// range.
-StringifiedNode marked(StringifiedNode node, const AbstractQueryComponent* component) {
-    node.component = component;
-    return node;
+// The two ways of knowing a component's class.
+struct Exactly {
+    template <typename Kind>
+    static const Kind* test(const AbstractQueryComponent* component) {
+        return ifExactly<Kind>(component);
+    }
+};
+struct Derived {
+    template <typename Kind>
+    static const Kind* test(const AbstractQueryComponent* component) {
+        return dynamic_cast<const Kind*>(component);
+    }
+};
+
+/// The qualifiers of @p path from @p first on.
+void appendPath(StringifiedNode& node, const std::vector<std::string>& path, std::size_t first) {
+    for (std::size_t i = first; i < path.size(); ++i) {
+        node.appendName(path[i]);
+        node.append(".");
+    }
 }
+
+/// For all that stands in no source tree; made once, since it goes into every call.
+const QBQueryComponentStringifier::SourceChildCallback noSourceChild;
 
 StringifiedNode sourceSide(const QBQueryComponentStringifier::SourceChildCallback& sourceChild,
                            int side, int level) {
@@ -72,7 +91,7 @@ void QBQueryComponentStringifier_SQL::resetRun() {
     m_multipleSchemaStack.clear();
 }
 
-std::string QBQueryComponentStringifier_SQL::sourceAliasSeparator() const {
+std::string_view QBQueryComponentStringifier_SQL::sourceAliasSeparator() const {
     return " AS ";
 }
 
@@ -82,175 +101,206 @@ bool QBQueryComponentStringifier_SQL::keepsTableSchema() const {
 
 // ---- dispatch -------------------------------------------------------------------------------
 
+template <typename Test>
+bool QBQueryComponentStringifier_SQL::dispatch(const AbstractQueryComponent* component, int level,
+                                               const SourceChildCallback& sourceChild,
+                                               StringifiedNode& node) {
+    const auto mark = [&](StringifiedNode text) {
+        node = std::move(text);
+        node.component = component;
+        return true;
+    };
+    // Those that come by the thousand first.
+    if (const auto* c = Test::template test<SQLConditionValueComponent>(component))
+        return mark(stringifyComponent_SQLConditionValueComponent(c, level, -1));
+    if (const auto* c = Test::template test<SQLAnyExpressionColumnComponent>(component))
+        return mark(stringifyComponent_SQLAnyExpressionColumnComponent(c, level));
+    if (const auto* c = Test::template test<SQLFieldColumnComponent>(component))
+        return mark(stringifyComponent_SQLFieldColumnComponent(c, level));
+    if (const auto* c = Test::template test<SQLCompareConditionComponent>(component))
+        return mark(stringifyComponent_SQLCompareConditionComponent(c, level));
+    if (const auto* c = Test::template test<SQLBracketedConditionComponent>(component))
+        return mark(stringifyComponent_SQLBracketedConditionComponent(c, level));
+    if (const auto* c = Test::template test<SQLIdentifierSourceComponent>(component))
+        return mark(stringifyComponent_SQLIdentifierSourceComponent(c, level));
+    if (const auto* c = Test::template test<SQLJoinSourceNodeComponent>(component))
+        return mark(stringifyComponent_SQLJoinSourceNodeComponent(c, level, sourceChild));
+    if (const auto* c = Test::template test<SQLSubquerySourceComponent>(component))
+        return mark(stringifyComponent_SQLSubquerySourceComponent(c, level));
+    if (const auto* c = Test::template test<SQLBracketedSourceNodeComponent>(component))
+        return mark(stringifyComponent_SQLBracketedSourceNodeComponent(c, level, sourceChild));
+    if (const auto* c = Test::template test<SQLAnyExpressionSourceComponent>(component))
+        return mark(stringifyComponent_SQLAnyExpressionSourceComponent(c, level));
+    if (const auto* c = Test::template test<SQLSelectStmtComponent>(component))
+        return mark(stringifyComponent_SQLSelectStmtComponent(c, level));
+    return false;
+}
+
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent(
-    const AbstractQueryComponent* component, int level, SourceChildCallback sourceChild) {
-    // By base class first: a failed cast is dear, and conditions and columns come by the thousand.
-    if (const auto* c = dynamic_cast<const SQLAbstractConditionComponent*>(component))
-        return stringifyAnyCondition(c, level);
-    if (const auto* c = dynamic_cast<const SQLAbstractColumnComponent*>(component))
-        return stringifyAnyColumn(c, level);
-    if (const auto* c = dynamic_cast<const SQLAbstractSourceComponent*>(component))
-        return stringifyAnySource(c, level, std::move(sourceChild));
-    if (const auto* c = dynamic_cast<const SQLSelectStmtComponent*>(component))
-        return marked(stringifyComponent_SQLSelectStmtComponent(c, level), c);
-    return {};
+    const AbstractQueryComponent* component, int level, const SourceChildCallback& sourceChild) {
+    StringifiedNode node;
+    if (!component) return node;
+    if (!dispatch<Exactly>(component, level, sourceChild, node))
+        dispatch<Derived>(component, level, sourceChild, node);
+    return node;
 }
 
-StringifiedNode QBQueryComponentStringifier_SQL::stringifyAnyCondition(
-    const SQLAbstractConditionComponent* condition, int level) {
-    if (const auto* c = dynamic_cast<const SQLConditionValueComponent*>(condition))
-        return marked(stringifyComponent_SQLConditionValueComponent(c, level, -1), c);
-    if (const auto* c = dynamic_cast<const SQLCompareConditionComponent*>(condition))
-        return marked(stringifyComponent_SQLCompareConditionComponent(c, level), c);
-    if (const auto* c = dynamic_cast<const SQLBracketedConditionComponent*>(condition))
-        return marked(stringifyComponent_SQLBracketedConditionComponent(c, level), c);
-    return {};
+QBQueryComponentStringifier_SQL& QBQueryComponentStringifier_SQL::sql(
+    QBQueryComponentStringifier& stringifier) {
+    return static_cast<QBQueryComponentStringifier_SQL&>(stringifier);
 }
 
-StringifiedNode QBQueryComponentStringifier_SQL::stringifyAnyColumn(
-    const SQLAbstractColumnComponent* column, int level) {
-    if (const auto* c = dynamic_cast<const SQLFieldColumnComponent*>(column))
-        return marked(stringifyComponent_SQLFieldColumnComponent(c, level), c);
-    if (const auto* c = dynamic_cast<const SQLAnyExpressionColumnComponent*>(column))
-        return marked(stringifyComponent_SQLAnyExpressionColumnComponent(c, level), c);
-    return {};
-}
-
-StringifiedNode QBQueryComponentStringifier_SQL::stringifyAnySource(
-    const SQLAbstractSourceComponent* source, int level, SourceChildCallback side) {
-    if (const auto* c = dynamic_cast<const SQLIdentifierSourceComponent*>(source))
-        return marked(stringifyComponent_SQLIdentifierSourceComponent(c, level), c);
-    if (const auto* c = dynamic_cast<const SQLJoinSourceNodeComponent*>(source))
-        return marked(stringifyComponent_SQLJoinSourceNodeComponent(c, level, std::move(side)), c);
-    if (const auto* c = dynamic_cast<const SQLSubquerySourceComponent*>(source))
-        return marked(stringifyComponent_SQLSubquerySourceComponent(c, level), c);
-    if (const auto* c = dynamic_cast<const SQLBracketedSourceNodeComponent*>(source))
-        return marked(stringifyComponent_SQLBracketedSourceNodeComponent(c, level, std::move(side)),
-                      c);
-    if (const auto* c = dynamic_cast<const SQLAnyExpressionSourceComponent*>(source))
-        return marked(stringifyComponent_SQLAnyExpressionSourceComponent(c, level), c);
-    return {};
-}
-
-StringifiedNode QBQueryComponentStringifier_SQL::deferComponent(
-    const AbstractQueryComponent* component, int level) {
-    if (!component) return {};
-    return StringifiedNode::deferred(
-        [this, component, level] { return stringifyComponent(component, level, {}); });
+void QBQueryComponentStringifier_SQL::appendDeferred(StringifiedNode& node,
+                                                     const AbstractQueryComponent* component,
+                                                     int level) {
+    if (!component) return;
+    const auto operation = [](QBQueryComponentStringifier& self, const void* object, int l) {
+        return self.stringifyComponent(static_cast<const AbstractQueryComponent*>(object), l,
+                                       noSourceChild);
+    };
+    node.appendDeferred(operation, component, level);
 }
 
 // ---- statement and clauses ------------------------------------------------------------------
 
+template <auto clauseOperation, auto element, TopLevelQueryComponentElementEnum which>
+StringifiedNode QBQueryComponentStringifier_SQL::clauseOf(QBQueryComponentStringifier& stringifier,
+                                                          const void* statement, int level) {
+    const auto* s = static_cast<const SQLSelectStmtComponent*>(statement);
+    return (sql(stringifier).*clauseOperation)(s->*element, level, which);
+}
+
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLSelectStmtComponent(
     const SQLSelectStmtComponent* s, int level) {
+    using Self = QBQueryComponentStringifier_SQL;
+    using Statement = SQLSelectStmtComponent;
     // The first and the last child write nothing: they open and close the statement's entry on the
     // schema stack when the text arrives there.
-    StringifiedNode node;
-    node.appendDeferred([this, s] {
-        m_multipleSchemaStack.push_back(Tools::checkMultipleSchemaInvolved(s->sourceExpr));
+    const auto open = [](QBQueryComponentStringifier& self, const void* object, int) {
+        const auto* sources = static_cast<const Statement*>(object)->sourceExpr;
+        sql(self).m_multipleSchemaStack.push_back(Tools::checkMultipleSchemaInvolved(sources));
         return StringifiedNode();
-    });
-    const auto clause = [&](auto operation, const auto* element,
-                            TopLevelQueryComponentElementEnum which) {
-        node.appendDeferred([=] { return (this->*operation)(element, level, which); });
     };
-    using Self = QBQueryComponentStringifier_SQL;
-    clause(&Self::stringifyExpr_ELEMSQLSelectColumnExpr, s->selectColumnExpr, ElementSelectColumn);
-    clause(&Self::stringifyExpr_ELEMSQLSourceExpr, s->sourceExpr, ElementSource);
-    clause(&Self::stringifyExpr_ELEMSQLConditionExpr, s->whereExpr, ElementWhere);
-    clause(&Self::stringifyExpr_ELEMSQLColumnExpr, s->groupByExpr, ElementGroupBy);
-    clause(&Self::stringifyExpr_ELEMSQLConditionExpr, s->havingExpr, ElementHaving);
-    clause(&Self::stringifyExpr_ELEMSQLColumnExpr, s->orderByExpr, ElementOrderBy);
-    node.appendDeferred(
-        [=] { return stringifyExpr_ELEMSQLLimitExpr(s, s->limitExpr, level, ElementLimit); });
-    node.appendDeferred([this] {
-        m_multipleSchemaStack.pop_back();
+    const auto limit = [](QBQueryComponentStringifier& self, const void* object, int l) {
+        const auto* statement = static_cast<const Statement*>(object);
+        return sql(self).stringifyExpr_ELEMSQLLimitExpr(statement, statement->limitExpr, l,
+                                                        ElementLimit);
+    };
+    const auto close = [](QBQueryComponentStringifier& self, const void*, int) {
+        sql(self).m_multipleSchemaStack.pop_back();
         return StringifiedNode();
-    });
+    };
+    constexpr auto columnClause = &Self::stringifyExpr_ELEMSQLColumnExpr;
+    constexpr auto conditionClause = &Self::stringifyExpr_ELEMSQLConditionExpr;
+    const StringifiedPiece::Operation operations[] = {
+        open,
+        clauseOf<&Self::stringifyExpr_ELEMSQLSelectColumnExpr, &Statement::selectColumnExpr,
+                 ElementSelectColumn>,
+        clauseOf<&Self::stringifyExpr_ELEMSQLSourceExpr, &Statement::sourceExpr, ElementSource>,
+        clauseOf<conditionClause, &Statement::whereExpr, ElementWhere>,
+        clauseOf<columnClause, &Statement::groupByExpr, ElementGroupBy>,
+        clauseOf<conditionClause, &Statement::havingExpr, ElementHaving>,
+        clauseOf<columnClause, &Statement::orderByExpr, ElementOrderBy>,
+        limit,
+        close,
+    };
+    StringifiedNode node = newNode();
+    for (const StringifiedPiece::Operation operation : operations)
+        node.appendDeferred(operation, s, level);
     return node;
 }
 
-StringifiedNode QBQueryComponentStringifier_SQL::columnList(
-    const std::vector<SQLAbstractColumnComponent*>& columns, int level, bool withDirection) {
-    StringifiedNode list;
-    list.children.reserve(columns.size() * (withDirection ? 3 : 2));
+void QBQueryComponentStringifier_SQL::appendColumnList(
+    StringifiedNode& node, const std::vector<SQLAbstractColumnComponent*>& columns, int level,
+    bool withDirection) {
+    bool isFirst = true;
     for (const SQLAbstractColumnComponent* column : columns) {
-        if (!list.isEmpty()) list.append(", " + newlineIndent(level));
-        list.append(deferComponent(column, level));
-        if (withDirection) list.append(directionText(column));
+        node.appendLine(isFirst ? "" : ", ", level);
+        isFirst = false;
+        appendDeferred(node, column, level);
+        if (withDirection && column && column->extraData) node.append(directionText(column));
     }
-    return list;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyExpr_ELEMSQLSelectColumnExpr(
     const ELEMSQLSelectColumnExpr* element, int level, TopLevelQueryComponentElementEnum which) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     if (element->columns.empty()) {
-        node.setText("SELECT" + newlineIndent(level + 1) + "*");
+        node.appendLine("SELECT", level + 1);
+        node.append("*");
         return node;
     }
     node.setText(keywordOf(which == ElementSelectColumn, "SELECT"));
-    if (!element->selectOption.empty()) node.append(" " + element->selectOption);
-    node.append(newlineIndent(level + 1));
-    node.append(columnList(element->columns, level + 1, false));
+    if (!element->selectOption.empty()) {
+        node.append(" ");
+        node.append(element->selectOption);
+    }
+    appendColumnList(node, element->columns, level + 1, false);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyExpr_ELEMSQLColumnExpr(
     const ELEMSQLColumnExpr* element, int level, TopLevelQueryComponentElementEnum which) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     if (element->columns.empty()) return node;
     const bool isGroupBy = which == ElementGroupBy;
-    node.append(newlineIndent(level));
+    node.appendLine({}, level);
     node.append(
         keywordOf(isGroupBy || which == ElementOrderBy, isGroupBy ? "GROUP BY" : "ORDER BY"));
-    node.append(newlineIndent(level + 1));
-    node.append(columnList(element->columns, level + 1, true));
+    appendColumnList(node, element->columns, level + 1, true);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyExpr_ELEMSQLSourceExpr(
     const ELEMSQLSourceExpr* element, int level, TopLevelQueryComponentElementEnum which) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     if (!element->root || !element->root->value) return node;
-    node.append(newlineIndent(level));
-    node.append(keywordOf(which == ElementSource, "FROM"));
-    node.append(newlineIndent(level + 1));
+    node.appendLine({}, level);
+    node.appendLine(keywordOf(which == ElementSource, "FROM"), level + 1);
     node.append(walkSources(element->root, level + 1));
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyExpr_ELEMSQLConditionExpr(
     const ELEMSQLConditionExpr* element, int level, TopLevelQueryComponentElementEnum which) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     if (!element->root) return node;
     const bool isWhere = which == ElementWhere;
-    node.append(newlineIndent(level));
+    node.appendLine({}, level);
     node.append(keywordOf(isWhere || which == ElementHaving, isWhere ? "WHERE" : "HAVING"));
     StringifiedNode condition = stringifyComponent(element->root, level + 1, {});
     if (condition.isEmpty()) return node;
-    node.append(newlineIndent(level + 1));
+    node.appendLine({}, level + 1);
     node.append(std::move(condition));
     return node;
 }
 
 // ---- sources --------------------------------------------------------------------------------
 
+StringifiedNode QBQueryComponentStringifier_SQL::deferredSources(const SourceNode* tree,
+                                                                 int level) {
+    const auto operation = [](QBQueryComponentStringifier& self, const void* object, int l) {
+        return sql(self).walkSources(static_cast<const SourceNode*>(object), l);
+    };
+    StringifiedNode node = newNode();
+    if (tree) node.appendDeferred(operation, tree, level);
+    return node;
+}
+
 StringifiedNode QBQueryComponentStringifier_SQL::walkSources(const SourceNode* node, int level) {
-    if (!node) return {};
     const auto sourceChild = [this, node](int side, int childLevel) -> StringifiedNode {
         const bool isLeft = side == 0 || side == 2;
         if (!isLeft && side != 1) return {};
-        const SourceNode* child = isLeft ? node->left : node->right;
-        return StringifiedNode::deferred(
-            [this, child, childLevel] { return walkSources(child, childLevel); });
+        return deferredSources(isLeft ? node->left : node->right, childLevel);
     };
     return stringifyComponent(node->value, level, sourceChild);
 }
 
 void QBQueryComponentStringifier_SQL::appendSourceAlias(StringifiedNode& node,
                                                         const std::string& alias) const {
-    if (!alias.empty()) node.append(sourceAliasSeparator() + quoted(alias));
+    if (alias.empty()) return;
+    node.append(sourceAliasSeparator());
+    node.appendName(alias);
 }
 
 bool QBQueryComponentStringifier_SQL::mayDropSchema(const std::string& schema) const {
@@ -260,21 +310,18 @@ bool QBQueryComponentStringifier_SQL::mayDropSchema(const std::string& schema) c
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLIdentifierSourceComponent(
     const SQLIdentifierSourceComponent* source, int) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     const bool isBare =
         !keepsTableSchema() && source->path.size() == 1 && mayDropSchema(source->path.front());
-    if (!isBare) {
-        for (const std::string& qualifier : source->path)
-            node.append(quoted(qualifier) + ".");
-    }
-    node.append(quoted(source->name));
+    if (!isBare) appendPath(node, source->path, 0);
+    node.appendName(source->name);
     appendSourceAlias(node, source->alias);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLAnyExpressionSourceComponent(
     const SQLAnyExpressionSourceComponent* source, int) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     node.append(source->expression);
     appendSourceAlias(node, source->alias);
     return node;
@@ -282,46 +329,68 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLAnyExpres
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLSubquerySourceComponent(
     const SQLSubquerySourceComponent* source, int level) {
-    StringifiedNode node("(" + newlineIndent(level + 1));
-    node.append(deferComponent(source->subquery, level + 1));
-    node.append(newlineIndent(level) + ")");
+    StringifiedNode node = newNode();
+    node.appendLine("(", level + 1);
+    appendDeferred(node, source->subquery, level + 1);
+    node.appendLine({}, level);
+    node.append(")");
     appendSourceAlias(node, source->alias);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLBracketedSourceNodeComponent(
-    const SQLBracketedSourceNodeComponent* source, int level, SourceChildCallback sourceChild) {
-    StringifiedNode node("(" + newlineIndent(level + 1));
+    const SQLBracketedSourceNodeComponent* source, int level,
+    const SourceChildCallback& sourceChild) {
+    StringifiedNode node = newNode();
+    node.appendLine("(", level + 1);
     node.append(sourceSide(sourceChild, 2, level + 1));
-    node.append(newlineIndent(level) + ")");
+    node.appendLine({}, level);
+    node.append(")");
     appendSourceAlias(node, source->alias);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLJoinSourceNodeComponent(
-    const SQLJoinSourceNodeComponent* join, int level, SourceChildCallback sourceChild) {
-    // The rest waits as one deferred node while the left side, which may be long, is written.
-    StringifiedNode node;
+    const SQLJoinSourceNodeComponent* join, int level, const SourceChildCallback& sourceChild) {
+    // The rest waits as three pieces while the left side, which may be long, is written.
+    using Self = QBQueryComponentStringifier_SQL;
+    StringifiedNode node = newNode();
     node.append(sourceSide(sourceChild, 0, level));
-    node.appendDeferred([this, join, level, sourceChild] {
-        return stringifyJoinRest(join, level, sourceSide(sourceChild, 1, level));
-    });
+    node.appendDeferred(joinPart<&Self::joinOperator>, join, level);
+    node.append(sourceSide(sourceChild, 1, level));
+    if (join->needsCondition() && join->hasCondition())
+        node.appendDeferred(joinPart<&Self::joinCondition>, join, level);
     return node;
 }
 
-StringifiedNode QBQueryComponentStringifier_SQL::stringifyJoinRest(
-    const SQLJoinSourceNodeComponent* join, int level, StringifiedNode rightSide) {
-    const std::string newline = newlineIndent(level);
-    const bool isComma = join->joinType == SQLJoinTypeComma;
-    StringifiedNode node((isComma ? "" : newline) + joinKeyword(join) + newline);
-    node.append(std::move(rightSide));
-    if (!join->needsCondition() || !join->hasCondition()) return node;
+template <auto operation>
+StringifiedNode QBQueryComponentStringifier_SQL::joinPart(QBQueryComponentStringifier& stringifier,
+                                                          const void* join, int level) {
+    return (sql(stringifier).*operation)(static_cast<const SQLJoinSourceNodeComponent*>(join),
+                                         level);
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::joinOperator(
+    const SQLJoinSourceNodeComponent* join, int level) {
+    StringifiedNode node = newNode();
+    if (join->joinType != SQLJoinTypeComma) node.appendLine({}, level);
+    appendJoinKeyword(node, join);
+    node.appendLine({}, level);
+    return node;
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::joinCondition(
+    const SQLJoinSourceNodeComponent* join, int level) {
+    StringifiedNode node = newNode();
+    node.appendLine({}, level);
     if (join->isUsing) {
-        node.append(newline + "USING (" + usingColumns(join->condition) + ")");
+        node.append("USING (");
+        node.append(usingColumns(join->condition));
+        node.append(")");
         return node;
     }
-    node.append(newline + "ON " + newlineIndent(level + 1));
-    node.append(deferComponent(join->condition, level + 1));
+    node.appendLine("ON ", level + 1);
+    appendDeferred(node, join->condition, level + 1);
     return node;
 }
 
@@ -329,50 +398,60 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyJoinRest(
 
 void QBQueryComponentStringifier_SQL::appendColumnAlias(StringifiedNode& node,
                                                         const std::string& alias) const {
-    if (!alias.empty()) node.append(" AS " + quoted(alias));
+    if (alias.empty()) return;
+    node.append(" AS ");
+    node.appendName(alias);
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLAnyExpressionColumnComponent(
     const SQLAnyExpressionColumnComponent* column, int) {
-    StringifiedNode node(column->expression);
+    StringifiedNode node = newNode();
+    node.setText(column->expression);
     appendColumnAlias(node, column->alias);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLFieldColumnComponent(
     const SQLFieldColumnComponent* column, int) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     const bool isAggregate = !column->aggregateFunction.empty();
-    if (isAggregate) node.append(quoted(column->aggregateFunction) + "(");
-    node.append(fieldText(column));
+    if (isAggregate) {
+        node.appendName(column->aggregateFunction);
+        node.append("(");
+    }
+    appendField(node, column);
     if (isAggregate) node.append(")");
     // A plain wildcard stands for several columns and bears no alias; COUNT(*) is one column.
     if (isAggregate || !column->isAsterisk) appendColumnAlias(node, column->alias);
     return node;
 }
 
-std::string QBQueryComponentStringifier_SQL::fieldText(
-    const SQLFieldColumnComponent* column) const {
-    if (column->referencedColumn) return aliasReference(column->referencedColumn->alias);
-    return qualifiersOf(column) + (column->isAsterisk ? "*" : quoted(column->fieldName));
+void QBQueryComponentStringifier_SQL::appendField(StringifiedNode& node,
+                                                  const SQLFieldColumnComponent* column) const {
+    if (column->referencedColumn)
+        return appendAliasReference(node, column->referencedColumn->alias);
+    appendQualifiers(node, column);
+    if (column->isAsterisk) return node.append("*");
+    node.appendName(column->fieldName);
 }
 
-std::string QBQueryComponentStringifier_SQL::qualifiersOf(
-    const SQLFieldColumnComponent* column) const {
-    if (column->source && !column->source->alias.empty())
-        return aliasReference(column->source->alias) + ".";
+void QBQueryComponentStringifier_SQL::appendQualifiers(
+    StringifiedNode& node, const SQLFieldColumnComponent* column) const {
+    if (column->source && !column->source->alias.empty()) {
+        appendAliasReference(node, column->source->alias);
+        return node.append(".");
+    }
     const std::vector<std::string>& path = column->parentPath;
     const bool isSchemaDropped = path.size() >= 2 && mayDropSchema(path.front());
-    std::string text;
-    for (std::size_t i = isSchemaDropped ? 1 : 0; i < path.size(); ++i)
-        text += quoted(path[i]) + ".";
-    return text;
+    appendPath(node, path, isSchemaDropped ? 1 : 0);
 }
 
-std::string QBQueryComponentStringifier_SQL::aliasReference(const std::string& alias) const {
+void QBQueryComponentStringifier_SQL::appendAliasReference(StringifiedNode& node,
+                                                           const std::string& alias) const {
     const bool isReadAsName = sqlet_reads_as_name(databaseInfo().databaseType, alias.data(),
                                                   static_cast<int>(alias.size()));
-    return isReadAsName || alias.empty() ? alias : quoted(alias);
+    if (isReadAsName || alias.empty()) return node.append(alias);
+    node.appendName(alias);
 }
 
 }  // namespace QB

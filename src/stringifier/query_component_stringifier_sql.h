@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "model/components.h"
@@ -18,7 +19,7 @@ namespace QB {
 class QBQueryComponentStringifier_SQL : public QBQueryComponentStringifier {
 public:
     StringifiedNode stringifyComponent(const Component::AbstractQueryComponent* component,
-                                       int level, SourceChildCallback sourceChild) override;
+                                       int level, const SourceChildCallback& sourceChild) override;
     ~QBQueryComponentStringifier_SQL() override;
 
 protected:
@@ -50,12 +51,12 @@ protected:
         const Component::SQL::SQLIdentifierSourceComponent* source, int level);
     virtual StringifiedNode stringifyComponent_SQLJoinSourceNodeComponent(
         const Component::SQL::SQLJoinSourceNodeComponent* join, int level,
-        SourceChildCallback sourceChild);
+        const SourceChildCallback& sourceChild);
     virtual StringifiedNode stringifyComponent_SQLSubquerySourceComponent(
         const Component::SQL::SQLSubquerySourceComponent* source, int level);
     virtual StringifiedNode stringifyComponent_SQLBracketedSourceNodeComponent(
         const Component::SQL::SQLBracketedSourceNodeComponent* source, int level,
-        SourceChildCallback sourceChild);
+        const SourceChildCallback& sourceChild);
     virtual StringifiedNode stringifyComponent_SQLAnyExpressionSourceComponent(
         const Component::SQL::SQLAnyExpressionSourceComponent* source, int level);
 
@@ -73,28 +74,37 @@ protected:
     // Questions to the dialect.
 
     /// What stands between a source and its alias.
-    virtual std::string sourceAliasSeparator() const;
+    virtual std::string_view sourceAliasSeparator() const;
     /// True if a table's only qualifier is written even where it is the current schema.
     virtual bool keepsTableSchema() const;
 
     void resetRun() override;
 
 private:
-    // The dispatch: every result is marked with its component.
-    StringifiedNode stringifyAnyCondition(
-        const Component::SQL::SQLAbstractConditionComponent* condition, int level);
-    StringifiedNode stringifyAnyColumn(const Component::SQL::SQLAbstractColumnComponent* column,
-                                       int level);
-    StringifiedNode stringifyAnySource(const Component::SQL::SQLAbstractSourceComponent* source,
-                                       int level, SourceChildCallback side);
-    /// The operator, the right side and what follows it.
-    StringifiedNode stringifyJoinRest(const Component::SQL::SQLJoinSourceNodeComponent* join,
-                                      int level, StringifiedNode rightSide);
-    StringifiedNode deferComponent(const Component::AbstractQueryComponent* component, int level);
+    /// Writes @p component into @p node, marked as its text, if a class that Test knows it by has
+    /// a text; else false.
+    template <typename Test>
+    bool dispatch(const Component::AbstractQueryComponent* component, int level,
+                  const SourceChildCallback& sourceChild, StringifiedNode& node);
+    template <auto clauseOperation, auto element, TopLevelQueryComponentElementEnum which>
+    static StringifiedNode clauseOf(QBQueryComponentStringifier& stringifier, const void* statement,
+                                    int level);
+    static QBQueryComponentStringifier_SQL& sql(QBQueryComponentStringifier& stringifier);
+
+    static void appendDeferred(StringifiedNode& node,
+                               const Component::AbstractQueryComponent* component, int level);
+    StringifiedNode deferredSources(const Component::SQL::SourceNode* node, int level);
     StringifiedNode walkSources(const Component::SQL::SourceNode* node, int level);
-    StringifiedNode columnList(
-        const std::vector<Component::SQL::SQLAbstractColumnComponent*>& columns, int level,
-        bool withDirection);
+    template <auto operation>
+    static StringifiedNode joinPart(QBQueryComponentStringifier& stringifier, const void* join,
+                                    int level);
+    /// What stands between the sides; then what follows the right one.
+    StringifiedNode joinOperator(const Component::SQL::SQLJoinSourceNodeComponent* join, int level);
+    StringifiedNode joinCondition(const Component::SQL::SQLJoinSourceNodeComponent* join,
+                                  int level);
+    void appendColumnList(StringifiedNode& node,
+                          const std::vector<Component::SQL::SQLAbstractColumnComponent*>& columns,
+                          int level, bool withDirection);
     void appendColumnAlias(StringifiedNode& node, const std::string& alias) const;
     void appendSourceAlias(StringifiedNode& node, const std::string& alias) const;
     StringifiedNode betweenChain(const Component::SQL::SQLConditionValueComponent* value,
@@ -103,11 +113,15 @@ private:
                                int level);
     StringifiedNode rightOperand(const Component::SQL::SQLAbstractConditionComponent* operand,
                                  int level, int listMode);
+    /// What stands before every condition.
+    StringifiedNode startOf(const Component::SQL::SQLAbstractConditionComponent* condition);
 
-    std::string fieldText(const Component::SQL::SQLFieldColumnComponent* column) const;
-    std::string qualifiersOf(const Component::SQL::SQLFieldColumnComponent* column) const;
+    void appendField(StringifiedNode& node,
+                     const Component::SQL::SQLFieldColumnComponent* column) const;
+    void appendQualifiers(StringifiedNode& node,
+                          const Component::SQL::SQLFieldColumnComponent* column) const;
     /// @p alias where it refers to what bears it: bare if the server reads the bare word so.
-    std::string aliasReference(const std::string& alias) const;
+    void appendAliasReference(StringifiedNode& node, const std::string& alias) const;
     bool mayDropSchema(const std::string& schema) const;
     int listModeParameter() const;
 

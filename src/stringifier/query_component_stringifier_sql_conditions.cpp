@@ -1,8 +1,9 @@
 // Conditions: the chains of WHERE, HAVING and ON, and their operands.
 
 #include <algorithm>
-#include <utility>
+#include <iterator>
 
+#include "model/kind_of.h"
 #include "stringifier/query_component_stringifier_sql.h"
 
 namespace QB {
@@ -20,9 +21,9 @@ constexpr int listModeRange = 2;
 
 /// What a comparison writes around its right operand.
 struct OperatorText {
-    const char* before;
+    std::string_view before;
     bool hasRight;
-    const char* after;
+    std::string_view after;
     int listMode;
 };
 
@@ -59,20 +60,14 @@ const OperatorText* operatorText(CompareOp op) {
     return &operatorTexts[op - CompareOpNone];
 }
 
-/// What stands before every condition.
-StringifiedNode startOf(const SQLAbstractConditionComponent* condition) {
-    StringifiedNode node(condition->negated ? "NOT " : "");
-    node.children.reserve(5);  // what a comparison needs, the longest of them
-    return node;
+/// What ends the line of a condition before the next one.
+std::string_view logicText(SQLLogicGate gate) {
+    if (gate == SQLLogicGateOr) return " OR";
+    if (gate == SQLLogicGateAnd) return " AND";
+    return " ";
 }
 
-std::string logicText(SQLLogicGate gate) {
-    if (gate == SQLLogicGateOr) return "OR";
-    if (gate == SQLLogicGateAnd) return "AND";
-    return {};
-}
-
-std::string separatorOf(int listMode) {
+std::string_view separatorOf(int listMode) {
     if (listMode == listModeComma) return ",";
     if (listMode == listModeRange) return " AND ";
     return {};
@@ -96,21 +91,29 @@ bool isRangeChain(const SQLConditionValueComponent* value, int listMode) {
 
 }  // namespace
 
+StringifiedNode QBQueryComponentStringifier_SQL::startOf(
+    const SQLAbstractConditionComponent* condition) {
+    StringifiedNode node = newNode();
+    if (condition->negated) node.setText("NOT ");
+    return node;
+}
+
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyNextCondition(
     const SQLAbstractConditionComponent* condition, int level) {
-    StringifiedNode node;
+    StringifiedNode node = newNode();
     if (!condition->next) return node;
-    node.setText(" " + logicText(condition->next->logicGate) + newlineIndent(level));
-    node.append(deferComponent(condition->next, level));
+    node.appendLine(logicText(condition->next->logicGate), level);
+    appendDeferred(node, condition->next, level);
     return node;
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLBracketedConditionComponent(
     const SQLBracketedConditionComponent* condition, int level) {
     StringifiedNode node = startOf(condition);
-    node.append("(" + newlineIndent(level + 1));
-    node.append(deferComponent(condition->inner, level + 1));
-    node.append(newlineIndent(level) + ")");
+    node.appendLine("(", level + 1);
+    appendDeferred(node, condition->inner, level + 1);
+    node.appendLine({}, level);
+    node.append(")");
     node.append(stringifyNextCondition(condition, level));
     return node;
 }
@@ -119,10 +122,10 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLCompareCo
     const SQLCompareConditionComponent* condition, int level) {
     StringifiedNode node = startOf(condition);
     if (const OperatorText* op = operatorText(condition->compareOp)) {
-        node.append(deferComponent(condition->leftValue, level));
+        appendDeferred(node, condition->leftValue, level);
         node.append(op->before);
         if (op->hasRight) node.append(rightOperand(condition->rightValue, level, op->listMode));
-        node.append(op->after);
+        if (!op->after.empty()) node.append(op->after);
     }
     node.append(stringifyNextCondition(condition, level));
     return node;
@@ -131,9 +134,11 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLCompareCo
 StringifiedNode QBQueryComponentStringifier_SQL::rightOperand(
     const SQLAbstractConditionComponent* operand, int level, int listMode) {
     // A value is written by the operator's list mode, and so without a range of its own.
-    if (const auto* value = dynamic_cast<const SQLConditionValueComponent*>(operand))
+    if (const auto* value = ifKind<SQLConditionValueComponent>(operand))
         return stringifyComponent_SQLConditionValueComponent(value, level, listMode);
-    return deferComponent(operand, level);
+    StringifiedNode node = newNode();
+    appendDeferred(node, operand, level);
+    return node;
 }
 
 int QBQueryComponentStringifier_SQL::listModeParameter() const {
@@ -146,13 +151,15 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLCondition
     if (listMode == listModeFromParameter) listMode = listModeParameter();
     if (isRangeChain(value, listMode)) return betweenChain(value, level);
 
-    StringifiedNode items;
-    for (std::size_t i = 0; i < itemCount(value, listMode); ++i) {
-        if (!items.isEmpty()) items.append(separatorOf(listMode));
-        if (const auto* item = itemAt(value, i)) items.append(deferComponent(item, level));
-    }
     StringifiedNode node = startOf(value);
-    node.append(std::move(items));
+    bool isFirst = true;
+    const std::size_t count = itemCount(value, listMode);
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!isFirst) node.append(separatorOf(listMode));
+        const auto* item = itemAt(value, i);
+        isFirst = isFirst && !item;
+        appendDeferred(node, item, level);
+    }
     node.append(stringifyNextCondition(value, level));
     return node;
 }
@@ -160,7 +167,7 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLCondition
 StringifiedNode QBQueryComponentStringifier_SQL::betweenChain(
     const SQLConditionValueComponent* value, int level) {
     StringifiedNode node = startOf(value);
-    node.append(deferComponent(itemAt(value, 0), level));
+    appendDeferred(node, itemAt(value, 0), level);
     node.append(separatorOf(listModeRange));
     node.append(upperBound(value->next, level));
     return node;
@@ -169,10 +176,11 @@ StringifiedNode QBQueryComponentStringifier_SQL::betweenChain(
 /// Of a value its first item, whatever mode lists are written in.
 StringifiedNode QBQueryComponentStringifier_SQL::upperBound(
     const SQLAbstractConditionComponent* bound, int level) {
-    const auto* value = dynamic_cast<const SQLConditionValueComponent*>(bound);
-    if (!value) return deferComponent(bound, level);
-    StringifiedNode node = startOf(value);
-    node.append(deferComponent(itemAt(value, 0), level));
+    const auto* value = ifKind<SQLConditionValueComponent>(bound);
+    StringifiedNode node = value ? startOf(value) : newNode();
+    const AbstractQueryComponent* written = bound;
+    if (value) written = itemAt(value, 0);
+    appendDeferred(node, written, level);
     return node;
 }
 
