@@ -48,7 +48,10 @@ TEST_P(EachFamily, KnowsWhatEveryFamilyHasInCommon) {
     }
     for (const char* word : {"JOIN", "INNER", "LEFT", "NATURAL"}) {
         if (GetParam() == SQLServer && word == std::string("NATURAL")) continue;
-        EXPECT_TRUE(classOf(GetParam(), word) & SQLET_WORD_NO_BARE_ALIAS) << word;
+        // Behind an expression PostgreSQL takes them for its name.
+        const unsigned noName =
+            GetParam() == PostgreSQL ? SQLET_WORD_RESERVED : SQLET_WORD_NO_BARE_ALIAS;
+        EXPECT_TRUE(classOf(GetParam(), word) & noName) << word;
     }
     EXPECT_EQ(classOf(GetParam(), "orders"), 0U);
 }

@@ -84,7 +84,6 @@ constexpr void setRules(Dialect& dialect, const OperatorRule (&rules)[N]) {
 
 constexpr Dialect mysql() {
     Dialect d;
-    d.number = 1;
     setRules(d, mysqlRules);
     d.prefixes = "+ - ~ !";
     d.binaryWords = {K::Div, K::Mod};
@@ -93,6 +92,7 @@ constexpr Dialect mysql() {
     d.prefixWords = {K::Binary};
     d.hasDateLiterals = true;
     d.hasIntervals = true;
+    d.hasIntervalExpressions = true;
     d.hasStringAliases = true;
     d.clauseWords = standardClauses.with({K::Limit, K::For, K::Lock, K::Procedure, K::Fetch});
     d.sourceEnds = standardSourceEnds.with({K::StraightJoin, K::Partition, K::Use, K::Force,
@@ -112,7 +112,6 @@ constexpr Dialect mysql() {
 
 constexpr Dialect postgresql() {
     Dialect d;
-    d.number = 2;
     setRules(d, standardRules);
     // % and : are what client programs put in front of their parameters.
     d.prefixes = "+ - ~ ! !! @ @@ |/ ||/ # @-@ ?- ?| !!= % :";
@@ -129,21 +128,22 @@ constexpr Dialect postgresql() {
     d.mayLackColumns = true;
     d.nulls = NullOrder::Largest;
     d.hasNullsWords = true;
-    d.limitForms = LimitWord | OffsetWord | OffsetAlone | FetchWords;
+    d.limitForms = LimitWord | OffsetWord | OffsetAlone | FetchWords | AllWord;
     return d;
 }
 
 constexpr Dialect oracle() {
     Dialect d;
-    d.number = 3;
     setRules(d, oracleRules);
     d.prefixes = "+ - :";  // : a, with a blank
     d.comparisonWords = standardComparisons.with(
         {K::Likec, K::Like2, K::Like4, K::Member, K::Submultiset, K::Overlaps, K::Escape});
     d.binaryWords = {K::Multiset, K::Mod};
+    d.modMayBeName = true;
     d.prefixWords = {K::Prior, K::ConnectByRoot};
     d.hasDateLiterals = true;
     d.hasIntervals = true;
+    d.hasIntervalUnitsBehind = true;
     d.hasOuterJoinMarks = true;
     d.hasBlanksInOperators = true;
     d.clauseWords = standardClauses.with(
@@ -155,6 +155,7 @@ constexpr Dialect oracle() {
     d.refusedClauses =
         standardRefusals.with({K::Minus, K::Connect, K::Start, K::For, K::Model, K::Qualify});
     d.distinctWords = {K::Unique};
+    d.mayHavingComeFirst = true;
     d.hasFlashback = true;
     d.hasModel = true;
     d.hasPivot = true;
@@ -168,7 +169,6 @@ constexpr Dialect oracle() {
 
 constexpr Dialect sqlite() {
     Dialect d;
-    d.number = 4;
     setRules(d, sqliteRules);
     d.prefixes = "+ - ~";
     d.comparisonWords = standardComparisons.with({K::Glob, K::Regexp, K::Match, K::Escape});
@@ -176,6 +176,7 @@ constexpr Dialect sqlite() {
     d.hasPostfixNotNull = true;
     d.hasEmptyLists = true;
     d.hasStringAliases = true;
+    d.hasStringNames = true;
     d.clauseWords = standardClauses.with({K::Limit, K::Window});
     d.sourceEnds =
         standardSourceEnds.with({K::Full, K::Outer, K::Limit, K::Indexed, K::Window, K::Returning});
@@ -187,12 +188,12 @@ constexpr Dialect sqlite() {
     d.nulls = NullOrder::Smallest;
     d.hasNullsWords = true;
     d.limitForms = LimitWord | LimitComma | OffsetWord | NegativeIsAll;
+    d.hasLooseCounts = true;
     return d;
 }
 
 constexpr Dialect sqlserver() {
     Dialect d;
-    d.number = 5;
     setRules(d, sqlserverRules);
     d.prefixes = "+ - ~";
     d.comparisonWords = standardComparisons.with({K::Escape});

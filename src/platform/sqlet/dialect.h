@@ -82,18 +82,17 @@ enum class NullOrder : std::uint8_t { Unspecified, Smallest, Largest };
 
 /// How a limit may be written; a sum.
 enum LimitForm : std::uint8_t {
-    LimitWord = 1,      ///< LIMIT n
-    LimitComma = 2,     ///< LIMIT offset, n
-    OffsetWord = 4,     ///< OFFSET n behind LIMIT
-    OffsetAlone = 8,    ///< OFFSET n, also in front of LIMIT
-    FetchWords = 16,    ///< [OFFSET n ROWS] FETCH FIRST n ROWS ONLY
-    TopWord = 32,       ///< SELECT TOP n
-    NegativeIsAll = 64  ///< LIMIT -1
+    LimitWord = 1,       ///< LIMIT n
+    LimitComma = 2,      ///< LIMIT offset, n
+    OffsetWord = 4,      ///< OFFSET n behind LIMIT
+    OffsetAlone = 8,     ///< OFFSET n, also in front of LIMIT
+    FetchWords = 16,     ///< [OFFSET n ROWS] FETCH FIRST n ROWS ONLY
+    TopWord = 32,        ///< SELECT TOP n
+    NegativeIsAll = 64,  ///< LIMIT -1
+    AllWord = 128        ///< LIMIT ALL and LIMIT NULL
 };
 
 struct Dialect {
-    int number = 0;
-
     /// Symbols that are no Binary operator, longest need not come first.
     const OperatorRule* rules = nullptr;
     std::size_t ruleCount = 0;
@@ -103,6 +102,7 @@ struct Dialect {
     KeywordSet binaryWords;
     /// Words that begin or are a comparison, also behind NOT.
     KeywordSet comparisonWords;
+    bool modMayBeName = false;  ///< MOD works like a symbol, but only where an operand follows
     /// Words in front of an operand.
     KeywordSet prefixWords;
     /// x ISNULL and x NOTNULL; x NOT NULL.
@@ -115,8 +115,10 @@ struct Dialect {
     /// where hasDateLiterals.
     bool hasTypedLiterals = false;
     bool hasDateLiterals = false;
-    /// INTERVAL with a unit behind.
+    /// INTERVAL '1' DAY.
     bool hasIntervals = false;
+    bool hasIntervalExpressions = false;  ///< INTERVAL 1 + n DAY
+    bool hasIntervalUnitsBehind = false;  ///< (a - b) DAY TO SECOND
     /// x::type, and x[1].
     bool hasCastOperator = false;
     /// type::Method().
@@ -129,6 +131,8 @@ struct Dialect {
 
     /// A string may stand as the alias of a column: behind AS, and without it.
     bool hasStringAliases = false;
+    /// 't'.'a' is a column, and FROM t 'x' has an alias.
+    bool hasStringNames = false;
     /// SELECT x = 1.
     bool hasAssignedAliases = false;
     /// Words that are aliases behind AS only because of what they begin otherwise.
@@ -141,7 +145,8 @@ struct Dialect {
     KeywordSet refusedModifiers;
     /// UNIQUE or DISTINCTROW.
     KeywordSet distinctWords;
-    bool mayLackColumns = false;  ///< SELECT FROM t
+    bool mayLackColumns = false;      ///< SELECT FROM t
+    bool mayHavingComeFirst = false;  ///< HAVING .. GROUP BY ..
 
     bool hasPivot = false;      ///< t PIVOT (..)
     bool hasApply = false;      ///< t CROSS APPLY f(t.a)
@@ -157,6 +162,7 @@ struct Dialect {
     bool hasNullsWords = false;
     std::uint8_t limitForms = 0;
     bool hasFetchOptions = false;  ///< PERCENT and WITH TIES have a place
+    bool hasLooseCounts = false;   ///< LIMIT '5' and LIMIT 0x5
 
     OperatorRole roleOf(std::string_view symbol, const char** name) const;
 };

@@ -60,10 +60,18 @@ bool Grammar::isName(const Token& token) const {
 }
 
 bool Grammar::isQueryStart(TokenIndex index) const {
-    const Keyword word = at(index).keyword;
-    return word == Keyword::Select || word == Keyword::With ||
-           (word == Keyword::Values &&
-            (at(index + 1).kind == TokenKind::LeftParen || at(index + 1).keyword == Keyword::Row));
+    const Token& behind = at(index + 1);
+    switch (at(index).keyword) {
+        case Keyword::Select:
+        case Keyword::With:
+            return true;
+        case Keyword::Values:
+            return behind.kind == TokenKind::LeftParen || behind.keyword == Keyword::Row;
+        case Keyword::Table:
+            return isName(behind);
+        default:
+            return false;
+    }
 }
 
 TokenIndex Grammar::partner() {

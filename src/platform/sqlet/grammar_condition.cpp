@@ -62,7 +62,7 @@ SqletExpr* Grammar::negatedTerm(std::uint32_t parens) {
 bool Grammar::isGroup() const {
     const TokenIndex close = m_parser.tokens.partner[m_position];
     if (close == noToken) return false;
-    if (isQueryStart(m_position + 1)) return false;
+    if (isQueryStart(m_position + 1) || isSetOperation(m_position + 1)) return false;
     const Token& behind = at(close + 1);
     switch (behind.kind) {
         case T::Operator:
@@ -72,7 +72,7 @@ bool Grammar::isGroup() const {
             return false;
         case T::Word:
             return !isComparisonWordAt(close + 1) && behind.keyword != K::Collate &&
-                   !isBinaryWord(close + 1) &&
+                   !isBinaryWord(close + 1) && !isIntervalOf(close + 1) &&
                    !(behind.keyword == K::At && at(close + 2).keyword == K::Time) &&
                    !(behind.keyword == K::Operator && at(close + 2).kind == T::LeftParen);
         default:

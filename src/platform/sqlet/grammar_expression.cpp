@@ -64,7 +64,7 @@ void Grammar::primary() {
             return;
         case T::String:
             advance();
-            if (is(T::Dot) && m_dialect.number == 4) {  // 't'.'a' names a column in SQLite
+            if (is(T::Dot) && m_dialect.hasStringNames) {
                 takeStringChain();
             } else if (is(K::Uescape) && next().kind == T::String) {
                 m_position += 2;
@@ -233,11 +233,11 @@ bool Grammar::takeTypedLiteral() {
     return true;
 }
 
-/// Elsewhere INTERVAL is a name, but for MySQL, where an expression follows it.
+/// Elsewhere INTERVAL is a name.
 bool Grammar::isIntervalLiteral() const {
     if (!is(K::Interval) || !m_dialect.hasIntervals) return false;
     const TokenKind behind = next().kind;
-    if (m_dialect.number == 1) return behind != T::Dot;
+    if (m_dialect.hasIntervalExpressions) return behind != T::Dot;
     if (behind == T::String || behind == T::Parameter) return true;
     const TokenIndex close = m_parser.tokens.partner[m_position + 1];
     return behind == T::LeftParen && close != noToken && at(close + 1).kind == T::String;
@@ -245,7 +245,7 @@ bool Grammar::isIntervalLiteral() const {
 
 void Grammar::intervalLiteral() {
     advance();
-    if (m_dialect.number == 1) return expressionWithUnit();
+    if (m_dialect.hasIntervalExpressions) return expressionWithUnit();
     if (is(T::LeftParen)) skipBrackets();  // interval(3) '..'
     advance();
     unitOf();
@@ -276,10 +276,7 @@ void Grammar::caseExpression() {
     const TokenIndex first = m_position;
     int depth = 0;
     do {
-        if (is(T::End)) {
-            m_position = first;
-            unexpected("CASE with an END");
-        }
+        if (is(T::End)) throw Refusal{SQLET_ERROR_SYNTAX, first, "CASE has no END"};
         if (is(T::LeftParen) || is(T::LeftBracket)) {
             skipBrackets();
             continue;
@@ -420,7 +417,7 @@ Grammar::AfterOperand Grammar::afterOperandWord(Reach reach) {
         advance();
         return AfterOperand::WantsOperand;
     }
-    if (m_dialect.hasOuterJoinMarks && intervalUnits.contains(word) && isIntervalOf()) {
+    if (isIntervalOf(m_position)) {
         unitOf();
         return AfterOperand::GoesOn;
     }
@@ -442,19 +439,21 @@ Grammar::AfterOperand Grammar::afterOperandWord(Reach reach) {
     return comparisonWord();
 }
 
-/// (a - b) DAY TO SECOND
-bool Grammar::isIntervalOf() const {
-    if (nextIs(K::To)) return true;
+/// (a - b) DAY TO SECOND, at DAY.
+bool Grammar::isIntervalOf(TokenIndex unit) const {
+    if (!m_dialect.hasIntervalUnitsBehind || !intervalUnits.contains(at(unit).keyword))
+        return false;
+    const Token& behind = at(unit + 1);
+    if (behind.keyword == K::To) return true;
     const TokenIndex close =
-        next().kind == T::LeftParen ? m_parser.tokens.partner[m_position + 1] : noToken;
+        behind.kind == T::LeftParen ? m_parser.tokens.partner[unit + 1] : noToken;
     return close != noToken && at(close + 1).keyword == K::To;
 }
 
 bool Grammar::isBinaryWord(TokenIndex index) const {
     const Keyword word = at(index).keyword;
     if (!m_dialect.binaryWords.contains(word)) return false;
-    if (m_dialect.number == 1 || word != K::Mod) return true;
-    // A name of Oracle, unless an operand follows.
+    if (word != K::Mod || !m_dialect.modMayBeName) return true;
     const Token& behind = at(index + 1);
     return behind.kind == T::Number || behind.kind == T::LeftParen ||
            behind.kind == T::QuotedName || behind.kind == T::Parameter ||

@@ -165,7 +165,7 @@ void Grammar::filterClauses(SqletSelect& select) {
         select.having = condition();
         m_expectedEnd = "AND, OR or the end of the statement";
         select.parts[static_cast<int>(Part::Having)] = spanFrom(first);
-        if (m_dialect.number == 3 && select.groupBy.count == 0) groupClause(select);
+        if (m_dialect.mayHavingComeFirst && select.groupBy.count == 0) groupClause(select);
     }
     if (is(K::Order) && nextIs(K::Siblings)) unsupported(m_position, "ORDER SIBLINGS BY");
     if (!is(K::Order)) return;
@@ -420,7 +420,7 @@ const char* Grammar::rowOffset() {
 
 const char* Grammar::rowCount() {
     const TokenIndex first = m_position;
-    if ((is(K::All) || is(K::Null)) && m_dialect.number == 2) {
+    if ((is(K::All) || is(K::Null)) && takesLimit(AllWord)) {
         takeStructure();
         return nullptr;
     }
@@ -432,7 +432,7 @@ const char* Grammar::rowCount() {
         isNegative = isSymbol(m_position, "-");
         takeStructure();
     }
-    const bool isString = is(T::String) && m_dialect.number == 4;
+    const bool isString = is(T::String) && m_dialect.hasLooseCounts;
     if (is(T::End) || is(T::Semicolon)) unexpected("a number");
     if (!is(T::Number) && !isString) unsupported(first, "a row limit that is no number");
     const char* text = decimal(m_position, isNegative);
@@ -450,11 +450,13 @@ const char* Grammar::rowCount() {
 const char* Grammar::decimal(TokenIndex number, bool isNegative) {
     std::string digits(m_parser.textOf(number));
     if (m_tokens[number].kind == T::String) digits = digits.substr(1, digits.size() - 2);
-    const bool isHex = m_dialect.number == 4 && digits.size() > 2 && digits[0] == '0' &&
+    const bool isHex = m_dialect.hasLooseCounts && digits.size() > 2 && digits[0] == '0' &&
                        (digits[1] == 'x' || digits[1] == 'X');
     const char* allowed = isHex ? "0123456789abcdefABCDEF" : "0123456789";
     if (digits.empty() || digits.find_first_not_of(allowed, isHex ? 2 : 0) != std::string::npos)
         unsupported(number, "a row limit that is no whole number");
+    // Sixteen digits of it may already be a negative number.
+    if (isHex && isNegative) unsupported(number, "a negative row limit");
     errno = 0;
     const unsigned long long value = std::strtoull(digits.c_str(), nullptr, isHex ? 16 : 10);
     const bool isTooLarge = errno == ERANGE;
