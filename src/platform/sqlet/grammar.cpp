@@ -1,53 +1,9 @@
 #include "platform/sqlet/grammar.h"
+#include "platform/sqlet/text_position.h"
 
 // What all parts of the grammar use: looking at tokens, taking them, and giving up.
 
 namespace sqlet {
-
-namespace {
-
-constexpr std::size_t maxExcerpt = 40;
-
-bool isContinuation(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
-}
-
-/// Length of the UTF-8 character at the start of @p text; 0 if none stands there.
-std::size_t characterLength(std::string_view text) {
-    const auto lead = static_cast<unsigned char>(text.front());
-    std::size_t length = 1;
-    if (lead >= 0xF0U && lead < 0xF5U)
-        length = 4;
-    else if (lead >= 0xE0U)
-        length = 3;
-    else if (lead >= 0xC2U)
-        length = 2;
-    else if (lead >= 0x80U)
-        return 0;
-    if (lead >= 0xF5U || length > text.size()) return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        if (!isContinuation(text[i])) return 0;
-    }
-    return length;
-}
-
-}  // namespace
-
-std::string excerpt(std::string_view text) {
-    std::string result;
-    while (!text.empty()) {
-        const std::size_t length = characterLength(text);
-        const std::size_t shown = length == 0 ? 1 : length;
-        if (result.size() + shown > maxExcerpt) return result + "...";
-        const bool isControl = static_cast<unsigned char>(text.front()) < 0x20U;
-        if (length == 0 || isControl)
-            result += '?';
-        else
-            result += text.substr(0, length);
-        text.remove_prefix(shown);
-    }
-    return result;
-}
 
 bool Grammar::isSymbol(TokenIndex index, std::string_view symbol) const {
     const Token& token = at(index);

@@ -244,8 +244,4 @@ private:
 /// What is wrong with a token of kind Bad.
 Refusal badToken(const SqletParser& parser, TokenIndex index);
 
-/// @p text cut to a length that fits a message, at the border of a character; what is no character
-/// of UTF-8 and what does not show becomes "?".
-std::string excerpt(std::string_view text);
-
 }  // namespace sqlet

@@ -1,7 +1,6 @@
 #include "platform/sqlet/names.h"
 
 #include <algorithm>
-#include <cstddef>
 
 #include "platform/sqlet/lexer.h"
 #include "platform/sqlet/words.h"
@@ -85,24 +84,6 @@ bool isPlainlyQuoted(std::string_view spelled, const Token& token, int dialect) 
     return !mayEscape || content.find('\\') == std::string_view::npos;
 }
 
-/// Length of the UTF-8 sequence that begins @p bytes, which is not empty; 0 if it is none.
-std::size_t sequenceLength(std::string_view bytes) {
-    const auto byte = [&](std::size_t i) {
-        return static_cast<unsigned char>(bytes[i]);
-    };
-    const unsigned char lead = byte(0);
-    if (lead < 0x80) return 1;
-    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || bytes.size() < length) return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0) != 0x80) return 0;
-    }
-    const bool isOverlong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xF0 && byte(1) < 0x90);
-    const bool isSurrogate = lead == 0xED && byte(1) >= 0xA0;
-    const bool isTooLarge = lead == 0xF4 && byte(1) >= 0x90;
-    return isOverlong || isSurrogate || isTooLarge ? 0 : length;
-}
-
 }  // namespace
 
 std::string decodedName(std::string_view text, const Token& token, int dialect) {
@@ -120,9 +101,26 @@ bool isDecodable(std::string_view text, const Token& token, int dialect) {
            !isFoldedAggregate(contentOf(spelled), dialect);
 }
 
+std::size_t characterLength(std::string_view bytes) {
+    const auto byte = [&](std::size_t i) {
+        return static_cast<unsigned char>(bytes[i]);
+    };
+    const unsigned char lead = byte(0);
+    if (lead < 0x80) return 1;
+    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || bytes.size() < length) return 0;
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(i) & 0xC0) != 0x80) return 0;
+    }
+    const bool isOverlong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xF0 && byte(1) < 0x90);
+    const bool isSurrogate = lead == 0xED && byte(1) >= 0xA0;
+    const bool isTooLarge = lead == 0xF4 && byte(1) >= 0x90;
+    return isOverlong || isSurrogate || isTooLarge ? 0 : length;
+}
+
 bool isValidUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
-        const std::size_t length = sequenceLength(bytes);
+        const std::size_t length = characterLength(bytes);
         if (length == 0) return false;
         bytes.remove_prefix(length);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -21,7 +22,11 @@ std::string decodedName(std::string_view text, const Token& token, int dialect);
 /// that is an aggregate's in another case than the server folds to: hosts write those bare.
 bool isDecodable(std::string_view text, const Token& token, int dialect);
 
-/// True if @p bytes is UTF-8 without overlong forms, surrogates and values above U+10FFFF. Linear.
+/// Length of the UTF-8 character that begins @p bytes, which is not empty; 0 if it is none: no
+/// overlong form, surrogate or value above U+10FFFF.
+std::size_t characterLength(std::string_view bytes);
+
+/// True if @p bytes consists of such characters. Linear.
 bool isValidUtf8(std::string_view bytes);
 
 /// In ASCII lower case: two names that give the same are the same to a server that ignores case.

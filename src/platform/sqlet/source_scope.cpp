@@ -5,6 +5,7 @@
 
 #include "platform/sqlet/name_chain.h"
 #include "platform/sqlet/names.h"
+#include "platform/sqlet/text_position.h"
 #include "platform/sqlet/words.h"
 
 namespace sqlet {
@@ -61,16 +62,6 @@ bool isCompatibilityView(std::string_view name) {
         "sysprocesses",  "sysprotects",     "sysreferences", "sysremotelogins", "sysservers",
         "systypes",      "sysusers"};
     return views.count(name) != 0;
-}
-
-/// The start of @p text, cut between two characters if it is long.
-std::string excerpt(std::string_view text) {
-    constexpr std::size_t longest = 40;
-    if (text.size() <= longest) return std::string(text);
-    std::size_t end = longest;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-        --end;
-    return std::string(text.substr(0, end)) + "...";
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "platform/sqlet/text_position.h"
 
+#include "platform/sqlet/names.h"
+
 namespace sqlet {
 namespace {
 
@@ -11,6 +13,8 @@ bool endsLine(std::string_view text, std::size_t i) {
 bool startsCodePoint(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
 }
+
+constexpr std::size_t maxExcerpt = 40;
 
 }  // namespace
 
@@ -25,6 +29,22 @@ TextPosition positionOf(std::string_view text, std::size_t offset) {
         }
     }
     return position;
+}
+
+std::string excerpt(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const std::size_t length = characterLength(text);
+        const std::size_t shown = length == 0 ? 1 : length;
+        if (result.size() + shown > maxExcerpt) return result + "...";
+        const bool isControl = static_cast<unsigned char>(text.front()) < 0x20U;
+        if (length == 0 || isControl)
+            result += '?';
+        else
+            result += text.substr(0, length);
+        text.remove_prefix(shown);
+    }
+    return result;
 }
 
 }  // namespace sqlet

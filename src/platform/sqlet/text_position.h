@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace sqlet {
@@ -14,5 +15,9 @@ struct TextPosition {
 /// Where the byte @p offset of @p text is; its end for one behind it. A byte order mark at the
 /// start is no character of the text. Linear.
 TextPosition positionOf(std::string_view text, std::size_t offset);
+
+/// @p text cut to a length that fits a message, at the border of a character; what is no character
+/// of UTF-8 and what does not show becomes "?".
+std::string excerpt(std::string_view text);
 
 }  // namespace sqlet
