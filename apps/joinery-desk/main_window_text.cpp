@@ -37,7 +37,7 @@ void MainWindow::setUpSqlTab() {
 }
 
 void MainWindow::connectTextActions() {
-    const auto on = [this](const QAction* action, auto* receiver, auto what) {
+    const auto on = [](const QAction* action, auto* receiver, auto what) {
         connect(action, &QAction::triggered, receiver, what);
     };
     on(m_actions->openText, this, &MainWindow::chooseTextFile);

@@ -214,6 +214,15 @@ private Q_SLOTS:
         QTRY_COMPARE(tab()->state(), SqlTab::State::Acceptable);
         QVERIFY(!states.contains(SqlTab::State::Refused));
         QCOMPARE(m_parser->texts().last(), QString("SELECT id FROM city"));
+
+        // The same while the newer text is still being typed.
+        m_parser->hold();
+        paste("SELECT ((");
+        QTRY_COMPARE(m_parser->texts().last(), QString("SELECT (("));
+        type("SELECT name FROM city");
+        m_parser->release();
+        QTRY_COMPARE(tab()->state(), SqlTab::State::Acceptable);
+        QVERIFY(!states.contains(SqlTab::State::Refused));
     }
 
     void theWindowGoesWhileATextIsChecked() {
@@ -252,6 +261,8 @@ private Q_SLOTS:
         engine->pushNewLayerTopLevelQueryComponent(source->subquery, "Subquery s");
         QVERIFY2(tab()->title().contains("Subquery s"), qPrintable(tab()->title()));
         QTRY_COMPARE(tab()->state(), SqlTab::State::Acceptable);
+        click("sqlLoad");
+        QTRY_COMPARE(editor()->text().simplified(), QString("SELECT id FROM city"));
         paste("SELECT id FROM city WHERE name = 'Paris'");
         m_desk->press(Qt::Key_Return, Qt::ControlModifier);
         QTRY_VERIFY2(m_desk->preview().contains("'Paris' ) AS s"), qPrintable(m_desk->preview()));
