@@ -478,3 +478,9 @@ SELECT id FROM a WHERE @missing IS NULL AND n = 1
 
 --- the largest limit without an offset
 SELECT id FROM o ORDER BY id LIMIT 18446744073709551615
+
+--- an alias called like a function of sequences
+SELECT id, total AS nextval FROM b WHERE total IS NOT NULL ORDER BY nextval, id
+
+--- an operator in small letters, and a join
+select a.id from a straight_join b on a.id = b.id where a.n is not null and not a.n = 3 and a.y is null or a.n <> 2

@@ -404,3 +404,9 @@ SELECT main.a.n, other.a.n FROM main.a JOIN other.a ON main.a.id = other.a.id
 
 --- a name of three parts in a condition and in an order
 SELECT other.b.id FROM other.b, g WHERE other.b.n > main.g.n ORDER BY other.b.id, other.b.n, g.id, g.n
+
+--- tests for NULL behind an operand, in a chain
+SELECT id FROM a WHERE n ISNULL AND y NOT NULL OR name notnull and not n = 1 AND n
+
+--- names beside expressions in an IN list
+SELECT a.id FROM a JOIN b ON a.id = b.id WHERE a.n IN (a.y, b.n, a.total - 2, 1)
