@@ -40,6 +40,14 @@ public:
 private:
     enum class AfterOperand : std::uint8_t { Ends, WantsOperand, GoesOn };
 
+    /// Of the statement that is read at the moment. Brackets are counted with those around it, so
+    /// that the depth of all nesting is bounded.
+    struct StatementState {
+        int groupDepth = 0;
+        int intervalDepth = 0;
+        bool hasFetchWords = false;
+    };
+
     // ---- tokens
     const Token& at(TokenIndex index) const { return m_tokens[index < m_count ? index : m_count]; }
     const Token& here() const { return m_tokens[m_position]; }
@@ -234,10 +242,9 @@ private:
     const Token* m_tokens;
     const TokenIndex m_count;
     TokenIndex m_position = 0;
-    int m_groupDepth = 0;
+    StatementState m_state;
     int m_queryDepth = 0;
     int m_joinCount = 0;
-    bool m_hasFetchWords = false;
     const char* m_expectedEnd = "";  ///< what may follow what was read of the statement
 };
 

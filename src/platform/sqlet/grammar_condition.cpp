@@ -83,14 +83,14 @@ bool Grammar::isGroup() const {
 SqletExpr* Grammar::group(std::uint32_t parens) {
     const TokenIndex open = m_position;
     const TokenIndex close = partner();
-    if (++m_groupDepth > maxGroupDepth) beyondLimit(open, "more than 200 nested brackets");
+    if (++m_state.groupDepth > maxGroupDepth) beyondLimit(open, "more than 200 nested brackets");
     structure(open);
     structure(close);
     advance();
     SqletExpr* content = chain(parens + 1);
     if (m_position != close) unexpected("AND, OR or ')'");
     advance();
-    --m_groupDepth;
+    --m_state.groupDepth;
     return content;
 }
 

@@ -9,6 +9,8 @@ namespace {
 using K = Keyword;
 using T = TokenKind;
 
+constexpr int maxIntervalDepth = 200;
+
 constexpr KeywordSet intervalUnits = {K::Year, K::Month, K::Day, K::Hour, K::Minute, K::Second};
 
 /// Words that cannot be operands, in any dialect: an expression in front of them is missing.
@@ -251,9 +253,12 @@ void Grammar::intervalLiteral() {
     unitOf();
 }
 
-/// INTERVAL 1 + n DAY
+/// INTERVAL 1 + n DAY. The expression can hold another, though no server takes that.
 void Grammar::expressionWithUnit() {
+    if (++m_state.intervalDepth > maxIntervalDepth)
+        beyondLimit(m_position, "more than 200 nested intervals");
     expression(Reach::Operand);
+    --m_state.intervalDepth;
     const Keyword word = here().keyword;
     const bool isUnit = is(T::Word) && !isComparisonWordAt(m_position) &&
                         !neverOperands.contains(word) && !m_dialect.clauseWords.contains(word) &&

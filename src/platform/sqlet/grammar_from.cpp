@@ -322,8 +322,8 @@ SqletTable* Grammar::derivedTable(std::uint32_t parens) {
 /// no SQL is an error of the whole text.
 void Grammar::readSubquery(SqletTable* table, TokenIndex open, TokenIndex close) {
     if (++m_queryDepth > maxQueryDepth) beyondLimit(open, "more than 32 nested queries");
-    const int groupDepth = m_groupDepth;
-    m_groupDepth = 0;
+    const StatementState outer = m_state;
+    m_state.hasFetchWords = false;
     try {
         m_position = open + 1;
         table->subquery = select();
@@ -335,7 +335,7 @@ void Grammar::readSubquery(SqletTable* table, TokenIndex open, TokenIndex close)
         if (refusal.kind != SQLET_ERROR_UNSUPPORTED) throw;
         table->subquery = nullptr;
     }
-    m_groupDepth = groupDepth;
+    m_state = outer;
     --m_queryDepth;
     m_position = close + 1;
 }
@@ -343,13 +343,13 @@ void Grammar::readSubquery(SqletTable* table, TokenIndex open, TokenIndex close)
 SqletTable* Grammar::bracketedSource(std::uint32_t parens) {
     const TokenIndex open = m_position;
     const TokenIndex close = partner();
-    if (++m_groupDepth > static_cast<int>(maxGroupDepth))
+    if (++m_state.groupDepth > static_cast<int>(maxGroupDepth))
         beyondLimit(open, "more than 200 nested brackets");
     takeStructure();
     SqletTable* content = sources(parens + 1);
     if (m_position != close) unexpected("a join or ')'");
     takeStructure();
-    --m_groupDepth;
+    --m_state.groupDepth;
 
     if (takePivot()) return pivotOf(open, parens);
     const bool isLone = content->form != TableForm::Join || content->alias != noToken;

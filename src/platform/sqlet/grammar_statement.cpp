@@ -95,8 +95,6 @@ SqletSelect* Grammar::select() {
     if (is(T::LeftParen)) unsupported(first, "a query of several in brackets");
     take(K::Select, "SELECT");
     SqletSelect* result = m_parser.arena.make<SqletSelect>(&m_parser);
-    const bool hadFetchWords = m_hasFetchWords;
-    m_hasFetchWords = false;
 
     selectOptions(*result);
     selectList(*result);
@@ -104,7 +102,6 @@ SqletSelect* Grammar::select() {
     limitClauses(*result);
     settleLimit(*result);
 
-    m_hasFetchWords = hadFetchWords;
     result->parts[static_cast<int>(Part::Statement)] = spanFrom(first);
     return result;
 }
@@ -389,7 +386,7 @@ void Grammar::fetchWords(SqletSelect& select) {
     takeStructure();
     if (!is(K::First) && !is(K::Next)) unexpected("FIRST or NEXT");
     takeStructure();
-    m_hasFetchWords = true;
+    m_state.hasFetchWords = true;
     select.limit.count = is(K::Row) || is(K::Rows) ? "1" : rowCount();
     if (is(K::Percent)) {
         if (!m_dialect.hasFetchOptions) unsupported(m_position, "PERCENT");
@@ -471,7 +468,7 @@ const char* Grammar::decimal(TokenIndex number, bool isNegative) {
 
 void Grammar::settleLimit(SqletSelect& select) {
     dropMadeUpOrder(select);
-    if (!m_hasFetchWords) return;
+    if (!m_state.hasFetchWords) return;
     select.limit.fetchOption = select.limit.offset ? "NEXT" : "FIRST";
 }
 
