@@ -6,9 +6,9 @@
 #include <QJsonObject>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <new>
 
 #include "apps/joinery-sql/dialect_names.h"
 #include "apps/joinery-sql/json_line.h"
@@ -178,28 +178,37 @@ std::string answerJson(const std::string& id, const Answer& answer, bool details
 /// Lines of any length and content.
 class LineReader {
 public:
-    LineReader() = default;
-    LineReader(const LineReader&) = delete;
-    LineReader& operator=(const LineReader&) = delete;
-    ~LineReader() { std::free(m_buffer); }
-
-    /// The next line of standard input without its line feed; the last one may have none.
-    /// It lives until the next call.
-    bool next(std::string_view& line) {
+    /// Reads the next line of standard input without its line feed; the last one may have none.
+    bool next() {
         errno = 0;
-        const ssize_t length = ::getline(&m_buffer, &m_capacity, stdin);
-        if (length < 0) return false;
-        const bool hasLineFeed = m_buffer[length - 1] == '\n';
-        line = {m_buffer, static_cast<std::size_t>(length) - (hasLineFeed ? 1 : 0)};
-        return true;
+        m_isShortOfMemory ? std::string().swap(m_line) : m_line.clear();
+        m_isShortOfMemory = false;
+        int c = 0;
+        while ((c = ::getc_unlocked(stdin)) != EOF && c != '\n')
+            append(static_cast<char>(c));
+        return c != EOF || !m_line.empty();
     }
+
+    /// It lives until the next call of next(). Nobody reads more of a line than largestLine, so
+    /// what is longer, or longer than memory, ends somewhere behind that.
+    std::string_view line() const { return m_line; }
+    bool isShortOfMemory() const { return m_isShortOfMemory; }
 
     /// Why next() said false; 0 at the end of the input.
     static int error() { return std::feof(stdin) ? 0 : errno; }
 
 private:
-    char* m_buffer = nullptr;  // owned; grown by getline
-    std::size_t m_capacity = 0;
+    void append(char c) {
+        if (m_isShortOfMemory || m_line.size() > largestLine) return;
+        try {
+            m_line += c;
+        } catch (const std::bad_alloc&) {
+            m_isShortOfMemory = true;
+        }
+    }
+
+    std::string m_line;
+    bool m_isShortOfMemory = false;
 };
 
 std::size_t addressSpaceInUse() {
@@ -223,11 +232,12 @@ void limitMemory() {
 
 }  // namespace
 
-std::string answerLine(std::string_view line, const CommandLine& options) {
+std::string answerLine(std::string_view line, const CommandLine& options, bool isWhole) {
     std::string id = "null";
     bool details = options.details;
     try {
         id = rawMember(line, "id");
+        if (!isWhole) throw std::bad_alloc();
         RequestReader reader(line);
         const Request request = reader.read(options);
         details = request.details;
@@ -244,9 +254,9 @@ std::string answerLine(std::string_view line, const CommandLine& options) {
 ExitCode runRoundtrip(const CommandLine& options) {
     limitMemory();
     LineReader input;
-    std::string_view line;
-    while (input.next(line)) {
-        if (!writeOut(answerLine(line, options) + '\n') || !flushOut()) return ExitIo;
+    while (input.next()) {
+        const std::string answer = answerLine(input.line(), options, !input.isShortOfMemory());
+        if (!writeOut(answer + '\n') || !flushOut()) return ExitIo;
     }
     if (LineReader::error() == 0) return ExitOk;
     complain("joinery-sql: cannot read <stdin>: " +
