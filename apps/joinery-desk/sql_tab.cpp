@@ -275,7 +275,8 @@ void SqlTab::applyNow() {
 void SqlTab::takeApplied(bool isApplied, const QString& error) {
     if (isApplied) {
         m_isBuilderChanged = false;
-        m_isTextNew = false;
+        // Not by an undo of what was applied before, nor if somebody has typed meanwhile.
+        if (m_applyDone) m_isTextNew = false;
         m_heldStatement = statementId();
         // After an undo the builder has another text than this page.
         m_heldText = m_applier->appliedText();

@@ -41,7 +41,8 @@ WindowActions::WindowActions(QMainWindow* window)
     copyText = add(query, QT_TR_NOOP("&Copy SQL Text"), Qt::CTRL + Qt::SHIFT + Qt::Key_S);
 
     query->addSeparator();
-    editText = add(query, QT_TR_NOOP("&Edit SQL Text"), Qt::CTRL + Qt::Key_E);
+    // Ctrl+E would end in the line edits, where it moves the cursor.
+    editText = add(query, QT_TR_NOOP("&Edit SQL Text"), Qt::CTRL + Qt::Key_T);
     // In the text Ctrl+Return applies it; in the whole window that key runs the query.
     applyText = add(query, QT_TR_NOOP("&Apply SQL Text"));
     undoApply = add(query, QT_TR_NOOP("&Undo Apply"), Qt::CTRL + Qt::ALT + Qt::Key_Z);

@@ -93,7 +93,7 @@ private Q_SLOTS:
         QVERIFY(m_desk->open(m_file->path()));
         m_desk->doubleClick(m_desk->row("country"));
         QTRY_COMPARE(m_desk->preview(), QString("SELECT * FROM country"));
-        m_desk->press(Qt::Key_E, Qt::ControlModifier);
+        m_desk->press(Qt::Key_T, Qt::ControlModifier);
         QTRY_COMPARE(tab()->state(), SqlTab::State::Held);
         QCOMPARE(editor()->text().simplified(), QString("SELECT * FROM country"));
     }
@@ -145,6 +145,13 @@ private Q_SLOTS:
         type("SELECT name FROM city");
         m_desk->press(Qt::Key_F5);
         QTRY_COMPARE(m_desk->model()->rowCount(), 2);
+        // Taking back what was applied before does not make a later text an old one.
+        type("SELECT id, name, id AS x FROM city");
+        m_desk->press(Qt::Key_Z, Qt::ControlModifier | Qt::AltModifier);
+        QTRY_COMPARE(m_desk->preview(), QString("SELECT * FROM country"));
+        QTRY_VERIFY(!tab()->applier()->isBusy());
+        m_desk->press(Qt::Key_F5);
+        QTRY_COMPARE(m_desk->model()->columnCount(), 3);
         type("SELECT name FORM city");
         m_desk->model()->reset({});
         m_desk->buildAndRun();
