@@ -178,7 +178,8 @@ void QBAbstractQueryPreviewPanelWidget::generateText(const Generation& generatio
     stringifier->setCurrentSchema(generation.currentSchema);
     result.isComplete = generation.core->withLiveComponent(generation.statementId, [&] {
         result.text = stringifier->stringifyQuery(generation.statement);
-        result.ranges = stringifier->componentRanges();
+        const auto ranges = stringifier->componentRanges();
+        result.ranges = ComponentRanges(ranges.begin(), ranges.end());
     });
 }
 

@@ -11,6 +11,7 @@
 #include "model/statement_text.h"
 #include "model/variant.h"
 #include "model/vocabulary.h"
+#include "stringifier/node_allocator.h"
 #include "stringifier/stringified_node.h"
 
 namespace QB {
@@ -32,7 +33,11 @@ public:
     /// Gives the text of one side of the tree node that is being written: 0 and 2 are the left
     /// child (2 inside brackets), 1 is the right child. Empty where no source tree is walked.
     using SourceChildCallback = std::function<StringifiedNode(int side, int level)>;
-    using Ranges = std::map<const Component::AbstractQueryComponent*, QBRange>;
+    /// By address. A map as any other, which gets the memory of its nodes in one.
+    using Ranges =
+        std::map<const Component::AbstractQueryComponent*, QBRange,
+                 std::less<const Component::AbstractQueryComponent*>,
+                 NodeAllocator<std::pair<const Component::AbstractQueryComponent* const, QBRange>>>;
 
     /// Null for a family without a text form.
     static std::unique_ptr<QBQueryComponentStringifier> createStringifier(QBDatabaseInfo info);

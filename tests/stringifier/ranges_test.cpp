@@ -41,7 +41,7 @@ protected:
     }
 
     static void expectOwnedWithin(const AbstractQueryComponent* component, QBRange outer,
-                                  const std::map<const AbstractQueryComponent*, QBRange>& ranges) {
+                                  const QBQueryComponentStringifier::Ranges& ranges) {
         Tools::visitOwnedComponents(component, [&](const AbstractQueryComponent* owned) {
             const auto found = ranges.find(owned);
             if (found == ranges.end()) return;
@@ -104,6 +104,25 @@ TEST_F(Ranges, OfComponentsWithoutTextHaveNoLength) {
     // The operand on the right is written by its operator, and has no range; its items have.
     EXPECT_EQ(m_stringifier->componentRanges().count(condition->rightValue), 0U);
     EXPECT_EQ(m_stringifier->componentRanges().size(), 4U);
+}
+
+TEST_F(Ranges, AreKeptByCopiesAndMovesWhenTheGeneratorIsGone) {
+    const std::unique_ptr<SQLCompareConditionComponent> condition(
+        compare(expression("a"), CompareOpIn, {expression("1"), expression("2")}));
+    run(condition.get());
+    QBQueryComponentStringifier::Ranges ranges = m_stringifier->componentRanges();
+    m_stringifier.reset();
+    const QBQueryComponentStringifier::Ranges copy = ranges;
+    // Erased nodes are used again, and neither map sees what the other does.
+    ranges.erase(condition.get());
+    ranges[nullptr] = {7, 7};
+    const QBQueryComponentStringifier::Ranges moved = std::move(ranges);
+    ranges = copy;
+    EXPECT_EQ(ranges, copy);
+    EXPECT_EQ(copy.at(condition.get()), (QBRange{0, 10}));
+    EXPECT_EQ(moved.at(nullptr), (QBRange{7, 7}));
+    EXPECT_EQ(moved.count(condition.get()), 0U);
+    EXPECT_EQ(moved.size(), copy.size());
 }
 
 TEST_F(Ranges, AComponentMetTwiceKeepsTheFirst) {

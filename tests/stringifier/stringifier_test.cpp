@@ -38,6 +38,14 @@ TEST_F(Stringifier, GivesNothingForNothing) {
     EXPECT_EQ(m_mysql->stringifyQuery(nullptr), "");
 }
 
+TEST_F(Stringifier, WritesAClassDerivedFromOneItKnowsAsThatOne) {
+    struct Derived : SQLAnyExpressionColumnComponent {
+    } column;
+    column.expression = "now()";
+    EXPECT_EQ(m_mysql->stringifyQuery(&column), "now()");
+    EXPECT_EQ(m_mysql->componentRanges().at(&column), (QBRange{0, 5}));
+}
+
 TEST_F(Stringifier, WritesASubqueryAloneAtTheLeftMargin) {
     Statement inner = newStatement();
     inner->sourceExpr->root = table("t", "", {"shop"});
