@@ -163,7 +163,7 @@ void RunTable::markDeferredCondition(const SqletTable& right) {
     const TokenIndex first = right.span.first;
     const TokenIndex last = right.span.last;
     if (isInBrackets(first, last)) return;
-    if (!right.on || !(is(last + 1, K::On) || is(last + 1, K::Using))) return;
+    if (!is(last + 1, K::On) && !is(last + 1, K::Using)) return;
     ++m_implied[first].bracketsBefore;
     ++m_implied[last].bracketsBehind;
 }
