@@ -108,7 +108,7 @@ private Q_SLOTS:
     void recentFilesAreEachOnceNewestFirstAndNotTooMany() {
         const QTemporaryDir folder;
         QSettings settings(folder.filePath("x.ini"), QSettings::IniFormat);
-        RecentFiles recent(&settings);
+        RecentFiles recent(&settings, "recent");
         for (int i = 0; i < 15; ++i)
             recent.add(QString("/data/%1.db").arg(i));
         recent.add("/data/../data/9.db");
@@ -117,7 +117,8 @@ private Q_SLOTS:
         QCOMPARE(recent.files().first(), QString("/data/9.db"));
         recent.remove("/data/9.db");
         QVERIFY(!recent.files().contains("/data/9.db"));
-        QCOMPARE(RecentFiles(&settings).files(), recent.files());
+        QCOMPARE(RecentFiles(&settings, "recent").files(), recent.files());
+        QVERIFY(RecentFiles(&settings, "others").files().isEmpty());
     }
 
     void aWrongCommandLineIsRefused_data() {
