@@ -1,0 +1,2 @@
+sqlite main
+SELECT * FROM (a) AS (p) WHERE (p).id = 1

@@ -1,0 +1,2 @@
+postgresql 
+SELECT * FROM (x, a) AS (s)

@@ -1,0 +1,2 @@
+postgresql 
+SELECT * FROM (␊␉SELECT , a␊) AS (s)

@@ -1,0 +1,2 @@
+postgresql main
+SELECT NEXTVAL, id, CURRVAL
