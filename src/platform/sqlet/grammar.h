@@ -90,6 +90,7 @@ private:
     void wordPrimary();
     bool isAtStart() const;
     void nameChain();
+    bool isWindow() const;
     void afterCall();
     void afterName();
     bool isIntervalLiteral() const;
@@ -198,7 +199,6 @@ private:
     SqletTable* makeTable(TableForm form, std::uint32_t parens);
 
     // ---- statements: grammar_statement.cpp
-    void statementHead();
     void refuseUnlessSelect();
     TokenIndex openStatementBrackets();
     SqletSelect* select();

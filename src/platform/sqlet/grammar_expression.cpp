@@ -13,6 +13,12 @@ constexpr int maxIntervalDepth = 200;
 
 constexpr KeywordSet intervalUnits = {K::Year, K::Month, K::Day, K::Hour, K::Minute, K::Second};
 
+/// Those behind an expression, in MySQL.
+constexpr KeywordSet expressionUnits = intervalUnits.with(
+    {K::Microsecond, K::Week, K::Quarter, K::SecondMicrosecond, K::MinuteMicrosecond,
+     K::MinuteSecond, K::HourMicrosecond, K::HourSecond, K::HourMinute, K::DayMicrosecond,
+     K::DaySecond, K::DayMinute, K::DayHour, K::YearMonth});
+
 /// Words that cannot be operands, in any dialect: an expression in front of them is missing.
 constexpr KeywordSet neverOperands = {
     K::From,  K::Where, K::Group, K::Having, K::Order, K::Union,   K::Except, K::Intersect,
@@ -174,9 +180,16 @@ void Grammar::afterName() {
     afterCall();
 }
 
+/// OVER (..) and OVER w; where no name follows, OVER is one.
+bool Grammar::isWindow() const {
+    if (!is(K::Over)) return false;
+    return next().kind == T::LeftParen ||
+           (isName(next()) && (next().flags & SQLET_WORD_RESERVED) == 0);
+}
+
 void Grammar::afterCall() {
     for (;;) {
-        if (is(K::Over)) {
+        if (isWindow()) {
             advance();
             if (is(T::LeftParen))
                 skipBrackets();
@@ -259,11 +272,7 @@ void Grammar::expressionWithUnit() {
         beyondLimit(m_position, "more than 200 nested intervals");
     expression(Reach::Operand);
     --m_state.intervalDepth;
-    const Keyword word = here().keyword;
-    const bool isUnit = is(T::Word) && !isComparisonWordAt(m_position) &&
-                        !neverOperands.contains(word) && !m_dialect.clauseWords.contains(word) &&
-                        word != K::Asc && word != K::Desc;
-    if (!isUnit) return;
+    if (!expressionUnits.contains(here().keyword)) return;
     advance();
     if (is(T::LeftParen)) skipBrackets();
 }

@@ -508,7 +508,8 @@ bool Grammar::isFlashback() const {
     const Token& time = at(m_position + 2);
     return time.kind == T::String || time.kind == T::Parameter || time.kind == T::LeftParen ||
            time.keyword == K::Timestamp || time.keyword == K::Scn || time.keyword == K::Period ||
-           (time.kind == T::Word && at(m_position + 3).kind == T::LeftParen);
+           (time.kind == T::Word && at(m_position + 3).kind == T::LeftParen &&
+            !m_dialect.sourceEnds.contains(time.keyword));
 }
 
 void Grammar::takeTimeKind() {
