@@ -36,21 +36,10 @@ public:
         return result;
     }
 
-    constexpr KeywordSet without(std::initializer_list<Keyword> words) const {
-        KeywordSet result = *this;
-        for (const Keyword word : words)
-            result.remove(word);
-        return result;
-    }
-
 private:
     constexpr void add(Keyword word) {
         const auto index = static_cast<std::size_t>(word);
         if (word != Keyword::None) m_bits[index / 64] |= std::uint64_t{1} << (index % 64);
-    }
-    constexpr void remove(Keyword word) {
-        const auto index = static_cast<std::size_t>(word);
-        m_bits[index / 64] &= ~(std::uint64_t{1} << (index % 64));
     }
 
     std::array<std::uint64_t, keywordCount / 64 + 1> m_bits{};

@@ -127,7 +127,9 @@ void Grammar::topClause(SqletSelect& select) {
     const TokenIndex first = m_position;
     takeStructure();
     select.limit.count = rowCount();
-    if (select.limit.count && *select.limit.count == '0') unsupported(first, "TOP 0");
+    // In a derived table it may be what makes its ORDER BY legal.
+    if (!select.limit.count) unsupported(first, "TOP with all rows");
+    if (*select.limit.count == '0') unsupported(first, "TOP 0");
     if (is(K::Percent)) unsupported(m_position, "PERCENT");
     if (is(K::With) && nextIs(K::Ties)) unsupported(m_position, "WITH TIES");
     select.parts[static_cast<int>(Part::Limit)] = spanFrom(first);
