@@ -6,7 +6,6 @@
 #include <stdexcept>
 
 #include "model/detached_parts.h"
-#include "platform/sqlet/lexer.h"
 
 namespace QB::Cli {
 namespace {
@@ -20,25 +19,12 @@ bool isBlank(const std::string& text) {
     return text.find_first_not_of(" \t\r\n\f\v", start) == std::string::npos;
 }
 
-QBParseOutcome nothingThere() {
+QBParseOutcome nothingThere(const std::string& text) {
     QBParseOutcome outcome;
     outcome.verdict = QBParseOutcome::Verdict::NotSelect;
     outcome.message = "there is no statement in the text";
+    outcome.error = {static_cast<std::int32_t>(text.size()), 0};
     return outcome;
-}
-
-/// Where the statement begins that a text with several must not have, or that is no SELECT: the
-/// parser's verdicts on whole texts name no place. A length of 0 at the end if there is no token.
-QBRange unwantedStatement(const std::string& text, DatabaseType type, bool isSecond) {
-    const sqlet::TokenList list = sqlet::lex(text, parserDialect(type));
-    const auto isSemicolon = [](const sqlet::Token& token) {
-        return token.kind == sqlet::TokenKind::Semicolon;
-    };
-    auto start = list.tokens.begin();
-    if (isSecond) start = std::find_if(start, list.tokens.end(), isSemicolon);
-    start = std::find_if_not(start, list.tokens.end(), isSemicolon);
-    const sqlet::Token& found = start == list.tokens.end() ? list.tokens.back() : *start;
-    return {static_cast<std::int32_t>(found.offset), static_cast<std::int32_t>(found.length)};
 }
 
 }  // namespace
@@ -49,13 +35,8 @@ ParsedStatement::ParsedStatement(const std::string& text, DatabaseType type,
     , m_schema(schema)
     , m_statement(std::make_unique<SQLSelectStmtComponent>())
     , m_outcome(isBlank(text)
-                    ? nothingThere()
-                    : QBQueryParser::parseStatement(m_statement.get(), text, type, schema)) {
-    const bool isSecond = m_outcome.verdict == QBParseOutcome::Verdict::SeveralStatements;
-    const bool isOther = m_outcome.verdict == QBParseOutcome::Verdict::NotSelect;
-    if (m_outcome.error.location < 0 && (isSecond || isOther))
-        m_outcome.error = unwantedStatement(text, type, isSecond);
-}
+                    ? nothingThere(text)
+                    : QBQueryParser::parseStatement(m_statement.get(), text, type, schema)) {}
 
 ParsedStatement::~ParsedStatement() {
     destroyUnownedClauses(m_statement.get());

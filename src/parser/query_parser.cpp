@@ -42,17 +42,22 @@ Verdict verdictOf(int errorKind) {
     }
 }
 
+QBRange rangeOf(SqletStretch stretch) {
+    return {stretch.start, stretch.length};
+}
+
 /// What is wrong with a text for the parser library; accepted if nothing is.
 QBParseOutcome outcomeOf(SqletParser* parser) {
     if (sqlet_number_of_error(parser) > 0) {
-        const SqletStretch at = sqlet_error_stretch(parser);
         return parseError(verdictOf(sqlet_error_kind(parser)), sqlet_last_error_msg(parser),
-                          {at.start, at.length});
+                          rangeOf(sqlet_error_stretch(parser)));
     }
     if (sqlet_is_multi_stmts(parser))
-        return failure(Verdict::SeveralStatements, localized(Tolk::TextSeveralStatements));
+        return failure(Verdict::SeveralStatements, localized(Tolk::TextSeveralStatements),
+                       rangeOf(sqlet_unwanted_stretch(parser)));
     if (sqlet_last_stmt_type(parser) != SQLET_STATEMENT_SELECT)
-        return failure(Verdict::NotSelect, localized(Tolk::TextOnlySelect));
+        return failure(Verdict::NotSelect, localized(Tolk::TextOnlySelect),
+                       rangeOf(sqlet_unwanted_stretch(parser)));
     return {};
 }
 

@@ -45,9 +45,7 @@ std::string told(const QBParseOutcome& outcome, const std::string& text) {
     if (outcome.isAccepted())
         return outcome.message.empty() ? "accepted" : "accepted with a message";
     if (outcome.message.empty()) return "refused without a message";
-    const bool hasPlace =
-        outcome.verdict != Verdict::SeveralStatements && outcome.verdict != Verdict::NotSelect;
-    if (hasPlace && (place < 0 || length < 0 || place + std::int64_t{length} > size))
+    if (place < 0 || length < 0 || place + std::int64_t{length} > size)
         return "refused without a place: " + outcome.message;
     return nameOf(outcome.verdict);
 }

@@ -75,7 +75,8 @@ inline void AccessorDump::addNull() {
     const bool noStatement =
         sqlet_number_of_error(nullptr) == 0 && sqlet_is_multi_stmts(nullptr) == 0 &&
         sqlet_last_stmt_type(nullptr) == 0 && !sqlet_select(nullptr) &&
-        sqlet_error_kind(nullptr) == 0 && sqlet_error_stretch(nullptr).start <= 0;
+        sqlet_error_kind(nullptr) == 0 && sqlet_error_stretch(nullptr).start <= 0 &&
+        sqlet_unwanted_stretch(nullptr).start < 0;
     sqlet_last_error_msg(nullptr);
     sqlet_position_text(nullptr, 0);
     sqlet_select_by_parts(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,

@@ -1,5 +1,6 @@
 #include "platform/sqlet/parser.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 
@@ -150,6 +151,19 @@ int sqlet_error_kind(SqletParser* parser) {
 SqletStretch sqlet_error_stretch(SqletParser* parser) {
     if (!parser || parser->error.kind == SQLET_ERROR_NONE) return {-1, 0};
     return {static_cast<int>(parser->error.offset), static_cast<int>(parser->error.length)};
+}
+
+SqletStretch sqlet_unwanted_stretch(SqletParser* parser) {
+    if (!parser || parser->tokens.tokens.empty()) return {-1, 0};
+    const std::vector<sqlet::Token>& tokens = parser->tokens.tokens;
+    const auto isSemicolon = [](const sqlet::Token& token) {
+        return token.kind == sqlet::TokenKind::Semicolon;
+    };
+    auto start = tokens.begin();
+    if (parser->isMultiple) start = std::find_if(start, tokens.end(), isSemicolon);
+    start = std::find_if_not(start, tokens.end(), isSemicolon);
+    const sqlet::Token& found = start == tokens.end() ? tokens.back() : *start;
+    return {static_cast<int>(found.offset), static_cast<int>(found.length)};
 }
 
 const char* sqlet_position_text(SqletParser* parser, int offset) {

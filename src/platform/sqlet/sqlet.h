@@ -179,6 +179,9 @@ SQLET_API int sqlet_error_kind(SqletParser* parser);
 /// Where the first error is, in bytes; start -1 if there is none. The length is that of the token
 /// met, at least 1 unless the text ends there.
 SQLET_API SqletStretch sqlet_error_stretch(SqletParser* parser);
+/// The token with which the statement begins that a text of one SELECT must not have: the second of
+/// several, or else the first. Of length 0, at the end, if there is none.
+SQLET_API SqletStretch sqlet_unwanted_stretch(SqletParser* parser);
 /// "line L, column C" of the byte @p offset of the text.
 SQLET_API const char* sqlet_position_text(SqletParser* parser, int offset);
 

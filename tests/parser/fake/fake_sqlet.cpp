@@ -62,6 +62,9 @@ int sqlet_error_kind(SqletParser* p) {
 SqletStretch sqlet_error_stretch(SqletParser* p) {
     return p->errors > 0 ? SqletStretch{3, 4} : SqletStretch{-1, 0};
 }
+SqletStretch sqlet_unwanted_stretch(SqletParser*) {
+    return {5, 6};
+}
 const char* sqlet_position_text(SqletParser*, int) {
     return "line 1, column 3";
 }
