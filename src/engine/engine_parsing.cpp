@@ -80,6 +80,8 @@ private:
                                  &result.message, &result.range);
         } catch (std::runtime_error* error) {
             result.message = std::unique_ptr<std::runtime_error>(error)->what();
+        } catch (const std::exception& error) {
+            result.message = error.what();  // short of memory, most likely
         }
         return true;
     }

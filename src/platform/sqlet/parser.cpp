@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <new>
 
 #include "platform/sqlet/dialect.h"
 #include "platform/sqlet/grammar.h"
@@ -82,6 +83,27 @@ std::string SqletParser::positionText(std::uint32_t offset) const {
     return "line " + std::to_string(position.line) + ", column " + std::to_string(position.column);
 }
 
+namespace sqlet {
+
+namespace {
+
+/// A C caller cannot catch what memory that is short throws.
+void parseWithin(SqletParser& parser, std::string_view text) {
+    try {
+        parser.text.assign(text);
+        parse(parser);
+    } catch (const std::bad_alloc&) {
+        parser.select = nullptr;
+        parser.statementType = SQLET_STATEMENT_OTHER;
+        parser.tokens = {};
+        parser.error = {SQLET_ERROR_LIMIT, 0, 0, "the text needs more memory than there is"};
+    }
+}
+
+}  // namespace
+
+}  // namespace sqlet
+
 SqletParser* sqlet_create(int dialect, const char* text, int /*one*/) {
     return sqlet_create_in_schema(dialect, text, nullptr);
 }
@@ -100,8 +122,7 @@ SqletParser* sqlet_create_in_schema(int dialect, const char* text, const char* d
         parser->fail(SQLET_ERROR_LIMIT, 0, 0, "the text is longer than 2 GiB");
         return parser;
     }
-    parser->text.assign(text, length);
-    sqlet::parse(*parser);
+    sqlet::parseWithin(*parser, std::string_view(text, length));
     return parser;
 }
 
