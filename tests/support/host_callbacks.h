@@ -88,15 +88,16 @@ private:
     /// @p name between @p open and @p close, and @p close doubled in it. Without a detour, since
     /// the benchmarks of generated text count this, too.
     static std::string enclosed(char open, const std::string& name, char close) {
-        std::string all(name.size() + 2, close);
-        all.front() = open;
-        std::copy(name.begin(), name.end(), all.begin() + 1);
-        std::size_t at = name.find(close);
-        for (std::size_t doubled = 1; at != std::string::npos; ++doubled) {
-            all.insert(at + doubled, 1, close);
-            at = name.find(close, at + 1);
+        std::string all;
+        all.reserve(name.size() + 2);
+        all += open;
+        std::size_t written = 0;
+        for (std::size_t at = name.find(close); at != std::string::npos;
+             at = name.find(close, at + 1)) {
+            all.append(name, written, at + 1 - written) += close;
+            written = at + 1;
         }
-        return all;
+        return all.append(name, written, std::string::npos) += close;
     }
 
     static HostCallbacks*& current() {
