@@ -37,7 +37,7 @@ GATES = [
     Gate("text to components, the gate included, 1 kB", "parse_bench", "^components_and_gate/1kB",
          "*measuredParse*", 900, 900),
     Gate("components to text with ranges, 1 kB", "generate_bench", "^textAndRanges/1kB",
-         "*measuredGeneration*", 130, 90),
+         "*measuredGeneration*", 90, 90),
     *[Gate(f"text to tokens, dialect {dialect}", "lexer_bench",
            f"^tokens<ordinaryText>/1024/{dialect}/", "sqlet::lex(*", 45, 45, bytes=1024)
       for dialect in range(1, 6)],

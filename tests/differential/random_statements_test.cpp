@@ -123,6 +123,9 @@ TEST_P(RandomStatements, KeepTheirMeaningOrAreRefused) {
     const std::vector<Candidate> found = culprits();
     printCounts(first);
     EXPECT_FALSE(session->ask("SELECT 1").isRefused) << "the server died on the way";
+    EXPECT_GT(static_cast<unsigned>(m_withRows), count / 2) << "the statements show too little";
+    EXPECT_GT(static_cast<unsigned>(m_results[name(Examined::Same)]), count / 2)
+        << "too few were compared";
     for (std::size_t i = 0; i < found.size() && i < 12; ++i)
         ADD_FAILURE() << smallest(found[i]);
     if (!std::getenv("JOINERY_BACKLOG")) return;
