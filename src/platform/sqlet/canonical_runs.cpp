@@ -148,12 +148,23 @@ void RunTable::markJoin(const SqletTable& join) {
         Run alias{Run::Kind::JoinAlias, join.alias, {}};
         alias.table = &join;
         mark(first, alias);
+        markRedundantBrackets(m_parser.tokens.partner[first - 1], join.alias);
     }
     if (isAlwaysTrue(join.on))
         m_implied[join.span.last].isAlwaysTrueBehind = true;
     else
         markCondition(join.on);
     markDeferredCondition(*join.right);
+}
+
+/// Around a bracket with its alias.
+void RunTable::markRedundantBrackets(TokenIndex first, TokenIndex last) {
+    while (first != noToken && isInBrackets(first, last)) {
+        --first;
+        ++last;
+        mark(first, {Run::Kind::Redundant, first, {}});
+        mark(last, {Run::Kind::Redundant, last, {}});
+    }
 }
 
 /// In a JOIN b JOIN c ON .. ON .. the right side is a join without brackets; it means one in

@@ -66,6 +66,7 @@ private:
     void markSources(const SqletTable* root, SourceNumbers& sources);
     void markSource(const SqletTable& table);
     void markJoin(const SqletTable& join);
+    void markRedundantBrackets(TokenIndex first, TokenIndex last);
     void markDeferredCondition(const SqletTable& right);
     void markImpliedOrder(const SqletSelect& select);
 

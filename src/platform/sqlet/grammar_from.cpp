@@ -397,9 +397,10 @@ void Grammar::sourceHead(SqletTable* table) {
     while (is(T::Dot) || isSymbol(m_position, "::"))
         advance();  // .t in MySQL, ..t and ::f() in SQL Server
     if (!isName(here())) unexpected("a table");
-    const bool isReserved =
-        is(T::Word) && (here().flags & SQLET_WORD_RESERVED) != 0 && next().kind != T::LeftParen;
-    if (isReserved && !is(K::Dual)) unexpected("a table");
+    const bool isReserved = is(T::Word) && (here().flags & SQLET_WORD_RESERVED) != 0;
+    const bool isFunction =
+        next().kind == T::LeftParen && !m_dialect.clauseWords.contains(here().keyword);
+    if (isReserved && !isFunction && !is(K::Dual)) unexpected("a table");
     nameChain();
     afterName();
     const bool hasMark = is(T::LeftParen) && isSymbol(m_position + 1, "+");
