@@ -16,6 +16,10 @@ enum class Reach : std::uint8_t {
     Whole,    ///< with AND and OR
 };
 
+/// How deep brackets may nest: groups of conditions, joins, and those that a deferred condition
+/// adds.
+constexpr std::uint32_t maxGroupDepth = 200;
+
 /// Why a statement was given up; thrown inside the parser only.
 struct Refusal {
     SqletErrorKind kind;
@@ -43,7 +47,7 @@ private:
     /// Of the statement that is read at the moment. Brackets are counted with those around it, so
     /// that the depth of all nesting is bounded.
     struct StatementState {
-        int groupDepth = 0;
+        std::uint32_t groupDepth = 0;
         int intervalDepth = 0;
         bool hasFetchWords = false;
     };
@@ -140,7 +144,7 @@ private:
     SqletExpr* makeExpr(ExprForm form, TokenSpan span, std::uint32_t parens);
     bool endsTerm();
 
-    // ---- sources: grammar_from.cpp
+    // ---- sources: grammar_joins.cpp and grammar_from.cpp
     struct JoinOperator {
         const char* text = nullptr;
         TokenSpan words;

@@ -10,8 +10,6 @@ namespace {
 using K = Keyword;
 using T = TokenKind;
 
-constexpr int maxGroupDepth = 200;
-
 }  // namespace
 
 SqletExpr* Grammar::condition() {
