@@ -12,8 +12,8 @@ namespace QB::Cli {
 /// Returns: ExitOk, whatever the lines were; ExitIo if reading or writing failed.
 ExitCode runRoundtrip(const CommandLine& options);
 
-/// The answer to one line, without a line feed. @p line can hold anything; where memory runs out, or
-/// has run out before @p line was whole, that is the answer.
+/// The answer to one line, without a line feed. @p line can hold anything; where memory runs out,
+/// or has run out before @p line was whole, that is the answer.
 std::string answerLine(std::string_view line, const CommandLine& options, bool isWhole);
 
 }  // namespace QB::Cli

@@ -235,9 +235,8 @@ void QBEngine::postModified(TopLevelQueryComponentElementEnum element, int layer
 
 QBNotificationParameters QBEngine::modifiedParameters(
     const std::set<TopLevelQueryComponentElementEnum>& elements, int layer, void* sender) {
-    QBNotificationParameters params = {{"layer", layer},
-                                       {"sender", sender},
-                                       {"elements.size", static_cast<int>(elements.size())}};
+    QBNotificationParameters params = {
+        {"layer", layer}, {"sender", sender}, {"elements.size", static_cast<int>(elements.size())}};
     int index = 0;
     for (const TopLevelQueryComponentElementEnum element : elements)
         params["elements[" + std::to_string(index++) + "]"] = static_cast<int>(element);
