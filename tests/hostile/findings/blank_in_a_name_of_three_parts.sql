@@ -1,0 +1,2 @@
+sqlite main
+SELECT t. t.a FROM main.t, u
