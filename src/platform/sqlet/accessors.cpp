@@ -41,39 +41,9 @@ const char* lazyName(Node* node, const char* NodeTexts::*slot, TokenIndex token)
                     [token](const SqletParser& owner) { return decoded(owner, token); });
 }
 
-/// True for a name with qualifiers and something between its parts: t . a
-bool isLooseChain(const SqletParser& owner, sqlet::TokenSpan span) {
-    constexpr TokenIndex longest = 6;  // a.b.c.d
-    if (span.isEmpty() || span.last == span.first || span.last - span.first > longest) return false;
-    bool isLoose = false;
-    for (TokenIndex i = span.first; i <= span.last; ++i) {
-        const sqlet::Token& token = owner.tokens[i];
-        const bool isDot = (i - span.first) % 2 == 1;
-        const bool isPart =
-            token.kind == sqlet::TokenKind::Word || token.kind == sqlet::TokenKind::QuotedName;
-        if (isDot ? token.kind != sqlet::TokenKind::Dot : !isPart) return false;
-        if (i < span.last && (token.flags & sqlet::TokenTouchesNext) == 0) isLoose = true;
-    }
-    return isLoose && (span.last - span.first) % 2 == 0;
-}
-
-std::string withoutGaps(const SqletParser& owner, sqlet::TokenSpan span) {
-    std::string text;
-    for (TokenIndex i = span.first; i <= span.last; ++i)
-        text += owner.textOf(i);
-    return text;
-}
-
-/// As written; but a name that is shown as text loses what stands around its dots. Whether it is a
-/// name depends on the statement around it, and its blanks must not come and go with that.
 template <typename Node>
 const char* complexOf(Node* node) {
-    if (!node) return nullptr;
-    const bool isText = node->form == decltype(node->form)::Text;
-    if (!isText || !isLooseChain(*node->owner, node->span))
-        return lazySpan(node, &NodeTexts::complex, node->span);
-    return lazyText(node, &NodeTexts::complex,
-                    [node](const SqletParser& owner) { return withoutGaps(owner, node->span); });
+    return node ? lazySpan(node, &NodeTexts::complex, node->span) : nullptr;
 }
 
 template <typename Node>

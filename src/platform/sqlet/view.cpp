@@ -264,9 +264,10 @@ bool ViewSettler::isLongPathKept(const NameChain& chain, const SourceScope::Entr
 
 /// True if the schema in @p chain is spelled as that of @p source, or nothing else is known.
 bool ViewSettler::isSchemaOf(const SqletTable& source, const NameChain& chain) const {
-    if (schemaDepth(source) == 0) return true;
-    const TokenIndex schema = chain.qualifier(chain.qualifierCount() - 2);
-    return decoded(schema) == decoded(nameChainOf(source).innermost());
+    const std::string schema = decoded(chain.qualifier(chain.qualifierCount() - 2));
+    if (schemaDepth(source) > 0) return schema == decoded(nameChainOf(source).innermost());
+    const std::string bare = m_parser.defaultSchema.value_or("");
+    return bare.empty() || schema == bare;
 }
 
 // ---- coverage -------------------------------------------------------------------------------
