@@ -188,12 +188,18 @@ public:
     /// Replaces the function that finds the foreign keys between an object and others; referencing
     /// field first. Any thread.
     void registerForeignKeySearcher(const QBForeignKeySearcher& searcher);
+    /// Replaces the function that finds the same keys one by one; where it is set it is asked
+    /// instead of the other one. Any thread.
+    void registerForeignKeyConstraintSearcher(const QBForeignKeyConstraintSearcher& searcher);
     /// Calls the updater, if one is set, on this thread.
     void triggerIdentifierCandidateChildrenUpdater(IQBIdentifierCandidateAccessor* accessor,
                                                    QBIdentifierCandidate* node) const;
     /// What the searcher finds; nothing if none is set. A worker calls core()->searcher() instead.
     QBForeignKeys triggerForeignKeySearcher(const QBIdentifierObjectPath& object,
                                             const std::set<QBIdentifierObjectPath>& others) const;
+    /// The keys one by one, in the order of their first pairs; see QBEngineCore::foreignKeys.
+    std::vector<QBForeignKeyConstraint> triggerForeignKeyConstraintSearcher(
+        const QBIdentifierObjectPath& object, const std::set<QBIdentifierObjectPath>& others) const;
 
     /// Requests wait until refreshRequestedIdentifierCandidateChildren. @p force fetches a node
     /// that already has children. Any thread.

@@ -50,6 +50,13 @@ public:
     QBCandidateChildrenUpdater updater() const;
     void setSearcher(const QBForeignKeySearcher& searcher);
     QBForeignKeySearcher searcher() const;
+    void setConstraintSearcher(const QBForeignKeyConstraintSearcher& searcher);
+    /// The foreign keys between @p object and @p others, one by one, in the order of their first
+    /// pairs. Without a searcher that tells keys apart, the pairs of the other searcher between the
+    /// same two tables count as one key as long as no field occurs twice in it.
+    /// Asks the host's function on this thread, with no lock held.
+    std::vector<QBForeignKeyConstraint> foreignKeys(
+        const QBIdentifierObjectPath& object, const std::set<QBIdentifierObjectPath>& others) const;
 
     void addRequest(RefreshRequest request);
     /// All waiting requests; the queue is empty afterwards.
@@ -74,6 +81,7 @@ private:
     mutable std::mutex m_callbackMutex;
     QBCandidateChildrenUpdater m_updater;
     QBForeignKeySearcher m_searcher;
+    QBForeignKeyConstraintSearcher m_constraintSearcher;
     std::mutex m_requestMutex;
     std::vector<RefreshRequest> m_requests;
 };

@@ -81,6 +81,14 @@ using QBForeignKeys = std::set<std::pair<QBIdentifierFieldPath, QBIdentifierFiel
 using QBForeignKeySearcher = std::function<QBForeignKeys(const QBIdentifierObjectPath& object,
                                                          const std::set<QBIdentifierObjectPath>&)>;
 
+/// One foreign key: its pairs of a referencing and a referenced field, in the order of the key.
+using QBForeignKeyConstraint = std::vector<std::pair<QBIdentifierFieldPath, QBIdentifierFieldPath>>;
+
+/// The host's function that finds the same keys one by one, so that two keys between two tables
+/// are not taken for one of several fields.
+using QBForeignKeyConstraintSearcher = std::function<std::vector<QBForeignKeyConstraint>(
+    const QBIdentifierObjectPath& object, const std::set<QBIdentifierObjectPath>&)>;
+
 /// The accessor over the tree of one engine; keeps the tree alive.
 class QBEngineIdentifierCandidateAccessor : public IQBIdentifierCandidateAccessor {
 public:

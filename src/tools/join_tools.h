@@ -1,0 +1,88 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/engine.h"
+#include "layouts/components_list_layout.h"
+#include "model/components.h"
+
+/// How links between sources change the join tree of the current layer, and what of it a link sees.
+///
+/// Operations that take an engine and a sender make one modification of the FROM clause each, with
+/// one notification when something changed; what they take out is retired. Not inside another
+/// modification block.
+/// Thread: main.
+namespace QB::Tools::SQL {
+
+/// The names of the two fields that a link compares.
+using FieldPair = std::pair<std::string, std::string>;
+
+/// Joins two sources of the current FROM clause, named sources or subqueries, and appends the
+/// condition that their fields are equal.
+///
+/// The comma between the groups that hold them becomes an INNER JOIN, after the groups were moved
+/// next to each other if they were not; a join of another kind keeps its kind. Between sources that
+/// are joined already only the condition is new, on the innermost join that holds both. No source
+/// and no condition is lost, and each condition sees its sources. A join with a USING list takes
+/// one more name when both names are equal.
+/// With both names empty the groups are joined without condition. Nothing happens for a source that
+/// is null, of another kind, not in this FROM clause, or linked with itself.
+void makeJoinLinkIfNecessary(QBEngine* engine, void* sender,
+                             Component::SQL::SQLAbstractSourceComponent* sourceA,
+                             const std::string& fieldA,
+                             Component::SQL::SQLAbstractSourceComponent* sourceB,
+                             const std::string& fieldB);
+
+/// The same with several conditions in one modification, as for the pairs of a composite key; none
+/// joins the groups without condition.
+void makeJoinLinkIfNecessary(QBEngine* engine, void* sender,
+                             Component::SQL::SQLAbstractSourceComponent* sourceA,
+                             Component::SQL::SQLAbstractSourceComponent* sourceB,
+                             const std::vector<FieldPair>& fields);
+
+/// Removes links: of each join listed the compare condition that comes with it, or with a null one
+/// all that binds the two sides, so that the join becomes a comma. Only the first pair of a join
+/// counts. Sources stay. A join that loses its last condition keeps its kind. Conditions of later
+/// joins that no longer see their sources are removed, too.
+void removeJoins(
+    QBEngine* engine, void* sender,
+    const std::vector<std::pair<Component::SQL::SQLJoinSourceNodeComponent*,
+                                Component::SQL::SQLCompareConditionComponent*>>& joins);
+
+/// The field columns in the condition of the join in @p joinNode, each with the source below the
+/// join that it belongs to. Columns without such a source are left out; @p result is replaced.
+void findParentItemComponentOfJoinConditionFieldComponent(
+    const Component::SQL::SourceNode* joinNode,
+    std::map<Component::SQL::SQLFieldColumnComponent*, Component::SQL::SQLAbstractSourceComponent*>&
+        result);
+
+/// Which of @p items stand left and which right of a join in its group, for placing the ends of a
+/// link. Items of other groups are left out; the lists are replaced.
+void checkItemComponentsSideOnJoinComponent(
+    Component::SQL::SourceNode* root, Component::SQL::SourceNode* joinNode,
+    const std::vector<Component::SQL::SQLAbstractSourceComponent*>& items,
+    std::vector<Component::SQL::SQLAbstractSourceComponent*>& left,
+    std::vector<Component::SQL::SQLAbstractSourceComponent*>& right);
+
+/// The named sources and subqueries that the condition of the join in @p row may name: those below
+/// the join, brackets in between included; first its left side from the right to the left, then its
+/// right side. Free-text sources do not count.
+/// Null for a null or empty layout, for a row that is not there and for one that holds no join.
+/// Ownership: the caller owns the list.
+std::vector<Component::SQL::SQLAbstractSourceComponent*>* joinConditionRelatedSources(
+    QBComponentsListLayout* layout, int row);
+
+}  // namespace QB::Tools::SQL
+
+namespace QB::Tools::Validation {
+
+/// The conditions in the chain of the join in @p row, at any depth of brackets, that name a source
+/// which the join cannot see. Empty if there is no such row, or it holds no join.
+/// Thread: main.
+std::vector<Component::SQL::SQLAbstractConditionComponent*> invalidateJoinConditions(
+    QBComponentsListLayout* layout, unsigned long row, QBEngine* engine);
+
+}  // namespace QB::Tools::Validation
