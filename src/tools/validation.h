@@ -1,9 +1,6 @@
 #pragma once
 
-#include <cstdint>
 #include <map>
-#include <string>
-#include <vector>
 
 #include "engine/engine.h"
 #include "model/components.h"
@@ -12,12 +9,18 @@
 /// removed components, and reports the rest. Never removes a component; the text does not depend on
 /// validity.
 ///
-/// Each function runs in one modification of its element. It is announced if a reference was
-/// repaired, or a column names a path that no source has and @p known, what the caller has from the
-/// check before, does not hold that column for that reason; without @p known such a column is
-/// announced each time. So a panel that hands in its map is not set off by its own check again.
+/// Each function but the one for sources runs in one modification of its element. It is announced
+/// if a reference was repaired, or if a column names a path that no source has and @p known, what
+/// the caller has from the check before, does not hold it for that reason, or for the source that
+/// it lost in that check; without @p known such a column is announced each time. So a panel that
+/// hands in its map is not set off by its own check again. Where the host runs main-thread closures
+/// at once the panel has no new map yet while the announcement runs: it must not check then.
 /// A map's keys are compared, never dereferenced: what they name may be gone when they are used.
-/// Thread: main.
+///
+/// Names are compared exactly. A table that the candidates do not have passes with all of its
+/// fields; one whose fields are not fetched has none: who checks does it again when fields came.
+/// The result is empty without engine or statement, and for an element of another kind.
+/// Thread: main; not inside another modification block.
 namespace QB::Tools::Validation {
 
 /// Why a component is marked. The numbers are part of the contract with the panels.
@@ -36,8 +39,11 @@ using InvalidConditions = std::map<Component::SQL::SQLAbstractConditionComponent
 using InvalidColumns = std::map<Component::SQL::SQLAbstractColumnComponent*, int>;
 using InvalidSources = std::map<Component::SQL::SQLAbstractSourceComponent*, int>;
 
-/// The values in the chain in @p root; @p element is the clause that it belongs to, ElementSource
-/// for the condition of a join.
+/// The values in the chain in @p root, at any depth of brackets, each with its first fault;
+/// @p element is the clause of the current layer that it belongs to, ElementSource for the
+/// condition of a join. Both bounds of a BETWEEN are its right side. A condition where a value is
+/// expected, which no panel can show, counts as a missing value; what is in it is checked as well.
+/// Shape: @p root is a slot that exists, *root may be null.
 InvalidConditions invalidateConditionComponents(
     Component::SQL::SQLAbstractConditionComponent** root, int element, QBEngine* engine,
     void* sender, const InvalidConditions* known = nullptr);
@@ -46,21 +52,12 @@ InvalidConditions invalidateConditionComponents(
 InvalidColumns invalidateRefComponents_selectColumn(int element, QBEngine* engine, void* sender,
                                                     const InvalidColumns* known = nullptr);
 
-/// The columns of GROUP BY or ORDER BY; empty for another element than these two.
+/// The columns of GROUP BY or ORDER BY; empty for another element than these two. Of a column that
+/// refers to one of the SELECT list only that is tested.
 InvalidColumns invalidateRefComponents_column(int element, QBEngine* engine, void* sender,
                                               const InvalidColumns* known = nullptr);
 
-/// The sources of the FROM clause.
+/// The derived tables of the FROM clause that have no alias. Changes nothing.
 InvalidSources invalidateSourceComponents(QBEngine* engine, void* sender);
 
 }  // namespace QB::Tools::Validation
-
-namespace QB::Tools {
-
-/// @p statement with @p path, and every statement of a subquery source with an alias below it, at
-/// any depth, with the path of aliases that leads there.
-std::map<Component::AbstractTopLevelQueryComponent*, std::vector<std::string>>
-collectSourceFieldLists(Component::AbstractTopLevelQueryComponent* statement,
-                        const std::vector<std::string>& path);
-
-}  // namespace QB::Tools

@@ -1,0 +1,140 @@
+#include "tools/validation_scope.h"
+
+#include <utility>
+
+#include "model/element_expressions.h"
+#include "model/kind_of.h"
+#include "model/tree_walks.h"
+#include "tools/identifier_tools.h"
+
+namespace QB::Tools::Validation {
+
+using namespace Component;
+using namespace Component::SQL;
+
+namespace {
+
+using Source = SQLAbstractSourceComponent;
+using Names = std::vector<std::string>;
+
+/// A field can name a leaf, or a bracket by its alias.
+bool canBeNamed(const Source* source) {
+    if (ifKind<SQLJoinSourceNodeComponent>(source)) return false;
+    return !source->alias.empty() || !ifKind<SQLBracketedSourceNodeComponent>(source);
+}
+
+template <typename Visit>
+void visitSources(const SQLSelectStmtComponent* statement, const Visit& visit) {
+    visitSourceNodes(statement->sourceExpr->root, [&visit](const SourceNode* node) {
+        if (canBeNamed(node->value)) visit(node->value);
+    });
+}
+
+Names pathOf(const SQLIdentifierSourceComponent* source) {
+    Names path = source->path;
+    path.push_back(source->name);
+    return path;
+}
+
+/// True if @p inner is the right side of a join of a kind that the model does not know. CROSS APPLY
+/// and its kin are such; of the others we cannot tell.
+bool maySeeAround(const AbstractTopLevelQueryComponent* inner,
+                  const SQLSelectStmtComponent* outer) {
+    bool isFound = false;
+    visitSourceNodes(outer->sourceExpr->root, [&](const SourceNode* node) {
+        const auto* join = ifKind<SQLJoinSourceNodeComponent>(node->value);
+        if (!join || join->joinType != SQLJoinTypeCustom || !node->right) return;
+        const auto* derived = ifKind<SQLSubquerySourceComponent>(node->right->value);
+        isFound = isFound || (derived && derived->subquery == inner);
+    });
+    return isFound;
+}
+
+}  // namespace
+
+bool isUnnamedSubquery(const SQLAbstractSourceComponent* source) {
+    return source->alias.empty() && ifKind<SQLSubquerySourceComponent>(source);
+}
+
+SQLSelectStmtComponent* currentStatement(const QBEngine* engine) {
+    if (!engine) return nullptr;
+    return dynamic_cast<SQLSelectStmtComponent*>(engine->currentTopLevelQueryComponent());
+}
+
+ValidationScope::FieldNames::FieldNames(std::vector<QBIdentifierCandidateSnapshot> children)
+    : fields(std::move(children)) {
+    names.reserve(fields.size());
+    for (const QBIdentifierCandidateSnapshot& field : fields)
+        names.insert(field.name);
+}
+
+ValidationScope::ValidationScope(QBEngine* engine) : m_engine(engine) {
+    addOwnSources(currentStatement(engine));
+    for (int layer = engine->currentTopLevelQueryComponentLayer() - 1; layer >= 0; --layer)
+        addSourcesAround(layer);
+}
+
+void ValidationScope::addOwnSources(const Statement* statement) {
+    visitSources(statement, [this](const Source* source) {
+        m_sources.insert(source);
+        const auto* named = ifKind<SQLIdentifierSourceComponent>(source);
+        if (named) m_byPath.emplace(pathOf(named), source);
+    });
+}
+
+/// The sources of @p layer, which has another one above it.
+void ValidationScope::addSourcesAround(int layer) {
+    const auto* statement = ifKind<Statement>(m_engine->topLevelQueryComponent(layer));
+    if (!statement) return;
+    const bool isSeen = maySeeAround(m_engine->topLevelQueryComponent(layer + 1), statement);
+    visitSources(statement, [&](const Source* source) {
+        m_sources.insert(source);
+        if (isSeen) addOutsideNames(source);
+    });
+}
+
+/// By what names a subquery calls a source outside: those of its text, and with the schema that the
+/// parser puts before the name of a table that it does not find.
+void ValidationScope::addOutsideNames(const Source* source) {
+    const auto* named = ifKind<SQLIdentifierSourceComponent>(source);
+    const bool hasAlias = !source->alias.empty();
+    if (!named && !hasAlias) return;
+    const std::string& name = hasAlias ? source->alias : named->name;
+    m_byPath.emplace(Names{name}, source);
+    m_byPath.emplace(Names{m_engine->currentSchema(), name}, source);
+    if (!hasAlias) m_byPath.emplace(pathOf(named), source);
+}
+
+std::optional<InvalidReason> ValidationScope::findFault(const SQLFieldColumnComponent* field) {
+    const Source* source = field->source;
+    if (source && m_sources.count(source) == 0) return InvalidSource;
+    if (!source && field->parentPath.empty()) return {};
+    if (!source) source = findByPath(field->parentPath);
+    if (!source) return InvalidPath;
+    if (isUnnamedSubquery(source)) return InvalidColumnOfUnnamed;
+    if (field->isAsterisk || mayHaveField(source, field->fieldName)) return {};
+    return InvalidField;
+}
+
+const ValidationScope::Source* ValidationScope::findByPath(const Names& path) const {
+    const auto found = m_byPath.find(path);
+    return found == m_byPath.end() ? nullptr : found->second;
+}
+
+/// True as well if nothing is known of the source.
+bool ValidationScope::mayHaveField(const Source* source, const std::string& field) {
+    const auto [entry, isNew] = m_fieldsOfSource.try_emplace(source, nullptr);
+    if (isNew) entry->second = fieldsOf(source);
+    return !entry->second || entry->second->names.count(field) > 0;
+}
+
+const ValidationScope::FieldNames* ValidationScope::fieldsOf(const Source* source) {
+    const QBIdentifierCandidate* const table =
+        Identifier::findTargetIdentifierCandidate(source, m_engine, false).candidate;
+    if (!table) return nullptr;
+    const auto known = m_fieldsOfCandidate.find(table);
+    if (known != m_fieldsOfCandidate.end()) return &known->second;
+    return &m_fieldsOfCandidate.try_emplace(table, m_engine->childrenSnapshot(table)).first->second;
+}
+
+}  // namespace QB::Tools::Validation
