@@ -39,11 +39,13 @@ struct HostSession::Shared {
         if (!error.isEmpty() && open.isOpen()) reportError(error.toStdString());
     }
 
-    QBForeignKeys search(const QBIdentifierObjectPath& object,
-                         const std::set<QBIdentifierObjectPath>& others) {
+    /// @p find is one of the reader's two forms of the search.
+    template <typename Find>
+    auto search(Find find, const QBIdentifierObjectPath& object,
+                const std::set<QBIdentifierObjectPath>& others) {
         const Database open = current();
         QString error;
-        QBForeignKeys keys = SchemaReader(open).findForeignKeys(object, others, &error);
+        auto keys = (SchemaReader(open).*find)(object, others, &error);
         if (!error.isEmpty() && open.isOpen()) reportError(error.toStdString());
         return keys;
     }
@@ -75,7 +77,12 @@ HostSession::HostSession(const Database& database, QBEngine_LINUX* engine)
     engine->registerForeignKeySearcher(
         [shared = m_shared](const QBIdentifierObjectPath& object,
                             const std::set<QBIdentifierObjectPath>& others) {
-            return shared->search(object, others);
+            return shared->search(&SchemaReader::findForeignKeys, object, others);
+        });
+    engine->registerForeignKeyConstraintSearcher(
+        [shared = m_shared](const QBIdentifierObjectPath& object,
+                            const std::set<QBIdentifierObjectPath>& others) {
+            return shared->search(&SchemaReader::findForeignKeyConstraints, object, others);
         });
     const QBDatabaseInfo info = database.info();
     engine->setDatabaseInfo(info.databaseType, info.databaseVersion);

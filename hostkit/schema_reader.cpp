@@ -166,7 +166,7 @@ private:
     const std::vector<SchemaObject>& m_wanted;
 };
 
-/// Collects the pairs of fields between one object and others.
+/// Collects the keys between one object and others.
 class ForeignKeySearch {
 public:
     ForeignKeySearch(const SchemaReader& reader, const Database& database, QString* error)
@@ -175,24 +175,35 @@ public:
     /// Adds the keys of @p from that refer to one of @p targets.
     void addKeys(const QBIdentifierObjectPath& from,
                  const std::set<QBIdentifierObjectPath>& targets) {
-        const auto keys = m_reader.foreignKeys(schemaOrDefault(from.schema), from.object);
-        if (!keys.isOk() && m_error) *m_error = keys.error;
-        const std::set<std::string> broken = brokenKeys(keys.rows);
-        for (const ForeignKeyField& key : keys.rows)
-            for (const QBIdentifierObjectPath& target : targets)
-                if (!broken.count(key.constraint) && refersTo(key, target)) add(from, key, target);
+        const auto fields = m_reader.foreignKeys(schemaOrDefault(from.schema), from.object);
+        if (!fields.isOk() && m_error) *m_error = fields.error;
+        const auto end = fields.rows.end();
+        for (auto key = fields.rows.begin(); key != end;) {
+            const auto keyEnd = std::find_if(key, end, [&key](const ForeignKeyField& field) {
+                return field.constraint != key->constraint;
+            });
+            addKey(from, {key, keyEnd}, targets);
+            key = keyEnd;
+        }
     }
 
-    QBForeignKeys take() { return std::move(m_pairs); }
+    std::vector<QBForeignKeyConstraint> take() { return std::move(m_keys); }
 
 private:
-    /// The keys of which a referenced field does not exist. Half of a composite key would join rows
-    /// that do not belong together.
-    static std::set<std::string> brokenKeys(const std::vector<ForeignKeyField>& fields) {
-        std::set<std::string> broken;
-        for (const ForeignKeyField& field : fields)
-            if (field.referencedField.empty()) broken.insert(field.constraint);
-        return broken;
+    using Fields = std::vector<ForeignKeyField>;
+
+    /// Half of a composite key would join rows that do not belong together.
+    static bool isBroken(const Fields& key) {
+        return std::any_of(key.begin(), key.end(), [](const ForeignKeyField& field) {
+            return field.referencedField.empty();
+        });
+    }
+
+    void addKey(const QBIdentifierObjectPath& from, const Fields& key,
+                const std::set<QBIdentifierObjectPath>& targets) {
+        if (isBroken(key)) return;
+        for (const QBIdentifierObjectPath& target : targets)
+            if (refersTo(key.front(), target)) m_keys.push_back(constraint(from, key, target));
     }
 
     std::string schemaOrDefault(const std::string& schema) const {
@@ -205,16 +216,19 @@ private:
                sameName(key.referencedSchema, schemaOrDefault(target.schema));
     }
 
-    void add(const QBIdentifierObjectPath& from, const ForeignKeyField& key,
-             const QBIdentifierObjectPath& to) {
-        m_pairs.insert(
-            {{from.schema, from.object, key.field}, {to.schema, to.object, key.referencedField}});
+    static QBForeignKeyConstraint constraint(const QBIdentifierObjectPath& from, const Fields& key,
+                                             const QBIdentifierObjectPath& to) {
+        QBForeignKeyConstraint pairs;
+        for (const ForeignKeyField& field : key)
+            pairs.push_back({{from.schema, from.object, field.field},
+                             {to.schema, to.object, field.referencedField}});
+        return pairs;
     }
 
     const SchemaReader& m_reader;
     const Database& m_database;
     QString* m_error;  // not owned: may be null
-    QBForeignKeys m_pairs;
+    std::vector<QBForeignKeyConstraint> m_keys;
 };
 
 }  // namespace
@@ -256,15 +270,24 @@ QString SchemaReader::fillChildren(IQBIdentifierCandidateAccessor* accessor,
     return wanted.error;
 }
 
-QBForeignKeys SchemaReader::findForeignKeys(const QBIdentifierObjectPath& object,
-                                            const std::set<QBIdentifierObjectPath>& others,
-                                            QString* error) const {
+std::vector<QBForeignKeyConstraint> SchemaReader::findForeignKeyConstraints(
+    const QBIdentifierObjectPath& object, const std::set<QBIdentifierObjectPath>& others,
+    QString* error) const {
     if (!m_database.isOpen()) return {};
     ForeignKeySearch search(*this, m_database, error);
     search.addKeys(object, others);
     for (const QBIdentifierObjectPath& other : others)
-        search.addKeys(other, {object});
+        if (!(other == object)) search.addKeys(other, {object});
     return search.take();
+}
+
+QBForeignKeys SchemaReader::findForeignKeys(const QBIdentifierObjectPath& object,
+                                            const std::set<QBIdentifierObjectPath>& others,
+                                            QString* error) const {
+    QBForeignKeys pairs;
+    for (const QBForeignKeyConstraint& key : findForeignKeyConstraints(object, others, error))
+        pairs.insert(key.begin(), key.end());
+    return pairs;
 }
 
 }  // namespace QB::HostKit

@@ -68,11 +68,17 @@ public:
     [[nodiscard]] QString fillChildren(IQBIdentifierCandidateAccessor* accessor,
                                        QBIdentifierCandidate* candidate) const;
 
-    /// The foreign keys between @p object and @p others, in both directions, referencing field
-    /// first; self references when @p object is among the others. Schemas and objects are spelled
-    /// as in the arguments, fields as the server spells them. A key that refers to a field which
-    /// does not exist is left out as a whole. An empty schema stands for the default one. An error
-    /// is reported through @p error when given; what was found stays.
+    /// The foreign keys between @p object and @p others, in both directions, each with all its
+    /// pairs in the order of the key, referencing field first; self references when @p object is
+    /// among the others. Those of @p object come first. Schemas and objects are spelled as in the
+    /// arguments, fields as the server spells them. A key that refers to a field which does not
+    /// exist is left out as a whole. An empty schema stands for the default one. An error is
+    /// reported through @p error when given; what was found stays.
+    std::vector<QBForeignKeyConstraint> findForeignKeyConstraints(
+        const QBIdentifierObjectPath& object, const std::set<QBIdentifierObjectPath>& others,
+        QString* error = nullptr) const;
+
+    /// The pairs of all these keys, without telling which belong together.
     QBForeignKeys findForeignKeys(const QBIdentifierObjectPath& object,
                                   const std::set<QBIdentifierObjectPath>& others,
                                   QString* error = nullptr) const;

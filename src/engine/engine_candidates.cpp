@@ -19,6 +19,11 @@ void QBEngine::registerForeignKeySearcher(const QBForeignKeySearcher& searcher) 
     m_core->setSearcher(searcher);
 }
 
+void QBEngine::registerForeignKeyConstraintSearcher(
+    const QBForeignKeyConstraintSearcher& searcher) {
+    m_core->setConstraintSearcher(searcher);
+}
+
 void QBEngine::triggerIdentifierCandidateChildrenUpdater(IQBIdentifierCandidateAccessor* accessor,
                                                          QBIdentifierCandidate* node) const {
     if (const QBCandidateChildrenUpdater updater = m_core->updater()) updater(accessor, node);
@@ -28,6 +33,11 @@ QBForeignKeys QBEngine::triggerForeignKeySearcher(
     const QBIdentifierObjectPath& object, const std::set<QBIdentifierObjectPath>& others) const {
     const QBForeignKeySearcher searcher = m_core->searcher();
     return searcher ? searcher(object, others) : QBForeignKeys();
+}
+
+std::vector<QBForeignKeyConstraint> QBEngine::triggerForeignKeyConstraintSearcher(
+    const QBIdentifierObjectPath& object, const std::set<QBIdentifierObjectPath>& others) const {
+    return m_core->foreignKeys(object, others);
 }
 
 void QBEngine::addRefreshRootIdentifierCandidateChildrenRequest(bool force) {

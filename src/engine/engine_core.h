@@ -51,10 +51,12 @@ public:
     void setSearcher(const QBForeignKeySearcher& searcher);
     QBForeignKeySearcher searcher() const;
     void setConstraintSearcher(const QBForeignKeyConstraintSearcher& searcher);
-    /// The foreign keys between @p object and @p others, one by one, in the order of their first
-    /// pairs. Without a searcher that tells keys apart, the pairs of the other searcher between the
-    /// same two tables count as one key as long as no field occurs twice in it.
-    /// Asks the host's function on this thread, with no lock held.
+    QBForeignKeyConstraintSearcher constraintSearcher() const;
+    /// The foreign keys between @p object and @p others, each once, in the byte order of their
+    /// first pairs; the pairs of a key in the order that the host gives. Without a searcher that
+    /// tells keys apart, the pairs of the other searcher between the same two tables count as one
+    /// key as long as no field occurs twice in it, in byte order.
+    /// Asks the host's function on this thread, with no lock held; what that throws goes through.
     std::vector<QBForeignKeyConstraint> foreignKeys(
         const QBIdentifierObjectPath& object, const std::set<QBIdentifierObjectPath>& others) const;
 

@@ -68,16 +68,21 @@ private:
 
 using Texts = std::vector<std::string>;
 
-QBForeignKeys pairs(std::initializer_list<std::pair<const char*, const char*>> texts) {
+QBForeignKeyConstraint key(std::initializer_list<std::pair<const char*, const char*>> texts) {
     const auto path = [](const QString& text) {
         const QStringList parts = text.split('.');
         return QBIdentifierFieldPath{parts[0].toStdString(), parts[1].toStdString(),
                                      parts[2].toStdString()};
     };
-    QBForeignKeys keys;
+    QBForeignKeyConstraint pairs;
     for (const auto& [from, to] : texts)
-        keys.insert({path(from), path(to)});
-    return keys;
+        pairs.emplace_back(path(from), path(to));
+    return pairs;
+}
+
+QBForeignKeys pairs(std::initializer_list<std::pair<const char*, const char*>> texts) {
+    const QBForeignKeyConstraint listed = key(texts);
+    return {listed.begin(), listed.end()};
 }
 
 const char* const richScript =
@@ -199,4 +204,15 @@ TEST(ForeignKeys, AreFoundInBothDirectionsReferencingFieldFirst) {
         found({"main", "broken"}, {{"main", "Parent"}, {"main", "nowhere"}, {"x", "y"}}).empty());
     EXPECT_TRUE(found({"aux", "child"}, {{"main", "pair"}}).empty());
     EXPECT_EQ(found({"aux", "child"}, {{"aux", "pair"}}).size(), 2u);
+
+    // One by one, those of the object first, the pairs in the order of the key.
+    using Keys = std::vector<QBForeignKeyConstraint>;
+    EXPECT_EQ(reader.findForeignKeyConstraints({"main", "Parent"}, {{"main", "child"}}),
+              Keys({key({{"main.child.a", "main.Parent.a"}, {"main.child.b", "main.Parent.b"}}),
+                    key({{"main.child.parent_id", "main.Parent.Id"}})}));
+    EXPECT_EQ(reader.findForeignKeyConstraints({"main", "child"},
+                                               {{"main", "child"}, {"main", "pair"}, {"", "pair"}}),
+              Keys({key({{"main.child.y", ".pair.y"}, {"main.child.x", ".pair.x"}}),
+                    key({{"main.child.y", "main.pair.y"}, {"main.child.x", "main.pair.x"}}),
+                    key({{"main.child.boss", "main.child.id"}})}));
 }

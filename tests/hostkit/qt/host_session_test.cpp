@@ -62,6 +62,11 @@ private Q_SLOTS:
             engine.triggerForeignKeySearcher({"main", "orders"}, {{"main", "customer"}});
         QCOMPARE(keys.size(), std::size_t(1));
         QCOMPARE(keys.begin()->first.field, std::string("customer"));
+        const auto one =
+            engine.triggerForeignKeyConstraintSearcher({"main", "customer"}, {{"main", "orders"}});
+        QCOMPARE(one.size(), std::size_t(1));
+        QCOMPARE(one[0].size(), std::size_t(1));
+        QCOMPARE(one[0][0].second.field, std::string("id"));
 
         file.execute("ALTER TABLE orders ADD COLUMN total; CREATE TABLE town (id)");
         session.reloadCandidates();
