@@ -54,6 +54,8 @@ public:
 
     /// Null for a close row and for a row that is not here.
     Slot slotOf(Item* item) const;
+    /// The slot of the whole tree.
+    Slot root() const { return m_root; }
 
 private:
     struct Gap;

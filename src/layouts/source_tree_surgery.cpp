@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <iterator>
+#include <list>
 #include <set>
 #include <utility>
 
@@ -12,8 +13,6 @@ using namespace Component::SQL;
 
 namespace {
 
-/// The slots from the root down to a node, both included.
-using Path = std::vector<Slot>;
 using Nodes = std::vector<SourceNode*>;
 
 bool holdsJoin(const SourceNode* node) {
@@ -21,8 +20,7 @@ bool holdsJoin(const SourceNode* node) {
 }
 
 bool holdsComma(const SourceNode* node) {
-    const auto* join = dynamic_cast<const SQLJoinSourceNodeComponent*>(node->value);
-    return join && join->joinType == SQLJoinTypeComma;
+    return node && isComma(node->value);
 }
 
 Path findPath(Slot root, const std::function<bool(Slot)>& isWanted) {
@@ -133,10 +131,156 @@ Slot leftmostOnPath(const Path& path, std::size_t start) {
     return path[i];
 }
 
+/// Operands without a comma in them, and the commas between them.
+struct CommaList {
+    std::list<SourceNode*> operands;
+    std::list<SourceNode*> commas;
+
+    /// Appends @p other with @p join between the two.
+    void append(SourceNode* join, CommaList& other) {
+        if (holdsComma(join)) {
+            commas.push_back(join);
+        } else {
+            join->left = operands.back();
+            join->right = other.operands.front();
+            operands.back() = join;
+            other.operands.pop_front();
+        }
+        operands.splice(operands.end(), other.operands);
+        commas.splice(commas.end(), other.commas);
+    }
+};
+
+/// The joins of a group, each before those below it, right sides before left ones.
+Nodes joinsOf(SourceNode* group) {
+    Nodes joins;
+    Nodes pending = {group};
+    while (!pending.empty()) {
+        SourceNode* node = pending.back();
+        pending.pop_back();
+        if (!holdsJoin(node)) continue;
+        joins.push_back(node);
+        pending.push_back(node->left);
+        pending.push_back(node->right);
+    }
+    return joins;
+}
+
+CommaList takeCommasOut(SourceNode* group) {
+    // Read backwards the joins come after both of their sides, the right one last.
+    std::vector<CommaList> sides;
+    const auto takeSide = [&sides](SourceNode* side) {
+        CommaList list = {{side}, {}};
+        if (!holdsJoin(side)) return list;
+        list = std::move(sides.back());
+        sides.pop_back();
+        return list;
+    };
+    const Nodes joins = joinsOf(group);
+    for (auto join = joins.rbegin(); join != joins.rend(); ++join) {
+        CommaList right = takeSide((*join)->right);
+        sides.push_back(takeSide((*join)->left));
+        sides.back().append(*join, right);
+    }
+    return takeSide(group);
+}
+
+/// True if the joins of a group stand below its commas, and these lean to the left.
+bool isSunk(SourceNode* group) {
+    const Nodes joins = joinsOf(group);
+    return std::none_of(joins.begin(), joins.end(), [](const SourceNode* join) {
+        return holdsComma(join->right) || (!holdsComma(join) && holdsComma(join->left));
+    });
+}
+
+bool hasComma(SourceNode* group) {
+    const Nodes joins = joinsOf(group);
+    return std::any_of(joins.begin(), joins.end(), holdsComma);
+}
+
+/// True if a comma stands to the right of another join, whose condition the text puts behind it.
+bool hasCommaRightOfJoin(SourceNode* group) {
+    struct Step {
+        SourceNode* node;
+        bool isRightOfJoin;
+    };
+    std::vector<Step> steps = {{group, false}};
+    while (!steps.empty()) {
+        const Step step = steps.back();
+        steps.pop_back();
+        if (!holdsJoin(step.node)) continue;
+        const bool isOther = !holdsComma(step.node);
+        if (step.isRightOfJoin && !isOther) return true;
+        steps.push_back({step.node->left, step.isRightOfJoin});
+        steps.push_back({step.node->right, step.isRightOfJoin || isOther});
+    }
+    return false;
+}
+
+/// Two ways that part at a join, the left one first.
+struct Fork {
+    Path left;
+    Path right;
+    std::size_t depth;  ///< of the slot of the join
+    bool isInOrder;
+
+    Slot join() const { return left[depth]; }
+    /// The slot of the group that the join belongs to.
+    Slot group() const {
+        std::size_t top = depth;
+        while (top > 0 && holdsJoin(*left[top - 1]))
+            --top;
+        return left[top];
+    }
+};
+
+std::optional<Fork> forkOf(Slot root, const SQLAbstractSourceComponent* first,
+                           const SQLAbstractSourceComponent* second) {
+    Path a = pathToValue(root, first);
+    Path b = pathToValue(root, second);
+    const std::size_t common = commonLength(a, b);
+    if (common == 0 || common == a.size() || common == b.size()) return std::nullopt;
+    const bool isInOrder = turnsRight(b, common - 1);
+    if (!isInOrder) a.swap(b);
+    return Fork{std::move(a), std::move(b), common - 1, isInOrder};
+}
+
+/// True if no comma stands between the left source and the join, and none behind the join.
+bool isInReach(const Fork& fork) {
+    if (hasComma((*fork.join())->right)) return false;
+    for (std::size_t i = fork.depth + 1; holdsJoin(*fork.left[i]); ++i) {
+        SourceNode* join = *fork.left[i];
+        const bool isCut = holdsComma(join) || hasComma(join->right);
+        if (!turnsRight(fork.left, i) && isCut) return false;
+    }
+    return true;
+}
+
+/// Puts the right side of a comma behind the operand of commas that holds the left source, both
+/// under that comma. Returns the slot in which it is then.
+Slot moveNextToLeft(const Fork& fork) {
+    std::size_t i = fork.depth + 1;
+    while (holdsComma(*fork.left[i]))
+        ++i;
+    const bool isNextTo = i == fork.depth + 1;
+    if (isNextTo) return fork.join();
+    const Slot operand = fork.left[i];
+    SourceNode* comma = *fork.join();
+    *fork.join() = comma->left;
+    comma->left = *operand;
+    *operand = comma;
+    return operand;
+}
+
 }  // namespace
 
 bool isJoin(const SQLAbstractSourceComponent* component) {
     return dynamic_cast<const SQLJoinSourceNodeComponent*>(component);
+}
+
+bool isComma(const SQLAbstractSourceComponent* component) {
+    const auto* join = dynamic_cast<const SQLJoinSourceNodeComponent*>(component);
+    return join && join->joinType == SQLJoinTypeComma;
 }
 
 bool isBracket(const SQLAbstractSourceComponent* component) {
@@ -147,6 +291,11 @@ bool isLeaf(const SQLAbstractSourceComponent* component) {
     return dynamic_cast<const SQLIdentifierSourceComponent*>(component) ||
            dynamic_cast<const SQLAnyExpressionSourceComponent*>(component) ||
            dynamic_cast<const SQLSubquerySourceComponent*>(component);
+}
+
+Path pathToValue(Slot root, const SQLAbstractSourceComponent* value) {
+    if (!value) return {};
+    return findPath(root, [value](Slot slot) { return *slot && (*slot)->value == value; });
 }
 
 std::vector<Place> flatten(Slot root) {
@@ -247,6 +396,32 @@ std::unique_ptr<SourceNode> takeBracketAway(Slot root, Slot slot) {
     const bool leansRight = parent && slot == &(*parent)->right && holdsJoin(*slot);
     if (leansRight) leanLeft(parent);
     return bracket;
+}
+
+bool sinkJoinsBelowCommas(Slot group) {
+    if (isSunk(*group)) return false;
+    CommaList list = takeCommasOut(*group);
+    auto operand = list.operands.begin();
+    *group = *operand;
+    for (SourceNode* comma : list.commas) {
+        comma->left = std::exchange(*group, comma);
+        comma->right = *++operand;
+    }
+    return true;
+}
+
+std::optional<Meeting> bringTogether(Slot root, const SQLAbstractSourceComponent* first,
+                                     const SQLAbstractSourceComponent* second) {
+    std::optional<Fork> fork = forkOf(root, first, second);
+    if (!fork) return std::nullopt;
+    const Slot group = fork->group();
+    if (isInReach(*fork) && !hasCommaRightOfJoin(*group)) {
+        return Meeting{fork->join(), fork->isInOrder, false};
+    }
+    sinkJoinsBelowCommas(group);
+    fork = forkOf(root, first, second);
+    const bool isBound = !holdsComma(*fork->join());
+    return Meeting{isBound ? fork->join() : moveNextToLeft(*fork), fork->isInOrder, true};
 }
 
 }  // namespace QB::SourceTree

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "model/components.h"
@@ -19,8 +20,16 @@ using Slot = SourceNode**;
 
 bool isJoin(const SQLAbstractSourceComponent* component);
 bool isBracket(const SQLAbstractSourceComponent* component);
+bool isComma(const SQLAbstractSourceComponent* component);
 /// A table, free text or a subquery.
 bool isLeaf(const SQLAbstractSourceComponent* component);
+
+/// The slots from the root down to a node, both included.
+using Path = std::vector<Slot>;
+
+/// The way from @p root to the node that holds @p value, which is compared by address only; empty
+/// if none does, and for null.
+Path pathToValue(Slot root, const SQLAbstractSourceComponent* value);
 
 enum class PlaceKind { Empty, Node, Close };
 
@@ -60,5 +69,29 @@ SQLAbstractSourceComponent* wrap(Slot root, Slot first, Slot last);
 /// Puts the content of the bracket in @p slot in its place, so that a chain of joins leans to the
 /// left again. Returns the bracket node without its content.
 [[nodiscard]] std::unique_ptr<SourceNode> takeBracketAway(Slot root, Slot slot);
+
+/// Gives the group in @p group (the root, or the content of a bracket) the shape that its text is
+/// read in: operands that a join other than a comma binds to their neighbours, in trees of their
+/// own without commas, and commas above them that lean to the left. The text keeps its order; a
+/// join with a comma below it now binds the nearest of what it held on either side, and its
+/// condition stands in front of the comma.
+/// Returns true if a node moved. Every slot but @p group may hold something else then.
+bool sinkJoinsBelowCommas(Slot group);
+
+/// The join under which two sources stand next to each other.
+struct Meeting {
+    Slot join;
+    bool isInOrder;  ///< the first one stands left
+    bool isMoved;    ///< nodes moved: all other slots may hold something else
+};
+
+/// Makes two sources meet at a join that may compare them: no comma stands between them and none
+/// behind that join, within brackets apart. Where their join is such a one, a comma itself
+/// included, nothing moves. Otherwise the group of its sources is put in order (see
+/// sinkJoinsBelowCommas), and what the right one is joined to goes behind what the left one is
+/// joined to. The join found keeps its kind.
+/// None if one of the two is not in the tree, or both are the same.
+std::optional<Meeting> bringTogether(Slot root, const SQLAbstractSourceComponent* first,
+                                     const SQLAbstractSourceComponent* second);
 
 }  // namespace QB::SourceTree

@@ -7,7 +7,7 @@
 #include "model/notification_names.h"
 #include "support/host_callbacks.h"
 #include "support/owned_engine.h"
-#include "tree_notation.h"
+#include "support/tree_notation.h"
 
 namespace QB::Test {
 
@@ -242,16 +242,16 @@ TEST_F(Facade, WithoutStatementOrImplementationTheCallerKeepsTheComponent) {
 
 TEST_F(Facade, ColumnsAreEditedUnderTheirOwnElement) {
     open("a");
-    auto& columns = m_statement->orderByExpr->columns;
+    auto& columns = m_statement->selectColumnExpr->columns;
     install(std::make_unique<ColumnVectorLayout>(&columns));
     for (const char* name : {"a", "b"})
-        m_layout.addItem(m_engine.get(), ElementOrderBy, &m_sender, Columns::make(name), -1);
-    m_layout.moveItem(m_engine.get(), ElementOrderBy, &m_sender, row(1), 0);
+        m_layout.addItem(m_engine.get(), ElementSelectColumn, &m_sender, Columns::make(name), -1);
+    m_layout.moveItem(m_engine.get(), ElementSelectColumn, &m_sender, row(1), 0);
     ASSERT_EQ(columns.size(), 2u);
     EXPECT_EQ(dynamic_cast<SQLFieldColumnComponent*>(columns[0])->fieldName, "b");
-    m_layout.removeItems(m_engine.get(), ElementOrderBy, &m_sender, m_layout.items());
+    m_layout.removeItems(m_engine.get(), ElementSelectColumn, &m_sender, m_layout.items());
     EXPECT_TRUE(columns.empty());
-    m_layout.moveItem(m_engine.get(), ElementOrderBy, &m_sender, row(0), 1);
+    m_layout.moveItem(m_engine.get(), ElementSelectColumn, &m_sender, row(0), 1);
     EXPECT_EQ(notifications(), 4u) << "a placeholder moved";
 }
 

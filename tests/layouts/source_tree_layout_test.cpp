@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "layouts/row_dump.h"
-#include "tree_notation.h"
+#include "support/tree_notation.h"
 
 namespace QB::Test {
 

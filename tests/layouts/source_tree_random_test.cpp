@@ -8,7 +8,7 @@
 
 #include "layouts/source_tree_layout.h"
 #include "support/long_runs.h"
-#include "tree_notation.h"
+#include "support/tree_notation.h"
 
 namespace QB::Test {
 
