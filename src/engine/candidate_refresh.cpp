@@ -21,13 +21,13 @@ CandidateRefresh::CandidateRefresh(std::shared_ptr<QBEngineCore> core, long engi
     std::stable_sort(m_requests.begin(), m_requests.end(), [](const Request& a, const Request& b) {
         return a.first.size() < b.first.size();
     });
-    m_core->runningRefreshCount += static_cast<int>(m_requests.size());
+    m_core->runningRefreshes.add(static_cast<int>(m_requests.size()));
 }
 
 void CandidateRefresh::run() const {
     auto waiting = static_cast<int>(m_requests.size());
     // Requests that a throwing updater or the engine's end leaves over are no longer running.
-    const auto dropRest = qScopeGuard([&] { m_core->runningRefreshCount -= waiting; });
+    const auto dropRest = qScopeGuard([&] { m_core->runningRefreshes.add(-waiting); });
     for (const QBEngineCore::RefreshRequest& request : m_requests) {
         const std::lock_guard lock(m_core->identifierTreeMutex);
         if (!isAlive(m_engineId)) return;
@@ -78,7 +78,7 @@ bool CandidateRefresh::announceBegun(QBIdentifierCandidate* ident) const {
 bool CandidateRefresh::announceEnded(QBIdentifierCandidate* ident) const {
     return callOnMainThread(m_engineId, [notify = m_notify, core = m_core, ident] {
         notify(Notification::identifierCandidateChildrenUpdateEnded, ident);
-        --core->runningRefreshCount;
+        core->runningRefreshes.add(-1);
     });
 }
 

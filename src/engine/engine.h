@@ -42,6 +42,7 @@ using QBNotificationParameters = std::map<std::string, QBVariant>;
 class QB_EXPORT QBEngine {
 public:
     using Listener = std::function<void(const std::string&, const QBNotificationParameters*)>;
+    using ChildrenFetcher = std::function<void(const std::vector<std::vector<std::string>>& paths)>;
 
     /// The host callbacks are set before. No layer exists yet.
     QBEngine();
@@ -218,6 +219,12 @@ public:
     /// Not @p async on the main thread only if the host runs main-thread closures at once there and
     /// no other refresh is running; what its notifications set off may refresh again.
     void refreshRequestedIdentifierCandidateChildren(bool async);
+    /// For a worker that needs the children of some nodes before it goes on: a function that it
+    /// takes along, and that fetches those nodes at once, on the calling thread, unless they have
+    /// children. The requests that wait are left to who made them.
+    /// Notifications, threads and errors are those of a refresh that is not async. The function
+    /// may be kept and called as long as one likes: when the engine is gone it does nothing.
+    ChildrenFetcher identifierCandidateChildrenFetcher();
     /// A hint for a wait indicator: may be false for a while during a refresh, and stay true after
     /// one that had nothing to fetch. Any thread.
     bool isRefreshingIdentifierCandidateChildren() const;

@@ -10,6 +10,18 @@ namespace QB {
 
 using namespace Component::SQL;
 
+namespace {
+
+/// Tells of a node in the name of @p engine, which is alive when this is called.
+CandidateRefresh::Notify notifierOf(QBEngine* engine) {
+    return [engine](const std::string& name, QBIdentifierCandidate* ident) {
+        const QBNotificationParameters params = {{"ident", static_cast<void*>(ident)}};
+        engine->notifyChange(name, &params);
+    };
+}
+
+}  // namespace
+
 void QBEngine::registerIdentifierCandidateChildrenUpdater(
     const QBCandidateChildrenUpdater& updater) {
     m_core->setUpdater(updater);
@@ -55,18 +67,22 @@ void QBEngine::addRefreshIdentifierCandidateChildrenRequest(QBIdentifierCandidat
 }
 
 void QBEngine::refreshRequestedIdentifierCandidateChildren(bool async) {
-    const CandidateRefresh refresh(
-        m_core, m_id, m_core->takeRequests(),
-        [this](const std::string& name, QBIdentifierCandidate* ident) {
-            const QBNotificationParameters params = {{"ident", static_cast<void*>(ident)}};
-            notifyChange(name, &params);
-        });
+    const CandidateRefresh refresh(m_core, m_id, m_core->takeRequests(), notifierOf(this));
     if (!async) return refresh.run();
     Callback::runOperationOnDispatchedThread([refresh] { refresh.run(); });
 }
 
+QBEngine::ChildrenFetcher QBEngine::identifierCandidateChildrenFetcher() {
+    return [core = m_core, id = m_id, notify = notifierOf(this)](const auto& paths) {
+        std::vector<QBEngineCore::RefreshRequest> requests;
+        for (const std::vector<std::string>& path : paths)
+            requests.emplace_back(path, false);
+        CandidateRefresh(core, id, std::move(requests), notify).run();
+    };
+}
+
 bool QBEngine::isRefreshingIdentifierCandidateChildren() const {
-    return m_core->runningRefreshCount.load() > 0;
+    return m_core->runningRefreshes.isAboveZero();
 }
 
 std::vector<std::vector<std::string>> QBEngine::findAllIdentifierRefreshPathInCurrentQueryLevel()

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/candidate_tree.h"
+#include "engine/refresh_count.h"
 #include "engine/retired_parts.h"
 #include "model/components.h"
 
@@ -74,8 +75,7 @@ public:
 
     CandidateTree candidates;
     RetiredParts retired;
-    /// Requests minus fetches: a hint for a wait indicator, may leave zero for a while.
-    std::atomic<int> runningRefreshCount{0};
+    RefreshCount runningRefreshes;
     /// Parses that were asked for and not delivered.
     std::atomic<int> runningParseCount{0};
 
