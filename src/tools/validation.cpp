@@ -16,13 +16,14 @@ using namespace Component::SQL;
 namespace {
 
 /// The faults of one check, and whether listeners have to hear of it. The first fault of a key
-/// stays.
+/// stays; unknown fields are found at the end.
 template <typename Key>
 class Findings {
 public:
     using Map = std::map<Key, int>;
 
-    Findings(QBEngine* engine, const Map* known) : m_scope(engine), m_known(known) {}
+    Findings(QBEngine* engine, const Map* known)
+        : m_engine(engine), m_scope(engine), m_known(known) {}
 
     void add(Key key, InvalidReason reason) {
         m_map.emplace(key, reason);
@@ -30,26 +31,39 @@ public:
     }
 
     void checkField(SQLFieldColumnComponent* field, Key key) {
-        const auto fault = m_scope.findFault(field);
-        if (fault == InvalidSource) {
-            field->source = nullptr;
-            m_isNews = true;
+        const SQLAbstractSourceComponent* const source = m_scope.sourceOf(field);
+        if (const auto fault = m_scope.findFault(field, source)) {
+            if (fault == InvalidSource) repair(field->source);
+            return add(key, *fault);
         }
-        if (fault) add(key, *fault);
+        const QBIdentifierCandidate* const table =
+            source && !field->isAsterisk ? m_scope.tableOf(source) : nullptr;
+        if (!table) return;
+        m_fields.add(table, field->fieldName);
+        m_lookedUp.push_back({key, table, field});
     }
 
-    void removeReferencedColumn(SQLFieldColumnComponent* field, Key key) {
-        field->referencedColumn = nullptr;
-        m_isNews = true;
+    void checkReferencedColumn(SQLFieldColumnComponent* field, Key key,
+                               const std::unordered_set<const SQLAbstractColumnComponent*>& valid) {
+        if (valid.count(field->referencedColumn) > 0) return;
+        repair(field->referencedColumn);
         add(key, InvalidReferencedColumn);
     }
 
+    /// The last call but isNews.
+    Map finish() {
+        m_fields.run(m_engine);
+        for (const LookedUp& each : m_lookedUp) {
+            if (m_fields.isMissing(each.table, each.field->fieldName)) add(each.key, InvalidField);
+        }
+        return std::move(m_map);
+    }
+
     bool isNews() const { return m_isNews; }
-    Map takeMap() { return std::move(m_map); }
 
 private:
     /// Without a source it is since the check that took the source away, which was announced, too.
-    /// What stands for the key now need not be this fault: a list can have several.
+    /// What stands for the key now need not be this fault: a value list can have several.
     bool isKnownWithoutSource(Key key) const {
         if (!m_known) return false;
         const auto known = m_known->find(key);
@@ -57,10 +71,25 @@ private:
         return known->second == InvalidSource || known->second == m_map.at(key);
     }
 
+    template <typename Component>
+    void repair(Component*& reference) {
+        reference = nullptr;
+        m_isNews = true;
+    }
+
+    struct LookedUp {
+        Key key;
+        const QBIdentifierCandidate* table;
+        const SQLFieldColumnComponent* field;
+    };
+
+    QBEngine* const m_engine;
     ValidationScope m_scope;
     const Map* const m_known;  // not owned: the caller's; null: there is none
     Map m_map;
     bool m_isNews = false;
+    FieldLookup m_fields;
+    std::vector<LookedUp> m_lookedUp;  ///< in m_fields
 };
 
 // ---- conditions -------------------------------------------------------------------------------
@@ -169,12 +198,11 @@ void checkSelected(const Columns& columns, ColumnFindings& findings) {
 
 void checkGroupedOrOrdered(const Columns& columns, const Columns& selected,
                            ColumnFindings& findings) {
-    const std::unordered_set<const SQLAbstractColumnComponent*> known(selected.begin(),
+    const std::unordered_set<const SQLAbstractColumnComponent*> valid(selected.begin(),
                                                                       selected.end());
     checkFields(columns, [&](SQLFieldColumnComponent* field) {
         if (!field->referencedColumn) return findings.checkField(field, field);
-        if (known.count(field->referencedColumn) == 0)
-            findings.removeReferencedColumn(field, field);
+        findings.checkReferencedColumn(field, field, valid);
     });
 }
 
@@ -191,7 +219,7 @@ Map findInModification(int element, QBEngine* engine, void* sender, const Map* k
         [&](Element* expression) {
             Findings<typename Map::key_type> findings(engine, known);
             check(expression, findings);
-            found = findings.takeMap();
+            found = findings.finish();
             return findings.isNews();
         },
         sender);

@@ -39,7 +39,8 @@ using InvalidConditions = std::map<Component::SQL::SQLAbstractConditionComponent
 using InvalidColumns = std::map<Component::SQL::SQLAbstractColumnComponent*, int>;
 using InvalidSources = std::map<Component::SQL::SQLAbstractSourceComponent*, int>;
 
-/// The values in the chain in @p root, at any depth of brackets, each with its first fault;
+/// The values in the chain in @p root, at any depth of brackets, each with its first fault, unknown
+/// fields after all others;
 /// @p element is the clause of the current layer that it belongs to, ElementSource for the
 /// condition of a join. Both bounds of a BETWEEN are its right side. A condition where a value is
 /// expected, which no panel can show, counts as a missing value; what is in it is checked as well.

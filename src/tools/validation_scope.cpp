@@ -61,13 +61,6 @@ SQLSelectStmtComponent* currentStatement(const QBEngine* engine) {
     return dynamic_cast<SQLSelectStmtComponent*>(engine->currentTopLevelQueryComponent());
 }
 
-ValidationScope::FieldNames::FieldNames(std::vector<QBIdentifierCandidateSnapshot> children)
-    : fields(std::move(children)) {
-    names.reserve(fields.size());
-    for (const QBIdentifierCandidateSnapshot& field : fields)
-        names.insert(field.name);
-}
-
 ValidationScope::ValidationScope(QBEngine* engine) : m_engine(engine) {
     addOwnSources(currentStatement(engine));
     for (int layer = engine->currentTopLevelQueryComponentLayer() - 1; layer >= 0; --layer)
@@ -105,36 +98,44 @@ void ValidationScope::addOutsideNames(const Source* source) {
     if (!hasAlias) m_byPath.emplace(pathOf(named), source);
 }
 
-std::optional<InvalidReason> ValidationScope::findFault(const SQLFieldColumnComponent* field) {
-    const Source* source = field->source;
-    if (source && m_sources.count(source) == 0) return InvalidSource;
-    if (!source && field->parentPath.empty()) return {};
-    if (!source) source = findByPath(field->parentPath);
-    if (!source) return InvalidPath;
-    if (isUnnamedSubquery(source)) return InvalidColumnOfUnnamed;
-    if (field->isAsterisk || mayHaveField(source, field->fieldName)) return {};
-    return InvalidField;
-}
-
-const ValidationScope::Source* ValidationScope::findByPath(const Names& path) const {
-    const auto found = m_byPath.find(path);
+const Source* ValidationScope::sourceOf(const Field* field) const {
+    if (field->source || field->parentPath.empty()) return field->source;
+    const auto found = m_byPath.find(field->parentPath);
     return found == m_byPath.end() ? nullptr : found->second;
 }
 
-/// True as well if nothing is known of the source.
-bool ValidationScope::mayHaveField(const Source* source, const std::string& field) {
-    const auto [entry, isNew] = m_fieldsOfSource.try_emplace(source, nullptr);
-    if (isNew) entry->second = fieldsOf(source);
-    return !entry->second || entry->second->names.count(field) > 0;
+std::optional<InvalidReason> ValidationScope::findFault(const Field* field,
+                                                        const Source* source) const {
+    if (field->source && m_sources.count(source) == 0) return InvalidSource;
+    if (!source && !field->parentPath.empty()) return InvalidPath;
+    if (source && isUnnamedSubquery(source)) return InvalidColumnOfUnnamed;
+    return {};
 }
 
-const ValidationScope::FieldNames* ValidationScope::fieldsOf(const Source* source) {
-    const QBIdentifierCandidate* const table =
-        Identifier::findTargetIdentifierCandidate(source, m_engine, false).candidate;
-    if (!table) return nullptr;
-    const auto known = m_fieldsOfCandidate.find(table);
-    if (known != m_fieldsOfCandidate.end()) return &known->second;
-    return &m_fieldsOfCandidate.try_emplace(table, m_engine->childrenSnapshot(table)).first->second;
+const QBIdentifierCandidate* ValidationScope::tableOf(const Source* source) {
+    const auto [table, isNew] = m_tables.try_emplace(source, nullptr);
+    if (isNew) {
+        using Identifier::findTargetIdentifierCandidate;
+        table->second = findTargetIdentifierCandidate(source, m_engine, false).candidate;
+    }
+    return table->second;
+}
+
+void FieldLookup::run(const QBEngine* engine) {
+    constexpr std::size_t atOnce = 1000;
+    for (auto& [table, missing] : m_missing) {
+        for (std::size_t first = 0; !missing.empty(); first += atOnce) {
+            const auto fields = engine->childrenSnapshot(table, first, atOnce);
+            for (const QBIdentifierCandidateSnapshot& field : fields)
+                missing.erase(field.name);
+            if (fields.size() < atOnce) break;
+        }
+    }
+}
+
+bool FieldLookup::isMissing(Table table, const std::string& name) const {
+    const auto names = m_missing.find(table);
+    return names != m_missing.end() && names->second.count(name) > 0;
 }
 
 }  // namespace QB::Tools::Validation

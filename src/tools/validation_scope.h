@@ -21,8 +21,7 @@ bool isUnnamedSubquery(const Component::SQL::SQLAbstractSourceComponent* source)
 Component::SQL::SQLSelectStmtComponent* currentStatement(const QBEngine* engine);
 
 /// What the fields of the current layer may name. Made for one check: gathers the sources once, and
-/// what is known of a table when a field of it is first asked for, so that a field costs a few
-/// look-ups.
+/// looks for the table of a source once, so that a field costs a few look-ups.
 ///
 /// Valid sources are those of the layer's statement and of the statements around it: a reference to
 /// one of these is kept. A path, however, reaches into a statement around only from the right side
@@ -30,36 +29,48 @@ Component::SQL::SQLSelectStmtComponent* currentStatement(const QBEngine* engine)
 /// Thread: main, inside the modification of the check.
 class ValidationScope {
 public:
+    using Source = Component::SQL::SQLAbstractSourceComponent;
+    using Field = Component::SQL::SQLFieldColumnComponent;
+
     /// @p engine has a current statement.
     explicit ValidationScope(QBEngine* engine);
 
-    /// What is wrong with the source, the path or the name of @p field; changes nothing.
-    std::optional<InvalidReason> findFault(const Component::SQL::SQLFieldColumnComponent* field);
+    /// The source that @p field refers to, valid or not, or else the first that has its path; null
+    /// if there is none.
+    const Source* sourceOf(const Field* field) const;
+    /// What is wrong with the source or the path of @p field, which has @p source. Changes nothing.
+    std::optional<InvalidReason> findFault(const Field* field, const Source* source) const;
+    /// The candidate that a valid source names; null if nothing is known of it.
+    const QBIdentifierCandidate* tableOf(const Source* source);
 
 private:
-    using Source = Component::SQL::SQLAbstractSourceComponent;
     using Statement = Component::SQL::SQLSelectStmtComponent;
     using Names = std::vector<std::string>;
-
-    /// The children of a candidate.
-    struct FieldNames {
-        explicit FieldNames(std::vector<QBIdentifierCandidateSnapshot> children);
-        const std::vector<QBIdentifierCandidateSnapshot> fields;
-        std::unordered_set<std::string_view> names;  ///< of the fields
-    };
 
     void addOwnSources(const Statement* statement);
     void addSourcesAround(int layer);
     void addOutsideNames(const Source* source);
-    const Source* findByPath(const Names& path) const;
-    bool mayHaveField(const Source* source, const std::string& field);
-    const FieldNames* fieldsOf(const Source* source);
 
     QBEngine* const m_engine;
     std::unordered_set<const Source*> m_sources;
     std::map<Names, const Source*> m_byPath;  ///< the innermost, and the first in text order
-    std::unordered_map<const Source*, const FieldNames*> m_fieldsOfSource;  ///< null: not known
-    std::unordered_map<const QBIdentifierCandidate*, FieldNames> m_fieldsOfCandidate;
+    std::unordered_map<const Source*, const QBIdentifierCandidate*> m_tables;
+};
+
+/// Names of fields that are looked up in many tables at once: the candidates are read as far as
+/// there are names left to find, and no copy of them is made.
+class FieldLookup {
+public:
+    using Table = const QBIdentifierCandidate*;
+
+    /// @p name is kept as a view until the end.
+    void add(Table table, const std::string& name) { m_missing[table].insert(name); }
+    void run(const QBEngine* engine);
+    /// After run(): @p name was added, and is no field of @p table.
+    bool isMissing(Table table, const std::string& name) const;
+
+private:
+    std::unordered_map<Table, std::unordered_set<std::string_view>> m_missing;
 };
 
 }  // namespace QB::Tools::Validation
