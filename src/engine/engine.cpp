@@ -212,10 +212,20 @@ void QBEngine::runModification(TopLevelQueryComponentElementEnum element, int la
         ELEMAbstractTopLevelQueryExpr* const expression = modify_obtainElement(element, layer);
         const BlockOutcome outcome = expression ? block(expression) : BlockOutcome::Inconsistent;
         if (outcome == BlockOutcome::Inconsistent) std::perror("Inconsistent component requested");
+        if (!modification.isNested()) checkStatements(element, layer);
         if (outcome != BlockOutcome::Changed) return;
         number = modification.announce();
     }
     postModified(element, layer, sender, [this, number] { sweepRetired(number); });
+}
+
+/// What a block leaves behind must be whole, whether it says that it changed something or not.
+void QBEngine::checkStatements(TopLevelQueryComponentElementEnum element, int layer) const {
+    if constexpr (checksModifications) {
+        const std::vector<Statement*> layers = layerStatements();
+        m_core->modificationCheck.run({element, layer}, {layers.begin(), layers.end()},
+                                      m_core->retired);
+    }
 }
 
 void QBEngine::modify_notify(TopLevelQueryComponentElementEnum element, int layer, void* sender) {

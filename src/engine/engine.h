@@ -280,6 +280,7 @@ private:
 
     void runModification(TopLevelQueryComponentElementEnum element, int layer,
                          const UntypedBlock& block, void* sender);
+    void checkStatements(TopLevelQueryComponentElementEnum element, int layer) const;
     void postModified(TopLevelQueryComponentElementEnum element, int layer, void* sender,
                       std::function<void()> delivered);
     void sweepRetired(unsigned long modification);

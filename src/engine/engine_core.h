@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/candidate_tree.h"
+#include "engine/modification_check.h"
 #include "engine/refresh_count.h"
 #include "engine/retired_parts.h"
 #include "model/components.h"
@@ -75,6 +76,7 @@ public:
 
     CandidateTree candidates;
     RetiredParts retired;
+    ModificationCheck modificationCheck;  ///< guarded by queryComponentAccessMutex
     RefreshCount runningRefreshes;
     /// Parses that were asked for and not delivered.
     std::atomic<int> runningParseCount{0};

@@ -142,6 +142,7 @@ unsigned long QBEngine::takeOver(const ParseResult& result) {
         parts.add(std::move(earlier));
         m_core->retired.add(std::move(parts));
         number = modification.announce();
+        checkStatements(ElementSource, currentTopLevelQueryComponentLayer());
     });
     return number;
 }

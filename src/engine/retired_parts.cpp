@@ -18,6 +18,10 @@ RetiredParts::Number RetiredParts::Modification::announce() {
     return m_number;
 }
 
+bool RetiredParts::Modification::isNested() const {
+    return !m_parts.isOutermost(m_number);
+}
+
 RetiredParts::Number RetiredParts::open() {
     const std::lock_guard lock(m_mutex);
     m_open.push_back(++m_lastNumber);
@@ -30,6 +34,11 @@ void RetiredParts::close(Number number, bool isAnnounced) {
     m_open.pop_back();
     // What a block retires without a change to announce waits for the next delivery.
     if (!isAnnounced) m_undelivered.erase(number);
+}
+
+bool RetiredParts::isOutermost(Number number) const {
+    const std::lock_guard lock(m_mutex);
+    return m_open.front() == number;
 }
 
 void RetiredParts::add(DetachedParts&& parts) {
@@ -62,6 +71,13 @@ void RetiredParts::sweep(const CollectReferences& collect) {
     if (!m_open.empty()) return;
     m_delivered.freeUnreferenced(collect());
     m_isSweepDue = false;
+}
+
+void RetiredParts::visit(const std::function<void(const DetachedParts&)>& look) const {
+    const std::lock_guard lock(m_mutex);
+    look(m_delivered);
+    for (const Batch& batch : m_waiting)
+        look(batch.parts);
 }
 
 std::size_t RetiredParts::size() const {

@@ -31,6 +31,8 @@ public:
 
         /// The notification will follow: markDelivered is to be called with this number.
         Number announce();
+        /// True inside the block of another modification.
+        bool isNested() const;
 
     private:
         RetiredParts& m_parts;
@@ -49,6 +51,9 @@ public:
     /// is open (a block may still hold what an inner one retired).
     void sweep(const CollectReferences& collect);
 
+    /// Calls @p look with all that is kept, in several lists.
+    void visit(const std::function<void(const DetachedParts&)>& look) const;
+
     /// How many parts are kept.
     std::size_t size() const;
 
@@ -60,6 +65,7 @@ private:
 
     Number open();
     void close(Number number, bool isAnnounced);
+    bool isOutermost(Number number) const;
     void takeDelivered();
 
     mutable std::mutex m_mutex;

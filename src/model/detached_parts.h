@@ -46,6 +46,13 @@ public:
     bool isEmpty() const { return m_parts.empty(); }
     std::size_t size() const { return m_parts.size(); }
 
+    /// Calls @p visit for each part with a tree and a component, one of which is null.
+    template <typename Visit>
+    void visitParts(const Visit& visit) const {
+        for (const Part& part : m_parts)
+            visit(part.tree.get(), part.component.get());
+    }
+
     /// Frees every part that contains none of @p referenced and that no part which stays refers to.
     void freeUnreferenced(References referenced);
 

@@ -46,21 +46,20 @@ TEST_F(StatementTest, OnlyAServerOrSchemaThatDiffersIsAnnouncedAndAServerFreesTh
 }
 
 TEST_F(StatementTest, AClosedLayerKeepsItsEditsAndIsNamedInTheNotificationButTheTextIsTheRoots) {
-    setTable("film");
-    SQLSelectStmtComponent inner;
-    engine->pushNewLayerTopLevelQueryComponent(&inner, "sub");
+    auto* const inner = setSubquery();
+    engine->pushNewLayerTopLevelQueryComponent(inner, "sub");
     EXPECT_FALSE(engine->notices.back().hasParameters);
-    EXPECT_EQ(engine->currentTopLevelQueryComponent(), &inner);
+    EXPECT_EQ(engine->currentTopLevelQueryComponent(), inner);
     EXPECT_EQ(engine->topLevelQueryComponentLayerName(1), "sub");
     const auto limit = [](ELEMSQLLimitExpr* element) {
         element->rowCount = 5;
         return true;
     };
     modify<ELEMSQLLimitExpr>(ElementLimit, limit, 1);
-    EXPECT_NE(engine->buildQuery().find("`film`"), std::string::npos) << engine->buildQuery();
+    EXPECT_NE(engine->buildQuery().find("`derived`"), std::string::npos) << engine->buildQuery();
     engine->popCurrentLayerTopLevelQueryComponent();
-    EXPECT_EQ(inner.limitExpr->rowCount, 5);
-    EXPECT_EQ(engine->notices.back().parameters.at("poppedLayer").toPointer(), &inner);
+    EXPECT_EQ(inner->limitExpr->rowCount, 5);
+    EXPECT_EQ(engine->notices.back().parameters.at("poppedLayer").toPointer(), inner);
     EXPECT_EQ(engine->currentTopLevelQueryComponent(), root());
 }
 

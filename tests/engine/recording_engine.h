@@ -111,7 +111,10 @@ protected:
     auto* setSubquery() {
         auto* inner = new Component::SQL::SQLSelectStmtComponent;
         inner->whereExpr->root = new Component::SQL::SQLConditionValueComponent;
-        setSource(new Component::SQL::SQLSubquerySourceComponent)->subquery = inner;
+        auto* derived = new Component::SQL::SQLSubquerySourceComponent;
+        derived->alias = "derived";
+        derived->subquery = inner;
+        setSource(derived);
         return inner;
     }
 };

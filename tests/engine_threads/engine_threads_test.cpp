@@ -96,7 +96,9 @@ Outcome playScene(unsigned seed) {
     addTwice([&] { engine->parseQuery("SELECT", nullptr); });
     addTwice([&] { replaceTable(engine.get()); });
     addTwice([&] {
-        const SourceNode* const node = root()->sourceExpr->root;
+        const SourceNode* node = root()->sourceExpr->root;
+        while (node && node->left)
+            node = node->left;  // to a table
         replaceColumns(engine.get(), node ? node->value : nullptr);
     });
     steps.push_back([&] { host.runPending(); });
