@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -13,6 +14,7 @@ namespace QB::QBComponentsListLayout_Private {
 
 /// Rows over a plain vector: one row an element, all at level 0, a placeholder for an empty vector.
 /// T is an owning pointer of the model. Brackets do not exist here.
+/// A row whose element is no longer in the vector can be removed; other edits of it do nothing.
 template <typename T>
 class QBComponentVectorListLayoutImpl : public BasicQBComponentsListLayoutImpl {
 public:
@@ -38,9 +40,9 @@ public:
 
     Items insertItem(Component::AbstractQueryComponent* component, int index) override {
         const T element = elementFromComponent(component);
-        if (!element) return {};
-        if (m_root->empty()) clearRows();
-        const std::size_t count = m_root->size();
+        if (!element || m_items.empty() || find(element) != m_root->end()) return {};
+        if (m_items.front()->isPlaceholder) clearRows();
+        const std::size_t count = std::min(m_root->size(), m_items.size());
         const std::size_t position =
             index < 0 ? count : std::min(static_cast<std::size_t>(index), count);
         m_root->insert(at(*m_root, position), element);
@@ -51,22 +53,34 @@ public:
 
     void moveItem(Item* item, unsigned long target) override {
         const std::size_t from = indexOfItem(item);
-        if (from == m_items.size() || find(item) == m_root->end()) return;
-        const std::size_t to = std::min<std::size_t>(target, m_items.size());
-        rotateBefore(*m_root, from, to);
-        rotateBefore(m_items, from, to);
+        if (from == m_items.size() || item->isPlaceholder) return;
+        const auto place = find(elementFromComponent(item->component));
+        if (place == m_root->end()) return;
+        const auto position = static_cast<std::size_t>(std::distance(m_root->begin(), place));
+        rotateBefore(*m_root, position, std::min<std::size_t>(target, m_root->size()));
+        rotateBefore(m_items, from, std::min<std::size_t>(target, m_items.size()));
     }
 
-    void removeItem_internal(Item* item) override {
-        const std::size_t index = indexOfItem(item);
-        if (index == m_items.size() || item->isPlaceholder) return;
-        const T element = elementFromComponent(item->component);
-        const auto isRemoved = [&](const T& other) {
-            return elementsEqual(other, element);
-        };
-        m_root->erase(std::remove_if(m_root->begin(), m_root->end(), isRemoved), m_root->end());
-        m_detached.add(std::unique_ptr<Component::AbstractQueryComponent>(item->component));
-        eraseRows({index, index});
+    void removeItem_internal(Item* item) override { removeItems_internal({item}); }
+
+    /// In one pass, since all columns of a list can be selected.
+    void removeItems_internal(const Items& rows) override {
+        std::set<const Component::AbstractQueryComponent*> removed;
+        for (const Item* row : heldRows(rows)) {
+            if (!row->isPlaceholder) removed.insert(row->component);
+        }
+        if (removed.empty()) return;
+        const auto firstRow = std::stable_partition(
+            m_items.begin(), m_items.end(),
+            [&](const Item* row) { return removed.count(row->component) == 0; });
+        eraseRows({static_cast<std::size_t>(std::distance(m_items.begin(), firstRow)),
+                   m_items.size() - 1});
+        const auto firstElement = std::stable_partition(
+            m_root->begin(), m_root->end(),
+            [&](const T& element) { return removed.count(componentFromElement(element)) == 0; });
+        for (auto element = firstElement; element != m_root->end(); ++element)
+            m_detached.add(owned(*element));
+        m_root->erase(firstElement, m_root->end());
         if (m_items.empty()) appendPlaceholder();
     }
 
@@ -74,10 +88,9 @@ public:
                               bool deleteOld) override {
         const T element = elementFromComponent(component);
         if (!element || !contains(item) || item->isPlaceholder) return;
-        const auto place = find(item);
-        if (place == m_root->end() || elementsEqual(*place, element)) return;
-        std::unique_ptr<Component::AbstractQueryComponent> old(componentFromElement(*place));
-        *place = element;
+        const auto place = find(elementFromComponent(item->component));
+        if (place == m_root->end() || find(element) != m_root->end()) return;
+        auto old = owned(std::exchange(*place, element));
         item->component = component;
         if (deleteOld) return m_detached.add(std::move(old));
         static_cast<void>(old.release());  // passes to the caller
@@ -104,10 +117,13 @@ private:
         }
     }
 
-    typename std::vector<T>::iterator find(const Item* item) const {
-        const T element = elementFromComponent(item->component);
+    typename std::vector<T>::iterator find(T element) const {
         return std::find_if(m_root->begin(), m_root->end(),
                             [&](const T& other) { return elementsEqual(other, element); });
+    }
+
+    std::unique_ptr<Component::AbstractQueryComponent> owned(T element) const {
+        return std::unique_ptr<Component::AbstractQueryComponent>(componentFromElement(element));
     }
 
     void appendRow(T element) {

@@ -1,6 +1,5 @@
 #include "layouts/components_list_layout.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "engine/engine.h"
@@ -47,22 +46,20 @@ int QBComponentsListLayout::moveDownOffset(Item* item) const {
 void QBComponentsListLayout::groupItemsByBracket(QBEngine* engine,
                                                  TopLevelQueryComponentElementEnum element,
                                                  void* sender, const Items& rows, int index) {
-    restructure(engine, element, sender,
-                [&](Impl& impl) { impl.groupItemsByBracket(rows, index); });
+    edit(engine, element, sender, [&](Impl& impl) { impl.groupItemsByBracket(rows, index); });
 }
 
 void QBComponentsListLayout::ungroupItemsByBracket(QBEngine* engine,
                                                    TopLevelQueryComponentElementEnum element,
                                                    void* sender, const Items& rows) {
-    restructure(engine, element, sender, [&](Impl& impl) { impl.ungroupItemsByBracket(rows); });
+    edit(engine, element, sender, [&](Impl& impl) { impl.ungroupItemsByBracket(rows); });
 }
 
 QBComponentsListLayout::Items QBComponentsListLayout::addItem(
     QBEngine* engine, TopLevelQueryComponentElementEnum element, void* sender,
     AbstractQueryComponent* component, int index) {
     Items added;
-    restructure(engine, element, sender,
-                [&](Impl& impl) { added = impl.addItem(component, index); });
+    edit(engine, element, sender, [&](Impl& impl) { added = impl.addItem(component, index); });
     return added;
 }
 
@@ -70,29 +67,23 @@ QBComponentsListLayout::Items QBComponentsListLayout::insertItem(
     QBEngine* engine, TopLevelQueryComponentElementEnum element, void* sender,
     AbstractQueryComponent* component, int index) {
     Items inserted;
-    restructure(engine, element, sender,
-                [&](Impl& impl) { inserted = impl.insertItem(component, index); });
+    edit(engine, element, sender,
+         [&](Impl& impl) { inserted = impl.insertItem(component, index); });
     return inserted;
 }
 
 void QBComponentsListLayout::removeItems(QBEngine* engine,
                                          TopLevelQueryComponentElementEnum element, void* sender,
                                          Items rows) {
-    const auto isHere = [this](const Item* row) {
-        return m_impl && m_impl->contains(row);
-    };
-    if (std::none_of(rows.begin(), rows.end(), isHere)) return;
-    restructure(engine, element, sender, [&](Impl& impl) {
-        for (Item* row : rows)
-            impl.removeItem_internal(row);
-    });
+    if (!m_impl || m_impl->heldRows(rows).empty()) return;
+    edit(engine, element, sender, [&](Impl& impl) { impl.removeItems_internal(rows); });
 }
 
 void QBComponentsListLayout::moveItem(QBEngine* engine, TopLevelQueryComponentElementEnum element,
                                       void* sender, Item* item, unsigned long target) {
     // The record is read only once it is known to exist.
     if (!m_impl || !m_impl->contains(item) || item->isPlaceholder) return;
-    restructure(engine, element, sender, [&](Impl& impl) { impl.moveItem(item, target); });
+    edit(engine, element, sender, [&](Impl& impl) { impl.moveItem(item, target); });
 }
 
 void QBComponentsListLayout::replaceItemComponent(QBEngine* engine,
@@ -101,31 +92,23 @@ void QBComponentsListLayout::replaceItemComponent(QBEngine* engine,
                                                   AbstractQueryComponent* component,
                                                   bool deleteOld) {
     if (!m_impl || !m_impl->contains(item)) return;
-    modify(engine, element, sender,
-           [&](Impl& impl) { impl.replaceItemComponent(item, component, deleteOld); });
+    edit(engine, element, sender,
+         [&](Impl& impl) { impl.replaceItemComponent(item, component, deleteOld); });
 }
 
-void QBComponentsListLayout::modify(QBEngine* engine, TopLevelQueryComponentElementEnum element,
-                                    void* sender, const std::function<void(Impl&)>& edit) {
-    if (!m_impl) return;
+void QBComponentsListLayout::edit(QBEngine* engine, TopLevelQueryComponentElementEnum element,
+                                  void* sender, const std::function<void(Impl&)>& change) {
+    if (!m_impl || !engine) return;
     // Any class of element: chains of join conditions are edited under the source element.
     engine->modifyInTopLevelQueryComponentElement<ELEMAbstractTopLevelQueryExpr*>(
         element, engine->currentTopLevelQueryComponentLayer(),
         [&](ELEMAbstractTopLevelQueryExpr*) {
-            edit(*m_impl);
+            change(*m_impl);
+            m_impl->updateItemFlags();
             engine->retire(m_impl->takeDetachedParts());
             return true;
         },
         sender);
-}
-
-void QBComponentsListLayout::restructure(QBEngine* engine,
-                                         TopLevelQueryComponentElementEnum element, void* sender,
-                                         const std::function<void(Impl&)>& edit) {
-    modify(engine, element, sender, [&edit](Impl& impl) {
-        edit(impl);
-        impl.updateItemFlags();
-    });
 }
 
 }  // namespace QB

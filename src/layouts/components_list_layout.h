@@ -21,7 +21,8 @@ class QBEngine;
 /// Each editing operation runs in one modification block on the engine's current layer, which ends
 /// with one notification that carries @p sender, and hands what it removed to the engine to be
 /// retired. None may be called inside another block: tools that need this call the implementation.
-/// Thread: main thread. Without an implementation there are no rows, and edits do nothing.
+/// Thread: main thread. Without an implementation there are no rows; without it or an engine
+/// edits do nothing.
 class QBComponentsListLayout {
 public:
     using Item = QBComponentsListLayoutItem;
@@ -71,12 +72,9 @@ public:
                               Component::AbstractQueryComponent* component, bool deleteOld);
 
 private:
-    /// Runs @p edit on the implementation inside a block and retires what it detached.
-    void modify(QBEngine* engine, TopLevelQueryComponentElementEnum element, void* sender,
-                const std::function<void(Impl&)>& edit);
-    /// As modify, for edits that change the rows.
-    void restructure(QBEngine* engine, TopLevelQueryComponentElementEnum element, void* sender,
-                     const std::function<void(Impl&)>& edit);
+    /// Runs @p change on the implementation inside a block and retires what it detached.
+    void edit(QBEngine* engine, TopLevelQueryComponentElementEnum element, void* sender,
+              const std::function<void(Impl&)>& change);
 
     std::unique_ptr<Impl> m_impl;
 };

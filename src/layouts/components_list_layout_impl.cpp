@@ -29,9 +29,23 @@ int BasicQBComponentsListLayoutImpl::moveDownOffset(Item*) const {
     return 2;
 }
 
+void BasicQBComponentsListLayoutImpl::removeItems_internal(const Items& rows) {
+    for (Item* row : rows)
+        removeItem_internal(row);
+}
+
 std::size_t BasicQBComponentsListLayoutImpl::indexOfItem(const Item* item) const {
     const auto found = std::find(m_items.begin(), m_items.end(), item);
     return static_cast<std::size_t>(std::distance(m_items.begin(), found));
+}
+
+BasicQBComponentsListLayoutImpl::Items BasicQBComponentsListLayoutImpl::heldRows(
+    const Items& rows) const {
+    const std::set<const Item*> wanted(rows.begin(), rows.end());
+    Items held;
+    std::copy_if(m_items.begin(), m_items.end(), std::back_inserter(held),
+                 [&wanted](const Item* item) { return wanted.count(item) > 0; });
+    return held;
 }
 
 DetachedParts BasicQBComponentsListLayoutImpl::takeDetachedParts() {
@@ -81,11 +95,22 @@ BasicQBComponentsListLayoutImpl::Item* BasicQBComponentsListLayoutImpl::insertRo
     return row.release();
 }
 
+void BasicQBComponentsListLayoutImpl::insertRows(std::size_t position, Rows rows) {
+    m_items.insert(std::next(m_items.begin(), static_cast<std::ptrdiff_t>(position)), rows.size(),
+                   nullptr);
+    for (std::unique_ptr<Item>& row : rows)
+        m_items[position++] = row.release();
+}
+
 void BasicQBComponentsListLayoutImpl::eraseRows(Span span) {
     const auto first = std::next(m_items.begin(), static_cast<std::ptrdiff_t>(span.first));
     const auto end = std::next(m_items.begin(), static_cast<std::ptrdiff_t>(span.last) + 1);
     std::for_each(first, end, [this](Item* item) { m_removedItems.emplace_back(item); });
     m_items.erase(first, end);
+}
+
+void BasicQBComponentsListLayoutImpl::discardRows(Rows rows) {
+    std::move(rows.begin(), rows.end(), std::back_inserter(m_removedItems));
 }
 
 void BasicQBComponentsListLayoutImpl::clearRows() {

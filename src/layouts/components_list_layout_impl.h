@@ -59,16 +59,22 @@ public:
     /// to the row's position it gives the target of moveItem.
     virtual int moveUpOffset(Item* item) const;
     virtual int moveDownOffset(Item* item) const;
+    /// As removeItem_internal for each row in turn. Rows that went with an earlier one are skipped.
+    virtual void removeItems_internal(const Items& rows);
 
     const Items& items() const { return m_items; }
     /// The position of @p item, or the row count if it is not here. Compares addresses only.
     std::size_t indexOfItem(const Item* item) const;
     bool contains(const Item* item) const { return indexOfItem(item) < m_items.size(); }
+    /// Those of @p rows that are here, each once, in row order. Compares addresses only.
+    Items heldRows(const Items& rows) const;
 
     /// Hands over what edits took out of the model since the last call.
     [[nodiscard]] DetachedParts takeDetachedParts();
 
 protected:
+    using Rows = std::vector<std::unique_ptr<Item>>;
+
     /// Rows from first to last, both included.
     struct Span {
         std::size_t first;
@@ -86,8 +92,11 @@ protected:
     int groupEnd(int index) const;
 
     Item* insertRow(std::size_t position, std::unique_ptr<Item> row);
+    void insertRows(std::size_t position, Rows rows);
     /// Takes rows out; their records stay until updateItemFlags.
     void eraseRows(Span span);
+    /// Keeps the records of rows that were taken out until updateItemFlags.
+    void discardRows(Rows rows);
     void clearRows();
     Items itemsOf(Span span) const;
 
@@ -95,7 +104,7 @@ protected:
     DetachedParts m_detached;  ///< what edits took out of the model and nobody fetched yet
 
 private:
-    std::vector<std::unique_ptr<Item>> m_removedItems;
+    Rows m_removedItems;
 };
 
 /// The implementation for one kind of structure, named by the type of its root.

@@ -73,17 +73,24 @@ private:
 
 class Dumper {
 public:
+    enum class Extent { Whole, FirstLine };
+    explicit Dumper(Extent extent) : m_extent(extent) {}
+
     std::string dump(const AbstractQueryComponent* component) {
         write(component, 0);
         return m_text;
     }
 
 private:
+    bool isLeftOut(int depth) const { return m_extent == Extent::FirstLine && depth > 0; }
+
     void line(int depth, const Line& text) {
+        if (isLeftOut(depth)) return;
         m_text.append(static_cast<std::size_t>(depth) * 2, ' ').append(text.str()).append("\n");
     }
 
     void write(const AbstractQueryComponent* component, int depth) {
+        if (isLeftOut(depth)) return;
         if (!component) return line(depth, Line("(null)"));
         if (const auto* c = dynamic_cast<const SQLSelectStmtComponent*>(component)) {
             return statement(c, depth);
@@ -154,6 +161,7 @@ private:
     }
 
     void tree(const SourceNode* node, int depth) {
+        if (isLeftOut(depth)) return;
         if (!node || !node->value) return line(depth, Line("(empty)"));
         source(node->value, depth);
         if (dynamic_cast<const SQLJoinSourceNodeComponent*>(node->value)) {
@@ -173,7 +181,7 @@ private:
                  Line("source expression " + quoted(any->expression)).text("as", any->alias));
         } else if (const auto* derived = dynamic_cast<const SQLSubquerySourceComponent*>(value)) {
             line(depth, Line("subquery").text("as", derived->alias));
-            Dumper inner;
+            Dumper inner(m_extent);
             inner.write(derived->subquery, depth + 1);
             m_text += inner.m_text;
         } else if (dynamic_cast<const SQLBracketedSourceNodeComponent*>(value)) {
@@ -212,7 +220,8 @@ private:
     }
 
     void chain(const SQLAbstractConditionComponent* first, int depth) {
-        for (const auto* link = first; link; link = link->next)
+        if (isLeftOut(depth)) return;
+        for (const auto* link = first; link; link = isLeftOut(depth + 1) ? nullptr : link->next)
             condition(link, depth);
     }
 
@@ -235,6 +244,7 @@ private:
         }
     }
 
+    const Extent m_extent;
     std::string m_text;
     std::map<const AbstractQueryComponent*, int> m_ordinals;
 };
@@ -242,7 +252,13 @@ private:
 }  // namespace
 
 std::string dumpStatement(const AbstractQueryComponent* component) {
-    return Dumper().dump(component);
+    return Dumper(Dumper::Extent::Whole).dump(component);
+}
+
+std::string dumpLine(const AbstractQueryComponent* component) {
+    std::string text = Dumper(Dumper::Extent::FirstLine).dump(component);
+    if (!text.empty()) text.pop_back();  // the end of the line
+    return text;
 }
 
 }  // namespace QB

@@ -13,4 +13,7 @@ namespace QB {
 /// Null gives "(null)". One line a component; not for huge trees (indentation grows with depth).
 QB_EXPORT std::string dumpStatement(const Component::AbstractQueryComponent* component);
 
+/// The first line of that: the component without what it owns or, for a link, what follows it.
+QB_EXPORT std::string dumpLine(const Component::AbstractQueryComponent* component);
+
 }  // namespace QB
