@@ -1,0 +1,228 @@
+#include "layouts/condition_list_layout.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "condition_notation.h"
+#include "layouts/row_dump.h"
+
+namespace QB::Test {
+
+namespace {
+
+enum class Edit { Insert, InsertBracket, Add, AddBracket, Remove, Move, Group, Ungroup };
+
+struct Case {
+    Edit edit;
+    const char* chain;
+    std::vector<std::size_t> rows;
+    int index;               ///< to insert at, to move before
+    const char* chainAfter;  ///< null: refused, and the chain stays
+};
+
+void apply(ChainUnderEdit& edit, const Case& c) {
+    ConditionListLayout& layout = edit.layout;
+    const Items rows = edit.rows(c.rows);
+    if (c.edit == Edit::Insert) layout.insertItem(makeValue("n"), c.index);
+    if (c.edit == Edit::InsertBracket) layout.insertItem(makeBracket(makeValue("n")), c.index);
+    if (c.edit == Edit::Add) layout.addItem(makeValue("n"), c.index);
+    if (c.edit == Edit::AddBracket) layout.addItem(makeBracket(nullptr), c.index);
+    if (c.edit == Edit::Remove) layout.removeItems_internal(rows);
+    if (c.edit == Edit::Move) layout.moveItem(rows[0], static_cast<unsigned long>(c.index));
+    if (c.edit == Edit::Group) {
+        EXPECT_EQ(layout.canGroupItemsByBracket(rows), c.chainAfter != nullptr) << c.chain;
+        layout.groupItemsByBracket(rows, c.index);
+    }
+    if (c.edit == Edit::Ungroup) {
+        EXPECT_EQ(layout.canUngroupItemsByBracket(rows), c.chainAfter != nullptr) << c.chain;
+        layout.ungroupItemsByBracket(rows);
+    }
+}
+
+}  // namespace
+
+TEST(ConditionEdits, LeaveTheChainThatTheUserAskedFor) {
+    const Case cases[] = {
+        {Edit::Insert, "", {}, 0, "n"},
+        {Edit::Insert, "a&b", {}, 1, "an&b"},
+        {Edit::Insert, "a&b", {}, -1, "a&bn"},
+        {Edit::Insert, "a&b", {}, 7, "a&bn"},
+        {Edit::Insert, "a&[]", {}, 2, "a&[n]"},
+        {Edit::Insert, "a&[]|b", {}, 3, "a&[n]|b"},
+        {Edit::Insert, "a&[b]", {}, 3, "a&[bn]"},
+        {Edit::Insert, "a&[b]", {}, -1, "a&[b]n"},
+        {Edit::Insert, "[[a]]", {}, 4, "[[a]n]"},
+        {Edit::InsertBracket, "[]&a", {}, 1, "[[n]]&a"},
+        {Edit::Add, "a&[b&c]|d", {}, 2, "a&[b&cn]|d"},
+        {Edit::Add, "a&[b]|d", {}, 1, "a&[b]|dn"},
+        {Edit::Add, "a&[]|d", {}, 2, "a&[n]|d"},
+        {Edit::Add, "a&[]|d", {}, 3, "a&[]|dn"},
+        {Edit::Add, "", {}, 0, "n"},
+        {Edit::AddBracket, "[]", {}, 1, "[[]]"},
+        {Edit::Remove, "a&b|c", {1}, 0, "a|c"},
+        {Edit::Remove, "a", {0}, 0, ""},
+        {Edit::Remove, "a&[b]", {2}, 0, "a&[]"},
+        {Edit::Remove, "a&[b|[c]]&d", {6}, 0, "a&d"},
+        {Edit::Remove, "a&[b|c]&d", {2, 1, 3, 4}, 0, "a&d"},
+        {Edit::Remove, "a&[b|c]&d", {5, 0}, 0, "&[b|c]"},
+        {Edit::Remove, "a&[]", {2}, 0, "a&[]"},
+        {Edit::Move, "a&b|c", {0}, 2, "&ba|c"},
+        {Edit::Move, "a&b|c", {0}, 99, "&b|ca"},
+        {Edit::Move, "a&b|c", {2}, 0, "|ca&b"},
+        {Edit::Move, "a&[b]", {0}, 2, "&[ab]"},
+        {Edit::Move, "[a]&[]", {1}, 4, "[]&[a]"},
+        {Edit::Move, "[a]&b", {2}, 4, "&b[a]"},
+        {Edit::Move, "a&[b&[c]]", {3}, 1, "a&[c]&[b]"},
+        {Edit::Move, "a&[b]&c", {1}, 1, "a&[b]&c"},
+        {Edit::Move, "a&[b]&c", {1}, 2, "a&[b]&c"},
+        {Edit::Move, "a&[b]&c", {1}, 3, "a&[b]&c"},
+        {Edit::Move, "a&[b]&c", {3}, 1, "a&[b]&c"},
+        {Edit::Move, "a&[b]&c", {3}, 2, "a&[b]&c"},
+        {Edit::Move, "a&[]&c", {2}, 0, "a&[]&c"},
+        {Edit::Group, "a|b&c", {1, 2}, -1, "a&[|b&c]"},
+        {Edit::Group, "a&b&c", {2, 0}, -1, "&[a&c]&b"},
+        {Edit::Group, "a&b&c", {0, 2}, 2, "&b&[a&c]"},
+        {Edit::Group, "a&b&c", {0}, 3, "&b&c&[a]"},
+        {Edit::Group, "[a&b]", {2, 1}, -1, "[&[a&b]]"},
+        {Edit::Group, "[a&b]|c", {1, 4}, -1, "[&[a|c]&b]"},
+        {Edit::Group, "a&[b]", {3}, -1, "a&[&[b]]"},
+        {Edit::Group, "a&[b]|c", {1, 2, 3, 4}, 0, "&[&[b]|c]a"},
+        {Edit::Group, "a&[]", {1, 2, 3}, -1, "a&[&[]]"},
+        {Edit::Group, "a&[b]", {0, 1}, -1, nullptr},
+        {Edit::Group, "a&[b]", {0, 3}, -1, nullptr},
+        {Edit::Group, "a&[]", {2}, -1, nullptr},
+        {Edit::Group, "a", {}, -1, nullptr},
+        {Edit::Ungroup, "a|[&b&c]&d", {1}, 0, "a|b&c&d"},
+        {Edit::Ungroup, "a|[&[b]]", {1, 2, 3, 4, 5}, 0, "a|[b]"},
+        {Edit::Ungroup, "a&![b]", {3}, 0, "a&!b"},
+        {Edit::Ungroup, "a&![!b]", {3}, 0, "a&b"},
+        {Edit::Ungroup, "a&![b|c]", {1}, 0, "a&!b|c"},
+        {Edit::Ungroup, "[]", {0}, 0, nullptr},
+        {Edit::Ungroup, "[a]", {1}, 0, nullptr},
+        {Edit::Ungroup, "[a]", {0, 2}, 0, nullptr},
+        {Edit::Ungroup, "[a]&b", {0, 1, 2, 3}, 0, nullptr},
+    };
+    for (const Case& c : cases) {
+        ChainUnderEdit edit(c.chain);
+        apply(edit, c);
+        EXPECT_EQ(edit.chain(), c.chainAfter ? c.chainAfter : c.chain)
+            << c.chain << " edit " << static_cast<int>(c.edit);
+    }
+}
+
+TEST(ConditionRows, ReadAsTheTextDoes) {
+    ChainUnderEdit edit("a|![b=&[]]");
+    auto* compare = dynamic_cast<SQLCompareConditionComponent*>(edit.row(2)->component);
+    compare->compareOp = CompareOpBetween;
+    compare->rightValue = makeValue("1");
+    compare->rightValue->next = makeValue("2");
+    EXPECT_EQ(dumpRows(edit.layout),
+              "0: level 0 value (expression \"a\")\n"
+              "1: level 0 or not bracket\n"
+              "2: level 1 compare op=18 (expression \"b\") (expression \"1\") (expression \"2\")\n"
+              "3: level 1 and bracket\n"
+              "4: level 2 placeholder tail\n"
+              "5: level 1 close of 3 tail\n"
+              "6: level 0 close of 1 tail\n");
+}
+
+TEST(ConditionEdits, ABracketMovesByOnePlaceAsABlock) {
+    ChainUnderEdit edit("a&[b&c]&d");
+    const int up[] = {-1, -1, -1, -1, -4, -1};
+    const int down[] = {2, 5, 2, 2, 2, 2};
+    for (std::size_t i = 0; i < edit.layout.items().size(); ++i) {
+        EXPECT_EQ(edit.layout.moveUpOffset(edit.row(i)), up[i]) << i;
+        EXPECT_EQ(edit.layout.moveDownOffset(edit.row(i)), down[i]) << i;
+    }
+    Item foreign;
+    foreign.partnerItem = edit.row(1);
+    EXPECT_EQ(edit.layout.moveUpOffset(&foreign), -1);
+    EXPECT_EQ(edit.layout.moveDownOffset(nullptr), 2);
+}
+
+TEST(ConditionEdits, ReplaceKeepsTheRowAndTheRestOfTheChain) {
+    ChainUnderEdit edit("a|b&[]&[c]");
+    const auto replace = [&edit](std::size_t index, Condition* link, bool deleteOld) {
+        Item* row = edit.row(index);
+        edit.layout.replaceItemComponent(row, link, deleteOld);
+        EXPECT_EQ(edit.row(index), row);
+        return edit.chain();
+    };
+    auto* old = dynamic_cast<Condition*>(edit.row(1)->component);
+    auto* compare = makeCompare(old);
+    EXPECT_EQ(replace(1, compare, false), "a|b=&[]&[c]");
+    EXPECT_EQ(old->next, nullptr);
+    compare->leftValue = nullptr;
+    EXPECT_EQ(replace(1, old, true), "a|b&[]&[c]");
+    EXPECT_EQ(replace(1, old, true), "a|b&[]&[c]");
+    EXPECT_EQ(replace(0, makeBracket(makeValue("x")), true), "[x]|b&[]&[c]");
+    EXPECT_EQ(replace(7, makeBracket(nullptr), true), "[x]|b&[][]");
+    EXPECT_EQ(replace(4, makeValue("y"), true), "[x]|by[]");
+    EXPECT_EQ(edit.layout.takeDetachedParts().size(), 4u);
+    // What does not fit: no condition, a chain, a bracket lost with its content, no link's row.
+    SQLIdentifierSourceComponent table;
+    edit.layout.replaceItemComponent(edit.row(0), &table, true);
+    const std::unique_ptr<Condition> chain(chainOf("p&q"));
+    const std::unique_ptr<Condition> value(makeValue("v"));
+    replace(0, chain.get(), true);
+    replace(0, value.get(), true);
+    replace(2, value.get(), true);
+    replace(0, nullptr, true);
+    EXPECT_TRUE(edit.layout.insertItem(chain.get(), 0).empty());
+    EXPECT_TRUE(edit.layout.insertItem(&table, 0).empty());
+    EXPECT_TRUE(edit.layout.addItem(old, 0).empty()) << "it is in the chain already";
+    EXPECT_EQ(edit.chain(), "[x]|by[]");
+}
+
+TEST(ConditionEdits, ARootThatIsNotThereHasNoRowsAndTakesNothing) {
+    ConditionListLayout layout(nullptr);
+    layout.rebuildItems();
+    Item foreign;
+    const std::unique_ptr<Condition> value(makeValue("a"));
+    EXPECT_TRUE(layout.insertItem(value.get(), -1).empty());
+    EXPECT_TRUE(layout.addItem(value.get(), 0).empty());
+    EXPECT_FALSE(layout.canGroupItemsByBracket({&foreign}));
+    layout.groupItemsByBracket({&foreign}, 0);
+    layout.ungroupItemsByBracket({&foreign});
+    layout.moveItem(&foreign, 0);
+    layout.removeItem_internal(&foreign);
+    layout.replaceItemComponent(&foreign, value.get(), true);
+    layout.updateItemFlags();
+    EXPECT_TRUE(layout.items().empty());
+}
+
+TEST(ConditionEdits, AChainThatWasChangedElsewhereIsNotCut) {
+    ChainUnderEdit edit("a&b&c");
+    const std::unique_ptr<Condition> gone(std::exchange(edit.root(), chainOf("d")));
+    const std::unique_ptr<Condition> value(makeValue("n"));
+    EXPECT_THROW(edit.layout.insertItem(value.get(), 0), std::out_of_range);
+    EXPECT_THROW(edit.layout.moveItem(edit.row(0), 2), std::out_of_range);
+    EXPECT_THROW(edit.layout.removeItem_internal(edit.row(1)), std::out_of_range);
+    EXPECT_THROW(edit.layout.groupItemsByBracket({edit.row(2)}, 0), std::out_of_range);
+    EXPECT_EQ(writeChain(edit.root()), "d");
+    EXPECT_EQ(writeChain(gone.get()), "a&b&c");
+}
+
+TEST(ConditionEdits, ChainsOfAnyLengthAndDepth) {
+    const int count = 100'000;
+    Condition* deep = nullptr;
+    for (int i = 0; i < count; ++i) {
+        Condition* outer = makeBracket(deep);
+        outer->next = makeValue("v");
+        deep = outer;
+    }
+    ChainUnderEdit edit(deep);
+    ASSERT_EQ(edit.layout.items().size(), std::size_t{3 * count + 1});
+    EXPECT_EQ(edit.row(count)->level, count);
+    edit.layout.insertItem(makeValue("n"), count);
+    edit.layout.groupItemsByBracket({edit.row(0)}, -1);
+    edit.layout.ungroupItemsByBracket({edit.row(0)});
+    edit.layout.moveItem(edit.row(1), edit.layout.items().size());
+    edit.layout.updateItemFlags();
+    EXPECT_EQ(edit.layout.items().size(), std::size_t{3 * count + 1});
+    edit.layout.removeItems_internal(edit.layout.items());
+    EXPECT_EQ(edit.chain(), "");
+}
+
+}  // namespace QB::Test
