@@ -179,5 +179,9 @@
         <source>The query cannot be represented: no text generator is installed to check it with.</source>
         <translation>Die Abfrage lässt sich nicht darstellen: Es ist kein Textgenerator installiert, mit dem sie geprüft würde.</translation>
     </message>
+    <message>
+        <source>These tables are joined by columns of the same name (USING). Change the join to ON before comparing columns of different names.</source>
+        <translation>Diese Tabellen sind über gleichnamige Spalten verbunden (USING). Stellen Sie die Verbindung auf ON um, bevor Sie verschieden benannte Spalten vergleichen.</translation>
+    </message>
 </context>
 </TS>

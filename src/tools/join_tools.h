@@ -68,9 +68,10 @@ void checkItemComponentsSideOnJoinComponent(
     std::vector<Component::SQL::SQLAbstractSourceComponent*>& right);
 
 /// The named sources and subqueries that the condition of the join in @p row may name: those below
-/// the join, brackets in between included; first its left side from the right to the left, then its
-/// right side. Free-text sources do not count.
-/// Null for a null or empty layout, for a row that is not there and for one that holds no join.
+/// the join, brackets in between included, but none before the nearest comma on its left; first its
+/// left side from the right to the left, then its right side. Free-text sources do not count.
+/// For another row: those of its group, from the nearest comma on its left to the next join.
+/// Null for a null or empty layout, for one of no join tree and for a row that is not there.
 /// Ownership: the caller owns the list.
 std::vector<Component::SQL::SQLAbstractSourceComponent*>* joinConditionRelatedSources(
     QBComponentsListLayout* layout, int row);

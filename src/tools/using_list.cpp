@@ -1,0 +1,88 @@
+#include "tools/using_list.h"
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace QB::Tools::SQL {
+
+using namespace Component::SQL;
+
+namespace {
+
+/// The text of the list, which is made if the join has none yet.
+std::string& textOfList(SQLJoinSourceNodeComponent* join) {
+    if (!join->condition) join->condition = new SQLConditionValueComponent;
+    auto& first = static_cast<SQLConditionValueComponent*>(join->condition)->firstValueRef();
+    if (!first) first = new SQLAnyExpressionColumnComponent;
+    return static_cast<SQLAnyExpressionColumnComponent*>(first)->expression;
+}
+
+/// The quote that ends what @p open begins; 0 if that is no quote.
+char closingQuote(char open) {
+    if (open == '[') return ']';
+    return open == '"' || open == '`' ? open : '\0';
+}
+
+struct ListedName {
+    std::string name;
+    bool isQuoted = false;
+};
+
+std::vector<ListedName> namesIn(const std::string& list) {
+    std::vector<ListedName> names(1);
+    char quote = 0;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        const char letter = list[i];
+        if (quote && letter == quote && i + 1 < list.size() && list[i + 1] == quote) {
+            names.back().name += list[++i];
+        } else if (quote && letter == quote) {
+            quote = 0;
+        } else if (quote) {
+            names.back().name += letter;
+        } else if (closingQuote(letter)) {
+            quote = closingQuote(letter);
+            names.back().isQuoted = true;
+        } else if (letter == ',') {
+            names.emplace_back();
+        } else if (letter != ' ') {
+            names.back().name += letter;
+        }
+    }
+    return names;
+}
+
+char lowerCase(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool isSame(const ListedName& listed, const std::string& name) {
+    if (listed.isQuoted) return listed.name == name;
+    return std::equal(listed.name.begin(), listed.name.end(), name.begin(), name.end(),
+                      [](char a, char b) { return lowerCase(a) == lowerCase(b); });
+}
+
+}  // namespace
+
+bool canBeUsingList(const SQLJoinSourceNodeComponent* join) {
+    if (!join->condition) return true;
+    const auto* value = dynamic_cast<const SQLConditionValueComponent*>(join->condition);
+    if (!value) return false;
+    const auto* first = value->firstValue();
+    return !first || dynamic_cast<const SQLAnyExpressionColumnComponent*>(first);
+}
+
+bool addToUsingList(SQLJoinSourceNodeComponent* join, const std::string& name,
+                    const std::string& quoted) {
+    std::string& list = textOfList(join);
+    const std::vector<ListedName> names = namesIn(list);
+    const auto isName = [&name](const ListedName& listed) {
+        return isSame(listed, name);
+    };
+    if (std::any_of(names.begin(), names.end(), isName)) return false;
+    if (!list.empty()) list += ", ";
+    list += quoted;
+    return true;
+}
+
+}  // namespace QB::Tools::SQL

@@ -1,0 +1,131 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "layouts/source_tree_surgery.h"
+#include "support/host_callbacks.h"
+#include "support/owned_engine.h"
+#include "support/tree_notation.h"
+#include "tools/join_sight.h"
+#include "tools/join_tools.h"
+
+namespace QB::Test {
+
+/// A FROM clause in an engine, with links drawn and removed as a diagram would.
+class JoinFixture : public testing::Test {
+protected:
+    using Source = Component::SQL::SQLAbstractSourceComponent;
+    using Join = Component::SQL::SQLJoinSourceNodeComponent;
+    using Compare = Component::SQL::SQLCompareConditionComponent;
+    using Condition = Component::SQL::SQLAbstractConditionComponent;
+
+    JoinFixture() {
+        m_engine->setDatabaseInfo(DatabaseTypePostgreSQL, 150000);
+        m_engine->registerNotifyChangeListener(
+            "TopLevelQueryComponentElementModifiedNotification",
+            [this](const std::string&, const QBNotificationParameters*) { ++m_notifications; });
+    }
+
+    Component::SQL::SQLSelectStmtComponent* statement() const {
+        return dynamic_cast<Component::SQL::SQLSelectStmtComponent*>(
+            m_engine->currentTopLevelQueryComponent());
+    }
+    SourceNode** root() const { return &statement()->sourceExpr->root; }
+    std::string tree() const { return writeTree(*root()); }
+
+    void setTree(const std::string& text) {
+        delete *root();
+        const char* at = text.c_str();
+        *root() = readTree(at);
+        m_notifications = 0;
+    }
+
+    /// The source or join that reads as @p word; the @p nth of them in text order, from 0.
+    template <typename Kind = Source>
+    Kind* find(const std::string& word, int nth = 0) const {
+        for (const SourceTree::Place& place : SourceTree::flatten(root())) {
+            const bool isIt =
+                place.kind == SourceTree::PlaceKind::Node && wordOf(place.component) == word;
+            if (isIt && nth-- == 0) return dynamic_cast<Kind*>(place.component);
+        }
+        return nullptr;
+    }
+
+    void link(const std::string& a, const std::string& b,
+              const std::vector<Tools::SQL::FieldPair>& fields = {{"x", "x"}}) {
+        Tools::SQL::makeJoinLinkIfNecessary(m_engine.get(), this, find(a), find(b), fields);
+    }
+
+    /// Links: "a-b" by the fields x of both, "a-b:" without, "a-b:f=g,h=i" by those.
+    void run(const std::string& steps) {
+        std::istringstream words(steps);
+        for (std::string step; words >> step;) {
+            std::vector<Tools::SQL::FieldPair> fields;
+            std::istringstream pairs(step.size() > 3 ? step.substr(4) : "x=x");
+            for (std::string pair; std::getline(pairs, pair, ',');) {
+                const std::size_t middle = std::min(pair.find('='), pair.size());
+                fields.push_back(
+                    {pair.substr(0, middle), middle < pair.size() ? pair.substr(middle + 1) : ""});
+            }
+            link(step.substr(0, 1), step.substr(2, 1), fields);
+        }
+    }
+
+    /// The source of the field that an operand is; null for another operand.
+    static Source* sourceOf(const Condition* operand) {
+        using namespace Component::SQL;
+        const auto* value = dynamic_cast<const SQLConditionValueComponent*>(operand);
+        const auto* column =
+            value ? dynamic_cast<const SQLFieldColumnComponent*>(value->firstValue()) : nullptr;
+        return column ? column->source : nullptr;
+    }
+
+    static std::string chain(const Condition* condition) {
+        using namespace Component::SQL;
+        const auto word = [](const Condition* operand) {
+            const Source* source = sourceOf(operand);
+            return source ? wordOf(source) : "?";
+        };
+        std::string text;
+        for (; condition; condition = condition->next) {
+            text += text.empty() ? "" : "&";
+            if (const auto* compare = dynamic_cast<const Compare*>(condition)) {
+                text += word(compare->leftValue) + "=" + word(compare->rightValue);
+            } else if (const auto* bracket =
+                           dynamic_cast<const SQLBracketedConditionComponent*>(condition)) {
+                text += "(" + chain(bracket->inner) + ")";
+            } else {
+                text += word(condition);
+            }
+        }
+        return text;
+    }
+
+    /// The USING list of @p join, or its chain; "-" without condition.
+    static std::string condition(const Join* join) {
+        using namespace Component::SQL;
+        if (!join->condition) return "-";
+        if (!join->isUsing) return chain(join->condition);
+        const auto* list = dynamic_cast<const SQLConditionValueComponent*>(join->condition);
+        return dynamic_cast<const SQLAnyExpressionColumnComponent*>(list->firstValue())->expression;
+    }
+
+    /// The conditions of the joins in text order.
+    static std::string conditions(SourceNode* tree) {
+        std::string text;
+        for (const SourceTree::Place& place : SourceTree::flatten(&tree)) {
+            const auto* join = dynamic_cast<const Join*>(place.component);
+            if (join) text += (text.empty() ? "" : " ") + condition(join);
+        }
+        return text;
+    }
+    std::string conditions() const { return conditions(*root()); }
+
+    HostCallbacks m_host;
+    OwnedEngine<> m_engine;
+    int m_notifications = 0;
+};
+
+}  // namespace QB::Test
