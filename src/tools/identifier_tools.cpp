@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/engine_core.h"
 #include "layouts/source_tree_layout.h"
 #include "model/tree_walks.h"
 
@@ -21,10 +22,10 @@ struct WalkResult {
     bool isComplete = false;                   ///< all names were found
 };
 
-WalkResult walk(const QBEngine* engine, const Names& names) {
+WalkResult walk(const CandidateTree& candidates, const Names& names) {
     WalkResult result;
     for (const std::string& name : names) {
-        QBIdentifierCandidate* child = engine->findChildCandidate(result.deepest, name);
+        QBIdentifierCandidate* child = candidates.findChild(result.deepest, name);
         if (!child) return result;
         result.deepest = child;
     }
@@ -32,19 +33,13 @@ WalkResult walk(const QBEngine* engine, const Names& names) {
     return result;
 }
 
-QBIdentifierCandidate* findExactly(const QBEngine* engine, Names qualifiers,
-                                   const std::string& name) {
-    qualifiers.push_back(name);
-    const WalkResult result = walk(engine, qualifiers);
-    return result.isComplete ? result.deepest : nullptr;
-}
-
 /// The names above a candidate, outermost first. A stored query is no name space and neither is the
 /// root, which bears the same type: the names begin below the innermost of them.
 Names qualifiersOf(const QBEngine* engine, const QBIdentifierCandidateSnapshot& candidate) {
     Names names;
     auto node = engine->candidateSnapshot(candidate.parent);
-    for (; node.type != IdentifierTypeQuery; node = engine->candidateSnapshot(node.parent))
+    for (; node.parent && node.type != IdentifierTypeQuery;
+         node = engine->candidateSnapshot(node.parent))
         names.push_back(std::move(node.name));
     std::reverse(names.begin(), names.end());
     return names;
@@ -56,21 +51,23 @@ CandidateResult candidateOfSource(const SQLAbstractSourceComponent* component, Q
     CandidateResult result;
     result.path = source->path;
     result.path.push_back(source->name);
-    const bool hasPath = !source->path.empty();
-    result.candidate =
-        findExactly(engine, hasPath ? source->path : Names{engine->currentSchema()}, source->name);
-    if (!result.candidate && source->path.size() > 1) {
-        result.candidate = findExactly(engine, {source->path.back()}, source->name);
-    }
+    result.candidate = findTableCandidate(
+        engine->core()->candidates, tablePath(source->path, source->name, engine->currentSchema()));
     return result;
+}
+
+CandidateResult candidateOfQualifiers(const Names& qualifiers, QBEngine* engine,
+                                      bool stopAtSource) {
+    const WalkResult found = walk(engine->core()->candidates, qualifiers);
+    // A field is looked for in no node but the one that all qualifiers lead to.
+    return {stopAtSource || found.isComplete ? found.deepest : nullptr, qualifiers};
 }
 
 CandidateResult candidateOfField(const SQLFieldColumnComponent* column, QBEngine* engine,
                                  bool stopAtSource) {
     const CandidateResult table =
-        column->source
-            ? candidateOfSource(column->source, engine)
-            : CandidateResult{walk(engine, column->parentPath).deepest, column->parentPath};
+        column->source ? candidateOfSource(column->source, engine)
+                       : candidateOfQualifiers(column->parentPath, engine, stopAtSource);
     if (stopAtSource) return table;
     if (column->isAsterisk) return {};
     if (!table.candidate) return table;
@@ -91,6 +88,25 @@ CandidateResult findTargetIdentifierCandidate(const AbstractQueryComponent* comp
     }
     const auto* column = dynamic_cast<const SQLFieldColumnComponent*>(component);
     return column ? candidateOfField(column, engine, stopAtSource) : CandidateResult();
+}
+
+Names tablePath(Names qualifiers, const std::string& name, const std::string& currentSchema) {
+    if (qualifiers.empty()) qualifiers.push_back(currentSchema);
+    qualifiers.push_back(name);
+    return qualifiers;
+}
+
+std::vector<Names> tablePlaces(const Names& path) {
+    if (path.size() < 3) return {path};
+    return {path, Names(path.end() - 2, path.end())};
+}
+
+QBIdentifierCandidate* findTableCandidate(const CandidateTree& candidates, const Names& path) {
+    for (const Names& place : tablePlaces(path)) {
+        const WalkResult result = walk(candidates, place);
+        if (result.isComplete) return result.deepest;
+    }
+    return nullptr;
 }
 
 std::unique_ptr<SQLIdentifierSourceComponent> makeIdentifierComponent(

@@ -8,6 +8,10 @@
 #include "model/components.h"
 #include "model/element_expressions.h"
 
+namespace QB {
+class CandidateTree;
+}
+
 namespace QB::Tools::Identifier {
 
 /// What a component names among the server's objects.
@@ -24,12 +28,26 @@ struct CandidateResult {
 /// schema. The result's path is the source's own path and name.
 ///
 /// A field column: the table that its source names, or without a source what its qualifiers name,
-/// and in that the field. Qualifiers of which only the first few are known give the deepest node
-/// that was found. With @p stopAtSource the table itself is the result. A wildcard has no candidate
-/// of its own.
+/// and in that the field. With @p stopAtSource the table itself is the result, or the deepest node
+/// that was found if only the first few qualifiers are known; such a node has no field for the
+/// column. A wildcard has no candidate of its own.
 /// Thread: any that may read @p component.
 CandidateResult findTargetIdentifierCandidate(const Component::AbstractQueryComponent* component,
                                               QBEngine* engine, bool stopAtSource);
+
+/// The names that lead from the root to a table: its qualifiers, outermost first, or where it has
+/// none the current schema, and its own name.
+std::vector<std::string> tablePath(std::vector<std::string> qualifiers, const std::string& name,
+                                   const std::string& currentSchema);
+
+/// Where the table of that path may stand among the candidates, the likelier place first: there,
+/// or, where the server's tree begins with schemas, under the last of several qualifiers alone.
+std::vector<std::vector<std::string>> tablePlaces(const std::vector<std::string>& path);
+
+/// The candidate at the first of the places of that path which is known to its end; null if none.
+/// Thread: any.
+QBIdentifierCandidate* findTableCandidate(const CandidateTree& candidates,
+                                          const std::vector<std::string>& path);
 
 /// A source that names @p candidate, with the names above it as its path, up to the root or a node
 /// of the type IdentifierTypeQuery. Null for the root and for a candidate that the engine does not

@@ -6,13 +6,21 @@
 #include "model/components.h"
 
 /// Ticks: which fields of a source stand in the SELECT list of the current layer. One modification
-/// each, with a notification when something changed. Columns that go are retired.
-/// Thread: main.
+/// each, with a notification when something changed. Columns that go are retired: a sorted or
+/// grouped column may still refer to them.
+///
+/// A column is one of a source if it refers to it, whatever aggregate it is in; or if it refers to
+/// none, and its qualifiers are the path and the name of the source. So two aliases of one table
+/// are told apart.
+/// A source that is null, or does not stand in the FROM clause of the current layer, changes
+/// nothing; its address is compared before it is looked into.
+/// Thread: main; not inside another modification block.
 namespace QB::Tools::SQL {
 
 /// With @p select appends a column for each field of @p source that is not there yet, the wildcard
 /// first if @p includeWildcard. The fields are those of its candidate, or the names that a subquery
-/// yields as far as they are known; of another source none are known and nothing happens.
+/// with a FROM clause yields as far as they are known (knownSubqueryFields); of another source none
+/// are known and nothing happens.
 /// Otherwise removes all field columns of @p source, its wildcard only if @p includeWildcard.
 /// Cost: linear in the fields and in the columns.
 void changeItemComponentAllSelection(QBEngine* engine, void* sender,

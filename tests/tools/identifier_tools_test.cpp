@@ -124,6 +124,8 @@ TEST_F(IdentifierTools, AFieldIsFoundThroughItsSourceOrItsQualifiers) {
     EXPECT_EQ(found(qualified, false, {}), "-");
     qualified.parentPath = {"archive", "orders", "more"};
     EXPECT_EQ(found(qualified, true, qualified.parentPath), "archive.orders") << "the deepest";
+    EXPECT_EQ(found(qualified, false, qualified.parentPath), "-") << "no field of a part of a path";
+    qualified.parentPath.pop_back();
     EXPECT_EQ(found(qualified, false, {"archive", "orders", "year"}), "archive.orders.year");
     qualified.parentPath = {"nowhere"};
     EXPECT_EQ(found(qualified, false, {"nowhere"}), "-");
@@ -151,6 +153,8 @@ TEST_F(IdentifierTools, CandidatesAreAddedAfterACommaEachWithOneNotification) {
 TEST_F(IdentifierTools, APathBeginsBelowTheInnermostCandidateThatIsNoNameSpace) {
     QBIdentifierCandidate* folder = add(at({"shop"}), "Saved queries", IdentifierTypeQuery);
     QBIdentifierCandidate* schema = add(folder, "reports", IdentifierTypeSchema);
+    // The root is the root whatever type a host gives it.
+    QBEngineIdentifierCandidateAccessor(m_engine->core()).setType(nullptr, IdentifierTypeSchema);
     const auto pathOf = [this](const QBIdentifierCandidate* candidate) {
         return Tools::Identifier::makeIdentifierComponent(m_engine.get(), candidate)->path;
     };

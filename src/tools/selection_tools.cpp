@@ -1,0 +1,158 @@
+#include "tools/selection_tools.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <unordered_set>
+#include <vector>
+
+#include "model/detached_parts.h"
+#include "model/tree_walks.h"
+#include "tools/identifier_tools.h"
+#include "tools/subquery_fields.h"
+
+namespace QB::Tools::SQL {
+
+using namespace Component;
+using namespace Component::SQL;
+
+namespace {
+
+using Columns = std::vector<SQLAbstractColumnComponent*>;
+using Names = std::vector<std::string>;
+
+/// Which columns are of a source, and how one is made for it.
+class SourceColumns {
+public:
+    explicit SourceColumns(SQLAbstractSourceComponent* source) : m_source(source) {
+        const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
+        if (!table) return;
+        m_path = table->path;
+        m_path.push_back(table->name);
+    }
+
+    bool owns(const SQLFieldColumnComponent& column) const {
+        if (column.source) return column.source == m_source;
+        return !m_path.empty() && column.parentPath == m_path;
+    }
+
+    std::unique_ptr<SQLFieldColumnComponent> make(const std::string& fieldName) const {
+        auto column = std::make_unique<SQLFieldColumnComponent>();
+        column->source = m_source;
+        column->parentPath = m_path;
+        column->fieldName = fieldName;
+        column->isAsterisk = fieldName.empty();
+        return column;
+    }
+
+private:
+    SQLAbstractSourceComponent* m_source;  // not owned
+    Names m_path;                          ///< empty: a source that columns name by its alias alone
+};
+
+bool isInCurrentStatement(const QBEngine* engine, const SQLAbstractSourceComponent* source) {
+    const auto* statement =
+        dynamic_cast<const SQLSelectStmtComponent*>(engine->currentTopLevelQueryComponent());
+    bool isFound = false;
+    const auto compare = [&](const SourceNode* node) {
+        isFound = isFound || node->value == source;
+    };
+    if (statement) visitSourceNodes(statement->sourceExpr->root, compare);
+    return isFound;
+}
+
+/// @p change gets the SELECT list and returns whether it changed it.
+void modifySelectList(QBEngine* engine, void* sender, SQLAbstractSourceComponent* source,
+                      const std::function<bool(Columns&, const SourceColumns&)>& change) {
+    if (!engine || !source) return;
+    const auto block = [&](ELEMSQLSelectColumnExpr* element) {
+        if (!isInCurrentStatement(engine, source)) return false;
+        return change(element->columns, SourceColumns(source));
+    };
+    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
+        ElementSelectColumn, engine->currentTopLevelQueryComponentLayer(), block, sender);
+}
+
+bool removeColumns(QBEngine* engine, Columns& columns,
+                   const std::function<bool(const SQLFieldColumnComponent&)>& isGoing) {
+    DetachedParts parts;
+    const auto take = [&](SQLAbstractColumnComponent* column) {
+        const auto* field = dynamic_cast<const SQLFieldColumnComponent*>(column);
+        if (!field || !isGoing(*field)) return false;
+        parts.add(std::unique_ptr<AbstractQueryComponent>(column));
+        return true;
+    };
+    columns.erase(std::remove_if(columns.begin(), columns.end(), take), columns.end());
+    const bool hasChanged = !parts.isEmpty();
+    engine->retire(std::move(parts));
+    return hasChanged;
+}
+
+/// The source as a derived table that reads from something; else null.
+const SQLSubquerySourceComponent* asSubqueryWithSources(const SQLAbstractSourceComponent* source) {
+    const auto* derived = dynamic_cast<const SQLSubquerySourceComponent*>(source);
+    if (!derived) return nullptr;
+    const auto* statement = dynamic_cast<const SQLSelectStmtComponent*>(derived->subquery);
+    return statement && statement->sourceExpr->root ? derived : nullptr;
+}
+
+/// Nothing, not even the wildcard, for a source of which nothing can be known.
+Names selectableNames(QBEngine* engine, const SQLAbstractSourceComponent* source,
+                      bool includeWildcard) {
+    Names names(includeWildcard ? 1 : 0);
+    const auto table = Identifier::findTargetIdentifierCandidate(source, engine, true);
+    if (table.candidate) {
+        for (QBIdentifierCandidateSnapshot& field : engine->childrenSnapshot(table.candidate))
+            names.push_back(std::move(field.name));
+        return names;
+    }
+    const auto* derived = asSubqueryWithSources(source);
+    if (!derived) return {};
+    const Names fields = knownSubqueryFields(engine, derived);
+    names.insert(names.end(), fields.begin(), fields.end());
+    return names;
+}
+
+bool addMissing(Columns& columns, const SourceColumns& ofSource, const Names& names) {
+    std::unordered_set<std::string> present;
+    for (const SQLAbstractColumnComponent* column : columns) {
+        const auto* field = dynamic_cast<const SQLFieldColumnComponent*>(column);
+        if (field && ofSource.owns(*field)) present.insert(field->fieldName);
+    }
+    const std::size_t earlier = columns.size();
+    for (const std::string& name : names) {
+        const bool isMissing = present.insert(name).second;
+        if (isMissing) columns.push_back(ofSource.make(name).release());
+    }
+    return columns.size() > earlier;
+}
+
+}  // namespace
+
+void changeItemComponentAllSelection(QBEngine* engine, void* sender,
+                                     SQLAbstractSourceComponent* source, bool includeWildcard,
+                                     bool select) {
+    modifySelectList(engine, sender, source, [&](Columns& columns, const SourceColumns& ofSource) {
+        if (select)
+            return addMissing(columns, ofSource, selectableNames(engine, source, includeWildcard));
+        return removeColumns(engine, columns, [&](const SQLFieldColumnComponent& column) {
+            return (includeWildcard || !column.isAsterisk) && ofSource.owns(column);
+        });
+    });
+}
+
+void changeItemComponentFieldSelection(QBEngine* engine, void* sender,
+                                       SQLAbstractSourceComponent* source,
+                                       const std::string& fieldName, bool select) {
+    modifySelectList(engine, sender, source, [&](Columns& columns, const SourceColumns& ofSource) {
+        if (select) {
+            columns.push_back(ofSource.make(fieldName).release());
+            return true;
+        }
+        return removeColumns(engine, columns, [&](const SQLFieldColumnComponent& column) {
+            return column.fieldName == fieldName && ofSource.owns(column);
+        });
+    });
+}
+
+}  // namespace QB::Tools::SQL
