@@ -1,17 +1,15 @@
 #include "hostkit/threads.h"
 
-#include <QApplication>
-#include <QMessageBox>
-#include <QPalette>
-#include <QPointer>
+#include <QCoreApplication>
+#include <QSqlDatabase>
 #include <QThread>
-#include <atomic>
 #include <chrono>
 #include <stdexcept>
 
 #include "hostkit/connection_pool.h"
 #include "hostkit/main_thread_queue.h"
 #include "hostkit/quoting.h"
+#include "hostkit/thread_callbacks.h"
 #include "hostkit/worker_pool.h"
 #include "model/callbacks.h"
 
@@ -21,54 +19,21 @@ namespace {
 constexpr std::chrono::seconds endLimit{3};
 constexpr std::chrono::milliseconds endStep{5};
 
-/// What workers see of the theme; the main thread keeps it up to date.
-std::atomic<bool> isDark{false};
-std::atomic<bool> isPaletteFollowed{true};
+void warn(const std::string& text) {
+    qWarning("%s", text.c_str());
+}
 
-/// Main thread only.
+/// Main thread only, as what follows.
+void (*defaultErrorHandler)(const std::string&) = warn;
+
 std::function<void(const std::string&)>& errorHandler() {
     static std::function<void(const std::string&)> handler;
     return handler;
 }
 
-bool isMainThread() {
-    return QCoreApplication::instance() &&
-           QCoreApplication::instance()->thread() == QThread::currentThread();
-}
-
-bool isPaletteDark() {
-    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return false;
-    const QPalette palette = QGuiApplication::palette();
-    return palette.color(QPalette::WindowText).lightness() >
-           palette.color(QPalette::Window).lightness();
-}
-
-bool isDarkTheme() {
-    if (isPaletteFollowed.load() && isMainThread()) isDark.store(isPaletteDark());
-    return isDark.load();
-}
-
-/// One box for a run of errors: a box for each would bury the window.
-void showInMessageBox(const std::string& text) {
-    static QPointer<QMessageBox> openBox;
-    const QString message = QString::fromStdString(text);
-    if (!openBox) {
-        openBox = new QMessageBox(QMessageBox::Warning, QCoreApplication::applicationName(),
-                                  message, QMessageBox::Close, QApplication::activeWindow());
-        openBox->setAttribute(Qt::WA_DeleteOnClose);
-        openBox->setTextFormat(Qt::PlainText);
-        openBox->setModal(false);
-    } else if (!openBox->text().contains(message)) {
-        openBox->setText(openBox->text() + QLatin1Char('\n') + message);
-    }
-    openBox->show();
-    openBox->raise();
-}
-
 void showOnMainThread(const std::string& text) {
     if (errorHandler()) return errorHandler()(text);
-    if (qobject_cast<QApplication*>(QCoreApplication::instance())) return showInMessageBox(text);
-    qWarning("%s", text.c_str());
+    defaultErrorHandler(text);
 }
 
 /// A worker that waits for the main thread is served until it has come to its end; what its
@@ -93,7 +58,12 @@ void endWithApplication() {
 
 }  // namespace
 
-void installCallbacks() {
+bool isMainThread() {
+    return QCoreApplication::instance() &&
+           QCoreApplication::instance()->thread() == QThread::currentThread();
+}
+
+void installThreadCallbacks() {
     if (!isMainThread()) throw std::logic_error("installCallbacks: needs the application's thread");
     if (MainThreadQueue::instance().attach()) {
         WorkerPool::instance().setHousekeeping(closeDeadThreadConnections,
@@ -104,24 +74,16 @@ void installCallbacks() {
         QSqlDatabase::drivers();
         qAddPostRoutine(endWithApplication);
     }
-    isDarkTheme();
     Callback::runOperationOnMainThread = postToMainThread;
     Callback::runOperationOnDispatchedThread = postToWorker;
-    Callback::isDarkTheme = isDarkTheme;
     Callback::showError = [](std::string text) {
         reportError(text);
     };
     Callback::formatIdentifier = formatIdentifier;
 }
 
-void setDarkTheme(bool isDarkNow) {
-    isPaletteFollowed.store(false);
-    isDark.store(isDarkNow);
-}
-
-void followPaletteTheme() {
-    isPaletteFollowed.store(true);
-    isDarkTheme();
+void setDefaultErrorHandler(void (*show)(const std::string& text)) {
+    defaultErrorHandler = show;
 }
 
 void setErrorHandler(std::function<void(const std::string& text)> handler) {
@@ -130,7 +92,7 @@ void setErrorHandler(std::function<void(const std::string& text)> handler) {
 
 void reportError(const std::string& text) {
     const bool isServed = MainThreadQueue::instance().post([text] { showOnMainThread(text); });
-    if (!isServed) qWarning("%s", text.c_str());
+    if (!isServed) warn(text);
 }
 
 void postToMainThread(std::function<void()> function) {
