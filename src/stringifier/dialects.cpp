@@ -90,6 +90,10 @@ StringifiedNode QBQueryComponentStringifier_SQLITE::stringifyExpr_ELEMSQLLimitEx
     return node;
 }
 
+bool QBQueryComponentStringifier_SQLITE::readsNestedJoins() const {
+    return false;
+}
+
 StringifiedNode QBQueryComponentStringifier_MSSQL::stringifyExpr_ELEMSQLLimitExpr(
     const SQLSelectStmtComponent* statement, const ELEMSQLLimitExpr* limit, int level,
     TopLevelQueryComponentElementEnum) {

@@ -68,6 +68,8 @@ protected:
     StringifiedNode stringifyExpr_ELEMSQLLimitExpr(
         const Component::SQL::SQLSelectStmtComponent* statement, const ELEMSQLLimitExpr* element,
         int level, TopLevelQueryComponentElementEnum which) override;
+    /// SQLite reads a condition only right behind its join's right side.
+    bool readsNestedJoins() const override;
 };
 
 /// OFFSET and FETCH NEXT; both need ORDER BY, and FETCH needs OFFSET.

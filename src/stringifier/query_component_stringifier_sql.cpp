@@ -99,6 +99,10 @@ bool QBQueryComponentStringifier_SQL::keepsTableSchema() const {
     return false;
 }
 
+bool QBQueryComponentStringifier_SQL::readsNestedJoins() const {
+    return true;
+}
+
 // ---- dispatch -------------------------------------------------------------------------------
 
 template <typename Test>
@@ -291,9 +295,29 @@ StringifiedNode QBQueryComponentStringifier_SQL::walkSources(const SourceNode* n
     const auto sourceChild = [this, node](int side, int childLevel) -> StringifiedNode {
         const bool isLeft = side == 0 || side == 2;
         if (!isLeft && side != 1) return {};
+        if (!isLeft && needsBrackets(node))
+            return inBrackets(deferredSources(node->right, childLevel + 1), childLevel);
         return deferredSources(isLeft ? node->left : node->right, childLevel);
     };
     return stringifyComponent(node->value, level, sourceChild);
+}
+
+/// Without them, a JOIN b JOIN c ON x ON y, the second condition would stand alone where a server
+/// gives each join its condition at once.
+bool QBQueryComponentStringifier_SQL::needsBrackets(const SourceNode* node) const {
+    if (readsNestedJoins() || !node->right) return false;
+    const auto* join = ifKind<SQLJoinSourceNodeComponent>(node->value);
+    return join && join->joinType != SQLJoinTypeComma &&
+           ifKind<SQLJoinSourceNodeComponent>(node->right->value);
+}
+
+StringifiedNode QBQueryComponentStringifier_SQL::inBrackets(StringifiedNode content, int level) {
+    StringifiedNode node = newNode();
+    node.appendLine("(", level + 1);
+    node.append(std::move(content));
+    node.appendLine({}, level);
+    node.append(")");
+    return node;
 }
 
 void QBQueryComponentStringifier_SQL::appendSourceAlias(StringifiedNode& node,
@@ -341,11 +365,7 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLSubqueryS
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLBracketedSourceNodeComponent(
     const SQLBracketedSourceNodeComponent* source, int level,
     const SourceChildCallback& sourceChild) {
-    StringifiedNode node = newNode();
-    node.appendLine("(", level + 1);
-    node.append(sourceSide(sourceChild, 2, level + 1));
-    node.appendLine({}, level);
-    node.append(")");
+    StringifiedNode node = inBrackets(sourceSide(sourceChild, 2, level + 1), level);
     appendSourceAlias(node, source->alias);
     return node;
 }

@@ -77,6 +77,8 @@ protected:
     virtual std::string_view sourceAliasSeparator() const;
     /// True if a table's only qualifier is written even where it is the current schema.
     virtual bool keepsTableSchema() const;
+    /// True if a join that is the right side of another one needs no brackets.
+    virtual bool readsNestedJoins() const;
 
     void resetRun() override;
 
@@ -95,6 +97,8 @@ private:
                                const Component::AbstractQueryComponent* component, int level);
     StringifiedNode deferredSources(const Component::SQL::SourceNode* node, int level);
     StringifiedNode walkSources(const Component::SQL::SourceNode* node, int level);
+    bool needsBrackets(const Component::SQL::SourceNode* node) const;
+    StringifiedNode inBrackets(StringifiedNode content, int level);
     template <auto operation>
     static StringifiedNode joinPart(QBQueryComponentStringifier& stringifier, const void* join,
                                     int level);

@@ -95,6 +95,21 @@ inline Statement everyJoin(bool withConditions) {
     return s;
 }
 
+/// d, a JOIN (b LEFT JOIN c): without brackets in the model, as links draw it.
+inline Statement joinsToTheRight() {
+    Statement s = newStatement();
+    SourceNode* a = table("a");
+    SourceNode* b = table("b");
+    SourceNode* c = table("c");
+    const auto same = [](SourceNode* left, SourceNode* right) {
+        return compare(field(left, "id"), CompareOpEqual, {field(right, "id")});
+    };
+    SourceNode* inner = join(b, SQLJoinTypeLeft, c, same(b, c));
+    SourceNode* joined = join(a, SQLJoinTypeInner, inner, same(a, b));
+    s->sourceExpr->root = join(table("d"), SQLJoinTypeComma, joined, nullptr);
+    return s;
+}
+
 inline Statement usingLists() {
     Statement s = newStatement();
     const auto usingJoin = [](SourceNode* left, SourceNode* right,
@@ -237,6 +252,7 @@ inline std::vector<GoldenCase> goldenCases() {
         {"every_operator", everyOperator},
         {"every_join", of(everyJoin, true)},
         {"every_join_without_condition", of(everyJoin, false)},
+        {"joins_to_the_right", joinsToTheRight},
         {"using", usingLists},
         {"one_schema", of(schemas, "shop")},
         {"two_schemas", of(schemas, "depot")},

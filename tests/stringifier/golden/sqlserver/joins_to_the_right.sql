@@ -1,0 +1,13 @@
+SELECT
+	*
+FROM
+	[d],
+	[a]
+	INNER JOIN
+	[b]
+	LEFT JOIN
+	[c]
+	ON 
+		[b].[id] = [c].[id]
+	ON 
+		[a].[id] = [b].[id]
