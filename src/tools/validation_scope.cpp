@@ -64,7 +64,7 @@ SQLSelectStmtComponent* currentStatement(const QBEngine* engine) {
 ValidationScope::ValidationScope(QBEngine* engine) : m_engine(engine) {
     addOwnSources(currentStatement(engine));
     for (int layer = engine->currentTopLevelQueryComponentLayer() - 1; layer >= 0; --layer)
-        addSourcesAround(layer);
+        addNamesAround(layer);
 }
 
 void ValidationScope::addOwnSources(const Statement* statement) {
@@ -75,15 +75,11 @@ void ValidationScope::addOwnSources(const Statement* statement) {
     });
 }
 
-/// The sources of @p layer, which has another one above it.
-void ValidationScope::addSourcesAround(int layer) {
-    const auto* statement = ifKind<Statement>(m_engine->topLevelQueryComponent(layer));
-    if (!statement) return;
-    const bool isSeen = maySeeAround(m_engine->topLevelQueryComponent(layer + 1), statement);
-    visitSources(statement, [&](const Source* source) {
-        m_sources.insert(source);
-        if (isSeen) addOutsideNames(source);
-    });
+/// What the layer above @p layer sees of it.
+void ValidationScope::addNamesAround(int layer) {
+    const auto* statement = dynamic_cast<const Statement*>(m_engine->topLevelQueryComponent(layer));
+    if (!statement || !maySeeAround(m_engine->topLevelQueryComponent(layer + 1), statement)) return;
+    visitSources(statement, [this](const Source* source) { addOutsideNames(source); });
 }
 
 /// By what names a subquery calls a source outside: those of its text, and with the schema that the

@@ -23,9 +23,9 @@ Component::SQL::SQLSelectStmtComponent* currentStatement(const QBEngine* engine)
 /// What the fields of the current layer may name. Made for one check: gathers the sources once, and
 /// looks for the table of a source once, so that a field costs a few look-ups.
 ///
-/// Valid sources are those of the layer's statement and of the statements around it: a reference to
-/// one of these is kept. A path, however, reaches into a statement around only from the right side
-/// of a join like CROSS APPLY, the one place from where the server looks there, too.
+/// A field refers to sources of its own statement only. Its path may also name one of a statement
+/// around it, which nobody binds a reference to, from the right side of a join like CROSS APPLY:
+/// the one place from where the server looks there, too.
 /// Thread: main, inside the modification of the check.
 class ValidationScope {
 public:
@@ -48,7 +48,7 @@ private:
     using Names = std::vector<std::string>;
 
     void addOwnSources(const Statement* statement);
-    void addSourcesAround(int layer);
+    void addNamesAround(int layer);
     void addOutsideNames(const Source* source);
 
     QBEngine* const m_engine;
