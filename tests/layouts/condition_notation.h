@@ -46,9 +46,8 @@ inline Condition* readChain(const char*& text) {
                                     : makeValue(std::string(1, letter));
     if (letter == '[') ++text;
     if (*text == '=' && ++text) link = makeCompare(link);
-    link->logicGate = gate == '&'   ? SQLLogicGateAnd
-                      : gate == '|' ? SQLLogicGateOr
-                                    : SQLLogicGateNone;
+    if (gate == '&') link->logicGate = SQLLogicGateAnd;
+    if (gate == '|') link->logicGate = SQLLogicGateOr;
     link->negated = isNegated;
     link->next = readChain(text);
     return link;
@@ -94,6 +93,15 @@ inline void expectRowsOf(Condition** head, int level, ExpectedRows& rows) {
     }
 }
 
+/// The rows with these numbers.
+template <typename Layout, typename Indices>
+Items rowsAt(const Layout& layout, const Indices& indices) {
+    Items rows;
+    for (const std::size_t index : indices)
+        rows.push_back(layout.items().at(index));
+    return rows;
+}
+
 /// Fails unless the rows are what the chain asks for.
 inline void expectInStep(const ConditionListLayout& layout, Condition** root) {
     ExpectedRows expected;
@@ -121,12 +129,6 @@ public:
     }
     Condition*& root() { return m_root; }
     Item* row(std::size_t index) const { return layout.items().at(index); }
-    Items rows(const std::vector<std::size_t>& indices) const {
-        Items rows;
-        for (const std::size_t index : indices)
-            rows.push_back(row(index));
-        return rows;
-    }
 
     ConditionListLayout layout;
 

@@ -60,7 +60,7 @@ Indices wholeLinks(const Words& words, const Indices& rows) {
     return spans(words, starts) == rows ? rows : Indices();
 }
 
-Words at(const Words& words, const Indices& rows) {
+Words wordsAt(const Words& words, const Indices& rows) {
     Words result;
     for (const std::size_t row : rows)
         result.push_back(words[row]);
@@ -204,7 +204,7 @@ private:
     }
 
     Words remove(const Indices& rows) {
-        Items items = at(rows);
+        Items items = rowsAt(m_layout, rows);
         std::shuffle(items.begin(), items.end(), m_random);
         m_layout.removeItems(m_engine.get(), ElementWhere, this, items);
         return edited(m_words, spans(m_words, rows), 0, {});
@@ -213,15 +213,16 @@ private:
     Words move(std::size_t index, std::size_t target) {
         m_layout.moveItem(m_engine.get(), ElementWhere, this, m_layout.items()[index], target);
         const Indices rows = spans(m_words, {index});
-        return edited(m_words, rows, target, QB::Test::at(m_words, rows));
+        return edited(m_words, rows, target, wordsAt(m_words, rows));
     }
 
     Words group(const Indices& rows, int index) {
         const Indices links = wholeLinks(m_words, rows);
-        EXPECT_EQ(m_layout.canGroupItemsByBracket(at(rows)), !links.empty());
-        m_layout.groupItemsByBracket(m_engine.get(), ElementWhere, this, at(rows), index);
+        EXPECT_EQ(m_layout.canGroupItemsByBracket(rowsAt(m_layout, rows)), !links.empty());
+        m_layout.groupItemsByBracket(m_engine.get(), ElementWhere, this, rowsAt(m_layout, rows),
+                                     index);
         if (links.empty()) return m_words;
-        Words bracket = QB::Test::at(m_words, links);
+        Words bracket = wordsAt(m_words, links);
         bracket.insert(bracket.begin(), "&[");
         bracket.push_back("]");
         return edited(m_words, links, index < 0 ? *links.begin() : std::size_t(index), bracket);
@@ -230,8 +231,9 @@ private:
     Words ungroup(std::size_t index) {
         const auto [open, close] = span(m_words, index);
         const bool isPossible = open < close && m_words[open + 1] != "_";
-        EXPECT_EQ(m_layout.canUngroupItemsByBracket(at({index})), isPossible);
-        m_layout.ungroupItemsByBracket(m_engine.get(), ElementWhere, this, at({index}));
+        EXPECT_EQ(m_layout.canUngroupItemsByBracket(rowsAt(m_layout, Indices{index})), isPossible);
+        m_layout.ungroupItemsByBracket(m_engine.get(), ElementWhere, this,
+                                       rowsAt(m_layout, Indices{index}));
         if (!isPossible) return m_words;
         const auto isNegated = [this](std::size_t row) {
             return m_words[row].find('!') != std::string::npos;
@@ -262,13 +264,6 @@ private:
         m_layout.replaceItemComponent(m_engine.get(), ElementWhere, this, row, link, !value);
         if (isRefused) delete link;
         return isRefused ? m_words : edited(m_words, spans(m_words, {index}), index, added);
-    }
-
-    Items at(const Indices& rows) const {
-        Items items;
-        for (const std::size_t row : rows)
-            items.push_back(m_layout.items()[row]);
-        return items;
     }
 
     std::mt19937 m_random;
