@@ -223,8 +223,8 @@ void QBEngine::runModification(TopLevelQueryComponentElementEnum element, int la
 void QBEngine::checkStatements(TopLevelQueryComponentElementEnum element, int layer) const {
     if constexpr (checksModifications) {
         const std::vector<Statement*> layers = layerStatements();
-        m_core->modificationCheck.run({element, layer}, {layers.begin(), layers.end()},
-                                      m_core->retired);
+        m_core->modificationCheck.run({element, layer, databaseType(), currentSchema()},
+                                      {layers.begin(), layers.end()}, m_core->retired);
     }
 }
 

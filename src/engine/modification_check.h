@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "model/components.h"
@@ -28,18 +29,36 @@ class ModificationCheck {
 public:
     static constexpr std::size_t alwaysChecked = 2000;
 
-    /// What was modified, for the message.
     struct Modification {
         TopLevelQueryComponentElementEnum element;
         int layer;
+        DatabaseType type;
+        std::string schema;  ///< the current one
     };
     using Layers = std::vector<const Component::AbstractTopLevelQueryComponent*>;
 
     /// @p layers are the open statements, the root first; none gives nothing to check.
-    void run(Modification modification, const Layers& layers, const RetiredParts& retired);
+    void run(const Modification& modification, const Layers& layers, const RetiredParts& retired);
 
 private:
     std::size_t m_skipped = 0;  ///< modifications that are still to go unchecked
 };
+
+/// @name The text check
+/// For tests: whether the check looks at the text of the root statement, too, which must say what
+/// the statement says (see readOwnText). A text that the parser refuses is that of a query that is
+/// not finished, and only counted. Off at first; for the whole process. Any thread.
+/// @{
+
+void setTextCheck(bool isOn);
+
+struct TextCheckCounts {
+    long accepted;
+    long refused;
+};
+/// Since the process began.
+TextCheckCounts textCheckCounts();
+
+/// @}
 
 }  // namespace QB

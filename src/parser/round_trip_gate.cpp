@@ -1,6 +1,7 @@
 #include "parser/round_trip_gate.h"
 
 #include "model/statement_text.h"
+#include "parser/name_quoting.h"
 #include "parser/parser_handle.h"
 #include "platform/sqlet/words.h"
 #include "platform/tolk/tolk.h"
@@ -11,43 +12,19 @@ using namespace Component::SQL;
 
 namespace {
 
-struct QuoteMarks {
-    char open;
-    char close;  // doubled inside
-};
-
-QuoteMarks quoteMarks(int dialect) {
-    if (dialect == parserDialect(DatabaseTypeMySQL)) return {'`', '`'};
-    if (dialect == parserDialect(DatabaseTypeSQLServer)) return {'[', ']'};
-    return {'"', '"'};
-}
-
-std::string quoted(const std::string& name, QuoteMarks marks) {
-    std::string text(1, marks.open);
-    for (const char c : name) {
-        if (c == marks.close) text += c;
-        text += c;
-    }
-    return text += marks.close;
-}
-
 /// Quotes names, and notes whether quotes matter for any of them.
 class Quoter {
 public:
-    explicit Quoter(DatabaseType type) : m_type(type), m_marks(quoteMarks(parserDialect(type))) {}
+    explicit Quoter(DatabaseType type) : m_type(type) {}
 
     std::string always(const std::string& name) {
         const unsigned word = wordClass(name);
         // Ordinary words read the same with and without quotes.
-        if (word == 0) return quoted(name, m_marks);
-        const bool canBeBare = readsAsName(name);
+        if (word == 0) return quotedName(name, m_type);
+        const bool canBeBare = canStandBare(name, m_type);
         m_hasBareWord = m_hasBareWord || canBeBare;
         // Quoted, the name of an aggregate is no function to some servers.
-        return canBeBare && (word & SQLET_WORD_FUNCTION) ? name : quoted(name, m_marks);
-    }
-
-    std::string whereNeeded(const std::string& name) const {
-        return readsAsName(name) ? name : quoted(name, m_marks);
+        return canBeBare && (word & SQLET_WORD_FUNCTION) ? name : quotedName(name, m_type);
     }
 
     bool isWord(const std::string& name) const { return wordClass(name) != 0; }
@@ -59,13 +36,7 @@ private:
     unsigned wordClass(const std::string& name) const {
         return sqlet_word_class(m_type, name.data(), static_cast<int>(name.size()));
     }
-    bool readsAsName(const std::string& name) const {
-        return sqlet_reads_as_name(m_type, name.data(), static_cast<int>(name.size())) != 0 &&
-               (wordClass(name) & SQLET_WORD_NO_BARE_ALIAS) == 0;
-    }
-
     const DatabaseType m_type;
-    const QuoteMarks m_marks;
     bool m_hasBareWord = false;
 };
 
@@ -111,7 +82,7 @@ QBParseOutcome checkRoundTrip(SqletParser* original, const SQLSelectStmtComponen
     const bool isNewlyBare = sqlet_has_quoted_word(original) || quoter.isWord(schema);
     if (difference == noDifference && quoter.hasBareWord() && isNewlyBare)
         difference =
-            compare([&quoter](const std::string& name) { return quoter.whereNeeded(name); });
+            compare([type](const std::string& name) { return quotedWhereNeeded(name, type); });
     return difference == noDifference ? QBParseOutcome() : refusal(original, difference);
 }
 

@@ -1,0 +1,290 @@
+#include "engine/text_check.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <set>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "model/detached_parts.h"
+#include "model/element_expressions.h"
+#include "model/kind_of.h"
+#include "model/tree_walks.h"
+#include "parser/name_quoting.h"
+#include "parser/query_parser.h"
+#include "stringifier/query_component_stringifier.h"
+
+namespace QB {
+
+using namespace Component;
+using namespace Component::SQL;
+
+namespace {
+
+enum class Mark { Comparison, Bracket, Link };
+/// Where conditions begin, as often as they begin there. A link is one of a chain, no operand.
+using Marks = std::multiset<std::pair<int, Mark>>;
+
+int endOf(QBRange range) {
+    return range.location + range.length;
+}
+
+/// A statement, its text, and where in it everything stands.
+class WrittenStatement {
+public:
+    WrittenStatement(const SQLSelectStmtComponent& statement, DatabaseType type,
+                     const std::string& schema) {
+        const auto stringifier = QBQueryComponentStringifier::createStringifier({type, 0});
+        if (!stringifier) return;
+        stringifier->setCurrentSchema(schema);
+        stringifier->setQuoteName(
+            [type](const std::string& name) { return quotedWhereNeeded(name, type); });
+        m_text = stringifier->stringifyQuery(&statement);
+        m_ranges = stringifier->componentRanges();
+        for (const auto& [component, range] : m_ranges)
+            sortIn(component, range);
+        std::sort(m_freeTexts.begin(), m_freeTexts.end(), [](QBRange a, QBRange b) {
+            return std::pair(a.location, a.length) < std::pair(b.location, b.length);
+        });
+    }
+
+    const std::string& text() const { return m_text; }
+    const std::map<std::pair<int, int>, const SQLFieldColumnComponent*>& fields() const {
+        return m_fields;
+    }
+    const std::map<std::pair<int, int>, const SQLAbstractSourceComponent*>& tables() const {
+        return m_tables;
+    }
+    const Marks& marks() const { return m_marks; }
+    /// False too for null and for what is no part of the statement.
+    bool hasRange(const AbstractQueryComponent* component, QBRange& range) const {
+        const auto found = m_ranges.find(component);
+        if (found == m_ranges.end()) return false;
+        range = found->second;
+        return true;
+    }
+
+    /// True if @p range touches free text.
+    bool isFree(QBRange range) const {
+        const auto behind =
+            std::partition_point(m_freeTexts.begin(), m_freeTexts.end(),
+                                 [&](QBRange free) { return endOf(free) < range.location; });
+        return behind != m_freeTexts.end() && behind->location <= endOf(range);
+    }
+
+    std::string excerpt(QBRange range) const {
+        return "\"" +
+               m_text.substr(static_cast<std::size_t>(range.location),
+                             static_cast<std::size_t>(range.length)) +
+               "\" at byte " + std::to_string(range.location);
+    }
+
+private:
+    void sortIn(const AbstractQueryComponent* component, QBRange range) {
+        const std::pair place(range.location, range.length);
+        if (const auto* field = ifKind<SQLFieldColumnComponent>(component)) {
+            if (range.length > 0) m_fields[place] = field;
+        } else if (const auto* source =
+                       dynamic_cast<const SQLAbstractSourceComponent*>(component)) {
+            sortInSource(source, range);
+        } else if (const auto* statement = ifKind<SQLSelectStmtComponent>(component)) {
+            markJoins(statement->sourceExpr->root);
+            markChain(statement->whereExpr->root);
+            markChain(statement->havingExpr->root);
+        } else if (ifKind<SQLAnyExpressionColumnComponent>(component)) {
+            m_freeTexts.push_back(range);
+        } else if (ifKind<SQLCompareConditionComponent>(component)) {
+            m_marks.insert({range.location, Mark::Comparison});
+        } else if (const auto* bracket = ifKind<SQLBracketedConditionComponent>(component)) {
+            m_marks.insert({range.location, Mark::Bracket});
+            markChain(bracket->inner);
+        }
+    }
+
+    void sortInSource(const SQLAbstractSourceComponent* source, QBRange range) {
+        if (ifKind<SQLAnyExpressionSourceComponent>(source)) {
+            m_freeTexts.push_back(range);
+        } else if (!ifKind<SQLJoinSourceNodeComponent>(source) && range.length > 0) {
+            m_tables[{range.location, range.length}] = source;
+        }
+    }
+
+    void markChain(const SQLAbstractConditionComponent* first) {
+        QBRange range{};
+        for (const auto* link = first; link; link = link->next)
+            if (hasRange(link, range)) m_marks.insert({range.location, Mark::Link});
+    }
+
+    void markJoins(const SourceNode* tree) {
+        Tools::visitSourceNodes(tree, [this](const SourceNode* node) {
+            const auto* join = ifKind<SQLJoinSourceNodeComponent>(node->value);
+            if (join && !join->isUsing) markChain(join->condition);
+        });
+    }
+
+    std::string m_text;
+    QBQueryComponentStringifier::Ranges m_ranges;
+    std::map<std::pair<int, int>, const SQLFieldColumnComponent*> m_fields;
+    std::map<std::pair<int, int>, const SQLAbstractSourceComponent*> m_tables;
+    Marks m_marks;
+    std::vector<QBRange> m_freeTexts;
+};
+
+/// What the text calls a source.
+std::string nameOf(const SQLAbstractSourceComponent* source) {
+    if (!source->alias.empty()) return source->alias;
+    const auto* table = ifKind<SQLIdentifierSourceComponent>(source);
+    return table ? table->name : std::string();
+}
+
+using Lacking = std::vector<Marks::value_type>;
+
+/// By mark: what the text does not say of the statement, and what it says falsely.
+const char* const markFaults[][2] = {
+    {"is not read as a comparison", "is read as a comparison"},
+    {"is not read as a bracket", "is read as a bracket"},
+    {"is not read as a condition by itself", "is read as a condition by itself"}};
+
+/// The statement and what was read from its text, which is the same text.
+class Comparison {
+public:
+    Comparison(const WrittenStatement& written, const WrittenStatement& read)
+        : m_written(written), m_read(read) {}
+
+    std::string faults() {
+        compareTables();
+        compareFields();
+        compareMarks();
+        return m_faults;
+    }
+
+private:
+    void add(const std::string& what, QBRange range) {
+        m_faults += m_written.excerpt(range) + " " + what + "\n";
+    }
+
+    void compareTables() {
+        for (const auto& [place, source] : m_written.tables()) {
+            const QBRange range{place.first, place.second};
+            const auto found = m_read.tables().find(place);
+            const bool isThere =
+                found != m_read.tables().end() && typeid(*found->second) == typeid(*source);
+            if (!isThere && !m_written.isFree(range)) add("is read as another source", range);
+        }
+        for (const auto& [place, source] : m_read.tables()) {
+            const QBRange range{place.first, place.second};
+            const bool isThere = m_written.tables().count(place) > 0;
+            if (!isThere && !m_written.isFree(range)) add("is read as a source", range);
+        }
+    }
+
+    void compareFields() {
+        for (const auto& [place, field] : m_written.fields()) {
+            const QBRange range{place.first, place.second};
+            const auto found = m_read.fields().find(place);
+            if (found != m_read.fields().end())
+                compareReferences(field, found->second, range);
+            else if (!m_written.isFree(range))
+                add("is not read as a field", range);
+        }
+        for (const auto& [place, field] : m_read.fields()) {
+            const QBRange range{place.first, place.second};
+            const bool isThere = m_written.fields().count(place) > 0 || isEmptyList(field);
+            if (!isThere && !m_written.isFree(range)) add("is read as a field", range);
+        }
+    }
+
+    /// What a SELECT list without columns is written as.
+    static bool isEmptyList(const SQLFieldColumnComponent* field) {
+        return field->isAsterisk && field->parentPath.empty() && field->aggregateFunction.empty();
+    }
+
+    void compareReferences(const SQLFieldColumnComponent* field,
+                           const SQLFieldColumnComponent* read, QBRange range) {
+        if (!isSameSource(field, read)) add("is read as a field of another source", range);
+        QBRange column{};
+        if (!m_written.hasRange(field->referencedColumn, column)) return;
+        QBRange readColumn{};
+        const bool isThere = m_read.hasRange(read->referencedColumn, readColumn);
+        const bool isSame = isThere && (readColumn == column || read->referencedColumn->alias ==
+                                                                    field->referencedColumn->alias);
+        if (!isSame) add("is read as the name of another column", range);
+    }
+
+    bool isSameSource(const SQLFieldColumnComponent* field,
+                      const SQLFieldColumnComponent* read) const {
+        QBRange source{};
+        // A field without a source, or of one that was taken out, is what its text says.
+        if (field->referencedColumn || !m_written.hasRange(field->source, source)) return true;
+        const std::string name = nameOf(field->source);
+        if (!read->source) return name.empty() || isFullPath(field, read);
+        QBRange readSource{};
+        m_read.hasRange(read->source, readSource);
+        return readSource == source || nameOf(read->source) == name;
+    }
+
+    /// True if the qualifiers that were read name the source together with its schema.
+    static bool isFullPath(const SQLFieldColumnComponent* field,
+                           const SQLFieldColumnComponent* read) {
+        const auto* table = ifKind<SQLIdentifierSourceComponent>(field->source);
+        if (!table || !table->alias.empty() || read->parentPath.size() < 2) return false;
+        std::vector<std::string> path = table->path;
+        path.push_back(table->name);
+        return read->parentPath == path;
+    }
+
+    void compareMarks() {
+        Lacking lacking;
+        const Marks& written = m_written.marks();
+        const Marks& read = m_read.marks();
+        std::set_difference(written.begin(), written.end(), read.begin(), read.end(),
+                            std::back_inserter(lacking));
+        for (const auto& [start, mark] : lacking)
+            if (!m_written.isFree({start, 0})) add(markFaults[int(mark)][0], {start, 1});
+        lacking.clear();
+        std::set_difference(read.begin(), read.end(), written.begin(), written.end(),
+                            std::back_inserter(lacking));
+        // What begins where free text begins holds more than that text.
+        for (const auto& [start, mark] : lacking)
+            if (!m_written.isFree({start - 1, 0})) add(markFaults[int(mark)][1], {start, 1});
+    }
+
+    const WrittenStatement& m_written;
+    const WrittenStatement& m_read;
+    std::string m_faults;
+};
+
+std::string changedText(const std::string& text, const std::string& again) {
+    return "the text of what was read differs:\n" + again + "\nfrom:\n" + text + "\n";
+}
+
+int differenceOf(const std::string& a, const std::string& b) {
+    const auto [inA, inB] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    return static_cast<int>(inA - a.begin());
+}
+
+/// @p isSettled if free text is written as it was read.
+TextReading readText(const SQLSelectStmtComponent& statement, DatabaseType type,
+                     const std::string& schema, bool isSettled) {
+    const WrittenStatement written(statement, type, schema);
+    const OwnedStatement content(new SQLSelectStmtComponent);
+    const auto outcome = QBQueryParser::parseStatement(content.get(), written.text(), type, schema);
+    if (!outcome.isAccepted()) return {false, written.text(), {}};
+    const WrittenStatement read(*content, type, schema);
+    if (read.text() == written.text())
+        return {true, written.text(), Comparison(written, read).faults()};
+    const bool isFree = written.isFree({differenceOf(written.text(), read.text()), 0});
+    if (!isSettled && isFree) return readText(*content, type, schema, true);
+    return {true, written.text(), changedText(written.text(), read.text())};
+}
+
+}  // namespace
+
+TextReading readOwnText(const SQLSelectStmtComponent& statement, DatabaseType type,
+                        const std::string& schema) {
+    return readText(statement, type, schema, false);
+}
+
+}  // namespace QB
