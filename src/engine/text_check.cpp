@@ -139,6 +139,10 @@ std::string nameOf(const SQLAbstractSourceComponent* source) {
     return table ? table->name : std::string();
 }
 
+bool isSameKind(const SQLAbstractSourceComponent& a, const SQLAbstractSourceComponent& b) {
+    return typeid(a) == typeid(b);
+}
+
 using Lacking = std::vector<Marks::value_type>;
 
 /// By mark: what the text does not say of the statement, and what it says falsely.
@@ -150,8 +154,8 @@ const char* const markFaults[][2] = {
 /// The statement and what was read from its text, which is the same text.
 class Comparison {
 public:
-    Comparison(const WrittenStatement& written, const WrittenStatement& read)
-        : m_written(written), m_read(read) {}
+    Comparison(const WrittenStatement& written, const WrittenStatement& read, DatabaseType type)
+        : m_written(written), m_read(read), m_type(type) {}
 
     std::string faults() {
         compareTables();
@@ -170,14 +174,20 @@ private:
             const QBRange range{place.first, place.second};
             const auto found = m_read.tables().find(place);
             const bool isThere =
-                found != m_read.tables().end() && typeid(*found->second) == typeid(*source);
+                found != m_read.tables().end() && isSameKind(*found->second, *source);
             if (!isThere && !m_written.isFree(range)) add("is read as another source", range);
         }
         for (const auto& [place, source] : m_read.tables()) {
             const QBRange range{place.first, place.second};
-            const bool isThere = m_written.tables().count(place) > 0;
+            const bool isThere = m_written.tables().count(place) > 0 || isAddedBracket(source);
             if (!isThere && !m_written.isFree(range)) add("is read as a source", range);
         }
+    }
+
+    /// What is written around a join where the server cannot read it bare.
+    bool isAddedBracket(const SQLAbstractSourceComponent* source) const {
+        return m_type == DatabaseTypeSQLite && ifKind<SQLBracketedSourceNodeComponent>(source) &&
+               source->alias.empty();
     }
 
     void compareFields() {
@@ -253,6 +263,7 @@ private:
 
     const WrittenStatement& m_written;
     const WrittenStatement& m_read;
+    const DatabaseType m_type;
     std::string m_faults;
 };
 
@@ -274,7 +285,7 @@ TextReading readText(const SQLSelectStmtComponent& statement, DatabaseType type,
     if (!outcome.isAccepted()) return {false, written.text(), {}};
     const WrittenStatement read(*content, type, schema);
     if (read.text() == written.text())
-        return {true, written.text(), Comparison(written, read).faults()};
+        return {true, written.text(), Comparison(written, read, type).faults()};
     const bool isFree = written.isFree({differenceOf(written.text(), read.text()), 0});
     if (!isSettled && isFree) return readText(*content, type, schema, true);
     return {true, written.text(), changedText(written.text(), read.text())};
