@@ -111,6 +111,9 @@ private:
                           int level, bool withDirection);
     void appendColumnAlias(StringifiedNode& node, const std::string& alias) const;
     void appendSourceAlias(StringifiedNode& node, const std::string& alias) const;
+    /// The value without what is chained to it.
+    StringifiedNode valueItems(const Component::SQL::SQLConditionValueComponent* value, int level,
+                               int listMode);
     StringifiedNode betweenChain(const Component::SQL::SQLConditionValueComponent* value,
                                  int level);
     StringifiedNode upperBound(const Component::SQL::SQLAbstractConditionComponent* bound,

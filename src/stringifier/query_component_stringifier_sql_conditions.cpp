@@ -133,12 +133,16 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLCompareCo
 
 StringifiedNode QBQueryComponentStringifier_SQL::rightOperand(
     const SQLAbstractConditionComponent* operand, int level, int listMode) {
-    // A value is written by the operator's list mode, and so without a range of its own.
-    if (const auto* value = ifKind<SQLConditionValueComponent>(operand))
+    const auto* value = ifKind<SQLConditionValueComponent>(operand);
+    if (!value) {
+        StringifiedNode node = newNode();
+        appendDeferred(node, operand, level);
+        return node;
+    }
+    if (listMode == listModeRange)
         return stringifyComponent_SQLConditionValueComponent(value, level, listMode);
-    StringifiedNode node = newNode();
-    appendDeferred(node, operand, level);
-    return node;
+    // What may be chained to it is the upper bound from when the operator was BETWEEN.
+    return valueItems(value, level, listMode);
 }
 
 int QBQueryComponentStringifier_SQL::listModeParameter() const {
@@ -150,7 +154,13 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLCondition
     const SQLConditionValueComponent* value, int level, int listMode) {
     if (listMode == listModeFromParameter) listMode = listModeParameter();
     if (isRangeChain(value, listMode)) return betweenChain(value, level);
+    StringifiedNode node = valueItems(value, level, listMode);
+    node.append(stringifyNextCondition(value, level));
+    return node;
+}
 
+StringifiedNode QBQueryComponentStringifier_SQL::valueItems(const SQLConditionValueComponent* value,
+                                                            int level, int listMode) {
     StringifiedNode node = startOf(value);
     bool isFirst = true;
     const std::size_t count = itemCount(value, listMode);
@@ -160,7 +170,6 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLCondition
         isFirst = isFirst && !item;
         appendDeferred(node, item, level);
     }
-    node.append(stringifyNextCondition(value, level));
     return node;
 }
 

@@ -101,6 +101,10 @@ TEST_F(Stringifier, WritesTwoBoundsWhateverModeListsHaveAndNoneThatIsChainedByOr
     EXPECT_EQ(m_mysql->stringifyQuery(condition), "a BETWEEN 1 AND 2");
     condition->rightValue->next->logicGate = SQLLogicGateOr;
     EXPECT_EQ(m_mysql->stringifyQuery(condition), "a BETWEEN 1 AND  OR\n2,3");
+    // The user chose another operator: a second bound there would read as a second condition.
+    condition->rightValue->next->logicGate = SQLLogicGateAnd;
+    condition->compareOp = CompareOpLess;
+    EXPECT_EQ(m_mysql->stringifyQuery(condition), "a < 1");
 }
 
 TEST_F(Stringifier, StaysUsableWhenTheHostThrows) {
