@@ -23,7 +23,7 @@ public:
     using Map = std::map<Key, int>;
 
     Findings(QBEngine* engine, const Map* known)
-        : m_engine(engine), m_scope(engine), m_known(known) {}
+        : m_scope(engine), m_known(known), m_fields(engine) {}
 
     void add(Key key, InvalidReason reason) {
         m_map.emplace(key, reason);
@@ -52,7 +52,7 @@ public:
 
     /// The last call but isNews.
     Map finish() {
-        m_fields.run(m_engine);
+        m_fields.run();
         for (const LookedUp& each : m_lookedUp) {
             if (m_fields.isMissing(each.table, each.field->fieldName)) add(each.key, InvalidField);
         }
@@ -83,7 +83,6 @@ private:
         const SQLFieldColumnComponent* field;
     };
 
-    QBEngine* const m_engine;
     ValidationScope m_scope;
     const Map* const m_known;  // not owned: the caller's; null: there is none
     Map m_map;

@@ -1,10 +1,12 @@
 #include "tools/validation_scope.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "model/element_expressions.h"
 #include "model/kind_of.h"
 #include "model/tree_walks.h"
+#include "platform/sqlet/lex_traits.h"
 #include "tools/identifier_tools.h"
 
 namespace QB::Tools::Validation {
@@ -117,13 +119,18 @@ const QBIdentifierCandidate* ValidationScope::tableOf(const Source* source) {
     return table->second;
 }
 
-void FieldLookup::run(const QBEngine* engine) {
+FieldLookup::FieldLookup(const QBEngine* engine)
+    : m_engine(engine)
+    , m_hasCase(engine->databaseType() == DatabaseTypePostgreSQL ||
+                engine->databaseType() == DatabaseTypeOracle) {}
+
+void FieldLookup::run() {
     constexpr std::size_t atOnce = 1000;
     for (auto& [table, missing] : m_missing) {
         for (std::size_t first = 0; !missing.empty(); first += atOnce) {
-            const auto fields = engine->childrenSnapshot(table, first, atOnce);
-            for (const QBIdentifierCandidateSnapshot& field : fields)
-                missing.erase(field.name);
+            auto fields = m_engine->childrenSnapshot(table, first, atOnce);
+            for (QBIdentifierCandidateSnapshot& field : fields)
+                missing.erase(folded(std::move(field.name)));
             if (fields.size() < atOnce) break;
         }
     }
@@ -131,7 +138,12 @@ void FieldLookup::run(const QBEngine* engine) {
 
 bool FieldLookup::isMissing(Table table, const std::string& name) const {
     const auto names = m_missing.find(table);
-    return names != m_missing.end() && names->second.count(name) > 0;
+    return names != m_missing.end() && names->second.count(folded(name)) > 0;
+}
+
+std::string FieldLookup::folded(std::string name) const {
+    if (!m_hasCase) std::transform(name.begin(), name.end(), name.begin(), sqlet::toLower);
+    return name;
 }
 
 }  // namespace QB::Tools::Validation

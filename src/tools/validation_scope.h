@@ -3,7 +3,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -58,19 +57,27 @@ private:
 };
 
 /// Names of fields that are looked up in many tables at once: the candidates are read as far as
-/// there are names left to find, and no copy of them is made.
+/// there are names left to find, and no copy of them is made. Where the server takes names of
+/// fields for the same that differ in case, so does this, for the letters A to Z; the parser has
+/// folded the bare names of the other families.
 class FieldLookup {
 public:
     using Table = const QBIdentifierCandidate*;
 
-    /// @p name is kept as a view until the end.
-    void add(Table table, const std::string& name) { m_missing[table].insert(name); }
-    void run(const QBEngine* engine);
+    /// @p engine outlives the object.
+    explicit FieldLookup(const QBEngine* engine);
+
+    void add(Table table, const std::string& name) { m_missing[table].insert(folded(name)); }
+    void run();
     /// After run(): @p name was added, and is no field of @p table.
     bool isMissing(Table table, const std::string& name) const;
 
 private:
-    std::unordered_map<Table, std::unordered_set<std::string_view>> m_missing;
+    std::string folded(std::string name) const;
+
+    const QBEngine* const m_engine;
+    const bool m_hasCase;
+    std::unordered_map<Table, std::unordered_set<std::string>> m_missing;
 };
 
 }  // namespace QB::Tools::Validation

@@ -309,6 +309,16 @@ TEST(Validation, AFieldMayNameASourceAroundItsSubqueryWhereTheServerLooksThere) 
     EXPECT_EQ(faultsInside(","), "0:no=2 0:x=2 2:id=2 2:id=2 2:no=2 ");
 }
 
+TEST(Validation, ACaseThatTheServerDoesNotKnowIsNoFault) {
+    const std::string text = "SELECT a.\"ID\" FROM t a WHERE a.\"X\" = 1 ORDER BY a.\"NO\"";
+    for (const auto& [family, faults] :
+         {std::pair(DatabaseTypeSQLite, "5:NO=3 "), std::pair(DatabaseTypeSQLServer, "5:NO=3 "),
+          std::pair(DatabaseTypePostgreSQL, "0:ID=3 2:X=3 5:NO=3 ")}) {
+        Validator v(text, family);
+        EXPECT_EQ(v.faults(v.check(nullptr)), faults);
+    }
+}
+
 TEST(Validation, ChainsAndBracketsOfAnyLengthAreWalked) {
     Validator v("SELECT 1 FROM t");
     auto** slot = &v.statement()->whereExpr->root;
