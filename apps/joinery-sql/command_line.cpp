@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 
 #include "apps/joinery-sql/dialect_names.h"
+#include "apps/joinery-sql/script/commands.h"
 
 namespace QB::Cli {
 namespace {
@@ -36,11 +37,19 @@ constexpr CommandDescription commands[] = {
      "  {\"id\", \"status\": \"rejected\", \"message\"}   why not\n"
      "A schema of null is no schema. A line that cannot be read is answered as rejected; it does "
      "not\nchange the exit status."},
+    {"script", Command::Script, "Build queries by commands, one a line.",
+     "Runs scripts that do to a query what the windows of the query builder do: add tables, link "
+     "and tick\nfields, edit conditions row by row; and that compare what becomes of it with what "
+     "they expect.\nA script ends at the first command that is refused, with FILE:LINE: and the "
+     "reason.\n\nA line is a command, or a comment that begins with #. Names are quoted as in the "
+     "dialect. A colon at\nthe end of a line begins a block of lines, up to a line that is "
+     "\"end\".\n"},
 };
 
 constexpr const char* exitStatusText =
-    "Exit status: 0 all went well, 1 a text was refused, 2 wrong command line, 3 a file could not "
-    "be\nread or written.";
+    "Exit status: 0 all went well, 1 a text or a script's command was refused, 2 wrong command "
+    "line,\n"
+    "3 a file could not be read or written.";
 
 QString text(const char* utf8) {
     return QString::fromUtf8(utf8);
@@ -78,12 +87,15 @@ public:
             m_parser.addOption(m_details);
         } else {
             m_parser.addPositionalArgument(
-                text("FILE"), text("A text; standard input if there is none, or for -."),
+                text("FILE"),
+                text(isScript() ? "A script; standard input if there is none, or for -."
+                                : "A text; standard input if there is none, or for -."),
                 text("[FILE...]"));
         }
         if (isFormat()) m_parser.addOption(m_inPlace);
+        if (isScript()) m_parser.addOption(m_keepGoing);
         m_parser.addOption(m_help);
-        m_parser.setApplicationDescription(text(description.explanation) + text("\n\n") +
+        m_parser.setApplicationDescription(text(description.explanation) + lists() + text("\n\n") +
                                            text(exitStatusText));
     }
 
@@ -102,6 +114,18 @@ public:
 private:
     bool isFormat() const { return m_description.command == Command::Format; }
     bool isRoundtrip() const { return m_description.command == Command::Roundtrip; }
+    bool isScript() const { return m_description.command == Command::Script; }
+    /// The lines that are read may tell the dialect.
+    bool needsDialect() const { return !isRoundtrip() && !isScript(); }
+
+    QString lists() const {
+        if (!isScript()) return QString();
+        return QString::fromStdString("\nCommands:\n" + commandList() +
+                                      "\nEdits of the rows of a clause, numbered as show rows "
+                                      "does, from 0:\n" +
+                                      clauseEditList())
+            .chopped(1);
+    }
 
     QString helpText() const {
         const QString program = QCoreApplication::arguments().first();
@@ -120,6 +144,7 @@ private:
         options.files = m_parser.positionalArguments();
         options.inPlace = isFormat() && m_parser.isSet(m_inPlace);
         options.details = isRoundtrip() && m_parser.isSet(m_details);
+        options.keepGoing = isScript() && m_parser.isSet(m_keepGoing);
         const QString problem = readDialect(options);
         return problem.isEmpty() ? readFiles(options) : problem;
     }
@@ -127,7 +152,7 @@ private:
     QString readDialect(CommandLine& options) const {
         const QString names = QString::fromStdString(dialectNames());
         if (!m_parser.isSet(m_dialect))
-            return isRoundtrip() ? QString() : text("--dialect is missing: one of ") + names;
+            return needsDialect() ? text("--dialect is missing: one of ") + names : QString();
         const QString name = m_parser.value(m_dialect);
         options.dialect = dialectOfName(name.toLatin1().toStdString());
         if (options.dialect) return QString();
@@ -160,6 +185,9 @@ private:
         option({text("details")},
                text("Add to each answer \"verdict\", \"line\", \"column\" and \"components\", as "
                     "\"details\": true does in a line."));
+    const QCommandLineOption m_keepGoing =
+        option({text("k"), text("keep-going")},
+               text("Go on behind a command that was refused; the exit status is 1 all the same."));
     const QCommandLineOption m_help = option({text("h"), text("help")}, text("Show this help."));
 };
 

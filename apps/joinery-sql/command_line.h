@@ -12,23 +12,24 @@ namespace QB::Cli {
 /// How the program ends; `--help` tells the user. The greatest that applies wins.
 enum ExitCode {
     ExitOk = 0,
-    ExitRefused = 1,  ///< a text was refused
+    ExitRefused = 1,  ///< a text, or a command of a script, was refused
     ExitUsage = 2,    ///< the command line makes no sense; nothing was done
     ExitIo = 3,       ///< a file could not be read, or the output not be written
 };
 
-enum class Command { Format, Check, Dump, Ranges, Roundtrip };
+enum class Command { Format, Check, Dump, Ranges, Roundtrip, Script };
 
 /// What the user asked for.
 struct CommandLine {
     Command command = Command::Check;
-    /// None only for Roundtrip, whose lines then have to name theirs.
+    /// None only for Roundtrip and Script, whose lines then have to name theirs.
     std::optional<DatabaseType> dialect;
     /// Where unqualified names are found; empty: not known.
     std::string schema;
-    QStringList files;     ///< "-" is standard input; never empty but for Roundtrip
-    bool inPlace = false;  ///< Format: write into the files
-    bool details = false;  ///< Roundtrip: tell more of every line
+    QStringList files;       ///< "-" is standard input; never empty but for Roundtrip
+    bool inPlace = false;    ///< Format: write into the files
+    bool details = false;    ///< Roundtrip: tell more of every line
+    bool keepGoing = false;  ///< Script: go on behind a refused command
 };
 
 /// A command line, or what to print instead of running it.

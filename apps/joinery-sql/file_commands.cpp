@@ -53,6 +53,7 @@ private:
                 return printRanges(parsed.generate());
             case Command::Check:
             case Command::Roundtrip:
+            case Command::Script:
                 break;
         }
         return ExitOk;

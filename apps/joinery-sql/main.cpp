@@ -9,6 +9,7 @@
 #include "apps/joinery-sql/command_line.h"
 #include "apps/joinery-sql/file_commands.h"
 #include "apps/joinery-sql/roundtrip.h"
+#include "apps/joinery-sql/script_runner.h"
 #include "apps/joinery-sql/text_files.h"
 #include "hostkit/quoting.h"
 #include "model/callbacks.h"
@@ -52,7 +53,14 @@ ExitCode run(const CommandLineResult& commandLine) {
         return ExitUsage;
     }
     const CommandLine& options = *commandLine.options;
-    return options.command == Command::Roundtrip ? runRoundtrip(options) : runFileCommand(options);
+    switch (options.command) {
+        case Command::Roundtrip:
+            return runRoundtrip(options);
+        case Command::Script:
+            return runScripts(options);
+        default:
+            return runFileCommand(options);
+    }
 }
 
 }  // namespace

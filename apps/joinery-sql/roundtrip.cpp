@@ -12,6 +12,7 @@
 
 #include "apps/joinery-sql/dialect_names.h"
 #include "apps/joinery-sql/json_line.h"
+#include "apps/joinery-sql/line_reader.h"
 #include "apps/joinery-sql/parsed_statement.h"
 #include "apps/joinery-sql/statement_shape.h"
 #include "apps/joinery-sql/text_files.h"
@@ -175,42 +176,6 @@ std::string answerJson(const std::string& id, const Answer& answer, bool details
            jsonString(answer.text) + (details ? detailsJson(answer) : std::string()) + '}';
 }
 
-/// Lines of any length and content.
-class LineReader {
-public:
-    /// Reads the next line of standard input without its line feed; the last one may have none.
-    bool next() {
-        errno = 0;
-        m_isShortOfMemory ? std::string().swap(m_line) : m_line.clear();
-        m_isShortOfMemory = false;
-        int c = 0;
-        while ((c = ::getc_unlocked(stdin)) != EOF && c != '\n')
-            append(static_cast<char>(c));
-        return c != EOF || !m_line.empty();
-    }
-
-    /// It lives until the next call of next(). Nobody reads more of a line than largestLine, so
-    /// what is longer, or longer than memory, ends somewhere behind that.
-    std::string_view line() const { return m_line; }
-    bool isShortOfMemory() const { return m_isShortOfMemory; }
-
-    /// Why next() said false; 0 at the end of the input.
-    static int error() { return std::feof(stdin) ? 0 : errno; }
-
-private:
-    void append(char c) {
-        if (m_isShortOfMemory || m_line.size() > largestLine) return;
-        try {
-            m_line += c;
-        } catch (const std::bad_alloc&) {
-            m_isShortOfMemory = true;
-        }
-    }
-
-    std::string m_line;
-    bool m_isShortOfMemory = false;
-};
-
 std::size_t addressSpaceInUse() {
     std::size_t pages = 0;
     std::ifstream("/proc/self/statm") >> pages;
@@ -253,14 +218,13 @@ std::string answerLine(std::string_view line, const CommandLine& options, bool i
 
 ExitCode runRoundtrip(const CommandLine& options) {
     limitMemory();
-    LineReader input;
+    LineReader input(stdin, largestLine);
     while (input.next()) {
         const std::string answer = answerLine(input.line(), options, !input.isShortOfMemory());
         if (!writeOut(answer + '\n') || !flushOut()) return ExitIo;
     }
-    if (LineReader::error() == 0) return ExitOk;
-    complain("joinery-sql: cannot read <stdin>: " +
-             std::string(std::strerror(LineReader::error())));
+    if (input.error() == 0) return ExitOk;
+    complain("joinery-sql: cannot read <stdin>: " + std::string(std::strerror(input.error())));
     return ExitIo;
 }
 

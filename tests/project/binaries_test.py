@@ -1,4 +1,4 @@
-"""Checks on what was linked: `core PROGRAM` and `exports LIBRARY...`."""
+"""Checks on what was linked: `core PROGRAM [MODULE...]` and `exports LIBRARY...`."""
 import re
 import subprocess
 import sys
@@ -26,11 +26,13 @@ def needed(program):
     return re.findall(r"\(NEEDED\).*\[(.+)\]", output("readelf", "-d", program))
 
 
-def faults_of_core(libraries):
-    if not any(name.startswith("libQt5Core") for name in libraries):
-        return ["does not link Qt Core: is this the right program?"]
-    return [f"asks for {name}" for name in libraries
-            if name.startswith("libQt") and not name.startswith("libQt5Core")]
+def faults_of_core(libraries, *modules):
+    """@p modules are those of Qt that it may use beside Core, and has to."""
+    allowed = tuple("libQt5" + module + "." for module in ("Core", *modules))
+    faults = [f"does not link {name}so: is this the right program?" for name in allowed
+              if not any(library.startswith(name) for library in libraries)]
+    return faults + [f"asks for {name}" for name in libraries
+                     if name.startswith("libQt") and not name.startswith(allowed)]
 
 
 def exports(library):
@@ -54,6 +56,8 @@ def seeded_faults_are_seen():
     assert faults_of_core(["libQt5Core.so.5", "libc.so.6"]) == []
     assert len(faults_of_core(["libQt5Core.so.5", "libQt5Gui.so.5"])) == 1
     assert len(faults_of_core(["libc.so.6"])) == 1
+    assert faults_of_core(["libQt5Core.so.5", "libQt5Sql.so.5"], "Sql") == []
+    assert len(faults_of_core(["libQt5Core.so.5", "libQt5Widgets.so.5"], "Sql")) == 2
     sound = [("T", "QB::f()"), ("V", "vtable for QB::A"), ("W", "std::vector<int>::size() const")]
     sound += [("W", "void std::vector<int>::_M_realloc_insert<int>(int)"), ("B", "_end")]
     assert faults_of_exports(sound) == []
@@ -66,8 +70,10 @@ def seeded_faults_are_seen():
 def main(kind, *files):
     seeded_faults_are_seen()
     failed = False
-    for file in files:
-        faults = faults_of_core(needed(file)) if kind == "core" else faults_of_exports(exports(file))
+    modules = files[1:] if kind == "core" else ()
+    for file in files[:1] if kind == "core" else files:
+        faults = (faults_of_core(needed(file), *modules) if kind == "core"
+                  else faults_of_exports(exports(file)))
         for fault in faults:
             print(f"{file} {fault}")
         failed = failed or bool(faults)

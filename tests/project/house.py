@@ -29,8 +29,8 @@ class Room:
 
     @property
     def sees_inside(self):
-        """The library's rooms see each other, and so does a program of Qt Core, made from them."""
-        return self.is_library or self.qt == {"Core"}
+        """The library's rooms see each other, and so does a program without Gui, made from them."""
+        return self.is_library or (self.folder.startswith("apps/") and "Gui" not in self.qt)
 
 
 @dataclass

@@ -52,7 +52,7 @@ TABLE = """
 | 2 | `src/high/` | Widgets | above |
 | 3 | `src/later/` | Core | To come: more |
 | 4 | `apps/tool/` | Widgets Sql | a program |
-| 4 | `apps/small/` | Core | a program made from rooms |
+| 4 | `apps/small/` | Core Sql | a program made from rooms |
 """
 
 SOUND = {
@@ -65,7 +65,7 @@ SOUND = {
     "src/low/low.cpp": '#include "low/low.h"\n',
     "src/beside/beside.h": "#include <string>\n",
     "src/high/high.cpp": '#include "low/low.h"\n#include <QWidget>\n',
-    "apps/small/main.cpp": '#include "beside/beside.h"\n#include <QString>\n',
+    "apps/small/main.cpp": '#include "beside/beside.h"\n#include <QString>\n#include <QSqlDatabase>\n',
     "apps/tool/main.cpp": '#include "low/low.h"\n#include <QtSql/QSqlDatabase>\n',
 }
 
@@ -113,6 +113,9 @@ class SeededFaults(unittest.TestCase):
                             "docs/architecture.md": TABLE + "| 1 | `src/model/` | Core | m |"},
                     "includes nothing")
         self.expect(check, {"apps/tool/a.cpp": '#include "beside/beside.h"'}, "hosts do not see")
+        self.expect(check, {"hostkit/a.cpp": '#include "beside/beside.h"',
+                            "docs/architecture.md": TABLE + "| 2 | `hostkit/` | Core | kit |"},
+                    "hosts do not see")
         self.expect(check, {"src/stray.cpp": ""}, "no room")
 
     def test_qt_modules(self):

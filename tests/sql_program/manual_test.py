@@ -8,7 +8,7 @@ from pathlib import Path
 from program import ProgramTest
 
 PACKAGING = Path(__file__).resolve().parents[2] / "packaging"
-COMMANDS = ["format", "check", "dump", "ranges", "roundtrip"]
+COMMANDS = ["format", "check", "dump", "ranges", "roundtrip", "script"]
 DIALECTS = ["mysql", "mariadb", "oracle", "postgresql", "sqlite", "sqlserver"]
 
 

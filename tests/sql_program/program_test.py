@@ -160,7 +160,7 @@ class CommandLine(ProgramTest):
                 self.assertIn(b"--help", run.errors)
 
     def test_help_needs_nothing(self):
-        for command in ("format", "check", "dump", "ranges", "roundtrip"):
+        for command in ("format", "check", "dump", "ranges", "roundtrip", "script"):
             run = self.run_program(command, "--help", stdin=subprocess.DEVNULL)
             self.expect(run, OK)
             self.assertTrue(run.output.startswith(b"Usage: joinery-sql %s [options]" % command.encode()))
