@@ -48,12 +48,22 @@ Path pathToNode(Slot root, const SourceNode* node) {
     return findPath(root, [node](Slot slot) { return *slot == node; });
 }
 
-/// The slot of the join right above @p slot; null if there is none.
-Slot joinAbove(Slot root, Slot slot) {
-    const Path path = findPath(root, [slot](Slot other) { return other == slot; });
+Path pathToSlot(Slot root, Slot slot) {
+    return findPath(root, [slot](Slot other) { return other == slot; });
+}
+
+/// The slot of the join right above the end of @p path; null if there is none.
+Slot joinAbove(const Path& path) {
     if (path.size() < 2) return nullptr;
     const Slot parent = path[path.size() - 2];
     return holdsJoin(*parent) ? parent : nullptr;
+}
+
+/// The slot of the group that holds the node at @p depth of @p path.
+Slot groupOf(const Path& path, std::size_t depth) {
+    while (depth > 0 && holdsJoin(*path[depth - 1]))
+        --depth;
+    return path[depth];
 }
 
 bool turnsRight(const Path& path, std::size_t step) {
@@ -225,13 +235,6 @@ struct Fork {
     bool isInOrder;
 
     Slot join() const { return left[depth]; }
-    /// The slot of the group that the join belongs to.
-    Slot group() const {
-        std::size_t top = depth;
-        while (top > 0 && holdsJoin(*left[top - 1]))
-            --top;
-        return left[top];
-    }
 };
 
 std::optional<Fork> forkOf(Slot root, const SQLAbstractSourceComponent* first,
@@ -346,7 +349,7 @@ SQLAbstractSourceComponent* joinWith(Slot target, std::unique_ptr<SourceNode> op
 }
 
 std::unique_ptr<SourceNode> takeOperand(Slot root, Slot slot) {
-    const Slot parent = joinAbove(root, slot);
+    const Slot parent = joinAbove(pathToSlot(root, slot));
     if (!parent) return std::unique_ptr<SourceNode>(std::exchange(*slot, nullptr));
     std::unique_ptr<SourceNode> join(*parent);
     *parent = std::exchange(slot == &join->left ? join->right : join->left, nullptr);
@@ -390,11 +393,14 @@ SQLAbstractSourceComponent* wrap(Slot root, Slot first, Slot last) {
 }
 
 std::unique_ptr<SourceNode> takeBracketAway(Slot root, Slot slot) {
-    const Slot parent = joinAbove(root, slot);
+    const Path path = pathToSlot(root, slot);
+    const Slot group = groupOf(path, path.size() - 1);
+    const Slot parent = joinAbove(path);
     std::unique_ptr<SourceNode> bracket(*slot);
     *slot = std::exchange(bracket->left, nullptr);
     const bool leansRight = parent && slot == &(*parent)->right && holdsJoin(*slot);
     if (leansRight) leanLeft(parent);
+    if (hasCommaRightOfJoin(*group)) sinkJoinsBelowCommas(group);
     return bracket;
 }
 
@@ -412,16 +418,17 @@ bool sinkJoinsBelowCommas(Slot group) {
 
 std::optional<Meeting> bringTogether(Slot root, const SQLAbstractSourceComponent* first,
                                      const SQLAbstractSourceComponent* second) {
-    std::optional<Fork> fork = forkOf(root, first, second);
+    const std::optional<Fork> fork = forkOf(root, first, second);
     if (!fork) return std::nullopt;
-    const Slot group = fork->group();
+    const Slot group = groupOf(fork->left, fork->depth);
     if (isInReach(*fork) && !hasCommaRightOfJoin(*group)) {
         return Meeting{fork->join(), fork->isInOrder, false};
     }
     sinkJoinsBelowCommas(group);
-    fork = forkOf(root, first, second);
-    const bool isBound = !holdsComma(*fork->join());
-    return Meeting{isBound ? fork->join() : moveNextToLeft(*fork), fork->isInOrder, true};
+    const std::optional<Fork> sunk = forkOf(root, first, second);
+    if (!sunk) return std::nullopt;
+    const bool isBound = !holdsComma(*sunk->join());
+    return Meeting{isBound ? sunk->join() : moveNextToLeft(*sunk), sunk->isInOrder, true};
 }
 
 }  // namespace QB::SourceTree

@@ -67,7 +67,8 @@ bool canWrap(Slot root, Slot first, Slot last);
 SQLAbstractSourceComponent* wrap(Slot root, Slot first, Slot last);
 
 /// Puts the content of the bracket in @p slot in its place, so that a chain of joins leans to the
-/// left again. Returns the bracket node without its content.
+/// left again; commas in it that would stand before the condition of a join around it rise above
+/// that join (see sinkJoinsBelowCommas). Returns the bracket node without its content.
 [[nodiscard]] std::unique_ptr<SourceNode> takeBracketAway(Slot root, Slot slot);
 
 /// Gives the group in @p group (the root, or the content of a bracket) the shape that its text is
