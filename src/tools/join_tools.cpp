@@ -217,7 +217,8 @@ private:
     }
 
     void becomeComma(SQLJoinSourceNodeComponent* join) {
-        m_hasChanged = m_hasChanged || join->condition || join->joinType != SQLJoinTypeComma;
+        if (SourceTree::isComma(join) && !join->condition) return;
+        m_hasChanged = true;
         join->joinType = SQLJoinTypeComma;
         join->joinText.clear();
         join->isUsing = false;

@@ -73,20 +73,21 @@ protected:
         }
     }
 
-    /// The source of the field that an operand is; null for another operand.
-    static Source* sourceOf(const Condition* operand) {
-        using namespace Component::SQL;
-        const auto* value = dynamic_cast<const SQLConditionValueComponent*>(operand);
-        const auto* column =
-            value ? dynamic_cast<const SQLFieldColumnComponent*>(value->firstValue()) : nullptr;
-        return column ? column->source : nullptr;
+    using Field = Component::SQL::SQLFieldColumnComponent;
+    using SourceOfField = std::map<Field*, Source*>;
+
+    /// The field that an operand is; null for another operand.
+    static Field* fieldOf(const Condition* operand) {
+        const auto* value =
+            dynamic_cast<const Component::SQL::SQLConditionValueComponent*>(operand);
+        return value ? dynamic_cast<Field*>(value->firstValue()) : nullptr;
     }
 
-    static std::string chain(const Condition* condition) {
+    static std::string chain(const Condition* condition, const SourceOfField& sources) {
         using namespace Component::SQL;
-        const auto word = [](const Condition* operand) {
-            const Source* source = sourceOf(operand);
-            return source ? wordOf(source) : "?";
+        const auto word = [&sources](const Condition* operand) {
+            const auto found = sources.find(fieldOf(operand));
+            return found == sources.end() ? "?" : wordOf(found->second);
         };
         std::string text;
         for (; condition; condition = condition->next) {
@@ -95,7 +96,7 @@ protected:
                 text += word(compare->leftValue) + "=" + word(compare->rightValue);
             } else if (const auto* bracket =
                            dynamic_cast<const SQLBracketedConditionComponent*>(condition)) {
-                text += "(" + chain(bracket->inner) + ")";
+                text += "(" + chain(bracket->inner, sources) + ")";
             } else {
                 text += word(condition);
             }
@@ -103,11 +104,14 @@ protected:
         return text;
     }
 
-    /// The USING list of @p join, or its chain; "-" without condition.
-    static std::string condition(const Join* join) {
+    /// The USING list of a join, or its chain; "-" where none is written.
+    static std::string condition(const SourceNode* node) {
         using namespace Component::SQL;
-        if (!join->condition) return "-";
-        if (!join->isUsing) return chain(join->condition);
+        const auto* join = dynamic_cast<const Join*>(node->value);
+        if (!join->condition || !join->needsCondition()) return "-";
+        SourceOfField sources;
+        Tools::SQL::findParentItemComponentOfJoinConditionFieldComponent(node, sources);
+        if (!join->isUsing) return chain(join->condition, sources);
         const auto* list = dynamic_cast<const SQLConditionValueComponent*>(join->condition);
         return dynamic_cast<const SQLAnyExpressionColumnComponent*>(list->firstValue())->expression;
     }
@@ -116,8 +120,8 @@ protected:
     static std::string conditions(SourceNode* tree) {
         std::string text;
         for (const SourceTree::Place& place : SourceTree::flatten(&tree)) {
-            const auto* join = dynamic_cast<const Join*>(place.component);
-            if (join) text += (text.empty() ? "" : " ") + condition(join);
+            if (SourceTree::isJoin(place.component))
+                text += (text.empty() ? "" : " ") + condition(*place.slot);
         }
         return text;
     }
