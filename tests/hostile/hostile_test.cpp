@@ -3,11 +3,11 @@
 #include <cctype>
 #include <string>
 
-#include "accessor_faults.h"
 #include "model/dump.h"
 #include "parser/query_parser.h"
 #include "shapes.h"
 #include "small_stack.h"
+#include "sqlet/accessor_dump.h"
 #include "stringifier/query_component_stringifier.h"
 #include "stringifier/statement_builder.h"
 #include "support/host_callbacks.h"
@@ -85,7 +85,7 @@ TEST_P(HostileText, IsAnsweredOnASmallStack) {
     EXPECT_FALSE(rebuilt.empty());
     for (int dialect = 1; dialect <= 5; ++dialect) {
         if (!isReadInAllDialects(text) && dialect != parserDialect(shape.family)) continue;
-        onSmallStack([&] { fault = faultOfAccessors(dialect, text); });
+        onSmallStack([&] { fault = sqlet_test::faultOfAccessors(dialect, text); });
         EXPECT_EQ(fault, "") << "dialect " << dialect;
     }
 }

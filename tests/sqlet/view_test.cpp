@@ -12,10 +12,10 @@ namespace {
 enum Dialect { MySQL = 1, PostgreSQL, Oracle, SQLite, SQLServer };
 
 std::string dumpOf(int dialect, const std::string& text, const char* schema) {
-    SqletParser* parser = sqlet_create_in_schema(dialect, text.c_str(), schema);
-    const std::string dump = sqlet_test::dumpAccessors(parser);
-    sqlet_free(parser);
-    return dump;
+    const QB::ParserHandle parser(sqlet_create_in_schema(dialect, text.c_str(), schema));
+    const sqlet_test::AccessorDump dump(parser.get(), text);
+    EXPECT_EQ(dump.fault(), "") << dump.dump();
+    return dump.dump();
 }
 
 /// Whether @p wanted is a line of @p dump, whatever its indent.
@@ -43,7 +43,6 @@ class EachView : public testing::TestWithParam<ViewCase> {};
 
 TEST_P(EachView, ShowsWhatCanBeRebuiltAndKeepsTheRestAsText) {
     const std::string dump = dumpOf(GetParam().dialect, GetParam().text, GetParam().schema);
-    EXPECT_EQ(dump.find("BROKEN"), std::string::npos) << dump;
     std::string rest = GetParam().lines;
     while (!rest.empty()) {
         const std::string line = rest.substr(0, rest.find('\n'));
@@ -55,9 +54,6 @@ TEST_P(EachView, ShowsWhatCanBeRebuiltAndKeepsTheRestAsText) {
 }
 
 const ViewCase names[] = {
-    {PostgreSQL, "SELECT \"A\".B FROM t \"A\"",
-     "column <\"A\".B> parent0=A name=b written=B\n"
-     "table <t> name=t alias=A"},
     {Oracle, "SELECT o.id Key FROM orders o WHERE o.Id = o.\"Id\"",
      "column <o.id> parent0=O name=ID written=id alias=KEY\n"
      "table <orders> name=ORDERS alias=O\n"
@@ -85,25 +81,10 @@ const ViewCase names[] = {
      "value <b.c.d> parent1=b parent2=c name=d\n"
      "value <a.b.c.d>"},
     // Words that are values as long as they stand bare.
-    {SQLite, "SELECT TRUE, current_date, \"true\", t.true FROM t WHERE a = CURRENT_TIME",
-     "column <TRUE>\n"
-     "column <current_date>\n"
-     "column <t.true> parent0=t name=true\n"
-     "value <CURRENT_TIME>"},
     {PostgreSQL, "SELECT user, t.user FROM t ORDER BY current_date",
      "column <user>\n"
      "column <t.user> parent0=t name=user\n"
      "column <current_date>"},
-    {MySQL, "SELECT CURRENT_ROLE, `CURRENT_ROLE` FROM t",
-     "column <CURRENT_ROLE>\n"
-     "column <`CURRENT_ROLE`> name=CURRENT_ROLE written=`CURRENT_ROLE`"},
-    {Oracle, "SELECT SYSDATE, t.ROWID, s.NEXTVAL, \"ROWNUM\" FROM t WHERE ROWNUM < level",
-     "column <SYSDATE>\n"
-     "column <t.ROWID>\n"
-     "column <s.NEXTVAL>\n"
-     "column <\"ROWNUM\"> name=ROWNUM written=\"ROWNUM\"\n"
-     "value <ROWNUM>\n"
-     "value <level>"},
     // "x" of SQLite is a string where no column bears that name.
     {SQLite,
      "SELECT \"a\" FROM t WHERE \"b\" = \"c\" AND \"d\" IN (\"e\", t.\"f\", [g]) AND \"h\" BETWEEN "
@@ -155,21 +136,6 @@ const ViewCase aggregates[] = {
      "column <sum(a)> name=A written=a aggregate=SUM of=a alias=S\n"
      "value <sum(a)> name=A aggregate=SUM\n"
      "value <COUNT(*)>"},
-    {SQLite,
-     "SELECT count(*), sum(a), sum(\"a\") AS s FROM t HAVING max(x) = max(\"y\") ORDER BY sum(a)",
-     "column <count(*)> aggregate=count of=*\n"
-     "column <sum(a)>\n"
-     "column <sum(\"a\")> name=a written=\"a\" aggregate=sum of=\"a\" alias=s\n"
-     "value <max(x)> name=x aggregate=max\n"
-     "value <max(\"y\")>\n"
-     "column <sum(a)> name=a aggregate=sum of=a"},
-    {MySQL, "SELECT SUM(a), COUNT(*) FROM t",
-     "column <SUM(a)>\n"
-     "column <COUNT(*)> aggregate=COUNT of=*"},
-    {SQLServer, "SELECT SUM(a), COUNT(*) AS n, SUM(user) FROM t",
-     "column <SUM(a)> name=a aggregate=SUM of=a\n"
-     "column <COUNT(*)> alias=n\n"
-     "column <SUM(user)>"},
 };
 INSTANTIATE_TEST_SUITE_P(Aggregates, EachView, testing::ValuesIn(aggregates));
 
@@ -180,17 +146,8 @@ const ViewCase qualifiers[] = {
      "value <g.n> parent1=g name=n\n"
      "value <o.n> parent1=o name=n"},
     // Several: it would keep it.
-    {PostgreSQL, "SELECT g.n, a.n FROM a, other.o, f() g WHERE g.n = 1 AND a.n = o.n AND q.n = 2",
-     "column <g.n> parent0=g name=n\n"
-     "column <a.n> parent0=a name=n\n"
-     "value <g.n> parent1=g name=n\n"
-     "value <a.n> parent1=a name=n\n"
-     "value <o.n> parent1=o name=n\n"
-     "value <q.n>"},
     {PostgreSQL, "SELECT 1 FROM a, (SELECT 1 FROM other.o) d WHERE q.n = 2",
      "value <q.n> parent1=q name=n"},
-    {PostgreSQL, "SELECT 1 FROM x.a, y.b WHERE q.n = 2", "value <q.n>"},
-    {PostgreSQL, "SELECT 1 FROM db.x.a, x.b WHERE q.n = 2", "value <q.n> parent1=q name=n"},
     // Behind the condition a source is as good as unknown.
     {SQLite, "SELECT 1 FROM x.a JOIN b ON a.i = c.i JOIN y.c ON c.i = b.i",
      "value <a.i> parent1=a name=i\n"
@@ -222,20 +179,11 @@ const ViewCase qualifiers[] = {
      "column <main.ORD.id>\n"
      "column <main.x.id>\n"
      "value <main.y.id>"},
-    {SQLite, "SELECT main.u.id, MAIN.u.id FROM MAIN.u",
-     "column <main.u.id>\n"
-     "column <MAIN.u.id> parent0=MAIN parent1=u name=id"},
     {SQLServer, "SELECT 1 FROM t AS A JOIN u b ON a.x = B.x",
      "value <a.x> parent1=A name=x\n"
      "value <B.x> parent1=b name=x"},
     // The asterisk of SQLite takes one qualifier only.
     {SQLite, "SELECT t.* FROM main.t", "column <t.*>"},
-    {SQLite, "SELECT t.*, u.* FROM t, aux.u", "column <t.*>\ncolumn <u.*>"},
-    {SQLite, "SELECT a.*, t.x FROM main.t AS a, aux.t",
-     "column <a.*> parent0=a name=*\n"
-     "column <t.x> parent0=t name=x"},
-    {SQLite, "SELECT t.*, * FROM t", "column <t.*> parent0=t name=*\ncolumn <*> name=*"},
-    {PostgreSQL, "SELECT t.* FROM other.t, u", "column <t.*> parent0=t name=*"},
     // A column takes at most three names in front.
     {SQLServer, "SELECT t.a, t.* FROM db.dbo.t WHERE t.a = 1",
      "column <t.a>\n"
@@ -249,22 +197,7 @@ const ViewCase qualifiers[] = {
 INSTANTIATE_TEST_SUITE_P(Qualifiers, EachView, testing::ValuesIn(qualifiers));
 
 const ViewCase systemTables[] = {
-    {PostgreSQL, "SELECT 1 FROM pg_class", "table <pg_class> name=pg_class"},
-    {PostgreSQL, "SELECT pg_class.oid FROM PG_CLASS, other.o WHERE pg_class.oid = o.x",
-     "column <pg_class.oid> parent0=pg_class name=oid\n"
-     "source <PG_CLASS>\n"
-     "value <pg_class.oid> parent1=pg_class name=oid"},
-    {PostgreSQL, "SELECT 1 FROM a, pg_class c, other.o WHERE z.x = c.x",
-     "source <pg_class> alias=c\n"
-     "value <z.x>\n"
-     "value <c.x> parent1=c name=x"},
-    {SQLite, "SELECT 1 FROM sqlite_master m JOIN aux.t ON m.name = t.a",
-     "source <sqlite_master> alias=m\n"
-     "table <aux.t> parent=aux name=t"},
-    {Oracle, "SELECT 1 FROM dual", "table <dual> name=DUAL"},
     {Oracle, "SELECT 1 FROM dual, v$session s, x.t", "source <dual>\nsource <v$session> alias=S"},
-    {MySQL, "SELECT 1 FROM DUAL", "source <DUAL>"},
-    {MySQL, "SELECT 1 FROM `dual`", "table <`dual`> name=dual"},
     {SQLServer, "SELECT 1 FROM SysObjects o, #t, dbo.sysusers",
      "source <SysObjects> alias=o\n"
      "source <#t>\n"
@@ -281,13 +214,8 @@ const ViewCase knownSchemas[] = {
      "source <pg_class>\n"
      "value <q.n> parent1=q name=n",
      "other"},
-    {PostgreSQL, "SELECT 1 FROM public.a, b WHERE q.n = 2", "value <q.n> parent1=q name=n", ""},
     {SQLServer, "SELECT 1 FROM dbo.a, b WHERE q.n = 2", "value <q.n> parent1=q name=n", ""},
     {SQLServer, "SELECT 1 FROM sales.a, b WHERE q.n = 2", "value <q.n>", ""},
-    {SQLite, "SELECT t.*, u.* FROM main.t, u",
-     "column <t.*> parent0=t name=*\n"
-     "column <u.*> parent0=u name=*",
-     "main"},
     {SQLite, "SELECT t.* FROM main.t", "column <t.*>", "aux"},
     {SQLite, "SELECT t.* FROM main.t", "column <t.*>", ""},
 };
