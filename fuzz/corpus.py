@@ -13,13 +13,21 @@ def paragraphs(root):
             yield (path.stem,), statement.strip("\n")
 
 
-def sections(root):
-    """tests/differential/statements: FAMILY.sql or shared.sql, with lines "--- NAME" between."""
-    for path in sorted((root / "tests/differential/statements").glob("*.sql")):
-        families = (path.stem,) if path.stem in FAMILIES else FAMILIES
-        for section in re.split(r"^--- .*\n", path.read_text(), flags=re.M)[1:]:
-            lines = [line for line in section.split("\n") if not line.startswith("--:")]
-            yield families, "\n".join(lines).strip("\n")
+def with_bytes(text):
+    """The signs of tests/constructs and tests/differential, as the bytes that they stand for."""
+    for sign, byte in ("␊\n", "␍\r", "␉\t", "␂\ufeff", "⍽\u00a0"):
+        text = text.replace(sign, byte)
+    return text
+
+
+def lines(root):
+    """tests/differential/statements.txt: "NAME: STATEMENT" below "@ FAMILIES"."""
+    families = ()
+    for line in (root / "tests/differential/statements.txt").read_text().split("\n"):
+        if line.startswith("@ "):
+            families = tuple(line[2:].split())
+        elif families and line:
+            yield families, with_bytes(line.partition(": ")[2])
 
 
 def constructs(root):
@@ -33,7 +41,7 @@ def constructs(root):
                 named = tuple(f for f in FAMILIES if re.search(rf"\b{f}\b", line.split(":")[0]))
                 families = named or FAMILIES
             elif line.startswith(">> "):
-                text = re.sub("[⏎␊]", "\n", line[3:]).replace("␉", "\t")
+                text = with_bytes(line[3:])
                 is_whole = re.match(r"\s*\(*\s*(SELECT|WITH)\b", text, re.I)
                 yield families, text if is_whole else frame.replace("…", text)
 
@@ -49,7 +57,7 @@ def write_seeds(root, folder):
     """Writes a file for each statement, family and setting; returns their number."""
     folder.mkdir(parents=True, exist_ok=True)
     count = 0
-    for source in (paragraphs, sections, constructs, findings):
+    for source in (paragraphs, lines, constructs, findings):
         for families, text in source(root):
             text = text.encode() if isinstance(text, str) else text
             for family in families:

@@ -25,18 +25,6 @@ void replaceAll(std::string& text, std::string_view what, std::string_view by) {
     }
 }
 
-/// The signs that stand for what cannot be seen.
-std::string withoutSigns(std::string text) {
-    using namespace std::string_view_literals;
-    constexpr std::pair<std::string_view, std::string_view> signs[] = {
-        {"␊", "\n"sv}, {"␍", "\r"sv},           {"␉", "\t"sv},
-        {"␀", "\0"sv}, {"␂", "\xEF\xBB\xBF"sv}, {"⍽", "\u00A0"sv},
-    };
-    for (const auto& [sign, bytes] : signs)
-        replaceAll(text, sign, bytes);
-    return text;
-}
-
 bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
@@ -140,7 +128,6 @@ private:
     }
 
     void option(const std::string& text) {
-        if (text == "ordered") return void(current().isOrdered = true);
         if (startsWith(text, "schema ")) return void(current().schema = text.substr(7));
         if (startsWith(text, "not run: ")) return void(current().notRun = text.substr(9));
         fail(place(), "no such option: " + text);
@@ -225,6 +212,17 @@ bool isFilled(std::string_view inBraces) {
     for (const char c : inBraces)
         if (!isWordCharacter(c)) return false;
     return std::isdigit(static_cast<unsigned char>(inBraces.front())) == 0;
+}
+
+std::string withoutSigns(std::string text) {
+    using namespace std::string_view_literals;
+    constexpr std::pair<std::string_view, std::string_view> signs[] = {
+        {"␊", "\n"sv}, {"␍", "\r"sv},           {"␉", "\t"sv},
+        {"␀", "\0"sv}, {"␂", "\xEF\xBB\xBF"sv}, {"⍽", "\u00A0"sv},
+    };
+    for (const auto& [sign, bytes] : signs)
+        replaceAll(text, sign, bytes);
+    return text;
 }
 
 std::string quoted(std::string_view name, const Family& family) {

@@ -38,7 +38,6 @@ struct Entry {
     std::string message;
     std::string schema;  ///< empty: the family's; "-": none
     std::string notRun;  ///< why no server runs it
-    bool isOrdered = false;
 };
 
 struct Construct {
@@ -84,6 +83,9 @@ std::string fillBraces(std::string_view text, const Use& use);
 
 /// True if what stands in braces is to be filled; all else, such as JSON, stays as it is.
 bool isFilled(std::string_view inBraces);
+
+/// The text with the bytes that its signs, such as ␊, stand for.
+std::string withoutSigns(std::string text);
 
 /// The name in the family's quotes.
 std::string quoted(std::string_view name, const Family& family);

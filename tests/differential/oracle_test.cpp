@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "differential/adversarial_schema.h"
 #include "differential/session_fixture.h"
 
 using namespace QB;
@@ -67,7 +66,7 @@ const std::vector<Fault> faultsAnywhere = {
     {"a column alias is lost", Shows::AsLabels, "SELECT n AS y FROM a", "SELECT n FROM a"},
     {"the schema prefix is dropped", Shows::AsRows, "SELECT n FROM other.a", "SELECT n FROM a"},
     {"the temporary table takes the place of the real one", Shows::AsRows,
-     "SELECT n FROM (SELECT 1 AS n) AS x", "SELECT n FROM hidden"},
+     "SELECT n FROM (SELECT 1 AS n) AS x", "SELECT n FROM shade"},
     {"BETWEEN takes one bound twice", Shows::AsRows, "SELECT id FROM a WHERE y BETWEEN 10 AND 15",
      "SELECT id FROM a WHERE y BETWEEN 10 AND 10"},
     {"NOT is lost", Shows::AsRows, "SELECT id FROM a WHERE n NOT IN (1, 2)",
@@ -104,8 +103,8 @@ const std::vector<Fault> faultsOfSQLite = {
      "SELECT id FROM a WHERE id IN ((SELECT id FROM b))"},
     {"LEFT JOIN without a condition becomes natural", Shows::AsRows,
      "SELECT a.id FROM a LEFT JOIN b", "SELECT a.id FROM a NATURAL LEFT JOIN b"},
-    {"main is read instead of temp", Shows::AsRows, "SELECT n FROM hidden",
-     "SELECT n FROM main.hidden"},
+    {"main is read instead of temp", Shows::AsRows, "SELECT n FROM shade",
+     "SELECT n FROM main.shade"},
 };
 
 const std::vector<Fault> faultsOfPostgreSQL = {
@@ -122,8 +121,8 @@ const std::vector<Fault> faultsOfPostgreSQL = {
     {"a word becomes an alias", Shows::AsRows, "SELECT n ISNULL AS x FROM a",
      "SELECT n AS x FROM a"},
     {"ONLY is an alias", Shows::AsRefusal, "SELECT id FROM ONLY a", "SELECT id FROM ONLY AS a"},
-    {"public is read instead of the temporary table", Shows::AsRows, "SELECT n FROM hidden",
-     "SELECT n FROM public.hidden"},
+    {"public is read instead of the temporary table", Shows::AsRows, "SELECT n FROM shade",
+     "SELECT n FROM public.shade"},
 };
 
 const std::vector<Fault> faultsOfMariaDB = {
@@ -145,7 +144,7 @@ const std::vector<Fault>& faultsOf(DatabaseType family) {
     return family == DatabaseTypePostgreSQL ? faultsOfPostgreSQL : faultsOfMariaDB;
 }
 
-class Oracle : public OnAdversarialSchema {
+class Oracle : public OnTables {
 protected:
     void expectSeen(const Fault& fault) {
         SCOPED_TRACE(fault.name);

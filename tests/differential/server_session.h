@@ -39,7 +39,10 @@ Difference differenceBetween(const Answer& original, const Answer& rebuilt);
 /// The labels and the first rows, for messages.
 std::string describe(const Answer& answer);
 
-/// A server with the adversarial schema, as one connection sees it.
+/// Where bare names are found: "main", "public" or "joinery".
+std::string mainSchema(DatabaseType family);
+
+/// A server with the tables of tables.sql, as one connection sees it.
 class ServerSession {
 public:
     ServerSession(LiveConnection& connection, DatabaseType family);
@@ -61,7 +64,11 @@ public:
     std::vector<Difference> chances(const std::vector<LocatedStatement>& statements);
 
 private:
-    void load(bool isReversed);
+    enum class RowOrder { AsWritten, Reversed };
+
+    void load(RowOrder order);
+    void dropTables();
+    void run(const std::string& statement);
 
     LiveConnection& m_connection;
     DatabaseType m_family;

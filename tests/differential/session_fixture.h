@@ -7,8 +7,8 @@
 
 namespace QB::Test {
 
-/// Tests on a server that holds the adversarial schema.
-class OnAdversarialSchema : public OnServer {
+/// Tests on a server that holds the tables of tables.sql.
+class OnTables : public OnServer {
 protected:
     void SetUp() override {
         OnServer::SetUp();

@@ -3,6 +3,8 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "constructs/construct_table.h"
+
 namespace QB::Test {
 namespace {
 
@@ -32,32 +34,35 @@ void readDirective(StatementCase& statement, std::string directive) {
     }
 }
 
-void cutEnd(std::string& sql) {
-    sql.erase(sql.find_last_not_of(" \n") + 1);
+/// "NAME [DIRECTIVE]: STATEMENT"
+StatementCase statementOf(const std::string& line, const std::string& where) {
+    StatementCase statement;
+    statement.where = where;
+    const std::size_t colon = line.find(": ");
+    if (colon == std::string::npos) throw std::runtime_error(where + ": no statement");
+    statement.name = line.substr(0, colon);
+    statement.sql = constructs::withoutSigns(line.substr(colon + 2));
+    const std::size_t open = statement.name.find(" [");
+    if (open == std::string::npos) return statement;
+    readDirective(statement, statement.name.substr(open + 2, colon - open - 3));
+    return statement;
 }
 
 }  // namespace
 
-std::vector<StatementCase> readStatements(const std::string& file) {
-    std::ifstream in(std::string(JOINERY_TEST_DATA "/") + file);
-    if (!in) throw std::runtime_error("cannot read " + file);
+std::vector<StatementCase> readStatements(const std::string& family) {
+    std::ifstream file(JOINERY_TEST_DATA "/statements.txt");
+    if (!file) throw std::runtime_error("cannot read statements.txt");
     std::vector<StatementCase> statements;
+    bool isMeant = false;
     std::string line;
-    for (int number = 1; std::getline(in, line); ++number) {
-        if (takePrefix(line, "--- ")) {
-            statements.emplace_back();
-            statements.back().name = line;
-            statements.back().where = file + ":" + std::to_string(number);
-        } else if (statements.empty()) {
-            continue;  // the head of the file
-        } else if (statements.back().sql.empty() && takePrefix(line, "--: ")) {
-            readDirective(statements.back(), line);
-        } else {
-            statements.back().sql += line + '\n';
-        }
+    for (int number = 1; std::getline(file, line); ++number) {
+        if (line.empty() || line.front() == '#') continue;
+        if (line.front() == '@')
+            isMeant = (line + " ").find(" " + family + " ") != std::string::npos;
+        else if (isMeant)
+            statements.push_back(statementOf(line, "statements.txt:" + std::to_string(number)));
     }
-    for (StatementCase& statement : statements)
-        cutEnd(statement.sql);
     return statements;
 }
 
