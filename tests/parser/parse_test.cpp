@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "model/dump.h"
+#include "model/element_expressions.h"
 #include "support/round_trip.h"
 
 using namespace QB;
@@ -111,8 +112,12 @@ TEST(Parse, TellsWhereTheStatementStandsAndWhereAnErrorIs) {
          {215, 1},
          "200"}};
     for (const auto& [text, verdict, statement, error, reason] : cases) {
+        const OwnedStatement filled(new SQLSelectStmtComponent);
+        filled->limitExpr->rowCount = 5;
         const QBParseOutcome outcome =
-            QBQueryParser::parseStatement(nullptr, text, DatabaseTypePostgreSQL, "s");
+            QBQueryParser::parseStatement(filled.get(), text, DatabaseTypePostgreSQL, "s");
+        const bool isEmpty = dumpStatement(filled.get()) == "statement\n  select\n";
+        EXPECT_EQ(isEmpty, statement.location < 0) << text;
         EXPECT_EQ(outcome.verdict, verdict) << text << "\n" << outcome.message;
         EXPECT_EQ(outcome.statement, statement) << text;
         EXPECT_EQ(outcome.error, error) << text;
