@@ -47,6 +47,17 @@ void insertLink(Slot slot, Link link) {
     *slot = link.release();
 }
 
+void insertAndBindLink(Slot head, Slot slot, Link link) {
+    insertLink(slot, std::move(link));
+    const SQLLogicGate spare = (*head)->logicGate;
+    const auto bind = [spare](SQLAbstractConditionComponent* behind) {
+        if (!behind || behind->logicGate != SQLLogicGateNone) return;
+        behind->logicGate = spare == SQLLogicGateNone ? SQLLogicGateAnd : spare;
+    };
+    if (slot != head) bind(*slot);
+    bind((*slot)->next);
+}
+
 Link takeBracketAway(Slot slot) {
     SQLBracketedConditionComponent* bracket = asBracket(*slot);
     SQLAbstractConditionComponent* first = std::exchange(bracket->inner, nullptr);

@@ -31,6 +31,11 @@ std::vector<Place> flatten(Slot head);
 /// Puts @p link, which has no next, before what stands in @p slot.
 void insertLink(Slot slot, Link link);
 
+/// As above, in the chain that begins in @p head. A link that comes to stand behind another one
+/// without a gate, as the first of a text has none, takes that of the link which is now first,
+/// where it means nothing, or else AND: the text must not run two conditions together.
+void insertAndBindLink(Slot head, Slot slot, Link link);
+
 /// Puts the content of the bracket in @p slot in its place and returns the empty bracket. The first
 /// inner link takes over the bracket's gate and, before its own one, its NOT: the text loses its
 /// two brackets and nothing else. The bracket is not empty.

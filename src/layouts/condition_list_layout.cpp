@@ -86,7 +86,8 @@ Items ConditionListLayout::insertPiece(std::size_t position, Piece piece) {
     const Gap gap = gapAt(position);
     const std::size_t last = gap.position + piece.rows.size() - 1;
     piece.shiftTo(gap.level);
-    ConditionChain::insertLink(gap.slot, std::move(piece.link));
+    const Slot head = headOfGroup(gap.position, gap.level);
+    ConditionChain::insertAndBindLink(head, gap.slot, std::move(piece.link));
     if (gap.hasPlaceholder) eraseRows({gap.position, gap.position});
     insertRows(gap.position, std::move(piece.rows));
     noteSlots();
@@ -103,6 +104,15 @@ ConditionListLayout::Gap ConditionListLayout::gapAt(std::size_t position) const 
     if (row) return {position, row->level + (isClose(row) ? 1 : 0), m_slots.at(row), false};
     Item* lastLink = isClose(rowBefore) ? rowBefore->partnerItem : rowBefore;
     return {position, rowBefore->level, &(*m_slots.at(lastLink))->next, false};
+}
+
+/// Where the chain begins that has a row of @p level at @p position.
+ConditionListLayout::Slot ConditionListLayout::headOfGroup(std::size_t position, int level) const {
+    while (position-- > 0) {
+        if (m_items[position]->level < level)
+            return &asBracket(m_items[position]->component)->inner;
+    }
+    return m_root;
 }
 
 // ---- removing, moving, replacing --------------------------------------------------------------

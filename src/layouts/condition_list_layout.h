@@ -66,6 +66,7 @@ private:
 
     Condition* looseLink(Component::AbstractQueryComponent* component) const;
     Gap gapAt(std::size_t position) const;
+    Slot headOfGroup(std::size_t position, int level) const;
     static Piece makePiece(Condition* link);
     static Piece bracketAround(std::vector<Piece> pieces);
     Items insertPiece(std::size_t position, Piece piece);

@@ -132,6 +132,7 @@ private:
     Condition* makeLink(int size) {
         Condition* link = makeValue("t" + std::to_string(++m_names));
         if (pick(4) == 0) link = makeCompare(link);
+        link->logicGate = SQLLogicGateAnd;
         if (pick(4) == 0) link = makeBracket(pick(2) == 0 ? link : (delete link, makeChain(size)));
         link->logicGate = static_cast<SQLLogicGate>(pick(2));
         link->negated = pick(4) == 0;
@@ -256,10 +257,10 @@ private:
         if (value) link = makeCompare(value);
         if (value) value->negated = false;
         if (value) value->logicGate = SQLLogicGateNone;
-        if (!link) link = makeBracket(makeValue("r"));
+        if (!link) link = makeBracket(chainOf("&r"));
         link->logicGate = SQLLogicGateOr;
         Words added = {conditionWord(link)};
-        if (!compare && !value) added.insert(added.end(), {"r", "]"});
+        if (!compare && !value) added.insert(added.end(), {"&r", "]"});
         const bool isRefused = !row->component;
         m_layout.replaceItemComponent(m_engine.get(), ElementWhere, this, row, link, !value);
         if (isRefused) delete link;
