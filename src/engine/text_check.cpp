@@ -32,6 +32,9 @@ int endOf(QBRange range) {
 }
 
 /// A statement, its text, and where in it everything stands.
+///
+/// Places count the bytes of the bare text: without blanks, the brackets around a single source and
+/// the ASC of ORDER BY, which come and go with a reading.
 class WrittenStatement {
 public:
     WrittenStatement(const SQLSelectStmtComponent& statement, DatabaseType type,
@@ -43,14 +46,16 @@ public:
             [type](const std::string& name) { return quotedWhereNeeded(name, type); });
         m_text = stringifier->stringifyQuery(&statement);
         m_ranges = stringifier->componentRanges();
+        makeBare();
         for (const auto& [component, range] : m_ranges)
-            sortIn(component, range);
+            sortIn(component, bare(range));
         std::sort(m_freeTexts.begin(), m_freeTexts.end(), [](QBRange a, QBRange b) {
             return std::pair(a.location, a.length) < std::pair(b.location, b.length);
         });
     }
 
     const std::string& text() const { return m_text; }
+    const std::string& bareText() const { return m_bareText; }
     const std::map<std::pair<int, int>, const SQLFieldColumnComponent*>& fields() const {
         return m_fields;
     }
@@ -58,11 +63,14 @@ public:
         return m_tables;
     }
     const Marks& marks() const { return m_marks; }
+    /// False if a join has no words yet, or a link no gate: what follows would be read as an alias
+    /// or as the arguments of a function.
+    bool isFinished() const { return m_isFinished; }
     /// False too for null and for what is no part of the statement.
     bool hasRange(const AbstractQueryComponent* component, QBRange& range) const {
         const auto found = m_ranges.find(component);
         if (found == m_ranges.end()) return false;
-        range = found->second;
+        range = bare(found->second);
         return true;
     }
 
@@ -76,12 +84,59 @@ public:
 
     std::string excerpt(QBRange range) const {
         return "\"" +
-               m_text.substr(static_cast<std::size_t>(range.location),
-                             static_cast<std::size_t>(range.length)) +
-               "\" at byte " + std::to_string(range.location);
+               m_bareText.substr(static_cast<std::size_t>(range.location),
+                                 static_cast<std::size_t>(range.length)) +
+               "\"";
     }
 
 private:
+    void makeBare() {
+        std::vector<bool> isLeftOut(m_text.size());
+        const auto leaveOut = [&](int start, int length) {
+            for (int i = start; i < start + length; ++i)
+                isLeftOut.at(static_cast<std::size_t>(i)) = true;
+        };
+        for (const auto& [component, range] : m_ranges) {
+            if (const auto* statement = ifKind<SQLSelectStmtComponent>(component))
+                leaveOutForms(statement, leaveOut);
+        }
+        m_places.push_back(0);
+        for (std::size_t i = 0; i < m_text.size(); ++i) {
+            const bool isBlank = m_text[i] == ' ' || m_text[i] == '\n' || m_text[i] == '\t';
+            if (!isBlank && !isLeftOut[i]) m_bareText += m_text[i];
+            m_places.push_back(static_cast<int>(m_bareText.size()));
+        }
+    }
+
+    template <typename LeaveOut>
+    void leaveOutForms(const SQLSelectStmtComponent* statement, const LeaveOut& leaveOut) {
+        for (const SQLAbstractColumnComponent* column : statement->orderByExpr->columns) {
+            const auto found = m_ranges.find(column);
+            if (found == m_ranges.end()) continue;
+            const int end = endOf(found->second);
+            if (m_text.compare(static_cast<std::size_t>(end), 4, " ASC") == 0) leaveOut(end, 4);
+        }
+        Tools::visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
+            const auto found = m_ranges.find(node->value);
+            if (found == m_ranges.end() || !isAroundOne(node)) return;
+            m_formal.insert(node->value);
+            leaveOut(found->second.location, 1);
+            leaveOut(endOf(found->second) - 1, 1);
+        });
+    }
+
+    /// True for a bracket with one source in it.
+    static bool isAroundOne(const SourceNode* node) {
+        return ifKind<SQLBracketedSourceNodeComponent>(node->value) && node->value->alias.empty() &&
+               node->left && node->left->value &&
+               !ifKind<SQLJoinSourceNodeComponent>(node->left->value);
+    }
+
+    QBRange bare(QBRange range) const {
+        const int start = m_places.at(static_cast<std::size_t>(range.location));
+        return {start, m_places.at(static_cast<std::size_t>(endOf(range))) - start};
+    }
+
     void sortIn(const AbstractQueryComponent* component, QBRange range) {
         const std::pair place(range.location, range.length);
         if (const auto* field = ifKind<SQLFieldColumnComponent>(component)) {
@@ -106,15 +161,19 @@ private:
     void sortInSource(const SQLAbstractSourceComponent* source, QBRange range) {
         if (ifKind<SQLAnyExpressionSourceComponent>(source)) {
             m_freeTexts.push_back(range);
-        } else if (!ifKind<SQLJoinSourceNodeComponent>(source) && range.length > 0) {
+        } else if (const auto* join = ifKind<SQLJoinSourceNodeComponent>(source)) {
+            m_isFinished &= join->joinType != SQLJoinTypeCustom || !join->joinText.empty();
+        } else if (range.length > 0 && m_formal.count(source) == 0) {
             m_tables[{range.location, range.length}] = source;
         }
     }
 
     void markChain(const SQLAbstractConditionComponent* first) {
         QBRange range{};
-        for (const auto* link = first; link; link = link->next)
+        for (const auto* link = first; link; link = link->next) {
             if (hasRange(link, range)) m_marks.insert({range.location, Mark::Link});
+            m_isFinished &= link == first || link->logicGate != SQLLogicGateNone;
+        }
     }
 
     void markJoins(const SourceNode* tree) {
@@ -125,11 +184,15 @@ private:
     }
 
     std::string m_text;
+    std::string m_bareText;
+    std::vector<int> m_places;  ///< in the bare text, of each byte of the text
+    std::set<const AbstractQueryComponent*> m_formal;  ///< brackets that the bare text lacks
     QBQueryComponentStringifier::Ranges m_ranges;
     std::map<std::pair<int, int>, const SQLFieldColumnComponent*> m_fields;
     std::map<std::pair<int, int>, const SQLAbstractSourceComponent*> m_tables;
     Marks m_marks;
     std::vector<QBRange> m_freeTexts;
+    bool m_isFinished = true;
 };
 
 /// What the text calls a source.
@@ -196,7 +259,7 @@ private:
             const auto found = m_read.fields().find(place);
             if (found != m_read.fields().end())
                 compareReferences(field, found->second, range);
-            else if (!m_written.isFree(range))
+            else if (isBound(field) && !m_written.isFree(range))
                 add("is not read as a field", range);
         }
         for (const auto& [place, field] : m_read.fields()) {
@@ -204,6 +267,13 @@ private:
             const bool isThere = m_written.fields().count(place) > 0 || isEmptyList(field);
             if (!isThere && !m_written.isFree(range)) add("is read as a field", range);
         }
+    }
+
+    /// Names something of the statement.
+    bool isBound(const SQLFieldColumnComponent* field) const {
+        QBRange range{};
+        return m_written.hasRange(field->source, range) ||
+               m_written.hasRange(field->referencedColumn, range);
     }
 
     /// What a SELECT list without columns is written as.
@@ -280,13 +350,14 @@ int differenceOf(const std::string& a, const std::string& b) {
 TextReading readText(const SQLSelectStmtComponent& statement, DatabaseType type,
                      const std::string& schema, bool isSettled) {
     const WrittenStatement written(statement, type, schema);
+    if (!written.isFinished()) return {false, written.text(), {}};
     const OwnedStatement content(new SQLSelectStmtComponent);
     const auto outcome = QBQueryParser::parseStatement(content.get(), written.text(), type, schema);
     if (!outcome.isAccepted()) return {false, written.text(), {}};
     const WrittenStatement read(*content, type, schema);
-    if (read.text() == written.text())
+    if (read.bareText() == written.bareText())
         return {true, written.text(), Comparison(written, read, type).faults()};
-    const bool isFree = written.isFree({differenceOf(written.text(), read.text()), 0});
+    const bool isFree = written.isFree({differenceOf(written.bareText(), read.bareText()), 0});
     if (!isSettled && isFree) return readText(*content, type, schema, true);
     return {true, written.text(), changedText(written.text(), read.text())};
 }
