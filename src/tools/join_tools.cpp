@@ -207,13 +207,19 @@ private:
                 groups.pop_back();
             } else if (SourceTree::isBracket(place.component)) {
                 groups.push_back(&(*place.slot)->left);
-            } else if (const auto wanted = m_wanted.find(join); wanted != m_wanted.end()) {
-                const bool isLoose = !wanted->second;
-                m_found.push_back({row, isLoose});
-                if (isLoose) m_looseGroups.insert(groups.back());
-                isLoose ? becomeComma(join) : take(join, {wanted->second});
+            } else if (join) {
+                removeAt(row, join, groups.back());
             }
         }
+    }
+
+    void removeAt(std::size_t row, SQLJoinSourceNodeComponent* join, Slot group) {
+        const auto wanted = m_wanted.find(join);
+        if (wanted == m_wanted.end()) return;
+        const bool isLoose = !wanted->second;
+        m_found.push_back({row, isLoose});
+        if (isLoose) m_looseGroups.insert(group);
+        isLoose ? becomeComma(join) : take(join, {wanted->second});
     }
 
     void becomeComma(SQLJoinSourceNodeComponent* join) {

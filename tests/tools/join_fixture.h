@@ -54,23 +54,45 @@ protected:
     }
 
     void link(const std::string& a, const std::string& b,
-              const std::vector<Tools::SQL::FieldPair>& fields = {{"x", "x"}}) {
+              const std::vector<Tools::SQL::FieldPair>& fields) {
         Tools::SQL::makeJoinLinkIfNecessary(m_engine.get(), this, find(a), find(b), fields);
     }
 
-    /// Links: "a-b" by the fields x of both, "a-b:" without, "a-b:f=g,h=i" by those.
+    /// The links of the join @p word go, or the one at @p index of its chain.
+    void unlink(const std::string& word, int index) {
+        auto* join = find<Join>(word);
+        Condition* condition = join->condition;
+        for (int i = 0; i < index; ++i)
+            condition = condition->next;
+        Tools::SQL::removeJoins(m_engine.get(), this,
+                                {{join, index < 0 ? nullptr : dynamic_cast<Compare*>(condition)}});
+    }
+
+    /// Links: "a-b" by the fields x of both, "a-b:" without, "a-b:f=g,h=i" by those. Removals:
+    /// "~L" of all that binds the first left join, "~L:1" of its second comparison.
     void run(const std::string& steps) {
         std::istringstream words(steps);
         for (std::string step; words >> step;) {
-            std::vector<Tools::SQL::FieldPair> fields;
-            std::istringstream pairs(step.size() > 3 ? step.substr(4) : "x=x");
-            for (std::string pair; std::getline(pairs, pair, ',');) {
-                const std::size_t middle = std::min(pair.find('='), pair.size());
-                fields.push_back(
-                    {pair.substr(0, middle), middle < pair.size() ? pair.substr(middle + 1) : ""});
+            const std::size_t colon = step.find(':');
+            const bool hasMore = colon != std::string::npos;
+            const std::string more = hasMore ? step.substr(colon + 1) : "";
+            if (step[0] == '~') {
+                unlink(step.substr(1, 1), hasMore ? std::stoi(more) : -1);
+            } else {
+                link(step.substr(0, 1), step.substr(2, 1), pairs(hasMore ? more : "x=x"));
             }
-            link(step.substr(0, 1), step.substr(2, 1), fields);
         }
+    }
+
+    static std::vector<Tools::SQL::FieldPair> pairs(const std::string& text) {
+        std::vector<Tools::SQL::FieldPair> fields;
+        std::istringstream words(text);
+        for (std::string pair; std::getline(words, pair, ',');) {
+            const std::size_t middle = std::min(pair.find('='), pair.size());
+            const bool hasBoth = middle < pair.size();
+            fields.push_back({pair.substr(0, middle), hasBoth ? pair.substr(middle + 1) : ""});
+        }
+        return fields;
     }
 
     using Field = Component::SQL::SQLFieldColumnComponent;

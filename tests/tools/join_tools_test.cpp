@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "join_fixture.h"
-#include "layouts/condition_list_layout.h"
+#include "model/dump.h"
+#include "parser/query_parser.h"
 
 namespace QB::Test {
 
@@ -11,19 +12,26 @@ using namespace Component::SQL;
 
 namespace {
 
-/// Steps are "a-b" for a link of the fields x, "I~" ... see JoinFixture::run.
 struct Case {
     const char* tree;
-    const char* steps;
+    const char* steps;  ///< see JoinFixture::run
     const char* treeAfter;
     const char* conditionsAfter;  ///< of the joins in text order; those of one join with "&"
 };
 
-class JoinTools : public JoinFixture {};
+class JoinTools : public JoinFixture {
+protected:
+    static std::string words(const std::vector<Source*>& sources) {
+        std::string text;
+        for (const Source* source : sources)
+            text += wordOf(source);
+        return text;
+    }
+};
 
 }  // namespace
 
-TEST_F(JoinTools, ShapeTheTreeByLinks) {
+TEST_F(JoinTools, LinkAndUnlink) {
     const Case cases[] = {
         // one comma between the two
         {"C(a,b)", "a-b", "I(a,b)", "a=b"},
@@ -59,6 +67,21 @@ TEST_F(JoinTools, ShapeTheTreeByLinks) {
         {"I(a,b)", "a-b:", "I(a,b)", "-"},
         {"C(a,b)", "a-b:x", "I(a,b)", "a=?"},
         {"C(a,b)", "b-a:x=y,z=w", "I(a,b)", "a=b&a=b"},
+        // a comma instead of a join: what lost sight of its source goes, too
+        {"C(a,b)", "a-b ~I", "C(a,b)", "-"},
+        {"I(I(a,b),c)", "a-b b-c ~I", "C(a,I(b,c))", "- b=c"},
+        {"I(L(I(a,b),c),d)", "a-b a-c c-d ~I", "C(a,I(L(b,c),d))", "- - c=d"},
+        {"I(a,L(b,c))", "b-c a-c ~L", "C(I(a,b),c)", "- -"},
+        {"I(a,L(b,c))", "b-c a-b ~L", "C(I(a,b),c)", "a=b -"},
+        {"R(I(a,[C(b,c)]),d)", "a-b b-d c-d ~I", "C(a,R([C(b,c)],d))", "- - b=d&c=d"},
+        {"I([I(L(a,b),c)],d)", "a-b a-c a-d ~L", "I([C(a,I(b,c))],d)", "- - a=d"},
+        {"C(I(L(a,b),c),R(d,e))", "a-b a-c d-e ~L", "C(C(a,I(b,c)),R(d,e))", "- - - d=e"},
+        {"X(a,F(b,c))", "~X", "C(a,F(b,c))", "- -"},
+        // one comparison less: the join stays what it is
+        {"L(a,b)", "a-b a-b ~L:0", "L(a,b)", "a=b"},
+        {"L(I(a,b),c)", "a-b b-c ~I:0", "L(I(a,b),c)", "- b=c"},
+        // and drawn again
+        {"C(C(a,b),c)", "a-b b-c ~I a-b", "I(a,I(b,c))", "a=b b=c"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.tree << " " << c.steps);
@@ -66,6 +89,191 @@ TEST_F(JoinTools, ShapeTheTreeByLinks) {
         run(c.steps);
         EXPECT_EQ(tree(), c.treeAfter);
         EXPECT_EQ(conditions(), c.conditionsAfter);
+    }
+}
+
+TEST_F(JoinTools, WriteTheConditionThatWasDrawn) {
+    setTree("C(a,b)");
+    find<SQLIdentifierSourceComponent>("a")->path = {"db", "shop"};
+    auto* derived = new SQLSubquerySourceComponent;
+    derived->alias = "b";
+    derived->subquery = new SQLSelectStmtComponent;
+    delete std::exchange((*root())->right->value, derived);
+    find<Join>("C")->joinText = ",";
+    run("b-a:y=x a-b:z=");
+    EXPECT_EQ(dumpStatement(statement()),
+              "statement\n"
+              "  select\n"
+              "  from\n"
+              "    join INNER JOIN\n"
+              "      on\n"
+              "        and compare op=0\n"
+              "          value\n"
+              "            field \"x\" path=[\"db\", \"shop\", \"a\"] source=1\n"
+              "          value\n"
+              "            field \"y\" source=2\n"
+              "        and compare op=0\n"
+              "          value\n"
+              "            field \"z\" path=[\"db\", \"shop\", \"a\"] source=1\n"
+              "          value\n"
+              "      table \"a\" path=[\"db\", \"shop\"]\n"
+              "      subquery as=\"b\"\n"
+              "        statement\n"
+              "          select\n");
+}
+
+/// USING has no room for a comparison, and merges its columns.
+TEST_F(JoinTools, AddToTheListOfUsingOrRefuse) {
+    struct Line {
+        const char* list;
+        const char* link;
+        const char* listAfter;
+        int notifications;
+        std::size_t errors;
+    };
+    const Line lines[] = {
+        {"x", "a-b:y=y", "x, \"y\"", 1, 0},
+        {"x", "b-a:y=y,z=z", "x, \"y\", \"z\"", 1, 0},
+        {"", "a-b:x=x", "\"x\"", 1, 0},
+        {"id, \"x\", `q``r`", "a-b:x=x,ID=ID,q`r=q`r", "id, \"x\", `q``r`", 0, 0},
+        {"\"X, y\"", "a-b:x=x,y=y", "\"X, y\", \"x\", \"y\"", 1, 0},
+        {"x", "a-b:x=x,y=z", "x", 0, 1},
+        {"x", "a-b:x=", "x", 0, 1},
+        {"x", "a-b:", "x", 0, 0},
+    };
+    for (const Line& line : lines) {
+        SCOPED_TRACE(testing::Message() << line.list << " " << line.link);
+        setTree("L(a,b)");
+        m_host.errors.clear();
+        auto* join = find<Join>("L");
+        join->isUsing = true;
+        auto* names = new SQLAnyExpressionColumnComponent;
+        names->expression = line.list;
+        auto* value = new SQLConditionValueComponent;
+        value->values.push_back(names);
+        join->condition = value;
+        run(line.link);
+        EXPECT_EQ(conditions(), line.listAfter);
+        EXPECT_EQ(m_notifications, line.notifications);
+        EXPECT_EQ(m_host.errors.size(), line.errors);
+    }
+    setTree("L(a,b)");
+    find<Join>("L")->isUsing = true;
+    run("a-b:y=y");
+    EXPECT_EQ(conditions(), "\"y\"") << "no list yet";
+    run("~L a-b");
+    EXPECT_EQ(conditions(), "a=b") << "a comma has forgotten USING";
+}
+
+TEST_F(JoinTools, DoNothingWithoutTwoSourcesOfTheClause) {
+    setTree("C(a,[b])");
+    SQLIdentifierSourceComponent foreign;
+    for (Source* other : {find("a"), find("["), find("C"), static_cast<Source*>(&foreign),
+                          static_cast<Source*>(nullptr)}) {
+        Tools::SQL::makeJoinLinkIfNecessary(m_engine.get(), this, find("a"), "x", other, "x");
+        Tools::SQL::makeJoinLinkIfNecessary(m_engine.get(), this, other, "x", find("a"), "x");
+    }
+    SQLJoinSourceNodeComponent join;
+    Tools::SQL::removeJoins(m_engine.get(), this, {{&join, nullptr}, {nullptr, nullptr}});
+    run("~C");
+    EXPECT_EQ(tree(), "C(a,[b])");
+    EXPECT_EQ(m_notifications, 0);
+    delete std::exchange(*root(), nullptr);
+    Tools::SQL::makeJoinLinkIfNecessary(m_engine.get(), this, &foreign, "x", &join, "x");
+}
+
+/// A bracket that loses all of its conditions goes with them, others stay; BETWEEN, lists and
+/// comparisons of comparisons are looked through.
+TEST_F(JoinTools, FindEveryConditionThatNamesWhatIsOutOfSight) {
+    ASSERT_TRUE(QBQueryParser::parseStatement(
+                    statement(),
+                    "SELECT * FROM a INNER JOIN b ON a.x = b.x INNER JOIN c ON b.x = c.x "
+                    "AND (a.x = c.x OR (c.y IN (1, a.y))) AND (b.y = 1 OR c.x BETWEEN 1 AND a.x) "
+                    "AND c.z AND a.z AND (c.x = b.x) = (c.y = b.y)",
+                    DatabaseTypePostgreSQL, "")
+                    .isAccepted());
+    run("~I");
+    EXPECT_EQ(m_engine->buildQuery(),
+              "SELECT\n\t*\nFROM\n\t\"a\",\n\t\"b\"\n\tINNER JOIN\n\t\"c\"\n\tON \n"
+              "\t\t\"b\".\"x\" = \"c\".\"x\" AND\n\t\t(\n\t\t\t\"b\".\"y\" = 1\n\t\t) AND\n"
+              "\t\t\"c\".\"z\" AND\n\t\t(c.x = b.x) = (c.y = b.y)");
+}
+
+TEST_F(JoinTools, TellTheEndsOfALinkAndTheirSides) {
+    struct Line {
+        const char* tree;
+        const char* join;
+        const char* items;
+        const char* left;
+        const char* right;
+    };
+    const Line lines[] = {
+        {"L(I(a,b),c)", "L", "abc", "ab", "c"},
+        {"L(I(a,b),c)", "I", "abc", "a", "bc"},  // c joins later
+        {"L(a,I(b,c))", "I", "cba", "b", "c"},   // a stands in front of the group
+        {"L(a,I(b,c))", "L", "abc", "a", "bc"},
+        {"C(L(a,b),R(c,d))", "R", "abcd", "c", "d"},
+        {"C(L(a,b),R(c,d))", "L", "abcd", "a", "b"},
+        {"L(C(a,b),c)", "L", "abc", "b", "c"},
+        {"L([C(a,b)],c)", "L", "abc", "ab", "c"},
+        {"R([L(a,b)],c)", "L", "abc", "a", "b"},
+        {"L(I(C(a,b),d),c)", "L", "abcd", "bd", "c"},
+        {"L(I(a,C(b,d)),c)", "L", "abcd", "abd", "c"},
+    };
+    for (const Line& line : lines) {
+        SCOPED_TRACE(testing::Message() << line.tree << " " << line.join);
+        setTree(line.tree);
+        std::vector<Source*> items = {nullptr};
+        for (const char* item = line.items; *item; ++item)
+            items.push_back(find(std::string(1, *item)));
+        std::vector<Source*> left(1);
+        std::vector<Source*> right(1);
+        SourceNode* node = *SourceTree::pathToValue(root(), find(line.join)).back();
+        Tools::SQL::checkItemComponentsSideOnJoinComponent(*root(), node, items, left, right);
+        EXPECT_EQ(words(left), line.left);
+        EXPECT_EQ(words(right), line.right);
+    }
+}
+
+/// Rows that are no join, and layouts that have no such row.
+TEST_F(JoinTools, AnswerForAnyRow) {
+    setTree("L(C(a,b),[C(I(c,d),e)])");  // rows: a C b L [ c I d C e ]
+    QBComponentsListLayout layout;
+    const auto related = [&layout, this](int row) -> std::string {
+        EXPECT_TRUE(Tools::Validation::invalidateJoinConditions(
+                        &layout, static_cast<unsigned long>(row), m_engine.get())
+                        .empty());
+        const std::unique_ptr<std::vector<Source*>> sources(
+            Tools::SQL::joinConditionRelatedSources(&layout, row));
+        return sources ? words(*sources) : "-";
+    };
+    EXPECT_EQ(related(0), "-");
+    layout.setImplementation(std::make_unique<SourceTreeLayout>(root()));
+    layout.implementation()->rebuildItems();
+    std::string all;
+    for (int row = -1; row < 12; ++row)
+        all += related(row) + " ";
+    EXPECT_EQ(all, "- a b b bcde bcde c cd dc e e edcb - ");
+    EXPECT_EQ(Tools::SQL::joinConditionRelatedSources(nullptr, 0), nullptr);
+    EXPECT_TRUE(Tools::Validation::invalidateJoinConditions(nullptr, 0, nullptr).empty());
+}
+
+TEST_F(JoinTools, WorkOnATreeThatIsDeeperThanTheStack) {
+    constexpr int depth = 100000;
+    for (const bool leansLeft : {true, false}) {
+        setTree("a");
+        for (int i = 0; i < depth; ++i) {
+            const SQLJoinType type = i % 2 ? SQLJoinTypeComma : SQLJoinTypeInner;
+            SourceNode* leaf = makeNode(makeTable(i == depth - 1 ? "z" : "t")).release();
+            *root() =
+                makeJoin(type, leansLeft ? *root() : leaf, leansLeft ? leaf : *root()).release();
+        }
+        run("a-z a-t ~I");
+        std::vector<Source*> left;
+        std::vector<Source*> right;
+        Tools::SQL::checkItemComponentsSideOnJoinComponent(
+            *root(), *SourceTree::pathToValue(root(), find("I")).back(), {find("z")}, left, right);
+        EXPECT_EQ(SourceTree::flatten(root()).size(), 2u * depth + 1);
     }
 }
 
