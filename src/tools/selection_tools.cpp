@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
 #include "model/detached_parts.h"
+#include "model/kind_of.h"
 #include "model/tree_walks.h"
 #include "tools/identifier_tools.h"
 #include "tools/subquery_fields.h"
@@ -77,7 +79,7 @@ bool removeColumns(QBEngine* engine, Columns& columns,
                    const std::function<bool(const SQLFieldColumnComponent&)>& isGoing) {
     DetachedParts parts;
     const auto take = [&](SQLAbstractColumnComponent* column) {
-        const auto* field = dynamic_cast<const SQLFieldColumnComponent*>(column);
+        const auto* field = ifKind<SQLFieldColumnComponent>(column);
         if (!field || !isGoing(*field)) return false;
         parts.add(std::unique_ptr<AbstractQueryComponent>(column));
         return true;
@@ -114,9 +116,9 @@ Names selectableNames(QBEngine* engine, const SQLAbstractSourceComponent* source
 }
 
 bool addMissing(Columns& columns, const SourceColumns& ofSource, const Names& names) {
-    std::unordered_set<std::string> present;
+    std::unordered_set<std::string_view> present(columns.size() + names.size());
     for (const SQLAbstractColumnComponent* column : columns) {
-        const auto* field = dynamic_cast<const SQLFieldColumnComponent*>(column);
+        const auto* field = ifKind<SQLFieldColumnComponent>(column);
         if (field && ofSource.owns(*field)) present.insert(field->fieldName);
     }
     const std::size_t earlier = columns.size();

@@ -12,6 +12,7 @@
 #include "engine/main_thread_call.h"
 #include "model/callbacks.h"
 #include "model/element_expressions.h"
+#include "model/kind_of.h"
 #include "model/tree_walks.h"
 #include "tools/identifier_tools.h"
 
@@ -58,7 +59,7 @@ struct SubqueryReference {
 
 /// What the SELECT list of one statement yields.
 struct Yield {
-    UniqueList<std::string> names;
+    Names names;                          ///< may repeat themselves
     UniqueList<Names, NamesHash> tables;  ///< whose fields wildcards stand for, by tablePath
     std::vector<SubqueryReference> subqueries;
 };
@@ -85,7 +86,7 @@ public:
 
 private:
     void addColumn(const SQLAbstractColumnComponent* column) {
-        const auto* field = dynamic_cast<const SQLFieldColumnComponent*>(column);
+        const auto* field = ifKind<SQLFieldColumnComponent>(column);
         if (!field) return addExpression(column);
         const bool isWildcard = field->isAsterisk && field->aggregateFunction.empty();
         if (isWildcard) return addWildcard(*field);
@@ -97,7 +98,7 @@ private:
     }
 
     void addName(const std::string& name) {
-        if (!name.empty()) m_yield.names.add(name);
+        if (!name.empty()) m_yield.names.push_back(name);
     }
 
     void addWildcard(const SQLFieldColumnComponent& column) {
@@ -169,7 +170,7 @@ public:
     }
 
     void add(const Yield& yield) {
-        for (const std::string& name : yield.names.items())
+        for (const std::string& name : yield.names)
             m_names.add(name);
         for (const Names& path : yield.tables.items())
             addFieldsOf(path);
