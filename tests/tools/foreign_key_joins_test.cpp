@@ -7,11 +7,9 @@
 #include <stdexcept>
 
 #include "engine/engine_core.h"
-#include "model/detached_parts.h"
+#include "support/from_clause.h"
 #include "support/host_callbacks.h"
-#include "support/join_texts.h"
 #include "support/owned_engine.h"
-#include "tools/identifier_tools.h"
 
 namespace QB::Test {
 
@@ -89,15 +87,12 @@ protected:
 
     /// "film", "film f", "t.film"; ".film" has no path.
     Source* add(const QString& text) {
-        auto source = std::make_unique<Source>();
         const QString name = text.section(' ', 0, 0);
-        source->name = name.section('.', -1).toStdString();
-        source->alias = text.section(' ', 1).toStdString();
-        if (!name.contains('.')) source->path = {"s"};
-        if (name.indexOf('.') > 0) source->path = {"db", name.section('.', 0, 0).toStdString()};
-        auto* const added = source.get();
-        Tools::Identifier::addSourceComponentToExpression(m_engine.get(), this, std::move(source));
-        return added;
+        std::vector<std::string> path = {"s"};
+        if (name.contains('.')) path.clear();
+        if (name.indexOf('.') > 0) path = {"db", name.section('.', 0, 0).toStdString()};
+        return addTable(m_engine.get(), path, name.section('.', -1).toStdString(),
+                        text.section(' ', 1).toStdString());
     }
 
     /// Adds tables as a user does, one after the other, each of them with the links it proposes.
@@ -139,18 +134,6 @@ protected:
         });
         m_host.finishWorkers();
         return text;
-    }
-
-    /// Takes all sources out of the FROM clause; they are freed with the notification.
-    void clearFrom() {
-        const auto clear = [this](ELEMSQLSourceExpr* element) {
-            DetachedParts parts;
-            parts.add(std::unique_ptr<SourceNode>(std::exchange(element->root, nullptr)));
-            m_engine->retire(std::move(parts));
-            return true;
-        };
-        m_engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(ElementSource, 0, clear,
-                                                                            this);
     }
 
     HostCallbacks m_host;
@@ -240,7 +223,7 @@ TEST_F(ForeignKeyJoins, TablesProposeTheLinksThatAUserWouldDraw) {
         {"", "a", "", ""},
     };
     for (const auto& example : cases) {
-        clearFrom();
+        emptyFromClause(m_engine.get());
         knowKeys(example.keys);
         Source* const last = addAll(example.tables);
         EXPECT_EQ(joins(), example.joins) << example.tables << " with " << example.keys;
@@ -270,7 +253,7 @@ TEST_F(ForeignKeyJoins, WhatIsLinkedAlreadyIsNotLinkedTwice) {
         EXPECT_EQ(std::count(all.begin(), all.end(), '='), 3) << all;
     }
     // A link that the user has drawn by another key stands for the first one.
-    clearFrom();
+    emptyFromClause(m_engine.get());
     Source* const other = add("film");
     makeJoinLinkIfNecessary(m_engine.get(), this, other, "original", add("language"), "id");
     makeJoinLinkByForeignKeyIfNecessary(m_engine.get(), this, other);
@@ -282,7 +265,7 @@ TEST_F(ForeignKeyJoins, WhateverHappensDuringTheSearchNothingIsLostAndNothingHan
     knowKeys("film(lang)>language(id)");
     // The search has read the statement; its answer comes after @p meanwhile.
     const auto search = [this](const std::function<void()>& meanwhile) {
-        clearFrom();
+        emptyFromClause(m_engine.get());
         add("language");
         std::promise<void> isAsked;
         m_isAsked = &isAsked;
@@ -300,7 +283,7 @@ TEST_F(ForeignKeyJoins, WhateverHappensDuringTheSearchNothingIsLostAndNothingHan
     EXPECT_EQ(joins(), "language.id=film.lang");
     // Other sources, maybe at the same addresses.
     search([this] {
-        clearFrom();
+        emptyFromClause(m_engine.get());
         add("language");
         add("film");
     });

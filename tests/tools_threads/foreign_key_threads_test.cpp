@@ -5,37 +5,16 @@
 #include <random>
 #include <vector>
 
-#include "model/detached_parts.h"
+#include "support/from_clause.h"
 #include "support/host_callbacks.h"
 #include "support/owned_engine.h"
 #include "tools/foreign_key_joins.h"
-#include "tools/identifier_tools.h"
 
 using namespace QB;
 using namespace QB::Test;
 using namespace QB::Component::SQL;
 
 namespace {
-
-SQLIdentifierSourceComponent* addTable(QBEngine* engine, const std::string& name) {
-    auto source = std::make_unique<SQLIdentifierSourceComponent>();
-    source->path = {"s"};
-    source->name = name;
-    auto* const added = source.get();
-    Tools::Identifier::addSourceComponentToExpression(engine, nullptr, std::move(source));
-    return added;
-}
-
-void removeTables(QBEngine* engine) {
-    const auto remove = [engine](ELEMSQLSourceExpr* element) {
-        DetachedParts parts;
-        parts.add(std::unique_ptr<SourceNode>(std::exchange(element->root, nullptr)));
-        engine->retire(std::move(parts));
-        return true;
-    };
-    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-        ElementSource, engine->currentTopLevelQueryComponentLayer(), remove, nullptr);
-}
 
 /// Opens a subquery that stands among the tables, or goes back.
 void changeLayer(QBEngine* engine) {
@@ -68,7 +47,7 @@ int playScene(unsigned seed) {
     for (int time = 0; time < 4; ++time) {
         const std::string name = std::to_string(time % 3);
         steps.push_back([&, name] {
-            auto* const added = addTable(engine.get(), name);
+            auto* const added = addTable(engine.get(), {"s"}, name);
             Tools::SQL::makeJoinLinkByForeignKeyIfNecessary(engine.get(), nullptr, added);
             Tools::SQL::findForeignKeyJoins(engine.get(), added, [&](const auto& joins) {
                 ++answers;
@@ -79,7 +58,7 @@ int playScene(unsigned seed) {
         steps.push_back([&] { host.runPending(); });
     }
     for (int time = 0; time < 2; ++time)
-        steps.push_back([&] { removeTables(engine.get()); });
+        steps.push_back([&] { emptyFromClause(engine.get()); });
     steps.push_back([&] { engine->registerForeignKeySearcher(nullptr); });
     steps.push_back([&] { host.finishWorkers(); });
     steps.push_back([&] {

@@ -1,12 +1,44 @@
 #pragma once
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "engine/engine.h"
 #include "model/components.h"
+#include "model/detached_parts.h"
 #include "model/tree_walks.h"
+#include "tools/identifier_tools.h"
 
 namespace QB::Test {
+
+/// Adds a table to the current FROM clause, after a comma.
+inline Component::SQL::SQLIdentifierSourceComponent* addTable(QBEngine* engine,
+                                                              std::vector<std::string> path,
+                                                              const std::string& name,
+                                                              const std::string& alias = {}) {
+    auto source = std::make_unique<Component::SQL::SQLIdentifierSourceComponent>();
+    source->path = std::move(path);
+    source->name = name;
+    source->alias = alias;
+    auto* const added = source.get();
+    Tools::Identifier::addSourceComponentToExpression(engine, nullptr, std::move(source));
+    return added;
+}
+
+/// Takes everything out of the current FROM clause.
+inline void emptyFromClause(QBEngine* engine) {
+    const auto empty = [engine](ELEMSQLSourceExpr* element) {
+        DetachedParts parts;
+        parts.add(
+            std::unique_ptr<Component::SQL::SourceNode>(std::exchange(element->root, nullptr)));
+        engine->retire(std::move(parts));
+        return true;
+    };
+    engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
+        ElementSource, engine->currentTopLevelQueryComponentLayer(), empty, nullptr);
+}
 
 /// The alias of a named source, or else its name.
 inline std::string shownName(const Component::SQL::SQLAbstractSourceComponent* source) {
