@@ -56,6 +56,7 @@ bool MainThreadQueue::post(std::function<void()> function) {
         if (!isHere || !m_functions.empty()) {
             m_functions.push_back(std::move(function));
             postWakeEvent();
+            m_woken.notify_one();
             return true;
         }
     }
@@ -76,9 +77,9 @@ void MainThreadQueue::meetPoster() {
     const std::lock_guard lock(m_mutex);
 }
 
-bool MainThreadQueue::takeNext(std::function<void()>& function) {
+bool MainThreadQueue::takeNext(std::function<void()>& function, bool isWakeTaken) {
     const std::lock_guard lock(m_mutex);
-    m_wakePosted = false;
+    if (isWakeTaken) m_wakePosted = false;
     if (m_functions.empty()) return false;
     function = std::move(m_functions.front());
     m_functions.pop_front();
@@ -89,12 +90,23 @@ bool MainThreadQueue::takeNext(std::function<void()>& function) {
 
 void MainThreadQueue::runNext() {
     std::function<void()> function;
-    if (takeNext(function)) runGuarded(function);
+    if (takeNext(function, true)) runGuarded(function);
 }
 
 void MainThreadQueue::runWaiting() {
-    for (std::function<void()> function; takeNext(function); function = nullptr)
+    for (std::function<void()> function; takeNext(function, false); function = nullptr)
         runGuarded(function);
+}
+
+void MainThreadQueue::waitForFunction(const std::function<bool()>& isDone) {
+    std::unique_lock lock(m_mutex);
+    m_woken.wait(lock, [&] { return !m_functions.empty() || isDone(); });
+}
+
+void MainThreadQueue::wake() {
+    // Under the mutex, so that no one is between asking and waiting.
+    const std::lock_guard lock(m_mutex);
+    m_woken.notify_one();
 }
 
 void runGuarded(const std::function<void()>& function) {

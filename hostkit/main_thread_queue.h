@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QObject>
+#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -25,21 +26,28 @@ public:
     /// Returns: false if nobody serves the queue; the function is then destroyed unrun.
     bool post(std::function<void()> function);
 
-    /// Runs what waits, on the served thread; for the end, when no event loop runs any more.
+    /// Runs what waits, on the served thread; for the end, when no event loop runs any more, and
+    /// for programs that have none.
     void runWaiting();
+
+    /// Waits on the served thread, without an event loop, until a function is there or @p isDone,
+    /// which is asked again after each wake(). It is called under a lock: no call of the queue's.
+    void waitForFunction(const std::function<bool()>& isDone);
+    void wake();
 
 private:
     class Receiver;
 
     void postWakeEvent();
     void meetPoster();
-    bool takeNext(std::function<void()>& function);
+    bool takeNext(std::function<void()>& function, bool isWakeTaken);
     void runNext();
 
     std::mutex m_mutex;
+    std::condition_variable m_woken;
     std::deque<std::function<void()>> m_functions;  // guarded by m_mutex
     std::unique_ptr<Receiver> m_receiver;  // guarded by m_mutex; lives on the served thread
-    bool m_wakePosted = false;             // guarded by m_mutex
+    bool m_wakePosted = false;             // guarded by m_mutex: an event is on its way
 };
 
 /// Calls @p function and hands what it throws to reportError: nobody above could catch it.

@@ -1,7 +1,5 @@
 #include "apps/joinery-sql/script/background_work.h"
 
-#include <QCoreApplication>
-#include <QEventLoop>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -30,7 +28,7 @@ public:
     ~Work() {
         m_function = nullptr;
         --runningCount;
-        HostKit::postToMainThread([] {});  // settle() waits for an event
+        HostKit::MainThreadQueue::instance().wake();
     }
     Work(const Work&) = delete;
     Work& operator=(const Work&) = delete;
@@ -64,9 +62,10 @@ void settle() {
         // more work, which may be over again by the time that we look.
         const long started = startedCount.load();
         const bool isQuiet = runningCount.load() == 0;
-        HostKit::MainThreadQueue::instance().runWaiting();
+        HostKit::MainThreadQueue& queue = HostKit::MainThreadQueue::instance();
+        queue.runWaiting();
         if (isQuiet && started == startedCount.load()) return;
-        if (!isQuiet) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        queue.waitForFunction([] { return runningCount.load() == 0; });
     }
 }
 
