@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Counts the instructions that reading, writing and editing takes, and fails where a limit is exceeded.
+"""Counts the instructions that reading, writing and editing take; fails where a limit is exceeded.
 
   bench/gates.py [BUILD]     BUILD holds the programs in bin/, built as a release (build/release)
+  bench/gates.py --programs  prints their names
 
 Instructions, since times are noisy: valgrind's callgrind counts those inside of one function of a
 benchmark whose number of runs is fixed. Where the goal is still far, the limit only keeps what was
@@ -83,6 +84,8 @@ def shown(limit):
 
 
 def main():
+    if sys.argv[1:] == ["--programs"]:
+        return print(*sorted({gate.program for gate in GATES + PEERS}))
     build = Path(sys.argv[1]) if len(sys.argv) > 1 else ROOT / "build/release"
     is_clean = True
     print("instructions a byte or thing   limit    goal", flush=True)
