@@ -1,8 +1,6 @@
 #include "layouts/source_tree_layout.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <stdexcept>
 #include <utility>
 
 #include "layouts/source_tree_surgery.h"
@@ -11,8 +9,6 @@ namespace QB::QBComponentsListLayout_Private {
 
 using namespace Component;
 using namespace Component::SQL;
-using SourceTree::Place;
-using SourceTree::PlaceKind;
 using SourceTree::Side;
 using Item = SourceTreeLayout::Item;
 using Items = SourceTreeLayout::Items;
@@ -37,39 +33,6 @@ bool isSameKind(const SQLAbstractSourceComponent* a, const SQLAbstractSourceComp
            (SourceTree::isLeaf(a) && SourceTree::isLeaf(b));
 }
 
-std::unique_ptr<Item> makeRow(AbstractQueryComponent* component, int level) {
-    auto row = std::make_unique<Item>();
-    row->component = component;
-    row->level = level;
-    return row;
-}
-
-std::unique_ptr<Item> makePlaceholder(int level) {
-    auto row = makeRow(nullptr, level);
-    row->isPlaceholder = true;
-    return row;
-}
-
-std::unique_ptr<Item> makeClose(Item* open) {
-    auto row = makeRow(nullptr, open->level);
-    row->partnerItem = open;
-    return row;
-}
-
-/// Whether a row shows what stands at its place in the tree.
-bool showsPlace(const Item* item, const Place& place) {
-    if (item->level != place.level) return false;
-    switch (place.kind) {
-        case PlaceKind::Empty:
-            return item->isPlaceholder;
-        case PlaceKind::Node:
-            return item->component == place.component;
-        case PlaceKind::Close:
-            return item->partnerItem && item->partnerItem->component == place.component;
-    }
-    return false;
-}
-
 }  // namespace
 
 /// Where a new source goes: the row position, and the subtree it is joined to or the empty slot
@@ -84,39 +47,18 @@ struct SourceTreeLayout::Gap {
 SourceTreeLayout::QBComponentsListLayoutImpl(Slot root) : m_root(root) {}
 SourceTreeLayout::~QBComponentsListLayoutImpl() = default;
 
-SourceTreeLayout::Slot SourceTreeLayout::slotOf(Item* item) const {
-    const auto found = m_slots.find(item);
-    return found == m_slots.end() ? nullptr : found->second;
-}
-
 void SourceTreeLayout::rebuildItems() {
+    if (!m_root) return;
     clearRows();
-    Items open;
-    for (const Place& place : SourceTree::flatten(m_root)) {
-        const std::size_t end = m_items.size();
-        if (place.kind == PlaceKind::Empty) {
-            insertRow(end, makePlaceholder(place.level));
-        } else if (place.kind == PlaceKind::Close) {
-            insertRow(end, makeClose(open.back()));
-            open.pop_back();
-        } else {
-            Item* row = insertRow(end, makeRow(place.component, place.level));
-            if (SourceTree::isBracket(place.component)) open.push_back(row);
-        }
-    }
-    remapSlots();
+    const auto places = SourceTree::flatten(m_root);
+    insertRows(0, makeRows(places));
+    SlottedLayout::noteSlots(places);
 }
 
-/// An edit moves subtrees to other slots, so that after each one all slots are noted again. That
-/// the rows still read as the tree does is checked on the way.
-void SourceTreeLayout::remapSlots() {
-    const std::vector<Place> places = SourceTree::flatten(m_root);
-    if (!std::equal(m_items.begin(), m_items.end(), places.begin(), places.end(), showsPlace)) {
-        throw std::out_of_range("source rows differ from the source tree");
-    }
-    m_slots.clear();
-    for (std::size_t i = 0; i < places.size(); ++i)
-        m_slots.emplace(m_items[i], places[i].slot);
+/// Before an edit it finds a tree that was changed elsewhere, after it a mistake of ours: an edit
+/// moves subtrees to other slots, and rows must still read as the tree does.
+void SourceTreeLayout::noteSlots() {
+    SlottedLayout::noteSlots(SourceTree::flatten(m_root));
 }
 
 // ---- adding -----------------------------------------------------------------------------------
@@ -129,6 +71,7 @@ Items SourceTreeLayout::insertItem(AbstractQueryComponent* component, int index)
     auto* source = dynamic_cast<SQLAbstractSourceComponent*>(component);
     const bool isOperand = SourceTree::isLeaf(source) || SourceTree::isBracket(source);
     if (!isOperand || m_items.empty()) return {};
+    noteSlots();
     return insertIntoGap(gapAt(index), source);
 }
 
@@ -186,7 +129,7 @@ Items SourceTreeLayout::insertIntoGap(const Gap& gap, SQLAbstractSourceComponent
         insertRow(end++, makeClose(row));
     }
     if (gap.side == Gap::Before) insertRow(end++, makeRow(join, gap.level));
-    remapSlots();
+    noteSlots();
     return itemsOf({gap.position, end - 1});
 }
 
@@ -196,6 +139,7 @@ void SourceTreeLayout::removeItem_internal(Item* item) {
     std::size_t index = indexOfItem(item);
     if (index == m_items.size() || item->isPlaceholder) return;
     if (isJoinRow(item) && ++index == m_items.size()) return;
+    noteSlots();
     Span span = spanOf(index);
     Item* operand = m_items[span.first];
     const int level = operand->level;
@@ -211,7 +155,7 @@ void SourceTreeLayout::removeItem_internal(Item* item) {
     eraseRows(span);
     if (leavesGap) insertRow(span.first, makePlaceholder(level));
     m_detached.add(std::move(detached));
-    remapSlots();
+    noteSlots();
 }
 
 void SourceTreeLayout::moveItem(Item*, unsigned long) {}
@@ -262,6 +206,7 @@ bool SourceTreeLayout::isWholeOperands(Span span) const {
 void SourceTreeLayout::groupItemsByBracket(const Items& rows, int) {
     Items group = rows;
     if (!obtainGroupItemsByBracket(group)) return;
+    noteSlots();
     const Span span = *adjacentSpan(group);
     Item* first = m_items[span.first];
     Item* last = operandRow(m_items[span.last]);
@@ -272,7 +217,7 @@ void SourceTreeLayout::groupItemsByBracket(const Items& rows, int) {
         ++row->level;
     Item* open = insertRow(span.first, makeRow(bracket, level));
     insertRow(span.last + 2, makeClose(open));
-    remapSlots();
+    noteSlots();
 }
 
 bool SourceTreeLayout::canUngroupItemsByBracket(const Items& rows) const {
@@ -293,13 +238,14 @@ bool SourceTreeLayout::obtainUngroupItemsByBracket(Items& rows) const {
 void SourceTreeLayout::ungroupItemsByBracket(const Items& rows) {
     Items group = rows;
     if (!obtainUngroupItemsByBracket(group)) return;
+    noteSlots();
     const Span span = *adjacentSpan(group);
     m_detached.add(SourceTree::takeBracketAway(m_root, m_slots.at(group.front())));
     for (Item* row : group)
         --row->level;
     eraseRows({span.last, span.last});
     eraseRows({span.first, span.first});
-    remapSlots();
+    noteSlots();
 }
 
 }  // namespace QB::QBComponentsListLayout_Private

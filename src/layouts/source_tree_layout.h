@@ -1,8 +1,6 @@
 #pragma once
 
-#include <map>
-
-#include "layouts/components_list_layout_impl.h"
+#include "layouts/slotted_layout.h"
 #include "model/components.h"
 
 namespace QB::QBComponentsListLayout_Private {
@@ -13,13 +11,17 @@ namespace QB::QBComponentsListLayout_Private {
 /// Every row but a close row has a slot: the address of the pointer in the tree through which its
 /// node is reached (a child field or the root), never null itself. A row's slot is right until the
 /// next edit.
+///
+/// Errors: an edit throws std::out_of_range, before it changes anything, if the tree is not what
+/// the rows show.
 template <>
 class QBComponentsListLayoutImpl<Component::SQL::SourceNode**>
-    : public BasicQBComponentsListLayoutImpl {
+    : public SlottedLayout<Component::SQL::SourceNode**> {
 public:
     using Slot = Component::SQL::SourceNode**;
 
-    /// @p root is not owned and outlives the layout. There are no rows before rebuildItems.
+    /// @p root is not owned and outlives the layout; null gives no rows, and edits do nothing.
+    /// There are no rows before rebuildItems.
     explicit QBComponentsListLayoutImpl(Slot root);
     ~QBComponentsListLayoutImpl() override;
 
@@ -52,8 +54,6 @@ public:
     /// bracket row is widened to its bracket, in row order.
     virtual bool obtainUngroupItemsByBracket(Items& rows) const;
 
-    /// Null for a close row and for a row that is not here.
-    Slot slotOf(Item* item) const;
     /// The slot of the whole tree.
     Slot root() const { return m_root; }
 
@@ -66,10 +66,9 @@ private:
     bool isWholeOperands(Span span) const;
     /// The row whose slot holds the operand that starts or ends in @p item.
     static Item* operandRow(Item* item) { return isClose(item) ? item->partnerItem : item; }
-    void remapSlots();
+    void noteSlots();
 
     const Slot m_root;  // not owned: a field of an element expression
-    std::map<Item*, Slot> m_slots;
 };
 
 using SourceTreeLayout = QBComponentsListLayoutImpl<Component::SQL::SourceNode**>;

@@ -321,12 +321,13 @@ std::vector<Place> flatten(Slot root) {
             places.push_back(place);
             continue;
         }
-        const Place own = {PlaceKind::Node, place.slot, node->value, place.level};
+        const PlaceKind kind = isBracket(node->value) ? PlaceKind::Open : PlaceKind::Node;
+        const Place own = {kind, place.slot, node->value, place.level};
         if (isJoin(node->value)) {
             steps.push_back(opening(&node->right, place.level));
             steps.push_back({own, false});
             steps.push_back(opening(&node->left, place.level));
-        } else if (isBracket(node->value)) {
+        } else if (kind == PlaceKind::Open) {
             places.push_back(own);
             steps.push_back({{PlaceKind::Close, nullptr, node->value, place.level}, false});
             steps.push_back(opening(&node->left, place.level + 1));

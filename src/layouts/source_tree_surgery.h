@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "layouts/slotted_layout.h"
 #include "model/components.h"
 
 /// Cuts and splices in a join tree, without rows: what they do to the order of the text is what the
@@ -31,16 +32,9 @@ using Path = std::vector<Slot>;
 /// if none does, and for null.
 Path pathToValue(Slot root, const SQLAbstractSourceComponent* value);
 
-enum class PlaceKind { Empty, Node, Close };
-
-/// What one row shows: a leaf, join or bracket with its slot; the end of a bracket, with the
-/// bracket as its component; or an empty slot.
-struct Place {
-    PlaceKind kind;
-    Slot slot;  ///< null for the end of a bracket
-    SQLAbstractSourceComponent* component;
-    int level;  ///< number of brackets around it
-};
+using QBComponentsListLayout_Private::PlaceKind;
+/// What one row shows: a leaf, a join, an end of a bracket, or an empty slot. A close has no slot.
+using Place = QBComponentsListLayout_Private::Place<Slot, SQLAbstractSourceComponent>;
 
 /// The tree below @p root in text order. Values of no known class are left out.
 std::vector<Place> flatten(Slot root);

@@ -70,8 +70,7 @@ void JoinSight::findRuns() {
         }
         m_runs.push_back(run);
         m_runStarts.resize(runs, row);
-        const bool isOpen =
-            place.kind != PlaceKind::Close && SourceTree::isBracket(place.component);
+        const bool isOpen = place.kind == PlaceKind::Open;
         if (isOpen) open.push_back(row);
         if (isOpen || SourceTree::isComma(place.component)) run = runs++;
     }
@@ -110,8 +109,7 @@ std::vector<SQLAbstractConditionComponent*> JoinSight::blindConditions(std::size
     if (!join) return blind;
     const Span sight = rowsInSight(row);
     for (const ConditionChain::Place& place : ConditionChain::flatten(&join->condition)) {
-        if (place.kind == QBComponentsListLayout_Private::PlaceKind::Node &&
-            isBlind(place.component, sight)) {
+        if (place.kind == PlaceKind::Node && isBlind(place.component, sight)) {
             blind.push_back(place.component);
         }
     }

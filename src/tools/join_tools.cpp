@@ -21,7 +21,8 @@ namespace QB::Tools::SQL {
 
 using namespace Component;
 using namespace Component::SQL;
-using Slot = SourceTree::Slot;
+using SourceTree::PlaceKind;
+using SourceTree::Slot;
 
 namespace {
 
@@ -160,7 +161,6 @@ using Condition = SQLAbstractConditionComponent;
 /// Takes @p doomed out of a chain, at any depth of brackets, and brackets that lose all they hold
 /// with them, which no server reads. Last ones first: what stands before keeps its slot.
 DetachedParts takeConditions(ConditionChain::Slot head, const std::set<const Condition*>& doomed) {
-    using QBComponentsListLayout_Private::PlaceKind;
     DetachedParts taken;
     const std::vector<ConditionChain::Place> places = ConditionChain::flatten(head);
     for (std::size_t i = places.size(); i-- > 0;) {
@@ -203,9 +203,9 @@ private:
         for (std::size_t row = 0; row < places.size(); ++row) {
             const SourceTree::Place& place = places[row];
             auto* join = dynamic_cast<SQLJoinSourceNodeComponent*>(place.component);
-            if (place.kind == SourceTree::PlaceKind::Close) {
+            if (place.kind == PlaceKind::Close) {
                 groups.pop_back();
-            } else if (SourceTree::isBracket(place.component)) {
+            } else if (place.kind == PlaceKind::Open) {
                 groups.push_back(&(*place.slot)->left);
             } else if (join) {
                 removeAt(row, join, groups.back());

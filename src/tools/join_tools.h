@@ -23,13 +23,18 @@ using FieldPair = std::pair<std::string, std::string>;
 /// Joins two sources of the current FROM clause, named sources or subqueries, and appends the
 /// condition that their fields are equal.
 ///
-/// The comma between the groups that hold them becomes an INNER JOIN, after the groups were moved
-/// next to each other if they were not; a join of another kind keeps its kind. Between sources that
-/// are joined already only the condition is new, on the innermost join that holds both. No source
-/// and no condition is lost, and each condition sees its sources. A join with a USING list takes
-/// one more name when both names are equal.
-/// With both names empty the groups are joined without condition. Nothing happens for a source that
-/// is null, of another kind, not in this FROM clause, or linked with itself.
+/// The comma between the groups that hold them becomes an INNER JOIN. Where other groups stand in
+/// between, the right one moves next to the left one; in a clause that a text gives, nothing else
+/// changes places. Between sources that are joined already only the condition is new, on the
+/// innermost join that holds both. A join of another kind keeps its kind: a condition on a cross
+/// join is kept, but not written. No source and no condition is lost, and each condition sees its
+/// sources.
+/// A join with a USING list takes one more name when both names are equal. Otherwise nothing
+/// happens, and the user is told (showError): USING has no room for a comparison, and written out
+/// it would no longer merge its columns, which other clauses may name bare.
+/// With both names empty the groups are joined without condition; with one empty name that side of
+/// the condition stays to be filled in. Nothing happens for a source that is null, of another kind,
+/// not in this FROM clause, or linked with itself.
 void makeJoinLinkIfNecessary(QBEngine* engine, void* sender,
                              Component::SQL::SQLAbstractSourceComponent* sourceA,
                              const std::string& fieldA,
@@ -45,15 +50,21 @@ void makeJoinLinkIfNecessary(QBEngine* engine, void* sender,
 
 /// Removes links: of each join listed the compare condition that comes with it, or with a null one
 /// all that binds the two sides, so that the join becomes a comma. Only the first pair of a join
-/// counts. Sources stay. A join that loses its last condition keeps its kind. Conditions of later
-/// joins that no longer see their sources are removed, too.
+/// counts; what is not in the clause, or no link in the chain of its join, is skipped. Sources
+/// stay. A join that loses its last condition keeps its kind; brackets that lose all they hold go,
+/// too.
+///
+/// Then conditions that no longer see their sources are removed: from the joins behind each one
+/// listed, up to the next comma, and from those before one that became a comma itself.
 void removeJoins(
     QBEngine* engine, void* sender,
     const std::vector<std::pair<Component::SQL::SQLJoinSourceNodeComponent*,
                                 Component::SQL::SQLCompareConditionComponent*>>& joins);
 
-/// The field columns in the condition of the join in @p joinNode, each with the source below the
-/// join that it belongs to. Columns without such a source are left out; @p result is replaced.
+/// The fields that the condition of the join in @p joinNode begins its operands with, each with the
+/// source below the join that it belongs to: by its reference, or without one by its qualifiers,
+/// which are an alias, or name and path of a source without alias. Fields without such a source are
+/// left out; @p result is replaced.
 void findParentItemComponentOfJoinConditionFieldComponent(
     const Component::SQL::SourceNode* joinNode,
     std::map<Component::SQL::SQLFieldColumnComponent*, Component::SQL::SQLAbstractSourceComponent*>&
@@ -80,8 +91,10 @@ std::vector<Component::SQL::SQLAbstractSourceComponent*>* joinConditionRelatedSo
 
 namespace QB::Tools::Validation {
 
-/// The conditions in the chain of the join in @p row, at any depth of brackets, that name a source
-/// which the join cannot see. Empty if there is no such row, or it holds no join.
+/// The conditions in the chain of the join in @p row, in text order and at any depth of brackets,
+/// that name a source which the join cannot see (see joinConditionRelatedSources), in whatever
+/// place of theirs. Each is a link of the chain or of a bracket in it. Empty if there is no such
+/// row, or it holds no join.
 /// Thread: main.
 std::vector<Component::SQL::SQLAbstractConditionComponent*> invalidateJoinConditions(
     QBComponentsListLayout* layout, unsigned long row, QBEngine* engine);

@@ -42,13 +42,12 @@ protected:
         m_notifications = 0;
     }
 
-    /// The source or join that reads as @p word; the @p nth of them in text order, from 0.
+    /// The first source or join that reads as @p word.
     template <typename Kind = Source>
-    Kind* find(const std::string& word, int nth = 0) const {
+    Kind* find(const std::string& word) const {
         for (const SourceTree::Place& place : SourceTree::flatten(root())) {
-            const bool isIt =
-                place.kind == SourceTree::PlaceKind::Node && wordOf(place.component) == word;
-            if (isIt && nth-- == 0) return dynamic_cast<Kind*>(place.component);
+            const bool isIt = place.slot && place.component && wordOf(place.component) == word;
+            if (isIt) return dynamic_cast<Kind*>(place.component);
         }
         return nullptr;
     }
@@ -58,41 +57,26 @@ protected:
         Tools::SQL::makeJoinLinkIfNecessary(m_engine.get(), this, find(a), find(b), fields);
     }
 
-    /// The links of the join @p word go, or the one at @p index of its chain.
-    void unlink(const std::string& word, int index) {
-        auto* join = find<Join>(word);
-        Condition* condition = join->condition;
-        for (int i = 0; i < index; ++i)
-            condition = condition->next;
-        Tools::SQL::removeJoins(m_engine.get(), this,
-                                {{join, index < 0 ? nullptr : dynamic_cast<Compare*>(condition)}});
-    }
-
-    /// Links: "a-b" by the fields x of both, "a-b:" without, "a-b:f=g,h=i" by those. Removals:
-    /// "~L" of all that binds the first left join, "~L:1" of its second comparison.
+    /// Links as "a-b", by the fields x of both. Removals: "~L" of all that binds the first left
+    /// join,
+    /// "~L1" of its second comparison.
     void run(const std::string& steps) {
         std::istringstream words(steps);
         for (std::string step; words >> step;) {
-            const std::size_t colon = step.find(':');
-            const bool hasMore = colon != std::string::npos;
-            const std::string more = hasMore ? step.substr(colon + 1) : "";
             if (step[0] == '~') {
-                unlink(step.substr(1, 1), hasMore ? std::stoi(more) : -1);
+                unlink(step.substr(1, 1), step.size() > 2 ? std::stoi(step.substr(2)) : -1);
             } else {
-                link(step.substr(0, 1), step.substr(2, 1), pairs(hasMore ? more : "x=x"));
+                link(step.substr(0, 1), step.substr(2, 1), {{"x", "x"}});
             }
         }
     }
 
-    static std::vector<Tools::SQL::FieldPair> pairs(const std::string& text) {
-        std::vector<Tools::SQL::FieldPair> fields;
-        std::istringstream words(text);
-        for (std::string pair; std::getline(words, pair, ',');) {
-            const std::size_t middle = std::min(pair.find('='), pair.size());
-            const bool hasBoth = middle < pair.size();
-            fields.push_back({pair.substr(0, middle), hasBoth ? pair.substr(middle + 1) : ""});
-        }
-        return fields;
+    void unlink(const std::string& word, int index) {
+        auto* join = find<Join>(word);
+        Condition* condition = index < 0 ? nullptr : join->condition;
+        while (index-- > 0)
+            condition = condition->next;
+        Tools::SQL::removeJoins(m_engine.get(), this, {{join, dynamic_cast<Compare*>(condition)}});
     }
 
     using Field = Component::SQL::SQLFieldColumnComponent;
