@@ -62,11 +62,6 @@ TEST_F(JoinTools, LinkAndUnlink) {
         {"C(a,[C(b,c)])", "b-c", "C(a,[I(b,c)])", "- b=c"},
         {"C(C([C(b,c)],a),[[d]])", "c-d", "C(I([C(b,c)],[[d]]),a)", "- c=d -"},
         {"I(a,[C(b,C(c,d))])", "b-d a-c", "I(a,[C(I(b,d),c)])", "a=c b=d -"},
-        // without fields, with one, and with several
-        {"C(a,b)", "a-b:", "I(a,b)", "-"},
-        {"I(a,b)", "a-b:", "I(a,b)", "-"},
-        {"C(a,b)", "a-b:x", "I(a,b)", "a=?"},
-        {"C(a,b)", "b-a:x=y,z=w", "I(a,b)", "a=b&a=b"},
         // a comma instead of a join: what lost sight of its source goes, too
         {"C(a,b)", "a-b ~I", "C(a,b)", "-"},
         {"I(I(a,b),c)", "a-b b-c ~I", "C(a,I(b,c))", "- b=c"},
@@ -78,8 +73,8 @@ TEST_F(JoinTools, LinkAndUnlink) {
         {"C(I(L(a,b),c),R(d,e))", "a-b a-c d-e ~L", "C(C(a,I(b,c)),R(d,e))", "- - - d=e"},
         {"X(a,F(b,c))", "~X", "C(a,F(b,c))", "- -"},
         // one comparison less: the join stays what it is
-        {"L(a,b)", "a-b a-b ~L:0", "L(a,b)", "a=b"},
-        {"L(I(a,b),c)", "a-b b-c ~I:0", "L(I(a,b),c)", "- b=c"},
+        {"L(a,b)", "a-b a-b ~L0", "L(a,b)", "a=b"},
+        {"L(I(a,b),c)", "a-b b-c ~I0", "L(I(a,b),c)", "- b=c"},
         // and drawn again
         {"C(C(a,b),c)", "a-b b-c ~I a-b", "I(a,I(b,c))", "a=b b=c"},
     };
@@ -94,13 +89,16 @@ TEST_F(JoinTools, LinkAndUnlink) {
 
 TEST_F(JoinTools, WriteTheConditionThatWasDrawn) {
     setTree("C(a,b)");
+    link("b", "a", {{"", ""}});
+    EXPECT_EQ(tree() + conditions(), "I(a,b)-");
+    setTree("C(a,b)");
     find<SQLIdentifierSourceComponent>("a")->path = {"db", "shop"};
     auto* derived = new SQLSubquerySourceComponent;
     derived->alias = "b";
     derived->subquery = new SQLSelectStmtComponent;
     delete std::exchange((*root())->right->value, derived);
     find<Join>("C")->joinText = ",";
-    run("b-a:y=x a-b:z=");
+    link("b", "a", {{"y", "x"}, {"", ""}, {"", "z"}});
     EXPECT_EQ(dumpStatement(statement()),
               "statement\n"
               "  select\n"
@@ -126,43 +124,44 @@ TEST_F(JoinTools, WriteTheConditionThatWasDrawn) {
 TEST_F(JoinTools, AddToTheListOfUsingOrRefuse) {
     struct Line {
         const char* list;
-        const char* link;
+        std::vector<Tools::SQL::FieldPair> fields;
         const char* listAfter;
         int notifications;
         std::size_t errors;
     };
     const Line lines[] = {
-        {"x", "a-b:y=y", "x, \"y\"", 1, 0},
-        {"x", "b-a:y=y,z=z", "x, \"y\", \"z\"", 1, 0},
-        {"", "a-b:x=x", "\"x\"", 1, 0},
-        {"id, \"x\", `q``r`", "a-b:x=x,ID=ID,q`r=q`r", "id, \"x\", `q``r`", 0, 0},
-        {"\"X, y\"", "a-b:x=x,y=y", "\"X, y\", \"x\", \"y\"", 1, 0},
-        {"x", "a-b:x=x,y=z", "x", 0, 1},
-        {"x", "a-b:x=", "x", 0, 1},
-        {"x", "a-b:", "x", 0, 0},
+        {"x", {{"y", "y"}, {"", ""}, {"z", "z"}}, "x, \"y\", \"z\"", 1, 0},
+        {"id, \"x\", `q``r`",
+         {{"x", "x"}, {"ID", "ID"}, {"q`r", "q`r"}},
+         "id, \"x\", `q``r`",
+         0,
+         0},
+        {"\"X, y\"", {{"x", "x"}, {"y", "y"}}, "\"X, y\", \"x\", \"y\"", 1, 0},
+        {"x", {{"x", "x"}, {"y", "z"}}, "x", 0, 1},
+        {"x", {{"x", ""}}, "x", 0, 1},
+        {"x", {}, "x", 0, 0},
     };
     for (const Line& line : lines) {
-        SCOPED_TRACE(testing::Message() << line.list << " " << line.link);
+        SCOPED_TRACE(line.list);
         setTree("L(a,b)");
         m_host.errors.clear();
-        auto* join = find<Join>("L");
-        join->isUsing = true;
         auto* names = new SQLAnyExpressionColumnComponent;
         names->expression = line.list;
         auto* value = new SQLConditionValueComponent;
         value->values.push_back(names);
-        join->condition = value;
-        run(line.link);
+        find<Join>("L")->condition = value;
+        find<Join>("L")->isUsing = true;
+        link("b", "a", line.fields);
         EXPECT_EQ(conditions(), line.listAfter);
         EXPECT_EQ(m_notifications, line.notifications);
         EXPECT_EQ(m_host.errors.size(), line.errors);
     }
-    setTree("L(a,b)");
-    find<Join>("L")->isUsing = true;
-    run("a-b:y=y");
-    EXPECT_EQ(conditions(), "\"y\"") << "no list yet";
     run("~L a-b");
     EXPECT_EQ(conditions(), "a=b") << "a comma has forgotten USING";
+    setTree("L(a,b)");
+    find<Join>("L")->isUsing = true;
+    run("a-b");
+    EXPECT_EQ(conditions(), "\"x\"") << "no list yet";
 }
 
 TEST_F(JoinTools, DoNothingWithoutTwoSourcesOfTheClause) {
