@@ -33,6 +33,7 @@ public:
     void checkField(SQLFieldColumnComponent* field, Key key) {
         const SQLAbstractSourceComponent* const source = m_scope.sourceOf(field);
         if (const auto fault = m_scope.findFault(field, source)) {
+            if (fault == InvalidSource) m_scope.keepAlias(field);
             if (fault == InvalidSource) repair(field->source);
             return add(key, *fault);
         }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/engine_core.h"
+#include "model/detached_parts.h"
 #include "model/element_expressions.h"
 #include "model/kind_of.h"
 #include "model/tree_walks.h"
@@ -74,6 +76,7 @@ void ValidationScope::addOwnSources(const Statement* statement) {
         m_sources.insert(source);
         const auto* named = ifKind<SQLIdentifierSourceComponent>(source);
         if (named) m_byPath.emplace(pathOf(named), source);
+        if (!source->alias.empty()) m_byPath.emplace(Names{source->alias}, source);
     });
 }
 
@@ -108,6 +111,29 @@ std::optional<InvalidReason> ValidationScope::findFault(const Field* field,
     if (!source && !field->parentPath.empty()) return InvalidPath;
     if (source && isUnnamedSubquery(source)) return InvalidColumnOfUnnamed;
     return {};
+}
+
+void ValidationScope::keepAlias(Field* field) {
+    const std::string* alias = aliasOfRetired(field->source);
+    if (alias && !alias->empty()) field->parentPath = {*alias};
+}
+
+/// Null for an address that is not kept, which must not be read.
+const std::string* ValidationScope::aliasOfRetired(const Source* source) {
+    if (!m_retiredAliases) {
+        m_retiredAliases.emplace();
+        const auto note = [this](const AbstractQueryComponent* component) {
+            const auto* gone = dynamic_cast<const Source*>(component);
+            if (gone) m_retiredAliases->emplace(gone, gone->alias);
+        };
+        m_engine->core()->retired.visit([&note](const DetachedParts& parts) {
+            parts.visitParts([&note](const SourceNode* tree, const AbstractQueryComponent* single) {
+                tree ? visitOwnedComponents(tree, note) : visitOwnedComponents(single, note);
+            });
+        });
+    }
+    const auto found = m_retiredAliases->find(source);
+    return found == m_retiredAliases->end() ? nullptr : &found->second;
 }
 
 const QBIdentifierCandidate* ValidationScope::tableOf(const Source* source) {

@@ -279,6 +279,20 @@ TEST(Validation, EachFaultIsFoundOnceRepairedAndAnnouncedOnlyAsNews) {
     }
 }
 
+// Bare, it would be read as a field of another source.
+TEST(Validation, AColumnWhoseSubqueryIsGoneKeepsItsQualifier) {
+    Validator v("SELECT s.id FROM t a, (SELECT t.id FROM t) s");
+    auto* column =
+        dynamic_cast<SQLFieldColumnComponent*>(v.statement()->selectColumnExpr->columns[0]);
+    column->parentPath.clear();  // as a tick makes it
+    v.removeSource(v.source("s"));
+    EXPECT_EQ(v.faults(v.check(nullptr)), "0:id=1 ");
+    EXPECT_EQ(column->parentPath, std::vector<std::string>{"s"});
+    EXPECT_EQ(v.faults(v.check(nullptr)), "0:id=2 ");
+    v.source("a")->alias = "s";
+    EXPECT_EQ(v.faults(v.check(nullptr)), "");
+}
+
 TEST(Validation, NothingIsFoundWithoutEngineStatementOrFittingElement) {
     Validator v("SELECT t.no FROM t WHERE t.no = 1 GROUP BY t.no");
     auto** const root = &v.statement()->whereExpr->root;
