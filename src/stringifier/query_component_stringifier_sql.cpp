@@ -34,10 +34,19 @@ bool isNaturalWithoutCondition(SQLJoinType type) {
     return type == SQLJoinTypeLeft || type == SQLJoinTypeRight || type == SQLJoinTypeFullOuter;
 }
 
+bool isListed(const SQLJoinSourceNodeComponent* join) {
+    return join->joinType >= SQLJoinTypeComma && join->joinType <= SQLJoinTypeFullOuter;
+}
+
+/// A join of the user's own words that has none yet stands for the neutral one: with nothing
+/// between them the second source would read as the alias of the first.
+bool isWrittenAsComma(const SQLJoinSourceNodeComponent* join) {
+    return join->joinType == SQLJoinTypeComma || (!isListed(join) && join->joinText.empty());
+}
+
 void appendJoinKeyword(StringifiedNode& node, const SQLJoinSourceNodeComponent* join) {
-    const bool isListed =
-        join->joinType >= SQLJoinTypeComma && join->joinType <= SQLJoinTypeFullOuter;
-    if (!isListed) return node.append(join->joinText);
+    if (isWrittenAsComma(join)) return node.append(",");
+    if (!isListed(join)) return node.append(join->joinText);
     if (isNaturalWithoutCondition(join->joinType) && !join->hasCondition()) node.append("NATURAL ");
     node.appendCopy(joinTypeText(join->joinType));
 }
@@ -307,7 +316,7 @@ StringifiedNode QBQueryComponentStringifier_SQL::walkSources(const SourceNode* n
 bool QBQueryComponentStringifier_SQL::needsBrackets(const SourceNode* node) const {
     if (readsNestedJoins() || !node->right) return false;
     const auto* join = ifKind<SQLJoinSourceNodeComponent>(node->value);
-    return join && join->joinType != SQLJoinTypeComma &&
+    return join && !isWrittenAsComma(join) &&
            ifKind<SQLJoinSourceNodeComponent>(node->right->value);
 }
 
@@ -378,7 +387,7 @@ StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLJoinSourc
     node.append(sourceSide(sourceChild, 0, level));
     node.appendDeferred(joinPart<&Self::joinOperator>, join, level);
     node.append(sourceSide(sourceChild, 1, level));
-    if (join->needsCondition() && join->hasCondition())
+    if (!isWrittenAsComma(join) && join->needsCondition() && join->hasCondition())
         node.appendDeferred(joinPart<&Self::joinCondition>, join, level);
     return node;
 }
@@ -393,7 +402,7 @@ StringifiedNode QBQueryComponentStringifier_SQL::joinPart(QBQueryComponentString
 StringifiedNode QBQueryComponentStringifier_SQL::joinOperator(
     const SQLJoinSourceNodeComponent* join, int level) {
     StringifiedNode node = newNode();
-    if (join->joinType != SQLJoinTypeComma) node.appendLine({}, level);
+    if (!isWrittenAsComma(join)) node.appendLine({}, level);
     appendJoinKeyword(node, join);
     node.appendLine({}, level);
     return node;

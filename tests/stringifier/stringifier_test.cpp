@@ -70,6 +70,14 @@ TEST_F(Stringifier, KeepsTheKeywordOfAClauseWithoutText) {
     EXPECT_EQ(m_mysql->stringifyQuery(s.get()), "SELECT\n\t*\nWHERE\n\t\nGROUP BY\n\t, \n\t");
 }
 
+TEST_F(Stringifier, WritesACommaForAJoinThatHasNoWordsYet) {
+    const Statement s = newStatement();
+    s->sourceExpr->root = join(table("a"), SQLJoinTypeCustom, table("b"));
+    EXPECT_EQ(m_mysql->stringifyQuery(s.get()), "SELECT\n\t*\nFROM\n\t`a`,\n\t`b`");
+    joinOf(s->sourceExpr->root)->joinText = "STRAIGHT_JOIN";
+    EXPECT_EQ(m_mysql->stringifyQuery(s.get()), "SELECT\n\t*\nFROM\n\t`a`\n\tSTRAIGHT_JOIN\n\t`b`");
+}
+
 TEST_F(Stringifier, WritesOperandsThatAreMissing) {
     const auto text = [this](CompareOp op, std::vector<SQLAbstractColumnComponent*> right) {
         const std::unique_ptr<AbstractQueryComponent> c(compare(expression("a"), op, right));
