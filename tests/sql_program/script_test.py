@@ -33,7 +33,8 @@ REFUSED_LINES = [
     ("tick", "expected a field"), ("tick id", "SOURCE.FIELD"), ("tick orders.id", "orders"),
     ("link a b c", "is called a"), ("unlink 7", "from has no row 7"), ("unlink -1", "expected"),
     ("join 0 left", "row 0 of from is no join"), ("join 1", "from has no row 1"),
-    ("on 0 add 1 = 1", "row 0 of from is no join"), ("show rows on", "expected the row of a join"),
+    ("on 0 add 1 = 1", "row 0 of from is no join"),
+    ("tick all and", "expected *"), ("show rows on", "expected the row of a join"),
     ("show rows nowhere", "there is no clause"), ("show nothing", "no view"), ("show", "what to show"),
     ("where", "expected an edit"), ("where explode 1", 'no edit "explode"'),
     ("where add ORDER BY 1", "unexpected"), ("where add 1 = 1; DROP TABLE t", ""),
@@ -58,6 +59,14 @@ REFUSED_LINES = [
     ("expect nothing:\nend", "no view"), ("expect error show sql", "was not"),
     ("expect error:\nend", "expected a command"), ("expect sql:\nSELECT\nend", 'line 2 is "\t*"'),
 ]
+
+
+# What takes words only up to its own end.
+ENDING_COMMANDS = """remove orders|alias orders o|link orders.id customers.id|unlink 1|join 1 left|
+unlink orders.customer_id customers.id|tick orders.id|tick all|untick all orders|schema other|
+where remove 0|where negate 0|where gate 1 or|where bracket 0 1|where move 1 to 0|where up 1|
+select alias 0 x|from insert 0 orders AS o|from unbracket 0|layer pop|layer push orders|limit 5|
+key orders.id -> customers.id|add orders AS o|dialect mysql""".replace("\n", "").split("|")
 
 
 class Examples(ProgramTest):
@@ -99,6 +108,16 @@ class Hostile(ProgramTest):
                 run = self.run_program("script", given=(SHOP + line + "\n").encode())
                 self.expect(run, REFUSED, b"", f"<stdin>:{number}: ".encode())
                 self.assertIn(message.encode(), run.errors)
+
+    def test_a_command_with_words_too_many_changes_nothing(self):
+        self.assertEqual(len(ENDING_COMMANDS), 25)
+        given = (SHOP + "add orders\nadd customers\ntick orders.id\nwhere add id = 1 OR id = 2\n"
+                 "show statement\n" + "".join(f"expect error {command} too many\n"
+                                             for command in ENDING_COMMANDS) + "show statement\n")
+        run = self.run_program("script", given=given.encode())
+        self.expect(run, OK)
+        half = len(run.output) // 2
+        self.assertEqual(run.output[:half], run.output[half:])
 
     def test_what_is_no_text_is_refused(self):
         for given, message in [

@@ -62,6 +62,7 @@ Parts takeComponents(Edit& edit) {
         return partsOf(readColumns(edit.session, clause.element, edit.words.rest("a column")));
     Parts parts;
     parts.push_back(takeNewSource(edit.session, edit.words));
+    edit.words.end();
     return parts;
 }
 
@@ -101,18 +102,28 @@ void replace(Edit& edit) {
     edit.rows.replace(row, std::move(parts.front()));
 }
 
+/// The last words of an edit.
+std::vector<int> takeRows(Edit& edit, const char* what) {
+    const std::vector<int> rows = edit.words.numbers(what);
+    edit.words.end();
+    return rows;
+}
+
 void removeRows(Edit& edit) {
-    edit.rows.remove(edit.words.numbers("a row"));
+    edit.rows.remove(takeRows(edit, "a row"));
 }
 
 void move(Edit& edit) {
     const int row = edit.words.number("a row");
     edit.words.skip("to");
-    edit.rows.move(row, edit.words.number("the row before which it goes"));
+    const int target = edit.words.number("the row before which it goes");
+    edit.words.end();
+    edit.rows.move(row, target);
 }
 
 void moveBy(Edit& edit, int (QBComponentsListLayout::*offset)(ClauseRows::Item*) const) {
     const int row = edit.words.number("a row");
+    edit.words.end();
     const QBComponentsListLayout& layout = edit.rows.layout();
     const int target = row + (layout.*offset)(edit.rows.row(row));
     edit.rows.move(row, std::clamp(target, 0, static_cast<int>(layout.items().size())));
@@ -127,16 +138,17 @@ void moveDown(Edit& edit) {
 }
 
 void bracket(Edit& edit) {
-    edit.rows.group(edit.words.numbers("the rows"));
+    edit.rows.group(takeRows(edit, "the rows"));
 }
 
 void unbracket(Edit& edit) {
-    edit.rows.ungroup(edit.words.numbers("the rows of a bracket"));
+    edit.rows.ungroup(takeRows(edit, "the rows of a bracket"));
 }
 
 void negate(Edit& edit) {
     auto* const condition =
         edit.rows.componentAt<Condition>(edit.words.number("a row"), "condition");
+    edit.words.end();
     edit.rows.modify([&] { condition->negated = !condition->negated; });
 }
 
@@ -145,6 +157,7 @@ void setGate(Edit& edit) {
         edit.rows.componentAt<Condition>(edit.words.number("a row"), "condition");
     const bool isOr = edit.words.skip("or");
     if (!isOr && !edit.words.skip("and")) throw Refusal("a gate is AND or OR");
+    edit.words.end();
     edit.rows.modify([&] { condition->logicGate = isOr ? SQLLogicGateOr : SQLLogicGateAnd; });
 }
 
@@ -175,13 +188,16 @@ void setOperator(Edit& edit) {
 void setColumnAlias(Edit& edit) {
     auto* const column = edit.rows.componentAt<Column>(edit.words.number("a row"), "column");
     const std::string alias = edit.words.isAtEnd() ? std::string() : edit.words.name("an alias");
+    edit.words.end();
     edit.rows.modify([&] { column->alias = alias; });
 }
 
 enum Clauses : unsigned {
-    Columns = 1,     ///< SELECT, GROUP BY, ORDER BY
-    Sources = 2,     ///< FROM
-    Conditions = 4,  ///< WHERE, HAVING, the condition of a join
+    Selected = 1,    ///< SELECT
+    Sorted = 2,      ///< GROUP BY, ORDER BY
+    Columns = 3,     ///< both
+    Sources = 4,     ///< FROM
+    Conditions = 8,  ///< WHERE, HAVING, the condition of a join
 };
 
 struct EditDescription {
@@ -209,16 +225,19 @@ constexpr EditDescription edits[] = {
     {"negate", "ROW", "puts NOT before it, or takes it away", Conditions, negate},
     {"gate", "ROW and|or", "how it goes on from the one before", Conditions, setGate},
     {"operator", "ROW NAME", "such as =, like, contains, is null", Conditions, setOperator},
-    {"alias", "ROW [NAME]", "calls a column NAME", Columns, setColumnAlias},
+    {"alias", "ROW [NAME]", "calls a column NAME", Selected, setColumnAlias},
 };
 
 unsigned kindOf(const Clause& clause) {
     if (clause.hasConditions()) return Conditions;
-    return clause.element == ElementSource ? Sources : Columns;
+    if (clause.element == ElementSource) return Sources;
+    return clause.element == ElementSelectColumn ? Selected : Sorted;
 }
 
 std::string editClause(Call& call, const char* clauseName) {
     const Clause clause = clauseOf(call.session, clauseName, call.words);
+    if (clause.join && !clause.join->needsCondition())
+        throw Refusal("the join in that row takes no condition");
     if (clause.join && clause.join->isUsing)
         throw Refusal("the join in that row has a list of columns and no condition");
     const std::string name = call.words.keyword("an edit such as add or remove");

@@ -56,6 +56,7 @@ std::string setDialect(Call& call) {
 
 std::string setSchema(Call& call) {
     const std::string name = call.words.isAtEnd() ? std::string() : call.words.name("a schema");
+    call.words.end();
     call.session.engine()->setCurrentSchema(name);
     return {};
 }
@@ -85,6 +86,7 @@ std::string declareKey(Call& call) {
         key.to = to.table;
         key.fields.emplace_back(from.field, to.field);
     } while (call.words.skip(","));
+    call.words.end();
     declared.addKey(key);
     return {};
 }

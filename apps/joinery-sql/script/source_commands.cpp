@@ -78,7 +78,8 @@ bool isLinkable(const Source* source) {
 }
 
 /// A source, or a field of one.
-SourceField takeLinkEnd(const Session& session, Words& words) {
+SourceField takeLinkEnd(Session& session, Words& words) {
+    if (words.isNumberNext()) return {takeSource(session, words), {}};
     std::vector<std::string> names = words.path("a field or a source");
     for (Source* const source : sourcesOf(session))
         if (isCalled(source, names)) return {findSource(session, names), {}};
@@ -95,16 +96,18 @@ void changeTicks(Call& call, bool select) {
     if (!call.words.skip("all")) {
         const SourceField field = takeField(session, call.words);
         if (select) requireKnownField(session, field);
+        call.words.end();
         return Tools::SQL::changeItemComponentFieldSelection(session.engine(), &session,
                                                              field.source, field.field, select);
     }
     std::vector<Source*> sources = sourcesOf(session);
-    bool includeWildcard = false;
-    if (!call.words.isAtEnd()) {
-        const std::vector<std::string> path = call.words.path("a source");
-        sources = {findSource(session, path)};
+    bool includeWildcard = call.words.skip("and");
+    if (!includeWildcard && !call.words.isAtEnd()) {
+        sources = {takeSource(session, call.words)};
+        includeWildcard = call.words.skip("and");
     }
-    if (call.words.skip("and")) includeWildcard = call.words.skip("*");
+    if (includeWildcard && !call.words.skip("*")) throw Refusal("expected * behind \"and\"");
+    call.words.end();
     for (Source* const source : sources)
         changeAll(session, source, includeWildcard, select);
 }
@@ -128,6 +131,7 @@ std::string addSource(Call& call) {
 
 std::string removeSource(Call& call) {
     const Source* const source = takeSource(call.session, call.words);
+    call.words.end();
     ClauseRows rows = fromRows(call.session);
     const ClauseRows::Items& items = rows.layout().items();
     for (int i = 0; static_cast<std::size_t>(i) < items.size(); ++i) {
@@ -141,6 +145,7 @@ std::string removeSource(Call& call) {
 std::string setAlias(Call& call) {
     Source* const source = takeSource(call.session, call.words);
     const std::string alias = call.words.isAtEnd() ? std::string() : call.words.name("an alias");
+    call.words.end();
     call.session.modify(ElementSource, [&] { source->alias = alias; });
     return {};
 }
@@ -159,6 +164,7 @@ std::string link(Call& call) {
         sourceB = b.source;
         if (!a.field.empty()) fields.emplace_back(a.field, b.field);
     } while (call.words.skip(","));
+    call.words.end();
     if (sourceA == sourceB) throw Refusal("a source cannot be linked with itself");
     if (!isLinkable(sourceA) || !isLinkable(sourceB))
         throw Refusal("only tables and subqueries can be linked");
@@ -172,12 +178,14 @@ std::string unlink(Call& call) {
         const int row = call.words.number("the row of a join");
         auto* const join =
             fromRows(call.session).componentAt<SQLJoinSourceNodeComponent>(row, "join");
+        call.words.end();
         if (join->joinType == SQLJoinTypeComma) throw Refusal("nothing is joined in that row");
         removeJoins(call.session, join, nullptr);
         return {};
     }
     const SourceField a = takeField(call.session, call.words);
     const SourceField b = takeField(call.session, call.words);
+    call.words.end();
     if (!removeLink(call.session, a, b))
         throw Refusal("no join compares " + nameOf(a.source) + '.' + a.field + " with " +
                       nameOf(b.source) + '.' + b.field);
@@ -202,6 +210,7 @@ std::string setJoinType(Call& call) {
                       ": one of inner, left, right, full, cross, custom TEXT (a comma: unlink)");
     const bool isCustom = kind->type == SQLJoinTypeCustom;
     const std::string text = isCustom ? call.words.rest("the text of the join") : std::string();
+    call.words.end();
     call.session.modify(ElementSource, [&] {
         join->joinType = kind->type;
         join->joinText = text;

@@ -79,7 +79,7 @@ Source* findSource(const Session& session, const std::vector<std::string>& path)
         if (!isCalled(source, path)) continue;
         if (found)
             throw Refusal("several sources are called " + shownPath(path) +
-                          ": name one by its row in \"show rows from\"");
+                          ": give them aliases, by the rows in \"show rows\"");
         found = source;
     }
     if (!found) throw Refusal("no source of the query is called " + shownPath(path));

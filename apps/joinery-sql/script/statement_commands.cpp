@@ -53,6 +53,7 @@ std::string layerName(const Session& session, const Source* source) {
 
 void pushLayer(Session& session, Words& words) {
     Source* const source = takeSource(session, words);
+    words.end();
     auto* const subquery = dynamic_cast<SQLSubquerySourceComponent*>(source);
     if (!subquery || !subquery->subquery)
         throw Refusal("the source " + nameOf(source) + " is no subquery");
@@ -71,6 +72,7 @@ std::string changeLayer(Call& call) {
     } else if (call.session.engine()->currentTopLevelQueryComponentLayer() == 0) {
         throw Refusal("this is the root layer already");
     } else {
+        call.words.end();
         call.session.engine()->popCurrentLayerTopLevelQueryComponent();
     }
     return {};
