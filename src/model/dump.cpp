@@ -196,9 +196,12 @@ private:
         }
     }
 
-    std::string ordinal(const AbstractQueryComponent* target) const {
+    /// A line alone can only tell that there is a reference: what it points at stands elsewhere.
+    std::string reference(const char* name, const AbstractQueryComponent* target) const {
+        if (m_extent == Extent::FirstLine) return name;
         const auto found = m_ordinals.find(target);
-        return found == m_ordinals.end() ? "elsewhere" : std::to_string(found->second);
+        return std::string(name) + "=" +
+               (found == m_ordinals.end() ? "elsewhere" : std::to_string(found->second));
     }
 
     void column(const SQLAbstractColumnComponent* value, int depth) {
@@ -206,8 +209,8 @@ private:
         if (const auto* c = dynamic_cast<const SQLFieldColumnComponent*>(value)) {
             text = Line(c->isAsterisk ? "field *" : "field " + quoted(c->fieldName));
             text.path("path", c->parentPath).text("aggregate", c->aggregateFunction);
-            if (c->source) text.word("source=" + ordinal(c->source));
-            if (c->referencedColumn) text.word("column=" + ordinal(c->referencedColumn));
+            if (c->source) text.word(reference("source", c->source));
+            if (c->referencedColumn) text.word(reference("column", c->referencedColumn));
         } else if (const auto* any = dynamic_cast<const SQLAnyExpressionColumnComponent*>(value)) {
             text = Line("expression " + quoted(any->expression));
         }

@@ -13,7 +13,8 @@ namespace QB {
 /// Null gives "(null)". One line a component; not for huge trees (indentation grows with depth).
 QB_EXPORT std::string dumpStatement(const Component::AbstractQueryComponent* component);
 
-/// The first line of that: the component without what it owns or, for a link, what follows it.
+/// The first line of that: the component without what it owns or, for a link, what follows it. Of a
+/// reference it tells that there is one.
 QB_EXPORT std::string dumpLine(const Component::AbstractQueryComponent* component);
 
 }  // namespace QB
