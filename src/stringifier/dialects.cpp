@@ -33,6 +33,10 @@ void appendFirstOrder(StringifiedNode& node, int level) {
     node.append("ORDER BY 1");
 }
 
+bool hasWrittenCondition(const SQLJoinSourceNodeComponent* join) {
+    return join->needsCondition() && join->hasCondition();
+}
+
 /// A line of a number of rows between two texts.
 void appendRows(StringifiedNode& node, int level, std::string_view before, std::int32_t rows,
                 std::string_view after = {}) {
@@ -90,7 +94,17 @@ StringifiedNode QBQueryComponentStringifier_SQLITE::stringifyExpr_ELEMSQLLimitEx
     return node;
 }
 
-bool QBQueryComponentStringifier_SQLITE::readsNestedJoins() const {
+bool QBQueryComponentStringifier_MYSQL::readsNestedJoin(
+    const SQLJoinSourceNodeComponent* nested) const {
+    return hasWrittenCondition(nested);
+}
+
+bool QBQueryComponentStringifier_MARIADB::readsNestedJoin(
+    const SQLJoinSourceNodeComponent* nested) const {
+    return hasWrittenCondition(nested);
+}
+
+bool QBQueryComponentStringifier_SQLITE::readsNestedJoin(const SQLJoinSourceNodeComponent*) const {
     return false;
 }
 

@@ -18,6 +18,8 @@ protected:
     StringifiedNode stringifyExpr_ELEMSQLLimitExpr(
         const Component::SQL::SQLSelectStmtComponent* statement, const ELEMSQLLimitExpr* element,
         int level, TopLevelQueryComponentElementEnum which) override;
+    /// Every kind of join takes a condition, so that one without would take the next.
+    bool readsNestedJoin(const Component::SQL::SQLJoinSourceNodeComponent* nested) const override;
 };
 
 /// The same as MySQL.
@@ -30,6 +32,7 @@ protected:
     StringifiedNode stringifyExpr_ELEMSQLLimitExpr(
         const Component::SQL::SQLSelectStmtComponent* statement, const ELEMSQLLimitExpr* element,
         int level, TopLevelQueryComponentElementEnum which) override;
+    bool readsNestedJoin(const Component::SQL::SQLJoinSourceNodeComponent* nested) const override;
 };
 
 /// LIMIT and OFFSET, each on its line and only if set.
@@ -69,7 +72,7 @@ protected:
         const Component::SQL::SQLSelectStmtComponent* statement, const ELEMSQLLimitExpr* element,
         int level, TopLevelQueryComponentElementEnum which) override;
     /// SQLite reads a condition only right behind its join's right side.
-    bool readsNestedJoins() const override;
+    bool readsNestedJoin(const Component::SQL::SQLJoinSourceNodeComponent* nested) const override;
 };
 
 /// OFFSET and FETCH NEXT; both need ORDER BY, and FETCH needs OFFSET.

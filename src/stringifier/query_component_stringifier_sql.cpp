@@ -108,7 +108,7 @@ bool QBQueryComponentStringifier_SQL::keepsTableSchema() const {
     return false;
 }
 
-bool QBQueryComponentStringifier_SQL::readsNestedJoins() const {
+bool QBQueryComponentStringifier_SQL::readsNestedJoin(const SQLJoinSourceNodeComponent*) const {
     return true;
 }
 
@@ -311,13 +311,12 @@ StringifiedNode QBQueryComponentStringifier_SQL::walkSources(const SourceNode* n
     return stringifyComponent(node->value, level, sourceChild);
 }
 
-/// Without them, a JOIN b JOIN c ON x ON y, the second condition would stand alone where a server
-/// gives each join its condition at once.
+/// A condition could belong to another join without them, or to none: a JOIN b JOIN c ON x ON y.
 bool QBQueryComponentStringifier_SQL::needsBrackets(const SourceNode* node) const {
-    if (readsNestedJoins() || !node->right) return false;
     const auto* join = ifKind<SQLJoinSourceNodeComponent>(node->value);
-    return join && !isWrittenAsComma(join) &&
-           ifKind<SQLJoinSourceNodeComponent>(node->right->value);
+    if (!join || isWrittenAsComma(join) || !node->right) return false;
+    const auto* nested = ifKind<SQLJoinSourceNodeComponent>(node->right->value);
+    return nested && !readsNestedJoin(nested);
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::inBrackets(StringifiedNode content, int level) {

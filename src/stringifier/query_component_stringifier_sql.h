@@ -77,8 +77,8 @@ protected:
     virtual std::string_view sourceAliasSeparator() const;
     /// True if a table's only qualifier is written even where it is the current schema.
     virtual bool keepsTableSchema() const;
-    /// True if a join that is the right side of another one needs no brackets.
-    virtual bool readsNestedJoins() const;
+    /// True if @p nested, the right side of another join, needs no brackets.
+    virtual bool readsNestedJoin(const Component::SQL::SQLJoinSourceNodeComponent* nested) const;
 
     void resetRun() override;
 

@@ -95,7 +95,8 @@ inline Statement everyJoin(bool withConditions) {
     return s;
 }
 
-/// d, a JOIN (b LEFT JOIN c): without brackets in the model, as links draw it.
+/// d, a JOIN (b LEFT JOIN c), e JOIN (f CROSS JOIN g): without brackets in the model, as links draw
+/// it.
 inline Statement joinsToTheRight() {
     Statement s = newStatement();
     SourceNode* a = table("a");
@@ -106,7 +107,12 @@ inline Statement joinsToTheRight() {
     };
     SourceNode* inner = join(b, SQLJoinTypeLeft, c, same(b, c));
     SourceNode* joined = join(a, SQLJoinTypeInner, inner, same(a, b));
-    s->sourceExpr->root = join(table("d"), SQLJoinTypeComma, joined, nullptr);
+    SourceNode* e = table("e");
+    SourceNode* g = table("g");
+    SourceNode* crossed =
+        join(e, SQLJoinTypeLeft, join(table("f"), SQLJoinTypeCross, g), same(e, g));
+    SourceNode* both = join(table("d"), SQLJoinTypeComma, joined);
+    s->sourceExpr->root = join(both, SQLJoinTypeComma, crossed);
     return s;
 }
 

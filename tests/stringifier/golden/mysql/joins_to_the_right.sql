@@ -10,4 +10,13 @@ FROM
 	ON 
 		`b`.`id` = `c`.`id`
 	ON 
-		`a`.`id` = `b`.`id`
+		`a`.`id` = `b`.`id`,
+	`e`
+	LEFT JOIN
+	(
+		`f`
+		CROSS JOIN
+		`g`
+	)
+	ON 
+		`e`.`id` = `g`.`id`
