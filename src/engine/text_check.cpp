@@ -33,12 +33,13 @@ int endOf(QBRange range) {
 
 /// A statement, its text, and where in it everything stands.
 ///
-/// Places count the bytes of the bare text: without blanks, the brackets around a single source and
-/// the ASC of ORDER BY, which come and go with a reading.
+/// Places count the bytes of the bare text: without blanks, without brackets in FROM that group
+/// nothing, and without the ASC of ORDER BY, which come and go with a reading.
 class WrittenStatement {
 public:
     WrittenStatement(const SQLSelectStmtComponent& statement, DatabaseType type,
-                     const std::string& schema) {
+                     const std::string& schema)
+        : m_type(type) {
         const auto stringifier = QBQueryComponentStringifier::createStringifier({type, 0});
         if (!stringifier) return;
         stringifier->setCurrentSchema(schema);
@@ -70,7 +71,8 @@ public:
     bool hasRange(const AbstractQueryComponent* component, QBRange& range) const {
         const auto found = m_ranges.find(component);
         if (found == m_ranges.end()) return false;
-        range = bare(found->second);
+        const auto bracket = m_bracketOf.find(component);
+        range = bare(bracket == m_bracketOf.end() ? found->second : bracket->second);
         return true;
     }
 
@@ -117,19 +119,71 @@ private:
             if (m_text.compare(static_cast<std::size_t>(end), 4, " ASC") == 0) leaveOut(end, 4);
         }
         Tools::visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
-            const auto found = m_ranges.find(node->value);
-            if (found == m_ranges.end() || !isAroundOne(node)) return;
-            m_formal.insert(node->value);
-            leaveOut(found->second.location, 1);
-            leaveOut(endOf(found->second) - 1, 1);
+            if (isAroundOne(node)) leaveOutBracket(node, leaveOut);
+            if (!isJoin(node) || isComma(node) || !node->right) return;
+            if (isAroundJoin(node->right)) leaveOutBracket(node->right, leaveOut);
+            const bool isBracketed = m_type == DatabaseTypeSQLite && isJoin(node->right);
+            if (isBracketed && !hasComma(node->right)) leaveOutAround(node->right->value, leaveOut);
         });
     }
 
-    /// True for a bracket with one source in it.
+    /// The content stands where the bracket does.
+    template <typename LeaveOut>
+    void leaveOutBracket(const SourceNode* bracket, const LeaveOut& leaveOut) {
+        const auto found = m_ranges.find(bracket->value);
+        if (found == m_ranges.end()) return;
+        const auto outer = m_bracketOf.find(bracket->value);
+        const QBRange range = outer == m_bracketOf.end() ? found->second : outer->second;
+        m_formal.insert(bracket->value);
+        m_bracketOf.insert({bracket->left->value, range});
+        leaveOutAround(bracket->left->value, leaveOut);
+    }
+
+    /// The brackets right around @p content.
+    template <typename LeaveOut>
+    void leaveOutAround(const AbstractQueryComponent* content, const LeaveOut& leaveOut) {
+        const auto found = m_ranges.find(content);
+        if (found == m_ranges.end()) return;
+        const auto start = static_cast<std::size_t>(found->second.location);
+        const auto end = static_cast<std::size_t>(endOf(found->second));
+        leaveOut(static_cast<int>(m_text.rfind('(', start - 1)), 1);
+        leaveOut(static_cast<int>(m_text.find(')', end)), 1);
+    }
+
+    static bool isJoin(const SourceNode* node) {
+        return ifKind<SQLJoinSourceNodeComponent>(node->value) != nullptr;
+    }
+    static bool isComma(const SourceNode* node) {
+        const auto* join = ifKind<SQLJoinSourceNodeComponent>(node->value);
+        return join && join->joinType == SQLJoinTypeComma;
+    }
+    /// Outside of brackets.
+    static bool hasComma(const SourceNode* tree) {
+        std::vector<const SourceNode*> pending = {tree};
+        while (!pending.empty()) {
+            const SourceNode* node = pending.back();
+            pending.pop_back();
+            if (!node || !node->value || !isJoin(node)) continue;
+            if (isComma(node)) return true;
+            pending.insert(pending.end(), {node->left, node->right});
+        }
+        return false;
+    }
+
+    static const SourceNode* contentOf(const SourceNode* node) {
+        const bool isBracket = ifKind<SQLBracketedSourceNodeComponent>(node->value) != nullptr;
+        return isBracket && node->left && node->left->value ? node->left : nullptr;
+    }
+
+    /// True for a bracket around one source, or one bracket. Its alias is then that one's.
     static bool isAroundOne(const SourceNode* node) {
-        return ifKind<SQLBracketedSourceNodeComponent>(node->value) && node->value->alias.empty() &&
-               node->left && node->left->value &&
-               !ifKind<SQLJoinSourceNodeComponent>(node->left->value);
+        const SourceNode* content = contentOf(node);
+        if (!content || isJoin(content)) return false;
+        return node->value->alias.empty() || content->value->alias.empty();
+    }
+    static bool isAroundJoin(const SourceNode* node) {
+        const SourceNode* content = contentOf(node);
+        return content && isJoin(content) && !hasComma(content) && node->value->alias.empty();
     }
 
     QBRange bare(QBRange range) const {
@@ -163,7 +217,7 @@ private:
             m_freeTexts.push_back(range);
         } else if (const auto* join = ifKind<SQLJoinSourceNodeComponent>(source)) {
             m_isFinished &= join->joinType != SQLJoinTypeCustom || !join->joinText.empty();
-        } else if (range.length > 0 && m_formal.count(source) == 0) {
+        } else if (hasRange(source, range) && range.length > 0 && m_formal.count(source) == 0) {
             m_tables[{range.location, range.length}] = source;
         }
     }
@@ -183,10 +237,12 @@ private:
         });
     }
 
+    const DatabaseType m_type;
     std::string m_text;
     std::string m_bareText;
     std::vector<int> m_places;  ///< in the bare text, of each byte of the text
     std::set<const AbstractQueryComponent*> m_formal;  ///< brackets that the bare text lacks
+    std::map<const AbstractQueryComponent*, QBRange> m_bracketOf;  ///< of what stands in those
     QBQueryComponentStringifier::Ranges m_ranges;
     std::map<std::pair<int, int>, const SQLFieldColumnComponent*> m_fields;
     std::map<std::pair<int, int>, const SQLAbstractSourceComponent*> m_tables;
@@ -217,8 +273,9 @@ const char* const markFaults[][2] = {
 /// The statement and what was read from its text, which is the same text.
 class Comparison {
 public:
-    Comparison(const WrittenStatement& written, const WrittenStatement& read, DatabaseType type)
-        : m_written(written), m_read(read), m_type(type) {}
+    Comparison(const WrittenStatement& written, const WrittenStatement& read, DatabaseType type,
+               const std::string& schema)
+        : m_written(written), m_read(read), m_type(type), m_schema(schema) {}
 
     std::string faults() {
         compareTables();
@@ -299,20 +356,19 @@ private:
         // A field without a source, or of one that was taken out, is what its text says.
         if (field->referencedColumn || !m_written.hasRange(field->source, source)) return true;
         const std::string name = nameOf(field->source);
-        if (!read->source) return name.empty() || isFullPath(field, read);
+        if (!read->source) return name.empty() || isNamedBy(read->parentPath, field->source);
         QBRange readSource{};
         m_read.hasRange(read->source, readSource);
         return readSource == source || nameOf(read->source) == name;
     }
 
-    /// True if the qualifiers that were read name the source together with its schema.
-    static bool isFullPath(const SQLFieldColumnComponent* field,
-                           const SQLFieldColumnComponent* read) {
-        const auto* table = ifKind<SQLIdentifierSourceComponent>(field->source);
-        if (!table || !table->alias.empty() || read->parentPath.size() < 2) return false;
-        std::vector<std::string> path = table->path;
-        path.push_back(table->name);
-        return read->parentPath == path;
+    /// True if the qualifiers of a field name @p source, alone or with its schema.
+    bool isNamedBy(std::vector<std::string> path, const SQLAbstractSourceComponent* source) const {
+        if (path.empty() || path.back() != nameOf(source)) return false;
+        path.pop_back();
+        const auto* table = ifKind<SQLIdentifierSourceComponent>(source);
+        const bool isSchema = path.size() == 1 && path.front() == m_schema;
+        return path.empty() || isSchema || (table && path == table->path);
     }
 
     void compareMarks() {
@@ -334,11 +390,14 @@ private:
     const WrittenStatement& m_written;
     const WrittenStatement& m_read;
     const DatabaseType m_type;
+    const std::string& m_schema;
     std::string m_faults;
 };
 
-std::string changedText(const std::string& text, const std::string& again) {
-    return "the text of what was read differs:\n" + again + "\nfrom:\n" + text + "\n";
+std::string changedText(const WrittenStatement& written, const WrittenStatement& read, int place) {
+    const auto from = static_cast<std::size_t>(place);
+    return "the text of what was read differs at \"" + written.bareText().substr(from, 40) +
+           "\":\n" + read.text() + "\n";
 }
 
 int differenceOf(const std::string& a, const std::string& b) {
@@ -356,10 +415,10 @@ TextReading readText(const SQLSelectStmtComponent& statement, DatabaseType type,
     if (!outcome.isAccepted()) return {false, written.text(), {}};
     const WrittenStatement read(*content, type, schema);
     if (read.bareText() == written.bareText())
-        return {true, written.text(), Comparison(written, read, type).faults()};
-    const bool isFree = written.isFree({differenceOf(written.bareText(), read.bareText()), 0});
-    if (!isSettled && isFree) return readText(*content, type, schema, true);
-    return {true, written.text(), changedText(written.text(), read.text())};
+        return {true, written.text(), Comparison(written, read, type, schema).faults()};
+    const int place = differenceOf(written.bareText(), read.bareText());
+    if (!isSettled && written.isFree({place, 0})) return readText(*content, type, schema, true);
+    return {true, written.text(), changedText(written, read, place)};
 }
 
 }  // namespace

@@ -29,15 +29,17 @@ struct TextReading {
 /// - qualifiers that the generator leaves out or the parser fills in;
 /// - the gate of a first link; bounds as one value with two items or as a chain; patterns
 ///   (contains, begins with) and IS NULL as operators or as LIKE and IS with an operand;
-/// - brackets around a single source; an order without direction, which is read as ASC;
+/// - brackets around a single source, whose alias is that source's, around a bracket, and around a
+///   join at the right of another; an order without direction, which is read as ASC;
 /// - the asterisk for a SELECT list without columns; the ORDER BY 1 that a limit gets where the
-///   server demands an order; the brackets that SQLite gets around a join at the right of another;
+///   server demands an order; brackets around commas that SQLite gets;
 /// - what stands inside free text, where anything may be found; if free text is written otherwise
 ///   once it was read, the second reading is compared with the first;
 /// - what names a field that has no source or reference in the statement, or one that was taken
 ///   out: its words may fit another one;
-/// - the source of a field that is read without one, if no text can name it: it has no name, or the
-///   field is written with the schema, which the parser binds to nothing;
+/// - the source of a field that is read without one: it has no name, or the qualifiers name it and
+///   the parser binds them to nothing, as with a schema, and in an ON that stands before the
+///   source;
 /// - which of several sources, or columns, of one name is meant.
 /// For debugging and tests: linear, but some hundred times the cost of an edit.
 /// Thread: the caller may read the statement.

@@ -93,7 +93,7 @@ const Fault faults[] = {
      }},
     {"is read as a condition by itself",
      [](Sound& s) {
-         s.between()->compareOp = CompareOpEqual;
+         s.between()->leftValue->next = std::exchange(s.between()->next, nullptr);
      }},
     {"is not read as a comparison",
      [](Sound& s) {

@@ -9,8 +9,8 @@
 #include "model/dump.h"
 #include "parser/query_parser.h"
 #include "support/dice.h"
+#include "support/from_clause.h"
 #include "support/long_runs.h"
-#include "tools/identifier_tools.h"
 
 namespace QB::Test {
 
@@ -74,7 +74,7 @@ protected:
         const int kind = m_dice->pick(10);
         if (kind < 4) link(before);
         if (kind == 4 || kind == 5) unlink(before);
-        if (kind == 6) add();
+        if (kind == 6) addTable(m_engine.get(), {}, m_action = "n" + std::to_string(++m_names));
         if (kind > 6) editRows();
         m_log += "\n  " + m_action + ": " + tree() + " " + conditions();
         if (kind < 6) {
@@ -192,20 +192,12 @@ private:
         EXPECT_EQ(picture().comparisons.size(), count + 1);
     }
 
-    /// The innermost join that holds both; once they are linked it is no comma.
+    /// The join at which two linked sources meet: no comma, and to find it moves nothing.
     const Join* joinOf(const Source* a, const Source* b) const {
-        const Join* innermost = nullptr;
-        std::size_t rows = SourceTree::flatten(root()).size() + 1;
-        for (const Join* join : all<Join>()) {
-            Sources below;
-            readSources(*slotOf(join), true, below);
-            const std::size_t count = SourceTree::flatten(slotOf(join)).size();
-            if (count >= rows || !holds(below, a) || !holds(below, b)) continue;
-            innermost = join;
-            rows = count;
-        }
-        EXPECT_NE(innermost->joinType, SQLJoinTypeComma);
-        return innermost;
+        const auto meeting = SourceTree::bringTogether(root(), a, b);
+        const auto* join = dynamic_cast<const Join*>((*meeting->join)->value);
+        EXPECT_TRUE(!meeting->isMoved && join->joinType != SQLJoinTypeComma);
+        return join;
     }
 
     void unlink(const Picture& before) {
@@ -234,12 +226,6 @@ private:
         EXPECT_TRUE(one || (join->joinType == SQLJoinTypeComma && !join->condition));
     }
 
-    void add() {
-        m_action = "add";
-        std::unique_ptr<Source> table(makeTable("n" + std::to_string(++m_names)));
-        Tools::Identifier::addSourceComponentToExpression(m_engine.get(), this, std::move(table));
-    }
-
     /// By rows, and without what sees its sources no more afterwards, as a panel does.
     void editRows() {
         QBComponentsListLayout layout(std::make_unique<SourceTreeLayout>(root()));
@@ -249,26 +235,16 @@ private:
         const int first = m_dice->pick(count);
         const int end = std::min(count, first + 1 + 2 * m_dice->pick(2));
         const Items rows(layout.items().begin() + first, layout.items().begin() + end);
-        const int kind = m_dice->pick(4);
+        const int kind = m_dice->pick(3);
         QBEngine* engine = m_engine.get();
         m_action = "rows " + std::to_string(kind) + " at " + std::to_string(first);
-        if (kind == 0) insert(layout, first);
-        if (kind == 1) layout.removeItems(engine, ElementSource, this, {rows.front()});
-        if (kind == 2) layout.groupItemsByBracket(engine, ElementSource, this, rows, 0);
-        if (kind == 3) layout.ungroupItemsByBracket(engine, ElementSource, this, {rows.front()});
+        if (kind == 0) layout.removeItems(engine, ElementSource, this, {rows.front()});
+        if (kind == 1) layout.groupItemsByBracket(engine, ElementSource, this, rows, 0);
+        if (kind == 2) layout.ungroupItemsByBracket(engine, ElementSource, this, {rows.front()});
         for (std::size_t row = 0; row < layout.items().size(); ++row) {
             auto* join = dynamic_cast<Join*>(layout.items()[row]->component);
             for (auto* blind : Tools::Validation::invalidateJoinConditions(&layout, row, engine))
                 Tools::SQL::removeJoins(engine, this, {{join, dynamic_cast<Compare*>(blind)}});
-        }
-    }
-
-    void insert(QBComponentsListLayout& layout, int index) {
-        Source* table = makeTable("n" + std::to_string(++m_names));
-        const Items rows = layout.insertItem(m_engine.get(), ElementSource, this, table, index);
-        for (const Item* row : rows) {
-            auto* join = dynamic_cast<Join*>(row->component);
-            if (join && join->joinType == SQLJoinTypeCustom) join->joinType = SQLJoinTypeCross;
         }
     }
 
@@ -281,19 +257,15 @@ private:
         }
         QBComponentsListLayout layout(std::make_unique<SourceTreeLayout>(root()));
         layout.implementation()->rebuildItems();
-        const int row = m_dice->pick(static_cast<int>(layout.items().size()));
-        EXPECT_TRUE(Tools::Validation::invalidateJoinConditions(
-                        &layout, static_cast<unsigned long>(row), m_engine.get())
-                        .empty());
-        const auto* join =
-            dynamic_cast<Join*>(layout.items()[static_cast<std::size_t>(row)]->component);
-        if (join) checkJoin(join, layout, row);
+        const auto row =
+            static_cast<std::size_t>(m_dice->pick(static_cast<int>(layout.items().size())));
+        QBEngine* engine = m_engine.get();
+        EXPECT_TRUE(Tools::Validation::invalidateJoinConditions(&layout, row, engine).empty());
         if (m_dice->pick(5) == 0) reread();
-    }
-
-    void checkJoin(const Join* join, QBComponentsListLayout& layout, int row) {
+        const auto* join = dynamic_cast<Join*>(layout.items()[row]->component);
+        if (!join) return;
         const std::unique_ptr<Sources> related(
-            Tools::SQL::joinConditionRelatedSources(&layout, row));
+            Tools::SQL::joinConditionRelatedSources(&layout, static_cast<int>(row)));
         EXPECT_EQ(*related, inSight(*slotOf(join)));
         Sources right;
         readSources((*slotOf(join))->right, false, right);

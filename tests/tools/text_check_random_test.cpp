@@ -207,7 +207,7 @@ private:
 
 TEST(TextCheckRandom, AnyEditsByRowsLeaveATextThatSaysWhatTheStatementSays) {
     const TextCheck textCheck;
-    for (int seed = 1; seed <= repetitions(200); ++seed) {
+    for (int seed = 1; seed <= repetitions(100); ++seed) {
         RandomEdits run(seed);
         for (int i = 0; i < 30; ++i)
             run.step();
