@@ -36,7 +36,7 @@ REFUSED_LINES = [
     ("on 0 add 1 = 1", "row 0 of from is no join"),
     ("tick all and", "expected *"), ("show rows on", "expected the row of a join"),
     ("show rows nowhere", "there is no clause"), ("show nothing", "no view"), ("show", "what to show"),
-    ("where", "expected an edit"), ("where explode 1", 'no edit "explode"'),
+    ("where", "expected an edit"), ("where explode 1", 'no edit "explode" of rows: one of add append'),
     ("where add ORDER BY 1", "unexpected"), ("where add 1 = 1; DROP TABLE t", ""),
     ("where add 1 = 1 LIMIT 3", "more than belongs"), ("where add a = 'b", ""),
     ("where remove 1", "where has no row 1, only 0 to 0"), ("where remove 2-1", "no range from 2 to 1"),

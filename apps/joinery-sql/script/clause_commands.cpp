@@ -234,6 +234,14 @@ unsigned kindOf(const Clause& clause) {
     return clause.element == ElementSelectColumn ? Selected : Sorted;
 }
 
+/// Those that the rows of @p clause know, each after a blank.
+std::string editNames(const Clause& clause) {
+    std::string names;
+    for (const EditDescription& edit : edits)
+        if (edit.clauses & kindOf(clause)) names += std::string(" ") + edit.name;
+    return names;
+}
+
 std::string editClause(Call& call, const char* clauseName) {
     const Clause clause = clauseOf(call.session, clauseName, call.words);
     if (clause.join && !clause.join->needsCondition())
@@ -243,7 +251,8 @@ std::string editClause(Call& call, const char* clauseName) {
     const std::string name = call.words.keyword("an edit such as add or remove");
     const auto* const edit = std::find_if(std::begin(edits), std::end(edits),
                                           [&](const auto& known) { return name == known.name; });
-    if (edit == std::end(edits)) throw Refusal("there is no edit \"" + name + "\" of rows");
+    if (edit == std::end(edits))
+        throw Refusal("there is no edit \"" + name + "\" of rows: one of" + editNames(clause));
     if (!(edit->clauses & kindOf(clause)))
         throw Refusal("the rows of " + clause.name + " know no \"" + name + '"');
     ClauseRows rows(call.session, clause);

@@ -62,7 +62,9 @@ std::string run(Session& session, const std::string& text,
     if (words.isAtEnd()) return {};  // a comment of the dialect's
     const std::string name = words.keyword("a command");
     const Command* const command = findCommand(name);
-    if (!command) throw Refusal("there is no command \"" + name + "\"");
+    if (!command)
+        throw Refusal("there is no command \"" + name +
+                      "\": \"joinery-sql script --help\" lists them");
     const bool takesBlock = command->run == expect || command->run == parseText;
     if (block && !takesBlock) throw Refusal(name + " takes no block");
     Call call{session, words, block};
