@@ -244,7 +244,8 @@ std::string editNames(const Clause& clause) {
 
 std::string editClause(Call& call, const char* clauseName) {
     const Clause clause = clauseOf(call.session, clauseName, call.words);
-    if (clause.join && !clause.join->needsCondition())
+    // One that a change to CROSS JOIN has left behind can be taken away.
+    if (clause.join && !clause.join->needsCondition() && !clause.join->hasCondition())
         throw Refusal("the join in that row takes no condition");
     if (clause.join && clause.join->isUsing)
         throw Refusal("the join in that row has a list of columns and no condition");
