@@ -120,8 +120,10 @@ public:
     bool isRefused() const { return m_isRefused; }
 
 private:
+    /// A custom join that has no words yet is written as a comma, too.
     static bool convertComma(SQLJoinSourceNodeComponent* join) {
-        if (join->joinType != SQLJoinTypeComma) return false;
+        const bool lacksWords = join->joinType == SQLJoinTypeCustom && join->joinText.empty();
+        if (join->joinType != SQLJoinTypeComma && !lacksWords) return false;
         join->joinType = SQLJoinTypeInner;
         join->joinText.clear();
         return true;

@@ -41,6 +41,7 @@ inline std::unique_ptr<SourceNode> makeNode(Component::SQL::SQLAbstractSourceCom
 inline std::unique_ptr<SourceNode> makeJoin(SQLJoinType type, SourceNode* left, SourceNode* right) {
     auto* join = new Component::SQL::SQLJoinSourceNodeComponent;
     join->joinType = type;
+    if (type == SQLJoinTypeCustom) join->joinText = "STRAIGHT_JOIN";
     return makeNode(join, left, right);
 }
 

@@ -91,6 +91,10 @@ TEST_F(JoinTools, WriteTheConditionThatWasDrawn) {
     setTree("C(a,b)");
     link("b", "a", {{"", ""}});
     EXPECT_EQ(tree() + conditions(), "I(a,b)-");
+    setTree("J(a,b)");
+    find<Join>("J")->joinText.clear();  // as a row comes in: the text shows a comma
+    run("a-b");
+    EXPECT_EQ(tree() + conditions(), "I(a,b)a=b");
     setTree("C(a,b)");
     find<SQLIdentifierSourceComponent>("a")->path = {"db", "shop"};
     auto* derived = new SQLSubquerySourceComponent;
