@@ -38,8 +38,7 @@ int endOf(QBRange range) {
 class WrittenStatement {
 public:
     WrittenStatement(const SQLSelectStmtComponent& statement, DatabaseType type,
-                     const std::string& schema)
-        : m_type(type) {
+                     const std::string& schema) {
         const auto stringifier = QBQueryComponentStringifier::createStringifier({type, 0});
         if (!stringifier) return;
         stringifier->setCurrentSchema(schema);
@@ -64,8 +63,8 @@ public:
         return m_tables;
     }
     const Marks& marks() const { return m_marks; }
-    /// False if a join has no words yet, or a link no gate: what follows would be read as an alias
-    /// or as the arguments of a function.
+    /// False if a later link has no gate yet: a bracket would be read as the arguments of a
+    /// function.
     bool isFinished() const { return m_isFinished; }
     /// False too for null and for what is no part of the statement.
     bool hasRange(const AbstractQueryComponent* component, QBRange& range) const {
@@ -82,6 +81,13 @@ public:
             std::partition_point(m_freeTexts.begin(), m_freeTexts.end(),
                                  [&](QBRange free) { return endOf(free) < range.location; });
         return behind != m_freeTexts.end() && behind->location <= endOf(range);
+    }
+
+    /// True if the generator added the bracket that begins at @p place.
+    bool isAdded(int place) const {
+        return std::any_of(m_added.begin(), m_added.end(), [&](int added) {
+            return bare({added, 0}).location == place;
+        });
     }
 
     std::string excerpt(QBRange range) const {
@@ -122,9 +128,22 @@ private:
             if (isAroundOne(node)) leaveOutBracket(node, leaveOut);
             if (!isJoin(node) || isComma(node) || !node->right) return;
             if (isAroundJoin(node->right)) leaveOutBracket(node->right, leaveOut);
-            const bool isBracketed = m_type == DatabaseTypeSQLite && isJoin(node->right);
-            if (isBracketed && !hasComma(node->right)) leaveOutAround(node->right->value, leaveOut);
+            leaveOutAdded(node->right, leaveOut);
         });
+    }
+
+    /// The brackets that the generator adds around a join at the right of another.
+    template <typename LeaveOut>
+    void leaveOutAdded(const SourceNode* join, const LeaveOut& leaveOut) {
+        const auto found = m_ranges.find(join->value);
+        if (!isJoin(join) || found == m_ranges.end()) return;
+        const auto start = static_cast<std::size_t>(found->second.location);
+        const std::size_t before = m_text.find_last_not_of(" \n\t", start - 1);
+        if (m_text[before] != '(') return;
+        if (hasComma(join))
+            m_added.push_back(static_cast<int>(before));
+        else
+            leaveOutAround(join->value, leaveOut);
     }
 
     /// The content stands where the bracket does.
@@ -155,7 +174,9 @@ private:
     }
     static bool isComma(const SourceNode* node) {
         const auto* join = ifKind<SQLJoinSourceNodeComponent>(node->value);
-        return join && join->joinType == SQLJoinTypeComma;
+        const bool hasNoWords =
+            join && join->joinType == SQLJoinTypeCustom && join->joinText.empty();
+        return hasNoWords || (join && join->joinType == SQLJoinTypeComma);
     }
     /// Outside of brackets.
     static bool hasComma(const SourceNode* tree) {
@@ -215,8 +236,8 @@ private:
     void sortInSource(const SQLAbstractSourceComponent* source, QBRange range) {
         if (ifKind<SQLAnyExpressionSourceComponent>(source)) {
             m_freeTexts.push_back(range);
-        } else if (const auto* join = ifKind<SQLJoinSourceNodeComponent>(source)) {
-            m_isFinished &= join->joinType != SQLJoinTypeCustom || !join->joinText.empty();
+        } else if (ifKind<SQLJoinSourceNodeComponent>(source)) {
+            return;
         } else if (hasRange(source, range) && range.length > 0 && m_formal.count(source) == 0) {
             m_tables[{range.location, range.length}] = source;
         }
@@ -237,7 +258,6 @@ private:
         });
     }
 
-    const DatabaseType m_type;
     std::string m_text;
     std::string m_bareText;
     std::vector<int> m_places;  ///< in the bare text, of each byte of the text
@@ -247,6 +267,7 @@ private:
     std::map<std::pair<int, int>, const SQLFieldColumnComponent*> m_fields;
     std::map<std::pair<int, int>, const SQLAbstractSourceComponent*> m_tables;
     Marks m_marks;
+    std::vector<int> m_added;  ///< brackets around commas that the generator added, in the text
     std::vector<QBRange> m_freeTexts;
     bool m_isFinished = true;
 };
@@ -273,9 +294,9 @@ const char* const markFaults[][2] = {
 /// The statement and what was read from its text, which is the same text.
 class Comparison {
 public:
-    Comparison(const WrittenStatement& written, const WrittenStatement& read, DatabaseType type,
+    Comparison(const WrittenStatement& written, const WrittenStatement& read,
                const std::string& schema)
-        : m_written(written), m_read(read), m_type(type), m_schema(schema) {}
+        : m_written(written), m_read(read), m_schema(schema) {}
 
     std::string faults() {
         compareTables();
@@ -299,15 +320,10 @@ private:
         }
         for (const auto& [place, source] : m_read.tables()) {
             const QBRange range{place.first, place.second};
-            const bool isThere = m_written.tables().count(place) > 0 || isAddedBracket(source);
+            const bool isThere =
+                m_written.tables().count(place) > 0 || m_written.isAdded(range.location);
             if (!isThere && !m_written.isFree(range)) add("is read as a source", range);
         }
-    }
-
-    /// What is written around a join where the server cannot read it bare.
-    bool isAddedBracket(const SQLAbstractSourceComponent* source) const {
-        return m_type == DatabaseTypeSQLite && ifKind<SQLBracketedSourceNodeComponent>(source) &&
-               source->alias.empty();
     }
 
     void compareFields() {
@@ -316,7 +332,7 @@ private:
             const auto found = m_read.fields().find(place);
             if (found != m_read.fields().end())
                 compareReferences(field, found->second, range);
-            else if (isBound(field) && !m_written.isFree(range))
+            else if (isBound(field, range) && !m_written.isFree(range))
                 add("is not read as a field", range);
         }
         for (const auto& [place, field] : m_read.fields()) {
@@ -326,11 +342,13 @@ private:
         }
     }
 
-    /// Names something of the statement.
-    bool isBound(const SQLFieldColumnComponent* field) const {
-        QBRange range{};
-        return m_written.hasRange(field->source, range) ||
-               m_written.hasRange(field->referencedColumn, range);
+    /// Names something of the statement, and no source that only an ON before it names.
+    bool isBound(const SQLFieldColumnComponent* field, QBRange range) const {
+        QBRange target{};
+        if (m_written.hasRange(field->referencedColumn, target)) return true;
+        if (!m_written.hasRange(field->source, target)) return false;
+        const bool isBehindSources = m_written.tables().begin()->first.first < range.location;
+        return !isBehindSources || target.location < range.location;
     }
 
     /// What a SELECT list without columns is written as.
@@ -389,7 +407,6 @@ private:
 
     const WrittenStatement& m_written;
     const WrittenStatement& m_read;
-    const DatabaseType m_type;
     const std::string& m_schema;
     std::string m_faults;
 };
@@ -415,7 +432,7 @@ TextReading readText(const SQLSelectStmtComponent& statement, DatabaseType type,
     if (!outcome.isAccepted()) return {false, written.text(), {}};
     const WrittenStatement read(*content, type, schema);
     if (read.bareText() == written.bareText())
-        return {true, written.text(), Comparison(written, read, type, schema).faults()};
+        return {true, written.text(), Comparison(written, read, schema).faults()};
     const int place = differenceOf(written.bareText(), read.bareText());
     if (!isSettled && written.isFree({place, 0})) return readText(*content, type, schema, true);
     return {true, written.text(), changedText(written, read, place)};

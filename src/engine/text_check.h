@@ -9,8 +9,8 @@ namespace QB {
 
 /// What a statement's own text says of it, when it is read again.
 struct TextReading {
-    /// False: the parser refuses the text, or a join has no words or a later link no gate yet;
-    /// nothing is known then.
+    /// False: the parser refuses the text, or a later link has no gate yet; nothing is
+    /// known then.
     bool isAccepted;
     std::string text;    ///< as it was generated
     std::string faults;  ///< a line for each difference; empty if there is none
@@ -32,14 +32,14 @@ struct TextReading {
 /// - brackets around a single source, whose alias is that source's, around a bracket, and around a
 ///   join at the right of another; an order without direction, which is read as ASC;
 /// - the asterisk for a SELECT list without columns; the ORDER BY 1 that a limit gets where the
-///   server demands an order; brackets around commas that SQLite gets;
+///   server demands an order; brackets that the generator adds; the comma for a join without words;
 /// - what stands inside free text, where anything may be found; if free text is written otherwise
 ///   once it was read, the second reading is compared with the first;
 /// - what names a field that has no source or reference in the statement, or one that was taken
 ///   out: its words may fit another one;
 /// - the source of a field that is read without one: it has no name, or the qualifiers name it and
-///   the parser binds them to nothing, as with a schema, and in an ON that stands before the
-///   source;
+///   the parser binds them to nothing, as with a schema;
+/// - what an ON names that stands only behind it;
 /// - which of several sources, or columns, of one name is meant.
 /// For debugging and tests: linear, but some hundred times the cost of an edit.
 /// Thread: the caller may read the statement.

@@ -11,6 +11,7 @@
 #include "support/dice.h"
 #include "support/from_clause.h"
 #include "support/long_runs.h"
+#include "support/text_check.h"
 
 namespace QB::Test {
 
@@ -295,6 +296,7 @@ private:
 TEST_F(RandomJoins, LoseNothingAndReadAsTheyAre) {
     const int seeds = repetitions(500);
     for (int seed = 1; seed <= seeds; ++seed) {
+        const auto textCheck = seed % 10 == 0 ? std::make_unique<TextCheck>() : nullptr;
         start(seed);
         for (int i = 0; i < 30 && !HasFailure(); ++i)
             step();

@@ -23,7 +23,7 @@ const std::vector<std::string> texts = {
     "SELECT a.x, b.y AS w, COUNT(*) FROM a, b WHERE a.x = b.x GROUP BY a.x, w ORDER BY w DESC",
     "SELECT DISTINCT p.* FROM a p INNER JOIN (b q LEFT JOIN c ON q.x = c.x) ON p.x = q.x, d",
     "SELECT * FROM a INNER JOIN b INNER JOIN c ON b.x = c.x ON a.x = b.x, d CROSS JOIN e",
-    "SELECT s.x FROM (SELECT x, MAX(y) AS m FROM a GROUP BY x) s, b WHERE NOT (s.x > 1 OR b.y IN "
+    "SELECT u.x FROM (SELECT x, MAX(y) AS m FROM a GROUP BY x) u, b WHERE NOT (u.x > 1 OR b.y IN "
     "(1, 2)) AND b.x BETWEEN 1 AND 2 HAVING b.y IS NULL",
     "SELECT x FROM s.a, t.b INNER JOIN s.c USING (x) WHERE x LIKE 'a%' OR NOT y = 1 AND 1 < z",
     ""};
