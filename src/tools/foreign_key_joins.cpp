@@ -259,6 +259,7 @@ void findForeignKeyJoins(QBEngine* engine, SQLIdentifierSourceComponent* source,
 
 void makeJoinLinksByForeignKeys(QBEngine* engine, void* sender,
                                 const std::vector<ForeignKeyJoin>& joins) {
+    if (!engine) return;
     const long engineId = engine->id();
     for (const ForeignKeyJoin& join : joins) {
         if (!isAlive(engineId)) return;  // a listener to the link before has ended it

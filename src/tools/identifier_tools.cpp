@@ -111,7 +111,7 @@ QBIdentifierCandidate* findTableCandidate(const CandidateTree& candidates, const
 
 std::unique_ptr<SQLIdentifierSourceComponent> makeIdentifierComponent(
     QBEngine* engine, const QBIdentifierCandidate* candidate) {
-    if (!candidate) return nullptr;
+    if (!engine || !candidate) return nullptr;
     const QBIdentifierCandidateSnapshot named = engine->candidateSnapshot(candidate);
     const bool isBelowRoot = named.parent != nullptr;
     if (!isBelowRoot) return nullptr;
@@ -124,6 +124,7 @@ std::unique_ptr<SQLIdentifierSourceComponent> makeIdentifierComponent(
 SQLAbstractSourceComponent* addSourceComponentToExpression(
     QBEngine* engine, void* sender, std::unique_ptr<SQLAbstractSourceComponent> component,
     int layer) {
+    if (!engine) return nullptr;
     SQLAbstractSourceComponent* added = nullptr;
     const auto append = [&](ELEMSQLSourceExpr* element) {
         SourceTreeLayout layout(&element->root);

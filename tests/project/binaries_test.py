@@ -10,7 +10,7 @@ MADE_FOR_OURS = (r"(?:vtable|typeinfo(?: name)?|VTT|guard variable|reference tem
 # Weak copies of templates and inline functions of the libraries that we use: the compiler gives
 # them the visibility of those libraries. A template may show its return type first.
 FOREIGN = r"(?:std::|__gnu_cxx::|Q[A-Z]\w*|q[A-Z]\w*\()"
-FOREIGN_INLINE = (rf"(?:void |bool |int |unsigned |long |char )*{FOREIGN}|"
+FOREIGN_INLINE = (rf"(?:(?:void|bool|int|unsigned|long|char)[&*]* )*{FOREIGN}|"
                   rf"(?:vtable|typeinfo(?: name)?|guard variable) for {FOREIGN}")
 # Marks that the linker puts into every library.
 LINKER = {"__bss_start", "_edata", "_end"}
@@ -59,10 +59,11 @@ def seeded_faults_are_seen():
     assert faults_of_core(["libQt5Core.so.5", "libQt5Sql.so.5"], "Sql") == []
     assert len(faults_of_core(["libQt5Core.so.5", "libQt5Widgets.so.5"], "Sql")) == 2
     sound = [("T", "QB::f()"), ("V", "vtable for QB::A"), ("W", "std::vector<int>::size() const")]
-    sound += [("W", "void std::vector<int>::_M_realloc_insert<int>(int)"), ("B", "_end")]
+    sound += [("W", "void std::vector<int>::_M_realloc_insert<int>(int)"), ("B", "_end"),
+              ("W", "int& std::vector<int>::emplace_back<int>(int&&)")]
     assert faults_of_exports(sound) == []
     for symbol in (("T", "helper()"), ("B", "counter"), ("T", "std::swap()"), ("W", "Mine::f()"),
-                   ("T", "qInitResources_icons()"), ("W", "void helper<int>(int)")):
+                   ("T", "qInitResources_icons()"), ("W", "int& helper<int>(int)")):
         assert len(faults_of_exports(sound + [symbol])) == 1, symbol
     assert len(faults_of_exports([("T", "main")])) == 1
 
