@@ -64,48 +64,6 @@ struct Sound {
     }
 };
 
-struct Fault {
-    const char* told;
-    void (*seed)(Sound&);
-};
-
-const Fault faults[] = {
-    {"is read as a field of another source",
-     [](Sound& s) {
-         s.selected()->source = s.join->left->value;
-     }},
-    {"is read as a field of another source",
-     [](Sound& s) {
-         dynamic_cast<SQLIdentifierSourceComponent*>(s.join->left->left->value)->name = "z";
-     }},
-    {"is read as the name of another column",
-     [](Sound& s) {
-         Sound::fieldIn(s.statement->havingExpr->root)->referencedColumn = s.column(0);
-     }},
-    {"is not read as a field",
-     [](Sound& s) {
-         s.selected()->aggregateFunction = "no aggregate";
-     }},
-    {"is read as a source",
-     [](Sound& s) {
-         s.inner()->joinType = SQLJoinTypeCustom;
-         s.inner()->joinText = "CROSS JOIN\n\tz\n\tINNER JOIN";
-     }},
-    {"is read as a condition by itself",
-     [](Sound& s) {
-         s.between()->leftValue->next = std::exchange(s.between()->next, nullptr);
-     }},
-    {"is not read as a comparison",
-     [](Sound& s) {
-         delete std::exchange(s.between()->rightValue, std::exchange(s.between()->next, nullptr));
-         s.between()->compareOp = CompareOpEqual;
-     }},
-    {"the text of what was read differs",
-     [](Sound& s) {
-         s.statement->selectColumnExpr->selectOption = "distinct";
-     }},
-};
-
 TextReading readOf(const Sound& sound) {
     return readOwnText(*sound.statement, DatabaseTypeMySQL, "s");
 }
@@ -114,12 +72,35 @@ TextReading readOf(const Sound& sound) {
 
 TEST(TextCheck, TellsWhereTheTextSaysSomethingElseThanTheStatement) {
     EXPECT_EQ(readOf(Sound()).faults, "");
-    for (const Fault& fault : faults) {
+    const auto seed = [](const char* fault, const auto& make) {
         Sound broken;
-        fault.seed(broken);
+        make(broken);
         const TextReading reading = readOf(broken);
-        EXPECT_TRUE(reading.isAccepted) << fault.told << reading.text;
-        EXPECT_NE(reading.faults.find(fault.told), std::string::npos)
-            << fault.told << "\nbut: " << reading.faults << reading.text;
-    }
+        EXPECT_TRUE(reading.isAccepted) << fault << reading.text;
+        EXPECT_NE(reading.faults.find(fault), std::string::npos)
+            << fault << "\nbut: " << reading.faults << reading.text;
+    };
+    seed("is read as a field of another source",
+         [](Sound& s) { s.selected()->source = s.join->right->value; });
+    seed("is read as a field of another source", [](Sound& s) {
+        dynamic_cast<SQLIdentifierSourceComponent*>(s.join->left->left->value)->name = "z";
+    });
+    seed("is read as the name of another column", [](Sound& s) {
+        Sound::fieldIn(s.statement->havingExpr->root)->referencedColumn = s.column(0);
+    });
+    seed("is not read as a field",
+         [](Sound& s) { s.selected()->aggregateFunction = "no aggregate"; });
+    seed("is read as a source", [](Sound& s) {
+        s.inner()->joinType = SQLJoinTypeCustom;
+        s.inner()->joinText = "CROSS JOIN\n\tz\n\tINNER JOIN";
+    });
+    seed("is read as a condition by itself", [](Sound& s) {
+        s.between()->leftValue->next = std::exchange(s.between()->next, nullptr);
+    });
+    seed("is not read as a comparison", [](Sound& s) {
+        delete std::exchange(s.between()->rightValue, std::exchange(s.between()->next, nullptr));
+        s.between()->compareOp = CompareOpEqual;
+    });
+    seed("the text of what was read differs",
+         [](Sound& s) { s.statement->selectColumnExpr->selectOption = "distinct"; });
 }

@@ -141,42 +141,21 @@ private:
         const int first = m_dice.pick(count);
         const int last = std::min(count - 1, first + m_dice.pick(4));
         const Layout::Items rows(layout.items().begin() + first, layout.items().begin() + last + 1);
-        switch (m_dice.pick(6)) {
-            case 0:
-                layout.addItem(m_engine.get(), element, nullptr, make(), first);
-                break;
-            case 1:
-                layout.insertItem(m_engine.get(), element, nullptr, make(), first);
-                break;
-            case 2:
-                layout.removeItems(m_engine.get(), element, nullptr, {rows.front()});
-                break;
-            case 3:
-                layout.groupItemsByBracket(m_engine.get(), element, nullptr, rows, -1);
-                break;
-            case 4:
-                layout.ungroupItemsByBracket(m_engine.get(), element, nullptr, {rows.front()});
-                break;
-            default:
-                layout.moveItem(m_engine.get(), element, nullptr, rows.front(),
-                                static_cast<unsigned long>(m_dice.pick(count + 1)));
-        }
+        QBEngine* const engine = m_engine.get();
+        const int kind = m_dice.pick(6);
+        if (kind == 0) layout.addItem(engine, element, nullptr, make(), first);
+        if (kind == 1) layout.insertItem(engine, element, nullptr, make(), first);
+        if (kind == 2) layout.removeItems(engine, element, nullptr, {rows.front()});
+        if (kind == 3) layout.groupItemsByBracket(engine, element, nullptr, rows, -1);
+        if (kind == 4) layout.ungroupItemsByBracket(engine, element, nullptr, {rows.front()});
+        if (kind == 5)
+            layout.moveItem(engine, element, nullptr, rows.front(),
+                            static_cast<unsigned long>(m_dice.pick(count + 1)));
     }
 
     void editSources() {
         editRows<SourceTreeLayout>(ElementSource, &statement()->sourceExpr->root,
                                    [this] { return makeTable().release(); });
-        m_engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-            ElementSource, m_engine->currentTopLevelQueryComponentLayer(),
-            [](ELEMSQLSourceExpr* element) {
-                Tools::visitSourceNodes(element->root, [](const SourceNode* node) {
-                    auto* join = dynamic_cast<SQLJoinSourceNodeComponent*>(node->value);
-                    if (join && join->joinType == SQLJoinTypeCustom)
-                        join->joinType = SQLJoinTypeCross;  // as a user would choose a kind
-                });
-                return true;
-            },
-            nullptr);
     }
 
     void editColumns(TopLevelQueryComponentElementEnum element) {
