@@ -1,10 +1,12 @@
 #include "stringifier/query_component_stringifier_sql.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
 #include "model/kind_of.h"
 #include "model/tree_walks.h"
+#include "platform/sqlet/lex_traits.h"
 #include "platform/sqlet/words.h"
 
 namespace QB {
@@ -36,6 +38,17 @@ bool isNaturalWithoutCondition(SQLJoinType type) {
 
 bool isListed(const SQLJoinSourceNodeComponent* join) {
     return join->joinType >= SQLJoinTypeComma && join->joinType <= SQLJoinTypeFullOuter;
+}
+
+/// The table of a field that was written with an alias which has gone since; else null.
+const SQLIdentifierSourceComponent* tableByAnotherName(const SQLFieldColumnComponent* field) {
+    const auto* table = ifKind<SQLIdentifierSourceComponent>(field->source);
+    if (!table || field->parentPath.empty()) return nullptr;
+    const std::string& name = field->parentPath.back();
+    const bool isSame =
+        std::equal(name.begin(), name.end(), table->name.begin(), table->name.end(),
+                   [](char a, char b) { return sqlet::toLower(a) == sqlet::toLower(b); });
+    return isSame ? nullptr : table;
 }
 
 /// A join of the user's own words that has none yet stands for the neutral one: with nothing
@@ -467,6 +480,12 @@ void QBQueryComponentStringifier_SQL::appendQualifiers(
     StringifiedNode& node, const SQLFieldColumnComponent* column) const {
     if (column->source && !column->source->alias.empty()) {
         appendAliasReference(node, column->source->alias);
+        return node.append(".");
+    }
+    if (const auto* table = tableByAnotherName(column)) {
+        const bool isSchemaDropped = table->path.size() == 1 && mayDropSchema(table->path.front());
+        appendPath(node, table->path, isSchemaDropped ? 1 : 0);
+        node.appendName(table->name);
         return node.append(".");
     }
     const std::vector<std::string>& path = column->parentPath;

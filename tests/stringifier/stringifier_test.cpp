@@ -70,6 +70,19 @@ TEST_F(Stringifier, KeepsTheKeywordOfAClauseWithoutText) {
     EXPECT_EQ(m_mysql->stringifyQuery(s.get()), "SELECT\n\t*\nWHERE\n\t\nGROUP BY\n\t, \n\t");
 }
 
+TEST_F(Stringifier, WritesTheTableOfAFieldThatWasWrittenWithAnAlias) {
+    const Statement s = newStatement();
+    s->sourceExpr->root = table("orders", "o", {"shop"});
+    auto* column = field(s->sourceExpr->root, "id");
+    column->parentPath = {"o"};
+    s->selectColumnExpr->columns = {column};
+    const std::string start = "SELECT\n\t";
+    EXPECT_EQ(m_mysql->stringifyQuery(s.get()), start + "o.`id`\nFROM\n\t`shop`.`orders` AS `o`");
+    s->sourceExpr->root->value->alias.clear();
+    EXPECT_EQ(m_mysql->stringifyQuery(s.get()),
+              start + "`shop`.`orders`.`id`\nFROM\n\t`shop`.`orders`");
+}
+
 TEST_F(Stringifier, WritesACommaForAJoinThatHasNoWordsYet) {
     const Statement s = newStatement();
     s->sourceExpr->root = join(table("a"), SQLJoinTypeCustom, table("b"));
