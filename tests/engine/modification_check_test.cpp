@@ -76,7 +76,10 @@ TEST_F(ModificationTest, ABlockThatLeavesSomethingBrokenEndsTheProgramAndSaysWha
                  "SELECT: field \"title\".*not in its statement");
     const auto bindElsewhere = [this](ELEMSQLSelectColumnExpr* element) {
         auto* column = dynamic_cast<SQLFieldColumnComponent*>(element->columns[0]);
-        column->source = root()->sourceExpr->root->right->value;
+        auto* unnamed = new SQLAnyExpressionSourceComponent;
+        unnamed->expression = "actor";
+        delete std::exchange(root()->sourceExpr->root->right->value, unnamed);
+        column->source = unnamed;
         return true;
     };
     modify<ELEMSQLSelectColumnExpr>(ElementSelectColumn, bindElsewhere);
