@@ -162,3 +162,20 @@ function(joinery_qtest name)
                              ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
     endforeach()
 endfunction()
+
+# joinery_server_tests(<name>)
+#
+# Runs the program test_<name>, whose tests end in the name of a server, against each of these in
+# turn. The servers start in tests/live/with_servers.sh; one that is not installed is skipped.
+function(joinery_server_tests name)
+    foreach(server PostgreSQL MariaDB)
+        string(TOLOWER ${server} suffix)
+        add_test(NAME ${name}_${suffix}
+                 COMMAND ${CMAKE_SOURCE_DIR}/tests/live/with_servers.sh ${suffix}
+                         $<TARGET_FILE:test_${name}> --gtest_filter=*/${server})
+        set_tests_properties(${name}_${suffix} PROPERTIES SKIP_RETURN_CODE 77)
+    endforeach()
+    add_test(NAME ${name}_sqlite COMMAND test_${name} --gtest_filter=*/SQLite)
+    set_tests_properties(${name}_postgresql ${name}_mariadb ${name}_sqlite PROPERTIES
+                         LABELS live TIMEOUT ${JOINERY_TEST_TIMEOUT})
+endfunction()

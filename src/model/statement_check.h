@@ -26,11 +26,10 @@ class DetachedParts;
 /// - a list of columns holds no null; in GROUP BY and ORDER BY each column carries its direction;
 /// - an operand is one condition: only the right one may be two with an AND between them, the
 ///   bounds of BETWEEN;
-/// - the source of a field is a table, free text, derived table or bracket of its own statement,
-/// and
+/// - the source of a field is a table, free text, derived table or bracket of its own statement;
 ///   the column that it refers to is one of its SELECT list. Statements around it do not count: no
-///   name is bound to them. Until validation has cleared them, both may also be something that was
-///   taken out;
+///   name is bound to them. Until validation has cleared them, both may also be something that
+///   was taken out;
 /// - the first layer is the root, every other the statement of a derived table in the one before;
 ///   or it was taken out.
 /// What is half made is whole: empty clauses, operands, brackets, lists of values, a null value.

@@ -69,6 +69,13 @@ select alias 0 x|from insert 0 orders AS o|from unbracket 0|layer pop|layer push
 key orders.id -> customers.id|add orders AS o|dialect mysql""".replace("\n", "").split("|")
 
 
+# What the query of SHOP with both tables, a function and a nameless subquery does not allow.
+UNFIT_COMMANDS = """unlink orders.id customers.id|tick orders.nothing|
+link orders.id customers.id, customers.id orders.id|link orders j|join 1 sideways|layer up|
+layer push orders|from replace 1 orders AS o|where unbracket 0|on 3 add 1 = 1""".replace(
+    "\n", "").split("|")
+
+
 class Examples(ProgramTest):
     def setUp(self):
         super().setUp()
@@ -118,6 +125,14 @@ class Hostile(ProgramTest):
         self.expect(run, OK)
         half = len(run.output) // 2
         self.assertEqual(run.output[:half], run.output[half:])
+
+    def test_what_does_not_fit_the_query_is_refused(self):
+        given = (SHOP + "add orders\nadd customers\nadd json_each('[]') AS j\nadd (SELECT 1 AS n)\n"
+                 "where add orders.id = 1\nlayer push 6\nshow layers\nlayer pop\n" +
+                 "".join(f"expect error {command}\n" for command in UNFIT_COMMANDS) +
+                 "parse SELECT 1 FROM orders JOIN customers USING (id)\nexpect error on 1 add 1 = 1\n")
+        run = self.run_program("script", given=given.encode())
+        self.expect(run, OK, b"0 (Main query)\n1 (Subquery 4)\n")
 
     def test_what_is_no_text_is_refused(self):
         for given, message in [

@@ -120,14 +120,6 @@ std::string Words::rest(const char* what) {
     return rest();
 }
 
-std::string Words::bracketed(const char* what) {
-    const sqlet::TokenIndex close = m_list.partner[m_next];
-    if (next().kind != TokenKind::LeftParen || close == sqlet::noToken) refuse(what);
-    const std::size_t start = next().end();
-    m_next = close + 1;
-    return m_text.substr(start, m_list[close].offset - start);
-}
-
 void Words::end() const {
     if (!isAtEnd()) refuse("the end of the line");
 }

@@ -42,8 +42,6 @@ public:
     /// All that is left, as it stands.
     std::string rest();
     std::string rest(const char* what);
-    /// What stands between the bracket that is next and its partner.
-    std::string bracketed(const char* what);
     /// Nothing may be left.
     void end() const;
 
