@@ -13,7 +13,7 @@
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
 #include "ui_query_builder_widget.h"
-#include "widgets/invalid_component_excluder.h"
+#include "widgets/invalid_excluder.h"
 #include "widgets/panel_widget.h"
 
 namespace QB {
@@ -220,7 +220,7 @@ bool QBQueryBuilderWidget::needShowBuildWarning() const {
 
 void QBQueryBuilderWidget::excludeInvalidComponent(
     Component::SQL::SQLAbstractConditionComponent** componentRef) {
-    auto* excluder = dynamic_cast<IQBInvalidComponentExcluder*>(findPanel(ElementWhere));
+    auto* excluder = dynamic_cast<IQBInvalidExcluder*>(findPanel(ElementWhere));
     if (excluder != nullptr) excluder->excludeInvalidComponent(componentRef);
 }
 

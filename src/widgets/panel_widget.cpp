@@ -73,10 +73,9 @@ bool QBTopLevelElementPanelWidget::hasInvalidComponents() const {
 void QBTopLevelElementPanelWidget::panelBecomeInactive() {}
 
 int QBTopLevelElementPanelWidget::firstRelatedElement() const {
-    const QSet<TopLevelQueryComponentElementEnum> elements = relatedElements();
     // A QSet has no order of its own; the lowest clause makes the answer the same in every run.
-    const auto first = std::min_element(elements.begin(), elements.end());
-    return first == elements.end() ? -1 : *first;
+    const auto first = std::min_element(m_relatedElements.begin(), m_relatedElements.end());
+    return first == m_relatedElements.end() ? -1 : *first;
 }
 
 void QBTopLevelElementPanelWidget::connectEngine() {

@@ -54,7 +54,8 @@ public:
     explicit QBTopLevelElementPanelWidget(QWidget* parent = nullptr);
     ~QBTopLevelElementPanelWidget() override;
 
-    /// The clauses that this panel shows; the first one is its identity.
+    /// The clauses whose changes concern this panel: those of setRelatedElements(), and for a
+    /// subclass more, such as the sources that its fields belong to.
     virtual QSet<TopLevelQueryComponentElementEnum> relatedElements() const;
 
     /// One of the panel's clauses was changed in the current layer.
@@ -70,6 +71,7 @@ public:
     virtual void topLevelQueryComponentLayerChanged(
         Component::AbstractTopLevelQueryComponent* poppedLayer) = 0;
 
+    /// Says which clause the panel edits.
     virtual void setRelatedElements(const QSet<TopLevelQueryComponentElementEnum>& elements);
 
     /// A warning sign while the panel has invalid components, otherwise an empty icon.
@@ -81,7 +83,8 @@ public:
     /// Another tab has become current; does nothing here.
     virtual void panelBecomeInactive();
 
-    /// The first related element, which names the panel; -1 without related elements.
+    /// The clause that the panel edits and that names it: the first of setRelatedElements(); -1
+    /// without any.
     int firstRelatedElement() const;
 
 Q_SIGNALS:

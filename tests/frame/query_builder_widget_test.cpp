@@ -20,7 +20,7 @@
 #include "platform/tolk/tolk.h"
 #include "support/host_callbacks.h"
 #include "support/owned_engine.h"
-#include "widgets/invalid_component_excluder.h"
+#include "widgets/invalid_excluder.h"
 #include "widgets/navigation_bar.h"
 #include "widgets/panel_widget.h"
 
@@ -29,7 +29,7 @@ namespace {
 
 using Component::SQL::SQLAbstractConditionComponent;
 
-class ClausePanel : public QBTopLevelElementPanelWidget, public IQBInvalidComponentExcluder {
+class ClausePanel : public QBTopLevelElementPanelWidget, public IQBInvalidExcluder {
 public:
     explicit ClausePanel(QWidget* parent) : QBTopLevelElementPanelWidget(parent) {
         auto* column = new QVBoxLayout(this);

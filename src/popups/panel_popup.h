@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QPoint>
+#include <QPointer>
+#include <QString>
+#include <functional>
+
+class QLineEdit;
+class QPlainTextEdit;
+class QWidget;
+
+namespace QB {
+
+class QBInputPopup;
+
+/// The one popup that a panel may have open, and what every panel does with it: a member of the
+/// panel, named first among what the popup's answer uses, so that it goes first.
+///
+/// isOpen() is true from open() until the popup has its answer, also while it waits to be
+/// destroyed. The answer is given once the popup is hidden; the focus has gone back to where it was
+/// before (a list, or the panel) and another popup may be opened. If the panel or this object goes
+/// first the popup goes with it and there is no answer.
+/// Thread: main.
+class QBPanelPopup {
+public:
+    /// @p panel is the parent of the popups; not owned, outlives this object.
+    explicit QBPanelPopup(QWidget* panel);
+    ~QBPanelPopup();
+    QBPanelPopup(const QBPanelPopup&) = delete;
+    QBPanelPopup& operator=(const QBPanelPopup&) = delete;
+
+    bool isOpen() const;
+
+    /// Opens a popup with @p content at @p anchor (see QBInputPopup::popup). @p accepted is called
+    /// unless the popup is cancelled; @p content still lives then. Nothing while one is open.
+    /// Ownership: takes @p content in any case. Null if one is open.
+    QBInputPopup* open(QWidget* content, QWidget* anchor, std::function<void()> accepted,
+                       const QPoint* pivot = nullptr, bool withMargins = false);
+
+    /// A line of text, at least 200 pixels wide and as wide as @p anchor, selected; Return accepts.
+    QLineEdit* openLine(const QString& text, QWidget* anchor,
+                        std::function<void(const QString&)> accepted);
+    /// Several lines in a monospaced font, at least 400 by 60, not wrapped; Ctrl+Return accepts,
+    /// which a line below the text says.
+    QPlainTextEdit* openText(const QString& text, QWidget* anchor,
+                             std::function<void(const QString&)> accepted);
+
+    void accept();
+    void cancel();
+
+private:
+    QWidget* const m_panel;          // not owned: outlives this
+    QPointer<QBInputPopup> m_popup;  // null once it has its answer
+};
+
+}  // namespace QB
