@@ -1,0 +1,66 @@
+#pragma once
+
+#include <memory>
+
+#include "rows/nested_list_row_widget.h"
+#include "rows/row_interfaces.h"
+
+namespace Ui {
+class QBNestedListAnyExpressionRowWidget;
+}
+
+namespace QB {
+
+/// A source or column kept as free text: the text, its alias, and the direction of a column of
+/// ORDER BY.
+/// Component: SQLAnyExpressionSourceComponent or SQLAnyExpressionColumnComponent.
+class QBNestedListAnyExpressionRowWidget : public QBNestedListRowWidget,
+                                           public IQBNestedListRowWidgetAddRowSupported,
+                                           public IQBNestedListRowWidgetAddBracketSupported,
+                                           public IQBNestedListRowWidgetDeleteSupported,
+                                           public IQBNestedListRowWidgetEditAliasSupported {
+    Q_OBJECT
+
+public:
+    QBNestedListAnyExpressionRowWidget(Component::AbstractQueryComponent* component,
+                                       QWidget* parent);
+    ~QBNestedListAnyExpressionRowWidget() override;
+
+    QBNestedListRowWidget* clone() override;
+    void slotOnComponentChanged() override;
+
+    /// Why the row is marked as invalid, one of Tools::Validation::InvalidReason; -1: it is not.
+    void setInvalidReason(int reason);
+    int invalidReason() const { return m_invalidReason; }
+
+    /// Hidden at first.
+    void setOrderVisible(bool isVisible);
+
+    /// Where the text is edited.
+    QBLabel* valueLabel() const;
+    QBLabel* orderLabel() const;
+    QBLabel* mainPart() const override;
+
+    QBLabel* addRowLabel() override;
+    void setAddRowVisible(bool isVisible) override;
+    QBLabel* addBracketLabel() override;
+    void setAddBracketVisible(bool isVisible) override;
+    QBLabel* deleteLabel() override;
+    void setDeleteVisible(bool isVisible) override;
+    QBLabel* aliasLabel() override;
+    void setAliasVisible(bool isVisible) override;
+
+Q_SIGNALS:
+    void addRowButtonClicked();
+    void addBracketButtonClicked();
+    void deleteButtonClicked();
+    void aliasLabelClicked();
+    void valueLabelClicked();
+    void orderLabelClicked();
+
+private:
+    int m_invalidReason = -1;
+    const std::unique_ptr<Ui::QBNestedListAnyExpressionRowWidget> m_ui;
+};
+
+}  // namespace QB

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+
+#include "rows/nested_list_row_widget.h"
+#include "rows/row_interfaces.h"
+
+namespace Ui {
+class QBNestedListOpenBracketRowWidget;
+}
+
+namespace QB {
+
+/// The opening bracket of a group of sources or conditions, and the NOT before a group of
+/// conditions: in full colour if the group is negated, else dimmed.
+/// Component: SQLBracketedSourceNodeComponent or SQLBracketedConditionComponent.
+class QBNestedListOpenBracketRowWidget : public QBNestedListRowWidget,
+                                         public IQBNestedListRowWidgetDeleteSupported,
+                                         public IQBNestedListRowWidgetNegateSupported {
+    Q_OBJECT
+
+public:
+    QBNestedListOpenBracketRowWidget(Component::AbstractQueryComponent* component, QWidget* parent);
+    ~QBNestedListOpenBracketRowWidget() override;
+
+    QBNestedListRowWidget* clone() override;
+    void slotOnComponentChanged() override;
+
+    QBLabel* deleteLabel() override;
+    void setDeleteVisible(bool isVisible) override;
+    QBLabel* negatorLabel() override;
+    void setNegateVisible(bool isVisible) override;
+
+Q_SIGNALS:
+    void deleteButtonClicked();
+    void negateToggleTriggered();
+
+private:
+    const std::unique_ptr<Ui::QBNestedListOpenBracketRowWidget> m_ui;
+};
+
+}  // namespace QB

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <memory>
+
+#include "rows/nested_list_row_widget.h"
+#include "rows/row_database.h"
+#include "rows/row_interfaces.h"
+
+namespace Ui {
+class QBNestedListSubqueryRowWidget;
+}
+
+namespace QB {
+
+/// A derived table: its statement in one line, and its alias.
+/// Component: SQLSubquerySourceComponent.
+class QBNestedListSubqueryRowWidget : public QBNestedListRowWidget,
+                                      public IQBNestedListRowWidgetAddRowSupported,
+                                      public IQBNestedListRowWidgetAddBracketSupported,
+                                      public IQBNestedListRowWidgetDeleteSupported,
+                                      public IQBNestedListRowWidgetEditAliasSupported {
+    Q_OBJECT
+
+public:
+    QBNestedListSubqueryRowWidget(Component::AbstractQueryComponent* component, QBDatabaseInfo info,
+                                  const std::string& schema, QWidget* parent);
+    ~QBNestedListSubqueryRowWidget() override;
+
+    QBNestedListRowWidget* clone() override;
+    void slotOnComponentChanged() override;
+
+    /// The server and the current schema, by which the statement is written.
+    void setDatabase(QBDatabaseInfo info, const std::string& schema);
+
+    /// Why the row is marked as invalid, one of Tools::Validation::InvalidReason; -1: it is not.
+    void setInvalidReason(int reason);
+    int invalidReason() const { return m_invalidReason; }
+
+    QBLabel* valueLabel() const;
+    QBLabel* mainPart() const override;
+
+    QBLabel* addRowLabel() override;
+    void setAddRowVisible(bool isVisible) override;
+    QBLabel* addBracketLabel() override;
+    void setAddBracketVisible(bool isVisible) override;
+    QBLabel* deleteLabel() override;
+    void setDeleteVisible(bool isVisible) override;
+    QBLabel* aliasLabel() override;
+    void setAliasVisible(bool isVisible) override;
+
+Q_SIGNALS:
+    void signalJumpToSubqueryRequested();
+    void aliasLabelClicked();
+    void addRowButtonClicked();
+    void addBracketButtonClicked();
+    void deleteButtonClicked();
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    RowDatabase m_database;
+    int m_invalidReason = -1;
+    const std::unique_ptr<Ui::QBNestedListSubqueryRowWidget> m_ui;
+};
+
+}  // namespace QB
