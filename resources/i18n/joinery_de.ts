@@ -183,5 +183,25 @@
         <source>These tables are joined by columns of the same name (USING). Change the join to ON before comparing columns of different names.</source>
         <translation>Diese Tabellen sind über gleichnamige Spalten verbunden (USING). Stellen Sie die Verbindung auf ON um, bevor Sie verschieden benannte Spalten vergleichen.</translation>
     </message>
+    <message>
+        <source>Row offset</source>
+        <translation>Zeilenversatz</translation>
+    </message>
+    <message>
+        <source>Row count</source>
+        <translation>Zeilenzahl</translation>
+    </message>
+    <message>
+        <source>offset (optional)</source>
+        <translation>Versatz (optional)</translation>
+    </message>
+    <message>
+        <source>row count</source>
+        <translation>Zeilenzahl</translation>
+    </message>
+    <message>
+        <source>A whole number from 0 to %d, or nothing.</source>
+        <translation>Eine ganze Zahl von 0 bis %d oder nichts.</translation>
+    </message>
 </context>
 </TS>
