@@ -203,5 +203,145 @@
         <source>A whole number from 0 to %d, or nothing.</source>
         <translation>Eine ganze Zahl von 0 bis %d oder nichts.</translation>
     </message>
+    <message>
+        <source>Some parts of this clause are incomplete or wrong.</source>
+        <translation>Teile dieser Klausel sind unvollständig oder fehlerhaft.</translation>
+    </message>
+    <message>
+        <source>Add a row below</source>
+        <translation>Darunter eine Zeile hinzufügen</translation>
+    </message>
+    <message>
+        <source>Add brackets below</source>
+        <translation>Darunter Klammern hinzufügen</translation>
+    </message>
+    <message>
+        <source>Remove this row</source>
+        <translation>Diese Zeile entfernen</translation>
+    </message>
+    <message>
+        <source>table</source>
+        <translation>Tabelle</translation>
+    </message>
+    <message>
+        <source>alias</source>
+        <translation>Alias</translation>
+    </message>
+    <message>
+        <source>join type</source>
+        <translation>Verbindungsart</translation>
+    </message>
+    <message>
+        <source>condition</source>
+        <translation>Bedingung</translation>
+    </message>
+    <message>
+        <source>columns of the same name</source>
+        <translation>gleichnamige Spalten</translation>
+    </message>
+    <message>
+        <source>column</source>
+        <translation>Spalte</translation>
+    </message>
+    <message>
+        <source>expression</source>
+        <translation>Ausdruck</translation>
+    </message>
+    <message>
+        <source>direction</source>
+        <translation>Richtung</translation>
+    </message>
+    <message>
+        <source>AND or OR</source>
+        <translation>UND oder ODER</translation>
+    </message>
+    <message>
+        <source>empty subquery</source>
+        <translation>leere Unterabfrage</translation>
+    </message>
+    <message>
+        <source>Expression:</source>
+        <translation>Ausdruck:</translation>
+    </message>
+    <message>
+        <source>Subquery:</source>
+        <translation>Unterabfrage:</translation>
+    </message>
+    <message>
+        <source>NOT</source>
+        <translation>NICHT</translation>
+    </message>
+    <message>
+        <source>AND</source>
+        <translation>UND</translation>
+    </message>
+    <message>
+        <source>OR</source>
+        <translation>ODER</translation>
+    </message>
+    <message>
+        <source>Ascending</source>
+        <translation>Aufsteigend</translation>
+    </message>
+    <message>
+        <source>Descending</source>
+        <translation>Absteigend</translation>
+    </message>
+    <message>
+        <source>The column of the SELECT list that this one refers to is gone.</source>
+        <translation>Die Spalte der SELECT-Liste, auf die sich diese bezieht, gibt es nicht mehr.</translation>
+    </message>
+    <message>
+        <source>The table of this column is no longer in the FROM clause.</source>
+        <translation>Die Tabelle dieser Spalte steht nicht mehr in der FROM-Klausel.</translation>
+    </message>
+    <message>
+        <source>No table in the FROM clause goes by the name that this column gives.</source>
+        <translation>Keine Tabelle der FROM-Klausel hat den Namen, den diese Spalte nennt.</translation>
+    </message>
+    <message>
+        <source>The table has no column of this name.</source>
+        <translation>Die Tabelle hat keine Spalte dieses Namens.</translation>
+    </message>
+    <message>
+        <source>The subquery that this column comes from needs an alias.</source>
+        <translation>Die Unterabfrage, aus der diese Spalte kommt, braucht einen Alias.</translation>
+    </message>
+    <message>
+        <source>A subquery in the FROM clause needs an alias.</source>
+        <translation>Eine Unterabfrage in der FROM-Klausel braucht einen Alias.</translation>
+    </message>
+    <message>
+        <source>A value is missing here.</source>
+        <translation>Hier fehlt ein Wert.</translation>
+    </message>
+    <message>
+        <source>Custom</source>
+        <translation>Eigener Text</translation>
+    </message>
+    <message>
+        <source>Only the rows that have a match on both sides.</source>
+        <translation>Nur die Zeilen, zu denen es auf beiden Seiten eine passende gibt.</translation>
+    </message>
+    <message>
+        <source>All rows of the left side, with the matching rows of the right side where there are any.</source>
+        <translation>Alle Zeilen der linken Seite, dazu die passenden der rechten, wo es welche gibt.</translation>
+    </message>
+    <message>
+        <source>All rows of the right side, with the matching rows of the left side where there are any.</source>
+        <translation>Alle Zeilen der rechten Seite, dazu die passenden der linken, wo es welche gibt.</translation>
+    </message>
+    <message>
+        <source>Every row of the left side with every row of the right side. Takes no condition.</source>
+        <translation>Jede Zeile der linken Seite mit jeder der rechten. Ohne Bedingung.</translation>
+    </message>
+    <message>
+        <source>All rows of both sides, put together where they match.</source>
+        <translation>Alle Zeilen beider Seiten, zusammengefügt, wo sie zueinander passen.</translation>
+    </message>
+    <message>
+        <source>Both sides in a list, separated by a comma: every row with every row, until a WHERE condition chooses among them.</source>
+        <translation>Beide Seiten als Liste, durch ein Komma getrennt: jede Zeile mit jeder, bis eine WHERE-Bedingung auswählt.</translation>
+    </message>
 </context>
 </TS>
