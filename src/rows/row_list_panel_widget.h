@@ -95,7 +95,7 @@ protected:
     /// The clause; ElementSource for the condition of a join.
     TopLevelQueryComponentElementEnum element() const;
     /// To edit rows, inside applyOwnEdit().
-    QBComponentsListLayout& layout() { return m_layout; }
+    QBComponentsListLayout& editableLayout() { return m_layout; }
     /// Null for a row outside the list.
     Item* itemAt(int row) const;
     Item* currentItem() const { return itemAt(m_view->currentRow()); }
