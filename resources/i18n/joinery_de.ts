@@ -343,5 +343,145 @@
         <source>Both sides in a list, separated by a comma: every row with every row, until a WHERE condition chooses among them.</source>
         <translation>Beide Seiten als Liste, durch ein Komma getrennt: jede Zeile mit jeder, bis eine WHERE-Bedingung auswählt.</translation>
     </message>
+    <message>
+        <source>no operator</source>
+        <translation>kein Operator</translation>
+    </message>
+    <message>
+        <source>is like</source>
+        <translation>ist wie</translation>
+    </message>
+    <message>
+        <source>is not like</source>
+        <translation>ist nicht wie</translation>
+    </message>
+    <message>
+        <source>contains</source>
+        <translation>enthält</translation>
+    </message>
+    <message>
+        <source>does not contain</source>
+        <translation>enthält nicht</translation>
+    </message>
+    <message>
+        <source>starts with</source>
+        <translation>beginnt mit</translation>
+    </message>
+    <message>
+        <source>does not start with</source>
+        <translation>beginnt nicht mit</translation>
+    </message>
+    <message>
+        <source>ends with</source>
+        <translation>endet mit</translation>
+    </message>
+    <message>
+        <source>does not end with</source>
+        <translation>endet nicht mit</translation>
+    </message>
+    <message>
+        <source>is null</source>
+        <translation>ist NULL</translation>
+    </message>
+    <message>
+        <source>is not null</source>
+        <translation>ist nicht NULL</translation>
+    </message>
+    <message>
+        <source>is empty</source>
+        <translation>ist leer</translation>
+    </message>
+    <message>
+        <source>is not empty</source>
+        <translation>ist nicht leer</translation>
+    </message>
+    <message>
+        <source>between</source>
+        <translation>zwischen</translation>
+    </message>
+    <message>
+        <source>not between</source>
+        <translation>nicht zwischen</translation>
+    </message>
+    <message>
+        <source>in list</source>
+        <translation>in der Liste</translation>
+    </message>
+    <message>
+        <source>not in list</source>
+        <translation>nicht in der Liste</translation>
+    </message>
+    <message>
+        <source>value</source>
+        <translation>Wert</translation>
+    </message>
+    <message>
+        <source>operator</source>
+        <translation>Operator</translation>
+    </message>
+    <message>
+        <source>click here to add a condition</source>
+        <translation>hier klicken, um eine Bedingung anzulegen</translation>
+    </message>
+    <message>
+        <source>Conditions</source>
+        <translation>Bedingungen</translation>
+    </message>
+    <message>
+        <source>Add condition</source>
+        <translation>Bedingung anfügen</translation>
+    </message>
+    <message>
+        <source>Insert condition</source>
+        <translation>Bedingung einfügen</translation>
+    </message>
+    <message>
+        <source>Add brackets</source>
+        <translation>Klammer anfügen</translation>
+    </message>
+    <message>
+        <source>Insert brackets</source>
+        <translation>Klammer einfügen</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>Put in brackets</source>
+        <translation>In Klammern setzen</translation>
+    </message>
+    <message>
+        <source>Take brackets away</source>
+        <translation>Klammern auflösen</translation>
+    </message>
+    <message>
+        <source>Negate (NOT)</source>
+        <translation>Verneinen (NOT)</translation>
+    </message>
+    <message>
+        <source>Operator</source>
+        <translation>Operator</translation>
+    </message>
+    <message>
+        <source>Move up</source>
+        <translation>Nach oben</translation>
+    </message>
+    <message>
+        <source>Move down</source>
+        <translation>Nach unten</translation>
+    </message>
+    <message>
+        <source>Values, separated by commas</source>
+        <translation>Werte, durch Kommas getrennt</translation>
+    </message>
+    <message>
+        <source>From</source>
+        <translation>Von</translation>
+    </message>
+    <message>
+        <source>To</source>
+        <translation>Bis</translation>
+    </message>
 </context>
 </TS>
