@@ -1,7 +1,7 @@
 #include "widgets/navigation_bar.h"
 
+#include <QApplication>
 #include <QButtonGroup>
-#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
@@ -9,6 +9,8 @@
 #include <QScopedValueRollback>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTimer>
+#include <cstdlib>
 
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
@@ -16,6 +18,10 @@
 
 namespace QB {
 namespace {
+
+/// A name is shown up to this width, in characters of average width.
+constexpr int nameColumns = 40;
+constexpr int toolTipLength = 2000;
 
 /// As high as its content, however large the font: a line that scrolls only sideways.
 class LineScrollArea : public QScrollArea {
@@ -58,10 +64,8 @@ QBNavigationBar::QBNavigationBar(QWidget* parent)
     layout->setObjectName(QStringLiteral("verticalLayout"));
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_scrollArea);
-    // The current layer stands at the end; how far that is, is known when the layout has run.
-    QScrollBar* scrollBar = m_scrollArea->horizontalScrollBar();
-    connect(scrollBar, &QScrollBar::rangeChanged, scrollBar,
-            [scrollBar](int, int maximum) { scrollBar->setValue(maximum); });
+    connect(m_scrollArea->horizontalScrollBar(), &QScrollBar::rangeChanged, this,
+            &QBNavigationBar::showCurrentLayer);
     connect(m_buttonGroup, &QButtonGroup::idClicked, this, &QBNavigationBar::layerClicked);
     localizeControls();
 }
@@ -77,6 +81,13 @@ void QBNavigationBar::setLayerNames(const QStringList& names) {
         addButton(names[layer], layer, layer == names.size() - 1);
     }
     m_layout->addStretch();
+    // Where the buttons stand is known when the layout has run.
+    QTimer::singleShot(0, this, &QBNavigationBar::showCurrentLayer);
+}
+
+/// It stands at the end, from right to left, too.
+void QBNavigationBar::showCurrentLayer() {
+    m_scrollArea->horizontalScrollBar()->setValue(m_scrollArea->horizontalScrollBar()->maximum());
 }
 
 void QBNavigationBar::removeAllItems() {
@@ -103,29 +114,37 @@ void QBNavigationBar::addArrow() {
 
 void QBNavigationBar::addButton(const QString& name, int layer, bool isCurrent) {
     auto* button = new QBMouseOverBorderButton;
-    // A layer may be named after an alias: an ampersand in it is no mnemonic.
-    button->setText(QString(name).replace(QLatin1Char('&'), QLatin1String("&&")));
+    // A layer may be named after an alias: an ampersand in it is no mnemonic, a "<" no markup.
+    const QString shown = fontMetrics().elidedText(name.simplified(), Qt::ElideRight,
+                                                   nameColumns * fontMetrics().averageCharWidth());
+    button->setText(QString(shown).replace(QLatin1Char('&'), QLatin1String("&&")));
+    if (shown != name) button->setToolTip(name.left(toolTipLength).toHtmlEscaped());
     button->setAccessibleName(name);
+    button->installEventFilter(this);
     if (isCurrent) button->setStyleSheet(QStringLiteral("font-weight:bold"));
     m_buttonGroup->addButton(button, layer);
     m_layout->addWidget(button);
 }
 
 bool QBNavigationBar::eventFilter(QObject* watched, QEvent* event) {
-    if (watched != m_scrollArea) return QWidget::eventFilter(watched, event);
+    const bool isButton = watched != m_scrollArea;
     switch (event->type()) {
         case QEvent::Wheel:
             passToScrollBar(event);
             return true;
         case QEvent::MouseButtonPress:
-            m_dragPosition = static_cast<QMouseEvent*>(event)->pos().x();
-            return true;
+            m_dragPosition = positionInBar(static_cast<QMouseEvent*>(event));
+            m_isDragging = !isButton;  // a button waits whether it becomes a click
+            return !isButton;
         case QEvent::MouseMove:
             dragTo(static_cast<QMouseEvent*>(event));
-            return true;
+            // A button that is not down takes the release for no click.
+            if (isButton && m_isDragging) static_cast<QAbstractButton*>(watched)->setDown(false);
+            return m_isDragging || !isButton;
         case QEvent::MouseButtonRelease:
             m_dragPosition = -1;
-            return true;
+            m_isDragging = false;
+            return !isButton;
         default:
             return QWidget::eventFilter(watched, event);
     }
@@ -138,12 +157,22 @@ void QBNavigationBar::passToScrollBar(QEvent* wheelEvent) {
     QCoreApplication::sendEvent(m_scrollArea->horizontalScrollBar(), wheelEvent);
 }
 
+int QBNavigationBar::positionInBar(const QMouseEvent* event) const {
+    // The buttons move along with the mouse, the bar stands.
+    return mapFromGlobal(event->globalPos()).x();
+}
+
 void QBNavigationBar::dragTo(const QMouseEvent* event) {
     if (m_dragPosition == -1) return;
+    const int position = positionInBar(event);
+    if (std::abs(position - m_dragPosition) >= QApplication::startDragDistance())
+        m_isDragging = true;
+    if (!m_isDragging) return;
     QScrollBar* scrollBar = m_scrollArea->horizontalScrollBar();
     // The content goes with the mouse, the slider therefore against it.
-    scrollBar->setValue(scrollBar->value() + m_dragPosition - event->pos().x());
-    m_dragPosition = event->pos().x();
+    const int change = m_dragPosition - position;
+    scrollBar->setValue(scrollBar->value() + (isRightToLeft() ? -change : change));
+    m_dragPosition = position;
 }
 
 void QBNavigationBar::changeEvent(QEvent* event) {

@@ -12,7 +12,8 @@ class QScrollArea;
 namespace QB {
 
 /// The path of query layers, from the root to the current one, as a line of buttons. Where the
-/// line is too long it scrolls by wheel, by dragging and with the keyboard focus. Main thread.
+/// line is too long it scrolls by wheel, by dragging, also over the buttons, and with the keyboard
+/// focus. Main thread.
 class QBNavigationBar : public QWidget {
     Q_OBJECT
 
@@ -20,7 +21,7 @@ public:
     explicit QBNavigationBar(QWidget* parent = nullptr);
 
     /// Shows one button for each name; the last one, the current layer, is bold and scrolled into
-    /// view.
+    /// view. A long name elides, with all of it in the tooltip.
     void setLayerNames(const QStringList& names);
 
 Q_SIGNALS:
@@ -36,13 +37,16 @@ private:
     void removeAllItems();
     void addArrow();
     void addButton(const QString& name, int layer, bool isCurrent);
+    void showCurrentLayer();
     void passToScrollBar(QEvent* wheelEvent);
+    int positionInBar(const QMouseEvent* event) const;
     void dragTo(const QMouseEvent* event);
 
     QScrollArea* m_scrollArea;    // not owned: a child
     QHBoxLayout* m_layout;        // not owned: of the scrolled content
     QButtonGroup* m_buttonGroup;  // not owned: a child; ids are layer numbers
-    int m_dragPosition = -1;      // x of the mouse in the scroll area, -1 without a drag
+    int m_dragPosition = -1;      // x of the mouse in the bar, -1 while no button is down
+    bool m_isDragging = false;    // what the mouse does is no click
     bool m_isScrolling = false;
 };
 

@@ -1,4 +1,5 @@
 #include <QAbstractButton>
+#include <QApplication>
 #include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -158,6 +159,7 @@ private Q_SLOTS:
         QCOMPARE(slider->value(), 0);
         sendWheel(over, 120);  // at its end the scroll bar passes the wheel on: no endless circle
 
+        const QSignalSpy clicks(&bar, &QBNavigationBar::layerClicked);
         QLabel* arrow = bar.findChild<QLabel*>();
         QTest::mousePress(arrow, Qt::LeftButton, {}, QPoint(1, 1));
         drag(arrow, QPoint(-59, 1));
@@ -165,6 +167,32 @@ private Q_SLOTS:
         QTest::mouseRelease(arrow, Qt::LeftButton, {}, QPoint(-59, 1));
         drag(arrow, QPoint(-99, 1));
         QCOMPARE(slider->value(), 60);
+
+        // Over a button the same; it moves along, and a trembling hand still clicks.
+        auto* button = bar.findChildren<QAbstractButton*>()[1];
+        const QPoint centre = button->rect().center();
+        sendWheel(button, -120);
+        const int wheeled = slider->value();
+        QVERIFY(wheeled > 60);
+        QTest::mousePress(button, Qt::LeftButton, {}, centre);
+        drag(button, centre - QPoint(40, 0));
+        drag(button, centre);  // the button has come along: 40 more
+        QTest::mouseRelease(button, Qt::LeftButton, {}, centre);
+        QCOMPARE(slider->value(), wheeled + 40);
+        QCOMPARE(clicks.count(), 0);
+        QTest::mousePress(button, Qt::LeftButton, {}, centre);
+        drag(button, centre + QPoint(2, 0));
+        QTest::mouseRelease(button, Qt::LeftButton, {}, centre);
+        QCOMPARE(slider->value(), wheeled + 40);
+        QCOMPARE(clicks.count(), 1);
+
+        names.last() = QString("<b>R&D</b>\n").repeated(30);
+        bar.setLayerNames(names);
+        QTRY_COMPARE(slider->value(), slider->maximum());
+        const auto* last = bar.findChildren<QAbstractButton*>().last();
+        QVERIFY(last->width() < 600 && last->text().contains("R&&D</b> <b>"));
+        QVERIFY(last->toolTip().contains("&lt;b&gt;R&amp;D"));
+        QCOMPARE(last->accessibleName(), names.last());
     }
 
     void overlappingItemsTakeTheWholeRectangle() {
