@@ -2,6 +2,8 @@
 
 #include <QCloseEvent>
 #include <QPushButton>
+#include <QSignalBlocker>
+#include <QTabBar>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -21,6 +23,7 @@ namespace {
 
 /// Object tree, diagram, preview: in proportion to each other, since the splitter scales them.
 const QList<int> initialPaneWidths = {230, 520, 350};
+constexpr int diagramIndex = 1;
 
 QIcon paneIcon(const QString& direction, bool isPaneHidden) {
     QString path = QStringLiteral(":/images/TB_Expand_") + direction;
@@ -63,7 +66,7 @@ void QBQueryBuilderWidget::setupUi() {
     updateButtonIcons();
     connectPaneButtons();
     connect(ui->tabWidget, &QTabWidget::currentChanged, this,
-            &QBQueryBuilderWidget::deactivateOtherPanels);
+            [this] { deactivatePanels(ui->tabWidget->currentWidget()); });
     connect(ui->navigationBar, &QBNavigationBar::layerClicked, this,
             &QBQueryBuilderWidget::goToLayer);
     setQueryPreviewPanel(new QBSimpleQueryPreviewPanelWidget);
@@ -84,9 +87,25 @@ void QBQueryBuilderWidget::connectPaneButtons() {
         {{ui->objectTreeButton, ui->objectTreePanel}, {ui->previewButton, ui->previewContainer}}};
     for (const auto& [button, pane] : panes)
         connect(button, &QToolButton::clicked, this, [this, pane = pane] {
-            pane->setHidden(!pane->isHidden());
+            togglePane(pane);
             updateButtonIcons();
         });
+}
+
+/// What a pane gives up when it is hidden, and takes back, is the diagram's: left alone, the
+/// splitter would spread it over all panes.
+void QBQueryBuilderWidget::togglePane(QWidget* pane) {
+    QSplitter* splitter = ui->horizontalSplitter;
+    const int index = splitter->indexOf(pane);
+    QList<int> widths = splitter->sizes();
+    const bool isShowing = pane->isHidden();
+    if (!isShowing) m_shownPaneWidths[pane] = widths[index];
+    const int change =
+        isShowing ? m_shownPaneWidths.value(pane, pane->sizeHint().width()) : -widths[index];
+    widths[index] += change;
+    widths[diagramIndex] -= change;
+    pane->setHidden(!isShowing);
+    splitter->setSizes(widths);
 }
 
 void QBQueryBuilderWidget::connectDialogButtons() {
@@ -110,6 +129,8 @@ void QBQueryBuilderWidget::localizeControls() {
     describe(ui->previewButton, Tolk::TextTogglePreview);
     ui->tabWidget->setAccessibleName(Tolk::localize(Tolk::TextClauses));
     if (m_diagramTabs != nullptr) m_diagramTabs->setTabText(0, Tolk::localize(Tolk::TextDiagram));
+    for (QBTopLevelElementPanelWidget* panel : tabPanels())
+        markTab(panel);
 }
 
 void QBQueryBuilderWidget::updateButtonIcons() {
@@ -147,6 +168,9 @@ void QBQueryBuilderWidget::resetUi() {
 }
 
 void QBQueryBuilderWidget::renewPanelsIfNeeded() {
+    deactivatePanels(nullptr);  // one that loses its tab must have no popup left
+    // The tabs come and go one by one: that is no change of tab by the user.
+    const QSignalBlocker blocker(ui->tabWidget);
     ui->tabWidget->clear();
     const QBDatabaseInfo info = engine() != nullptr ? engine()->databaseInfo() : QBDatabaseInfo();
     for (std::size_t i = 0; i < m_clauseTabs.size(); ++i) {
@@ -164,21 +188,39 @@ QBTopLevelElementPanelWidget* QBQueryBuilderWidget::obtainPanel(std::size_t tabI
     if (panel != nullptr) return panel;
     panel = m_clauseTabs[tabIndex].createPanel(ui->tabWidget);
     panel->setRelatedElements({m_clauseTabs[tabIndex].element});
-    connect(panel, &QBTopLevelElementPanelWidget::signalIconNeedsUpdate, this, [this, panel] {
-        const int index = ui->tabWidget->indexOf(panel);
-        if (index >= 0) ui->tabWidget->setTabIcon(index, panel->tabIcon());
-    });
+    panel->setAccessibleName(QString::fromLatin1(m_clauseTabs[tabIndex].text));
+    connect(panel, &QBTopLevelElementPanelWidget::signalIconNeedsUpdate, this,
+            [this, panel] { markTab(panel); });
     return panel;
 }
 
 void QBQueryBuilderWidget::addTab(const ClauseTab& clauseTab, QBTopLevelElementPanelWidget* panel) {
-    ui->tabWidget->addTab(panel, panel->tabIcon(), QString::fromLatin1(clauseTab.text));
+    ui->tabWidget->addTab(panel, QString::fromLatin1(clauseTab.text));
+    markTab(panel);
+}
+
+void QBQueryBuilderWidget::markTab(QBTopLevelElementPanelWidget* panel) {
+    const int index = ui->tabWidget->indexOf(panel);
+    if (index < 0) return;
+    const QString warning =
+        panel->hasInvalidComponents() ? Tolk::localize(Tolk::TextClauseHasProblems) : QString();
+    const QString text = ui->tabWidget->tabText(index);
+    ui->tabWidget->setTabIcon(index, panel->tabIcon());
+    ui->tabWidget->setTabToolTip(index, warning);
+    ui->tabWidget->tabBar()->setAccessibleTabName(
+        index, warning.isEmpty() ? text : text + QLatin1String(": ") + warning);
+}
+
+std::vector<QBTopLevelElementPanelWidget*> QBQueryBuilderWidget::tabPanels() const {
+    std::vector<QBTopLevelElementPanelWidget*> panels;
+    for (int i = 0; i < ui->tabWidget->count(); ++i)
+        panels.push_back(static_cast<QBTopLevelElementPanelWidget*>(ui->tabWidget->widget(i)));
+    return panels;
 }
 
 QBTopLevelElementPanelWidget* QBQueryBuilderWidget::findPanel(
     TopLevelQueryComponentElementEnum element) const {
-    const auto panels = findChildren<QBTopLevelElementPanelWidget*>();
-    for (QBTopLevelElementPanelWidget* panel : panels)
+    for (QBTopLevelElementPanelWidget* panel : tabPanels())
         if (panel->firstRelatedElement() == element) return panel;
     return nullptr;
 }
@@ -200,9 +242,7 @@ QTabWidget* QBQueryBuilderWidget::obtainDiagramTabs() {
 }
 
 void QBQueryBuilderWidget::selectPanel(TopLevelQueryComponentElementEnum element) {
-    QWidget* panel = findPanel(element);
-    if (panel != nullptr && ui->tabWidget->indexOf(panel) >= 0)
-        ui->tabWidget->setCurrentWidget(panel);
+    if (QWidget* panel = findPanel(element)) ui->tabWidget->setCurrentWidget(panel);
 }
 
 void QBQueryBuilderWidget::enumeratePanelWidgets(const std::function<void(QBPanelWidget*)>& visit) {
@@ -212,7 +252,7 @@ void QBQueryBuilderWidget::enumeratePanelWidgets(const std::function<void(QBPane
 }
 
 bool QBQueryBuilderWidget::needShowBuildWarning() const {
-    const auto panels = findChildren<QBTopLevelElementPanelWidget*>();
+    const auto panels = tabPanels();
     return std::any_of(panels.begin(), panels.end(), [](const QBTopLevelElementPanelWidget* panel) {
         return panel->hasInvalidComponents();
     });
@@ -224,10 +264,9 @@ void QBQueryBuilderWidget::excludeInvalidComponent(
     if (excluder != nullptr) excluder->excludeInvalidComponent(componentRef);
 }
 
-void QBQueryBuilderWidget::deactivateOtherPanels() {
-    const auto panels = findChildren<QBTopLevelElementPanelWidget*>();
-    for (QBTopLevelElementPanelWidget* panel : panels)
-        if (panel != ui->tabWidget->currentWidget()) panel->panelBecomeInactive();
+void QBQueryBuilderWidget::deactivatePanels(const QWidget* current) {
+    for (QBTopLevelElementPanelWidget* panel : tabPanels())
+        if (panel != current) panel->panelBecomeInactive();
 }
 
 void QBQueryBuilderWidget::goToLayer(int layer) {

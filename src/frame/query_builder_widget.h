@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QPointer>
 #include <QString>
 #include <QWidget>
@@ -97,13 +98,17 @@ private:
     void setupUi();
     void connectDiagram();
     void connectPaneButtons();
+    void togglePane(QWidget* pane);
     void connectDialogButtons();
     void connectEngine();
     void addTab(const ClauseTab& clauseTab, QBTopLevelElementPanelWidget* panel);
+    void markTab(QBTopLevelElementPanelWidget* panel);
     QBTopLevelElementPanelWidget* obtainPanel(std::size_t tabIndex);
+    /// Those in the tabs and no others: a popup of one may hold a panel for another clause.
+    std::vector<QBTopLevelElementPanelWidget*> tabPanels() const;
     QBTopLevelElementPanelWidget* findPanel(TopLevelQueryComponentElementEnum element) const;
     void excludeInvalidComponent(Component::SQL::SQLAbstractConditionComponent** componentRef);
-    void deactivateOtherPanels();
+    void deactivatePanels(const QWidget* current);
     void goToLayer(int layer);
     void rebuildNavigationBar();
     void buildQuery(bool run);
@@ -113,7 +118,8 @@ private:
     QBEngine_LINUX* m_engine = nullptr;  // not owned: m_emitter tells whether it still lives
     QPointer<QObject> m_emitter;         // not owned: the engine's signal emitter
     QBAbstractQueryPreviewPanelWidget* m_previewPanel = nullptr;  // not owned: a child
-    QTabWidget* m_diagramTabs = nullptr;  // not owned: a child; null until asked for
+    QTabWidget* m_diagramTabs = nullptr;     // not owned: a child; null until asked for
+    QHash<QWidget*, int> m_shownPaneWidths;  // of panes that were hidden
     const std::vector<ClauseTab> m_clauseTabs;
     /// By tab; null until the tab was needed.
     std::vector<QBTopLevelElementPanelWidget*> m_clausePanels;  // not owned: children
