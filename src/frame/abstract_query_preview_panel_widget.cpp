@@ -14,7 +14,7 @@ namespace QB {
 namespace {
 
 constexpr int updateInterval = 500;    // milliseconds
-constexpr int unpaintedLoading = 200;  // milliseconds
+constexpr int unpaintedLoading = 150;  // milliseconds
 
 constexpr long noComponent = -1;
 

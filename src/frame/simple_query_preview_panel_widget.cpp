@@ -2,12 +2,30 @@
 
 #include <QEvent>
 #include <QGridLayout>
+#include <QScrollBar>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <QTextEdit>
+#include <algorithm>
 
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
+#include "widgets/fixed_width_font.h"
 
 namespace QB {
+namespace {
+
+/// Selects from @p anchor to @p position, if that is @p selected in the new text, too.
+void selectAgain(QTextEdit* edit, int anchor, int position, const QString& selected) {
+    if (selected.isEmpty() || std::max(anchor, position) >= edit->document()->characterCount())
+        return;
+    QTextCursor cursor(edit->document());
+    cursor.setPosition(anchor);
+    cursor.setPosition(position, QTextCursor::KeepAnchor);
+    if (cursor.selectedText() == selected) edit->setTextCursor(cursor);
+}
+
+}  // namespace
 
 QBSimpleQueryPreviewPanelWidget::QBSimpleQueryPreviewPanelWidget(QWidget* parent)
     : QBAbstractQueryPreviewPanelWidget(parent) {
@@ -19,13 +37,25 @@ QBSimpleQueryPreviewPanelWidget::QBSimpleQueryPreviewPanelWidget(QWidget* parent
     m_textEdit->setObjectName(QStringLiteral("textEdit"));
     m_textEdit->setReadOnly(true);
     m_textEdit->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    // Wrapping a long line without blanks takes seconds.
+    m_textEdit->setLineWrapMode(QTextEdit::NoWrap);
+    m_textEdit->setFont(fixedWidthFont());
     grid->addWidget(m_textEdit, 0, 0);
     setContent(content);
     localizeControls();
 }
 
 void QBSimpleQueryPreviewPanelWidget::setPreviewQuery(std::string query) {
-    m_textEdit->setPlainText(QString::fromStdString(query));
+    const QString text = QString::fromStdString(query);
+    if (text == m_text) return;
+    m_text = text;
+    const QTextCursor selection = m_textEdit->textCursor();
+    const int horizontal = m_textEdit->horizontalScrollBar()->value();
+    const int vertical = m_textEdit->verticalScrollBar()->value();
+    m_textEdit->setPlainText(text);
+    selectAgain(m_textEdit, selection.anchor(), selection.position(), selection.selectedText());
+    m_textEdit->horizontalScrollBar()->setValue(horizontal);
+    m_textEdit->verticalScrollBar()->setValue(vertical);
 }
 
 void QBSimpleQueryPreviewPanelWidget::highlightText(HighlightType, std::vector<QBRange>) {}

@@ -6,7 +6,8 @@ class QTextEdit;
 
 namespace QB {
 
-/// The plain preview: the text and nothing else; it marks nothing.
+/// The plain preview: the text and nothing else; it marks nothing. Another text leaves what is
+/// selected and scrolled to where it can.
 class QB_EXPORT QBSimpleQueryPreviewPanelWidget : public QBAbstractQueryPreviewPanelWidget {
     Q_OBJECT
 
@@ -23,6 +24,7 @@ private:
     void localizeControls();
 
     QTextEdit* m_textEdit;  // not owned: a child
+    QString m_text;         // as it was set
 };
 
 }  // namespace QB

@@ -1,7 +1,5 @@
 #include "frame/sql_text_view.h"
 
-#include <QFontDatabase>
-#include <QFontInfo>
 #include <QMimeData>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -9,6 +7,7 @@
 #include <QTextLayout>
 
 #include "model/callbacks.h"
+#include "widgets/fixed_width_font.h"
 
 namespace QB {
 namespace {
@@ -49,15 +48,6 @@ constexpr Colors darkColors = {
     {0xff7aa6ff, 0xffc792ea, 0xff8fce7a, 0xfff0a36b, 0xff9aa5b1, 0xff6fd3e3},
     0xff5a4a12,
     0xffff7070};
-
-/// Where the platform names no fixed-width font, Qt answers with the general one.
-QFont fixedWidthFont() {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    if (QFontInfo(font).fixedPitch()) return font;
-    font.setFamily(QStringLiteral("monospace"));
-    font.setStyleHint(QFont::Monospace);
-    return font;
-}
 
 }  // namespace
 
