@@ -1,13 +1,22 @@
 #include "widgets/label.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyleOption>
+#include <QToolTip>
+#include <algorithm>
+
+#include "widgets/label_accessible.h"
 
 namespace QB {
 namespace {
 
 constexpr qreal hoverOpacity = 150.0 / 255.0;
+constexpr int longestText = 512;
+constexpr int longestToolTip = 2000;
+constexpr int smallestWidth = 16;
 
 QPixmap fadedCopy(const QPixmap& plain) {
     QPixmap faded(plain.size());
@@ -23,28 +32,88 @@ bool isActivationKey(int key) {
     return key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter;
 }
 
+/// What of @p text is worth laying out, in one line.
+QString startInOneLine(const QString& text) {
+    QString start = text.left(longestText);
+    for (QChar& c : start)
+        if (c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r') ||
+            c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
+            c = QLatin1Char(' ');
+    return start;
+}
+
+/// Rich text that shows @p text as it stands and wraps.
+QString asToolTip(const QString& text) {
+    if (text.isEmpty()) return text;
+    const bool isCut = text.size() > longestToolTip;
+    const QString shown = isCut ? text.left(longestToolTip) + QChar(0x2026) : text;
+    return QStringLiteral("<p style='white-space:pre-wrap'>") + shown.toHtmlEscaped() +
+           QStringLiteral("</p>");
+}
+
 }  // namespace
 
-QBLabel::QBLabel(QWidget* parent) : QLabel(parent) {}
+QBLabel::QBLabel(QWidget* parent) : QLabel(parent) {
+    installLabelAccessibility();
+    setTextFormat(Qt::PlainText);
+}
 
 void QBLabel::setClickable(bool clickable) {
     m_isClickable = clickable;
 }
 
 void QBLabel::setHovered(bool hovered) {
+    if (m_isHeldHovered == hovered) return;
     m_isHeldHovered = hovered;
     showLook();
 }
 
 void QBLabel::setPixmap(const QPixmap& pixmap) {
     m_plainPixmap = pixmap;
+    m_fullText.clear();
     showLook();
 }
 
 void QBLabel::setText(const QString& value) {
+    if (m_plainPixmap.isNull() && value == m_fullText) return;
     m_plainPixmap = QPixmap();
-    QLabel::setText(value);
+    m_fullText = value;
+    forgetTextWidth();
+    QLabel::setText(startInOneLine(value));
     showLook();
+}
+
+void QBLabel::setLabelColour(LabelColour colour) {
+    if (m_colour == colour) return;
+    const bool changesText = m_colour == LabelColour::Invalid || colour == LabelColour::Invalid;
+    m_colour = colour;
+    if (changesText) {
+        forgetTextWidth();
+        updateGeometry();
+    }
+    update();
+}
+
+void QBLabel::setSelectedLook(bool isSelected) {
+    if (m_isOnSelection == isSelected) return;
+    m_isOnSelection = isSelected;
+    update();
+}
+
+void QBLabel::setCurrentPart(bool isCurrent) {
+    if (m_isCurrentPart == isCurrent) return;
+    m_isCurrentPart = isCurrent;
+    update();
+}
+
+void QBLabel::setToolTipText(const QString& text) {
+    if (m_toolTipText == text) return;
+    m_toolTipText = text;
+    setToolTip(asToolTip(text));
+}
+
+void QBLabel::click() {
+    if (m_isClickable) Q_EMIT clicked();
 }
 
 void QBLabel::showLook() {
@@ -63,6 +132,102 @@ void QBLabel::showUnderline(bool isWanted) {
     setFont(changed);
 }
 
+// ---- size and painting ----------------------------------------------------------------------
+
+void QBLabel::forgetTextWidth() {
+    m_textWidth = -1;
+    m_elidedWidth = -1;
+}
+
+QString QBLabel::shownText() const {
+    return m_colour == LabelColour::Invalid ? QStringLiteral("! ") + text() : text();
+}
+
+int QBLabel::textWidth() const {
+    if (m_textWidth < 0) m_textWidth = fontMetrics().horizontalAdvance(shownText()) + 1;
+    return m_textWidth;
+}
+
+QRect QBLabel::textRect() const {
+    const int inset = margin();
+    return contentsRect().adjusted(inset, inset, -inset, -inset);
+}
+
+QSize QBLabel::sizeHint() const {
+    if (!m_plainPixmap.isNull()) return QLabel::sizeHint();
+    const QMargins around = contentsMargins() + margin();
+    return QSize(textWidth() + around.left() + around.right(),
+                 fontMetrics().height() + around.top() + around.bottom());
+}
+
+QSize QBLabel::minimumSizeHint() const {
+    if (!m_plainPixmap.isNull()) return QLabel::minimumSizeHint();
+    const QSize whole = sizeHint();
+    return QSize(std::min(whole.width(), smallestWidth), whole.height());
+}
+
+QColor QBLabel::textColour() const {
+    if (!isEnabled()) return palette().color(QPalette::Disabled, QPalette::WindowText);
+    const QColor plain = labelColour(m_colour);
+    return m_isOnSelection ? readableColour(plain, selectedRowColour(palette())) : plain;
+}
+
+void QBLabel::paintText(QPainter& painter) {
+    const QRect area = textRect();
+    if (m_elidedWidth != area.width()) {
+        m_elidedWidth = area.width();
+        m_elided = textWidth() <= area.width()
+                       ? shownText()
+                       : fontMetrics().elidedText(shownText(), Qt::ElideRight, area.width());
+    }
+    // A name or an expression reads from left to right in any surroundings.
+    const bool isRightToLeft = text().isRightToLeft();
+    const Qt::Alignment sides = QStyle::visualAlignment(layoutDirection(), alignment());
+    painter.setLayoutDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.setPen(textColour());
+    painter.drawText(area, static_cast<int>(sides | Qt::AlignAbsolute) | Qt::TextSingleLine,
+                     m_elided);
+}
+
+void QBLabel::paintFocusFrame(QPainter& painter) {
+    QStyleOptionFocusRect option;
+    option.initFrom(this);
+    option.state |= QStyle::State_KeyboardFocusChange | QStyle::State_HasFocus;
+    option.backgroundColor = palette().color(QPalette::Base);
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+}
+
+void QBLabel::paintEvent(QPaintEvent* event) {
+    if (!m_plainPixmap.isNull()) {
+        QLabel::paintEvent(event);
+    } else {
+        QPainter painter(this);
+        drawFrame(&painter);
+        paintText(painter);
+    }
+    if (!m_isCurrentPart && !hasFocus()) return;
+    QPainter painter(this);
+    paintFocusFrame(painter);
+}
+
+// ---- events ---------------------------------------------------------------------------------
+
+bool QBLabel::event(QEvent* event) {
+    const bool hasToolTip = !m_toolTipText.isEmpty() || !toolTip().isEmpty();
+    if (event->type() != QEvent::ToolTip || hasToolTip || !m_plainPixmap.isNull())
+        return QLabel::event(event);
+    const bool isWhole = textWidth() <= textRect().width() && m_fullText.size() <= longestText;
+    const QPoint position = static_cast<QHelpEvent*>(event)->globalPos();
+    QToolTip::showText(position, isWhole ? QString() : asToolTip(m_fullText), this);
+    return true;
+}
+
+void QBLabel::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        forgetTextWidth();
+    QLabel::changeEvent(event);
+}
+
 void QBLabel::enterEvent(QEvent* event) {
     QLabel::enterEvent(event);
     m_isUnderMouse = true;
@@ -76,21 +241,25 @@ void QBLabel::leaveEvent(QEvent* event) {
 }
 
 void QBLabel::mousePressEvent(QMouseEvent* event) {
-    QLabel::mousePressEvent(event);
-    // The release comes only to the widget that took the press.
-    if (m_isClickable) event->accept();
+    // The release comes to the label all the same: it is where the press was.
+    m_isPressed = m_isClickable && event->button() == Qt::LeftButton;
+    event->ignore();
+}
+
+void QBLabel::mouseMoveEvent(QMouseEvent* event) {
+    event->ignore();
 }
 
 void QBLabel::mouseReleaseEvent(QMouseEvent* event) {
-    QLabel::mouseReleaseEvent(event);
-    if (!m_isClickable || event->button() != Qt::LeftButton) return;
-    event->accept();
-    if (rect().contains(event->pos())) Q_EMIT clicked();
+    event->ignore();
+    if (event->button() != Qt::LeftButton || !m_isPressed) return;
+    m_isPressed = false;
+    if (rect().contains(event->pos())) click();
 }
 
 void QBLabel::keyPressEvent(QKeyEvent* event) {
     if (!m_isClickable || !isActivationKey(event->key())) return QLabel::keyPressEvent(event);
-    Q_EMIT clicked();
+    click();
 }
 
 }  // namespace QB
