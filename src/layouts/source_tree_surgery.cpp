@@ -59,13 +59,6 @@ Slot joinAbove(const Path& path) {
     return holdsJoin(*parent) ? parent : nullptr;
 }
 
-/// The slot of the group that holds the node at @p depth of @p path.
-Slot groupOf(const Path& path, std::size_t depth) {
-    while (depth > 0 && holdsJoin(*path[depth - 1]))
-        --depth;
-    return path[depth];
-}
-
 bool turnsRight(const Path& path, std::size_t step) {
     return path[step + 1] == &(*path[step])->right;
 }
@@ -103,18 +96,6 @@ Nodes joinsInTheWay(const Path& first, const Path& last) {
         }
     }
     return inTheWay;
-}
-
-/// J(X, K(L(Y, Z), ...)) becomes K(L(J(X, Y), Z), ...): the same text, leaning to the left. The
-/// right side of the join in @p slot is a join.
-void leanLeft(Slot slot) {
-    SourceNode* join = *slot;
-    SourceNode* deepest = join->right;
-    while (holdsJoin(deepest->left))
-        deepest = deepest->left;
-    *slot = join->right;
-    join->right = deepest->left;
-    deepest->left = join;
 }
 
 /// Leans every one of @p commas below @p top to the left. Upper ones first, so that each step of
@@ -301,6 +282,12 @@ Path pathToValue(Slot root, const SQLAbstractSourceComponent* value) {
     return findPath(root, [value](Slot slot) { return *slot && (*slot)->value == value; });
 }
 
+Slot groupOf(const Path& path, std::size_t depth) {
+    while (depth > 0 && holdsJoin(*path[depth - 1]))
+        --depth;
+    return path[depth];
+}
+
 std::vector<Place> flatten(Slot root) {
     // A step opens a slot, or is a place that was put off until the tree to its left is through.
     struct Step {
@@ -336,6 +323,16 @@ std::vector<Place> flatten(Slot root) {
         }
     }
     return places;
+}
+
+void leanLeft(Slot slot) {
+    SourceNode* join = *slot;
+    SourceNode* deepest = join->right;
+    while (holdsJoin(deepest->left))
+        deepest = deepest->left;
+    *slot = join->right;
+    join->right = deepest->left;
+    deepest->left = join;
 }
 
 SQLAbstractSourceComponent* joinWith(Slot target, std::unique_ptr<SourceNode> operand, Side side) {

@@ -32,6 +32,10 @@ using Path = std::vector<Slot>;
 /// if none does, and for null.
 Path pathToValue(Slot root, const SQLAbstractSourceComponent* value);
 
+/// The slot of the group (the root, or the content of a bracket) that holds the node at @p depth of
+/// @p path.
+Slot groupOf(const Path& path, std::size_t depth);
+
 using QBComponentsListLayout_Private::PlaceKind;
 /// What one row shows: a leaf, a join, an end of a bracket, or an empty slot. A close has no slot.
 using Place = QBComponentsListLayout_Private::Place<Slot, SQLAbstractSourceComponent>;
@@ -45,6 +49,10 @@ enum class Side { Left, Right };
 /// operand at @p side. Left of a subtree the join is a comma, right of it a custom join.
 /// Returns the join's component. Every other slot stays valid.
 SQLAbstractSourceComponent* joinWith(Slot target, std::unique_ptr<SourceNode> operand, Side side);
+
+/// J(X, K(L(Y, Z), ...)) becomes K(L(J(X, Y), Z), ...): the same order of operands and joins,
+/// leaning to the left. The right side of the join in @p slot is a join.
+void leanLeft(Slot slot);
 
 /// Takes the operand in @p slot out, together with the join right above it, if there is one: the
 /// join's slot then holds its other side. Otherwise @p slot is left null.

@@ -14,6 +14,7 @@
 #include "model/callbacks.h"
 #include "model/detached_parts.h"
 #include "platform/tolk/tolk.h"
+#include "tools/join_edits.h"
 #include "tools/join_sight.h"
 #include "tools/using_list.h"
 
@@ -160,23 +161,6 @@ private:
 
 using Condition = SQLAbstractConditionComponent;
 
-/// Takes @p doomed out of a chain, at any depth of brackets, and brackets that lose all they hold
-/// with them, which no server reads. Last ones first: what stands before keeps its slot.
-DetachedParts takeConditions(ConditionChain::Slot head, const std::set<const Condition*>& doomed) {
-    DetachedParts taken;
-    const std::vector<ConditionChain::Place> places = ConditionChain::flatten(head);
-    for (std::size_t i = places.size(); i-- > 0;) {
-        const ConditionChain::Place& place = places[i];
-        if (place.kind == PlaceKind::Empty || place.kind == PlaceKind::Close) continue;
-        const auto* bracket = ConditionChain::asBracket(place.component);
-        const bool isEmptied = bracket && !bracket->inner && places[i + 1].kind != PlaceKind::Empty;
-        if (isEmptied || doomed.count(place.component) > 0) {
-            taken.add(ConditionChain::takeLink(place.slot));
-        }
-    }
-    return taken;
-}
-
 /// Unlinks in the block of a modification.
 class JoinRemover {
 public:
@@ -227,12 +211,7 @@ private:
     void becomeComma(SQLJoinSourceNodeComponent* join) {
         if (SourceTree::isComma(join) && !join->condition) return;
         m_hasChanged = true;
-        join->joinType = SQLJoinTypeComma;
-        join->joinText.clear();
-        join->isUsing = false;
-        if (join->condition) {
-            m_taken.add(std::unique_ptr<Condition>(std::exchange(join->condition, nullptr)));
-        }
+        m_taken.add(unbind(join));
     }
 
     void take(SQLJoinSourceNodeComponent* join, const std::set<const Condition*>& doomed) {
