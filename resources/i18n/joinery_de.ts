@@ -483,5 +483,25 @@
         <source>To</source>
         <translation>Bis</translation>
     </message>
+    <message>
+        <source>Ctrl+Return applies, Esc cancels</source>
+        <translation>Strg+Eingabe übernimmt, Esc verwirft</translation>
+    </message>
+    <message>
+        <source>Kinds of join</source>
+        <translation>Arten der Verbindung</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Items</source>
+        <translation>Einträge</translation>
+    </message>
 </context>
 </TS>
