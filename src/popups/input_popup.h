@@ -1,22 +1,17 @@
 #pragma once
 
-#include <QMetaObject>
 #include <QPoint>
-#include <QPointer>
 #include <QWidget>
 #include <memory>
 
 #include "model/export.h"
 
-namespace Ui {
-class QBInputPopup;
-}
-
 namespace QB {
 
 /// A frameless popup that holds one content widget next to another widget. It closes with Escape
-/// (cancelled), with a click outside (accepted: who opened it checks what it holds) or by
-/// closePopup(), and destroys itself then.
+/// (cancelled), with a click outside (accepted: who opened it checks what it holds), when its
+/// parent is hidden (cancelled) or by closePopup(), and destroys itself then. Popups nest: keys go
+/// to the innermost.
 ///
 /// Its parent is the panel, never the anchor, which a refresh may destroy. Code outside holds it by
 /// QPointer; panels use QBPanelPopup.
@@ -28,33 +23,41 @@ public:
     explicit QBInputPopup(QWidget* parent = nullptr);
     ~QBInputPopup() override;
 
-    /// Replaces the content, which is destroyed. Margins are those of the style, or none.
-    /// Ownership: the popup takes @p content.
+    /// Replaces the content, which is destroyed as soon as it is safe. Margins are those of the
+    /// style, or none. Buttons in @p content lose autoDefault.
+    /// Ownership: the popup takes @p content, which may be null.
     void setContent(QWidget* content, bool withMargins);
     QWidget* content() const;
 
     /// Shows the popup under @p nextToWidget, or above where there is no room below; with @p pivot
-    /// at that point of it. Kept inside the screen, also when its size changes later. The focus
-    /// goes to the content, a text in it is selected.
+    /// at that point of it. It is kept inside the screen and follows the size of its content.
+    /// The focus goes to the content, or stays where it is in it; a text there is selected. With
+    /// the end of the popup it goes back to what had it before, or to the parent where that is
+    /// gone.
     void popup(QWidget* nextToWidget, const QPoint* pivot = nullptr);
 
-    /// Not shorter than the anchor is wide.
+    /// At least as wide as the anchor.
     void setFullWidth(bool isFullWidth);
+
+    /// Whether done() is being emitted, perhaps from a signal of a widget in the popup.
+    bool isAnswering() const;
 
 public Q_SLOTS:
     void closePopup(bool accepted);
 
 Q_SIGNALS:
-    /// The popup has been painted and takes keys.
+    /// The popup is being shown. Its first paint is done before the next input of the user.
     void onShow();
-    /// Once, when the popup is hidden already: a receiver may show windows. Not when the popup is
-    /// destroyed without being closed.
+    /// Once, when the popup is hidden already: a receiver may show windows, or destroy the popup.
+    /// Not when the popup is destroyed without being closed.
     void done(bool accepted);
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     class Private;

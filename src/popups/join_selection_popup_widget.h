@@ -8,13 +8,11 @@
 class QLineEdit;
 class QListWidget;
 
-namespace Ui {
-class QBJoinSelectionPopupWidget;
-}
-
 namespace QB {
 
-/// The list of the kinds of join, with a line for a custom one. Main thread.
+/// The list of the kinds of join, with a line for a custom one. The arrow keys go through the
+/// kinds, the custom one gives the focus to its line; text typed there chooses the custom kind.
+/// Thread: main.
 class QBJoinSelectionPopupWidget : public QWidget {
     Q_OBJECT
 
@@ -39,8 +37,12 @@ public:
     QLineEdit* customTextEdit() const;  ///< null where no custom kind is offered
 
 Q_SIGNALS:
-    /// A kind was clicked or activated by key and canBeAccepted().
+    /// A kind was clicked, the custom one excepted, or Return was pressed, and canBeAccepted().
     void chosen();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     class Private;

@@ -13,13 +13,13 @@ namespace QB {
 
 class QBInputPopup;
 
-/// The one popup that a panel may have open, and what every panel does with it: a member of the
-/// panel, named first among what the popup's answer uses, so that it goes first.
+/// The one popup that a panel may have open, and what every panel does with it. A member of the
+/// panel, named last, so that it goes first: nothing of the popup runs in a half destroyed panel.
 ///
-/// isOpen() is true from open() until the popup has its answer, also while it waits to be
-/// destroyed. The answer is given once the popup is hidden; the focus has gone back to where it was
-/// before (a list, or the panel) and another popup may be opened. If the panel or this object goes
-/// first the popup goes with it and there is no answer.
+/// isOpen() is true from open() until the popup has its answer, which is given once the popup is
+/// hidden; the focus has gone back to where it was before (a list, or the panel) and another popup
+/// may be opened. If the panel or this object goes first the popup goes with it and there is no
+/// answer; the answer itself may destroy them.
 /// Thread: main.
 class QBPanelPopup {
 public:
@@ -38,13 +38,15 @@ public:
                        const QPoint* pivot = nullptr, bool withMargins = false);
 
     /// A line of text, at least 200 pixels wide and as wide as @p anchor, selected; Return accepts.
+    /// Null if a popup is open.
     QLineEdit* openLine(const QString& text, QWidget* anchor,
                         std::function<void(const QString&)> accepted);
     /// Several lines in a monospaced font, at least 400 by 60, not wrapped; Ctrl+Return accepts,
-    /// which a line below the text says.
+    /// which a line below the text says. Null if a popup is open.
     QPlainTextEdit* openText(const QString& text, QWidget* anchor,
                              std::function<void(const QString&)> accepted);
 
+    /// Closes the open popup, if any, as accepted or as cancelled.
     void accept();
     void cancel();
 

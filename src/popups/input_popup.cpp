@@ -1,0 +1,247 @@
+#include "popups/input_popup.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QTextCursor>
+
+#include "ui_input_popup.h"
+
+namespace QB {
+namespace {
+
+constexpr int longestFirstPaint = 1000;  // milliseconds
+
+QWidget* endOfFocusProxies(QWidget* widget) {
+    while (widget->focusProxy())
+        widget = widget->focusProxy();
+    return widget;
+}
+
+/// So that typing replaces the text. The cursor of a long text stays at its start.
+void selectText(QWidget* widget) {
+    if (auto* line = qobject_cast<QLineEdit*>(widget)) line->selectAll();
+    auto* text = qobject_cast<QPlainTextEdit*>(widget);
+    if (!text) return;
+    QTextCursor cursor = text->textCursor();
+    cursor.movePosition(QTextCursor::End);
+    cursor.movePosition(QTextCursor::Start, QTextCursor::KeepAnchor);
+    text->setTextCursor(cursor);
+}
+
+/// @p start, moved so that @p length from there lie inside [low, high], or begin there.
+int movedInside(int start, int length, int low, int high) {
+    return qMax(low, qMin(start, high + 1 - length));
+}
+
+}  // namespace
+
+class QBInputPopup::Private {
+public:
+    explicit Private(QBInputPopup* popup) : q(popup) {}
+
+    void setAnchor(QWidget* widget, const QPoint* pivot);
+    void releaseAnchor();
+    void fit();
+    void place(const QRect& room);
+    void takeFocus();
+    void giveFocusBack();
+    void closeWhenHidden();
+
+    QBInputPopup* const q;
+    Ui::QBInputPopup ui;
+    QWidget* content = nullptr;      // owned by the layout's widget
+    QPointer<QWidget> anchorWidget;  // null after release
+    QMetaObject::Connection anchorDeath;
+    QRect anchorArea;  // on the screen; empty for a mere point
+    int anchorWidth = 0;
+    QPointer<QScreen> screen;
+    QPointer<QWidget> focusBefore;
+    bool isFullWidth = false;
+    bool isCancelled = false;
+    bool isFinished = false;
+    bool isAnswering = false;
+};
+
+/// Notes where the popup belongs, so that it keeps its place when the anchor is gone.
+void QBInputPopup::Private::setAnchor(QWidget* widget, const QPoint* pivot) {
+    releaseAnchor();
+    anchorWidget = widget;
+    anchorDeath = connect(widget, &QObject::destroyed, q, [this] { releaseAnchor(); });
+    const QPoint point = widget->mapToGlobal(pivot ? *pivot : QPoint());
+    anchorArea = QRect(point, pivot ? QSize(0, 0) : widget->size());
+    anchorWidth = widget->width();
+    screen = QGuiApplication::screenAt(point);
+    if (!screen) screen = widget->screen();
+    q->setLayoutDirection(widget->layoutDirection());
+}
+
+void QBInputPopup::Private::releaseAnchor() {
+    disconnect(anchorDeath);
+    anchorWidget = nullptr;
+}
+
+/// Takes the size of the content, and the place for that.
+void QBInputPopup::Private::fit() {
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    if (!screen) return;
+    const QRect room = screen->availableGeometry();
+    if (isFullWidth) q->setMinimumWidth(qMin(anchorWidth, room.width()));
+    q->adjustSize();
+    place(room);
+}
+
+void QBInputPopup::Private::place(const QRect& room) {
+    const QSize size = q->size();
+    const bool isMirrored = q->layoutDirection() == Qt::RightToLeft;
+    const int left =
+        isMirrored ? anchorArea.x() + anchorArea.width() - size.width() : anchorArea.x();
+    const int below = anchorArea.y() + anchorArea.height();
+    const bool fitsBelow = below + size.height() <= room.bottom() + 1;
+    const int top = fitsBelow ? below : anchorArea.y() - size.height() - 1;
+    q->move(movedInside(left, size.width(), room.left(), room.right()),
+            movedInside(top, size.height(), room.top(), room.bottom()));
+}
+
+void QBInputPopup::Private::takeFocus() {
+    if (!content) return;
+    const QWidget* present = q->focusWidget();
+    if (!present || !(present == content || content->isAncestorOf(present)))
+        content->setFocus(Qt::PopupFocusReason);
+    selectText(q->focusWidget() ? q->focusWidget() : endOfFocusProxies(content));
+}
+
+/// Qt gives the focus to the window below, but to what that window has kept for it.
+void QBInputPopup::Private::giveFocusBack() {
+    QWidget* receiver = focusBefore;
+    if (!receiver && q->parentWidget() && !QApplication::focusWidget())
+        receiver = q->parentWidget();
+    if (receiver && receiver->isVisible() && !receiver->hasFocus())
+        receiver->setFocus(Qt::PopupFocusReason);
+}
+
+void QBInputPopup::Private::closeWhenHidden() {
+    const QWidget* parent = q->parentWidget();
+    if (!q->isVisible() || (parent && !parent->isVisible())) q->closePopup(false);
+}
+
+QBInputPopup::QBInputPopup(QWidget* parent)
+    : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+    , d(std::make_unique<Private>(this)) {
+    d->ui.setupUi(this);
+    setAttribute(Qt::WA_DeleteOnClose);
+    // Queued: the loop runs when the popup is shown wholly. Nothing may follow it in the lambda,
+    // since the popup may die in it.
+    connect(
+        this, &QBInputPopup::onShow, this,
+        [] { QEventLoop().processEvents(QEventLoop::ExcludeUserInputEvents, longestFirstPaint); },
+        Qt::QueuedConnection);
+    qApp->installEventFilter(this);
+}
+
+QBInputPopup::~QBInputPopup() {
+    qApp->removeEventFilter(this);
+}
+
+void QBInputPopup::setContent(QWidget* content, bool withMargins) {
+    if (d->content && d->content != content) {
+        d->ui.gridLayout_2->removeWidget(d->content);
+        d->content->hide();
+        d->content->deleteLater();  // it may be the one that asks for another content
+    }
+    d->content = content;
+    const auto margin = [&](QStyle::PixelMetric metric) {
+        return withMargins ? style()->pixelMetric(metric, nullptr, this) : 0;
+    };
+    d->ui.gridLayout_2->setContentsMargins(
+        margin(QStyle::PM_LayoutLeftMargin), margin(QStyle::PM_LayoutTopMargin),
+        margin(QStyle::PM_LayoutRightMargin), margin(QStyle::PM_LayoutBottomMargin));
+    if (!content) return;
+    d->ui.gridLayout_2->addWidget(content, 0, 0);
+    const auto buttons = content->findChildren<QPushButton*>();
+    for (QPushButton* button : buttons)
+        button->setAutoDefault(false);
+}
+
+QWidget* QBInputPopup::content() const {
+    return d->content;
+}
+
+void QBInputPopup::setFullWidth(bool isFullWidth) {
+    d->isFullWidth = isFullWidth;
+    if (isVisible()) d->fit();
+}
+
+bool QBInputPopup::isAnswering() const {
+    return d->isAnswering;
+}
+
+void QBInputPopup::popup(QWidget* nextToWidget, const QPoint* pivot) {
+    d->setAnchor(nextToWidget, pivot);
+    d->focusBefore = QApplication::focusWidget();
+    d->fit();
+    d->takeFocus();
+    show();
+}
+
+void QBInputPopup::closePopup(bool accepted) {
+    if (d->isFinished) return;
+    d->isCancelled = !accepted;
+    close();
+}
+
+bool QBInputPopup::event(QEvent* event) {
+    const bool result = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest && isVisible()) d->fit();
+    return result;
+}
+
+/// Sees every event of the application, so what it does for most must stay next to nothing.
+bool QBInputPopup::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Hide && (watched == this || watched == parent()) &&
+        !event->spontaneous() && !d->isFinished) {
+        // Queued: where the parent is hidden because it is being destroyed there is no answer.
+        QMetaObject::invokeMethod(
+            this, [this] { d->closeWhenHidden(); }, Qt::QueuedConnection);
+    }
+    if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget() != this)
+        return false;
+    if (!static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel)) return false;
+    closePopup(false);
+    return true;
+}
+
+void QBInputPopup::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    Q_EMIT onShow();
+}
+
+/// Hidden before it answers: Qt closes popups until none is left when a receiver shows a window.
+void QBInputPopup::closeEvent(QCloseEvent* event) {
+    QWidget::closeEvent(event);
+    if (d->isFinished) return;
+    d->isFinished = true;
+    const QWidget* present = QApplication::focusWidget();
+    const bool hadFocus = !present || present == this || isAncestorOf(present);
+    hide();
+    if (hadFocus) d->giveFocusBack();
+    d->releaseAnchor();
+    const QPointer<QBInputPopup> self(this);
+    d->isAnswering = true;
+    Q_EMIT done(!d->isCancelled);
+    if (self) d->isAnswering = false;
+}
+
+void QBInputPopup::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+}  // namespace QB

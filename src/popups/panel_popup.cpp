@@ -1,0 +1,145 @@
+#include "popups/panel_popup.h"
+
+#include <QFontMetricsF>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
+#include <memory>
+#include <utility>
+
+#include "platform/tolk/tolk.h"
+#include "popups/input_popup.h"
+#include "widgets/fixed_width_font.h"
+
+namespace QB {
+namespace {
+
+/// Accepts with Ctrl+Return or Ctrl+Enter in a text; it belongs to the text.
+class TextAccepter : public QObject {
+public:
+    TextAccepter(QPlainTextEdit* text, QBInputPopup* popup) : QObject(text), m_popup(popup) {
+        text->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool isReturn = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+        if (!isReturn || !(key->modifiers() & Qt::ControlModifier)) return false;
+        m_popup->closePopup(true);
+        return true;
+    }
+
+private:
+    QBInputPopup* const m_popup;  // not owned: outlives its content
+};
+
+QPlainTextEdit* makeTextEdit(const QString& text) {
+    auto* edit = new QPlainTextEdit;
+    // A long line without blanks takes seconds to wrap.
+    edit->setLineWrapMode(QPlainTextEdit::NoWrap);
+    QFont font = fixedWidthFont();
+    font.setFamily(QStringLiteral("Monospace"));
+    edit->setFont(font);
+    edit->setTabStopDistance(QFontMetricsF(edit->font()).horizontalAdvance(QLatin1String("  ")));
+    edit->setMinimumSize(400, 60);
+    edit->setPlainText(text);
+    return edit;
+}
+
+/// @p edit above a line that says how to accept it.
+QWidget* withHint(QPlainTextEdit* edit) {
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(edit);
+    auto* hint = new QLabel(Tolk::localize(Tolk::TextAcceptTextHint));
+    hint->setTextFormat(Qt::PlainText);
+    hint->setMargin(3);
+    hint->setWordWrap(true);
+    layout->addWidget(hint);
+    content->setFocusProxy(edit);
+    return content;
+}
+
+/// From within its own answer, where a widget of the popup may still be handling a key, a popup has
+/// to outlive the panel until it destroys itself.
+void destroyOrDetach(QBInputPopup* popup) {
+    if (popup->isAnswering())
+        popup->setParent(nullptr, popup->windowFlags());
+    else
+        delete popup;
+}
+
+}  // namespace
+
+QBPanelPopup::QBPanelPopup(QWidget* panel) : m_panel(panel) {}
+
+QBPanelPopup::~QBPanelPopup() {
+    // Else the end of the popup gives the focus back to a part of the panel, which is half
+    // destroyed by now.
+    QWidget* focus = m_panel->window()->focusWidget();
+    if (m_popup && focus && m_panel->isAncestorOf(focus)) focus->clearFocus();
+    // Also those that have their answer and wait to be destroyed.
+    const auto popups = m_panel->findChildren<QBInputPopup*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QBInputPopup* popup : popups)
+        destroyOrDetach(popup);
+}
+
+bool QBPanelPopup::isOpen() const {
+    return m_popup != nullptr;
+}
+
+QBInputPopup* QBPanelPopup::open(QWidget* content, QWidget* anchor, std::function<void()> accepted,
+                                 const QPoint* pivot, bool withMargins) {
+    std::unique_ptr<QWidget> owned(content);
+    if (isOpen()) return nullptr;
+    auto* popup = new QBInputPopup(m_panel);
+    popup->setContent(owned.release(), withMargins);
+    QObject::connect(popup, &QBInputPopup::done, popup,
+                     [this, accepted = std::move(accepted)](bool isAccepted) {
+                         m_popup = nullptr;
+                         if (isAccepted && accepted) accepted();  // last: it may destroy this
+                     });
+    m_popup = popup;
+    popup->popup(anchor, pivot);
+    return popup;
+}
+
+QLineEdit* QBPanelPopup::openLine(const QString& text, QWidget* anchor,
+                                  std::function<void(const QString&)> accepted) {
+    if (isOpen()) return nullptr;
+    auto* line = new QLineEdit(text);
+    line->setMinimumWidth(200);
+    line->setAccessibleName(anchor->accessibleName());
+    QBInputPopup* popup =
+        open(line, anchor, [line, accepted = std::move(accepted)] { accepted(line->text()); });
+    popup->setFullWidth(true);
+    QObject::connect(line, &QLineEdit::returnPressed, popup, [popup] { popup->closePopup(true); });
+    return line;
+}
+
+QPlainTextEdit* QBPanelPopup::openText(const QString& text, QWidget* anchor,
+                                       std::function<void(const QString&)> accepted) {
+    if (isOpen()) return nullptr;
+    QPlainTextEdit* edit = makeTextEdit(text);
+    edit->setAccessibleName(anchor->accessibleName());
+    QBInputPopup* popup = open(withHint(edit), anchor, [edit, accepted = std::move(accepted)] {
+        accepted(edit->toPlainText());
+    });
+    new TextAccepter(edit, popup);
+    return edit;
+}
+
+void QBPanelPopup::accept() {
+    if (m_popup) m_popup->closePopup(true);
+}
+
+void QBPanelPopup::cancel() {
+    if (m_popup) m_popup->closePopup(false);
+}
+
+}  // namespace QB
