@@ -503,5 +503,73 @@
         <source>Items</source>
         <translation>Einträge</translation>
     </message>
+    <message>
+        <source>Sources of the query</source>
+        <translation>Quellen der Abfrage</translation>
+    </message>
+    <message>
+        <source>click here to add a table</source>
+        <translation>hier klicken, um eine Tabelle hinzuzufügen</translation>
+    </message>
+    <message>
+        <source>Insert row</source>
+        <translation>Zeile einfügen</translation>
+    </message>
+    <message>
+        <source>Insert bracket</source>
+        <translation>Klammer einfügen</translation>
+    </message>
+    <message>
+        <source>Edit as plain text</source>
+        <translation>Als Text bearbeiten</translation>
+    </message>
+    <message>
+        <source>Convert to subquery</source>
+        <translation>In Unterabfrage umwandeln</translation>
+    </message>
+    <message>
+        <source>Change to %s</source>
+        <translation>In %s umwandeln</translation>
+    </message>
+    <message>
+        <source>Group in brackets</source>
+        <translation>In Klammern setzen</translation>
+    </message>
+    <message>
+        <source>Ungroup</source>
+        <translation>Klammern auflösen</translation>
+    </message>
+    <message>
+        <source>The text is empty. Enter an expression or a subquery.</source>
+        <translation>Der Text ist leer. Geben Sie einen Ausdruck oder eine Unterabfrage ein.</translation>
+    </message>
+    <message>
+        <source>Enter the words of the custom join.</source>
+        <translation>Geben Sie die Wörter der eigenen Verknüpfung ein.</translation>
+    </message>
+    <message>
+        <source>This is no list of column names: %s</source>
+        <translation>Das ist keine Liste von Spaltennamen: %s</translation>
+    </message>
+    <message>
+        <source>These conditions were removed, since the comma puts their tables out of sight:
+
+%s</source>
+        <translation>Diese Bedingungen wurden entfernt, weil das Komma ihre Tabellen außer Sicht bringt:
+
+%s</translation>
+    </message>
+    <message>
+        <source>These conditions name tables that their joins cannot see any more. Change them, or change the brackets back:
+
+%s</source>
+        <translation>Diese Bedingungen nennen Tabellen, die ihre Verknüpfungen nicht mehr sehen. Ändern Sie sie oder stellen Sie die Klammern wieder her:
+
+%s</translation>
+    </message>
+    <message>
+        <source>The condition names a table that this join cannot see.</source>
+        <translation>Die Bedingung nennt eine Tabelle, die diese Verknüpfung nicht sieht.</translation>
+    </message>
 </context>
 </TS>
