@@ -571,5 +571,41 @@
         <source>The condition names a table that this join cannot see.</source>
         <translation>Die Bedingung nennt eine Tabelle, die diese Verknüpfung nicht sieht.</translation>
     </message>
+    <message>
+        <source>Move the column one place up</source>
+        <translation>Die Spalte um einen Platz nach oben schieben</translation>
+    </message>
+    <message>
+        <source>Move the column one place down</source>
+        <translation>Die Spalte um einen Platz nach unten schieben</translation>
+    </message>
+    <message>
+        <source>No direction</source>
+        <translation>Ohne Richtung</translation>
+    </message>
+    <message>
+        <source>Columns of %s</source>
+        <translation>Spalten von %s</translation>
+    </message>
+    <message>
+        <source>all columns - click here to choose some</source>
+        <translation>alle Spalten - hier klicken, um welche auszuwählen</translation>
+    </message>
+    <message>
+        <source>click here to group by a column</source>
+        <translation>hier klicken, um nach einer Spalte zu gruppieren</translation>
+    </message>
+    <message>
+        <source>click here to sort by a column</source>
+        <translation>hier klicken, um nach einer Spalte zu sortieren</translation>
+    </message>
+    <message>
+        <source>Leave out rows that are the same. Needs at least one column in the list.</source>
+        <translation>Gleiche Zeilen weglassen. Braucht mindestens eine Spalte in der Liste.</translation>
+    </message>
+    <message>
+        <source>An option of this query. It stays as long as the box is checked.</source>
+        <translation>Eine Option dieser Abfrage. Sie bleibt, solange das Feld angekreuzt ist.</translation>
+    </message>
 </context>
 </TS>
