@@ -545,7 +545,7 @@
     </message>
     <message>
         <source>Enter the words of the custom join.</source>
-        <translation>Geben Sie die Wörter der eigenen Verknüpfung ein.</translation>
+        <translation>Geben Sie die Wörter der eigenen Verbindung ein.</translation>
     </message>
     <message>
         <source>This is no list of column names: %s</source>
@@ -563,13 +563,13 @@
         <source>These conditions name tables that their joins cannot see any more. Change them, or change the brackets back:
 
 %s</source>
-        <translation>Diese Bedingungen nennen Tabellen, die ihre Verknüpfungen nicht mehr sehen. Ändern Sie sie oder stellen Sie die Klammern wieder her:
+        <translation>Diese Bedingungen nennen Tabellen, die ihre Verbindungen nicht mehr sehen. Ändern Sie sie oder stellen Sie die Klammern wieder her:
 
 %s</translation>
     </message>
     <message>
         <source>The condition names a table that this join cannot see.</source>
-        <translation>Die Bedingung nennt eine Tabelle, die diese Verknüpfung nicht sieht.</translation>
+        <translation>Die Bedingung nennt eine Tabelle, die diese Verbindung nicht sieht.</translation>
     </message>
     <message>
         <source>Move the column one place up</source>
