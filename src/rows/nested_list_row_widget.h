@@ -56,6 +56,8 @@ public:
     void setSelectedLook(bool isSelected);
     /// Shows the controls that otherwise only the mouse brings up: the row is the current one.
     void setCurrentLook(bool isCurrent);
+    /// The row is the current one or the mouse is over it.
+    bool areControlsLit() const { return m_areControlsLit; }
 
     /// The row read aloud: the texts of the labels that show, marks in words.
     virtual QString accessibleText() const;
@@ -70,15 +72,25 @@ Q_SIGNALS:
     void accessibleTextChanged();
 
 protected:
+    /// The row has become, or is no longer, the current one or the one under the mouse. Lights the
+    /// delete control here; a row that shows more then adds it.
+    virtual void lightControls(bool isLit);
+
     void enterEvent(QEvent* event) override;
     void leaveEvent(QEvent* event) override;
     /// Fills the labels again on a change of language, palette or font.
     void changeEvent(QEvent* event) override;
 
 private:
+    void updateControls();
+
     Component::AbstractQueryComponent* m_component;  // not owned: part of the model
     int m_indentLevel = 0;
     QBLabel* m_currentPart = nullptr;  // not owned: a child
+    bool m_hasSelectedLook = false;
+    bool m_hasCurrentLook = false;
+    bool m_isUnderMouse = false;
+    bool m_areControlsLit = false;
 };
 
 }  // namespace QB

@@ -28,6 +28,8 @@ public:
     /// Makes @p widget, which was made for a row of that kind, show @p row: component, level and
     /// marks.
     virtual void updateRowWidget(QBNestedListRowWidget* widget, int row) = 0;
+    /// Called once for each widget, between createRowWidget and the first updateRowWidget.
+    virtual void rowWidgetCreated(QBNestedListRowWidget* /*widget*/) {}
 };
 
 /// A list of rows that are widgets: one stretched column, each row indented by its level.
@@ -72,6 +74,9 @@ public:
     /// The row that shows @p widget, a row widget or anything in one; -1 if none does.
     int rowOf(const QWidget* widget) const;
 
+    /// The key that @p row had when the rows were refreshed last; invalid outside the rows. Safe
+    /// also where the model has changed since.
+    QBRowKey shownKey(int row) const;
     /// -1 if there is none.
     int currentRow() const;
     /// In ascending order.
@@ -94,7 +99,35 @@ Q_SIGNALS:
     /// The user chose another row; not while rows are refreshed. -1: none.
     void currentRowChosen(int row);
 
+protected:
+    bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void showEvent(QShowEvent* event) override;
+    void startDrag(Qt::DropActions supportedActions) override;
+    void updateGeometries() override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override;
+
 private:
+    friend class QBNestedListTableViewItemDelegate;
+
+    /// Gives the row's widget its place, if there is one: indented from the leading edge.
+    void placeRow(int row) const;
+
     class Private;
     const std::unique_ptr<Private> d;
 };

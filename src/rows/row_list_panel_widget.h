@@ -45,6 +45,7 @@ public:
     int rowCount() const override;
     QBRowKey rowKey(int row) const override;
     void updateRowWidget(QBNestedListRowWidget* widget, int row) override;
+    void rowWidgetCreated(QBNestedListRowWidget* widget) override;
     /// The row of that key, -1 if it is not there any more. Linear.
     int findRow(QBRowKey key) const;
 
@@ -72,8 +73,11 @@ protected:
 
     /// Rows over the clause in the current layer, built; null without a statement.
     virtual std::unique_ptr<QBComponentsListLayout::Impl> createLayout() = 0;
-    /// Called before every rebuild and after a change of layer, to look the clause up again.
+    /// Called before every rebuild and every check, and after a change of layer, to look the clause
+    /// up again.
     virtual void renewRoot() {}
+    /// Called after every refresh and for every choice of rows, for buttons that depend on them.
+    virtual void rowsRefreshed() {}
     /// Marks the row that @p widget has just been made to show.
     virtual void markRow(QBNestedListRowWidget* widget, const Item& item) = 0;
     /// Validates anew and keeps the result; only without an engine or a statement it forgets it.
@@ -113,15 +117,33 @@ protected:
     /// Cost beside the edit: one pass over the rows.
     void applyOwnEdit(const std::function<int()>& edit);
 
+    /// Makes the row that shows @p widget the current and only selected one. False if none does any
+    /// more: a click that came too late.
+    bool chooseRowOf(const QWidget* widget);
+    /// Lets a click that @p widget tells of choose its row and call @p slot.
+    template <typename Row, typename Panel>
+    void connectRow(Row* widget, void (Row::*signal)(), Panel* panel, void (Panel::*slot)()) {
+        connect(widget, signal, panel, [widget, panel, slot] {
+            if (panel->chooseRowOf(widget)) (panel->*slot)();
+        });
+    }
+    /// Validates anew and brings the marks of the rows and the tab up to date.
+    void updateMarks();
+
     /// Shows @p menu at a place of the viewport and returns at once. Its actions see the rows for
     /// which it was opened: it closes when the rows change.
     /// Ownership: the panel's; it goes when it closes.
     void popupMenu(QMenu* menu, const QPoint& position);
 
+    void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
+
+private Q_SLOTS:
+    void callSlotOfSender();
 
 private:
     class Private;
+    friend class Private;
     QBNestedListTableView* m_view = nullptr;  // not owned: a child
     QBComponentsListLayout m_layout;
     bool m_isModifying = false;
