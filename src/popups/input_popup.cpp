@@ -7,10 +7,10 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPointer>
-#include <QPushButton>
 #include <QScreen>
 #include <QTextCursor>
 
+#include "popups/popup_content.h"
 #include "ui_input_popup.h"
 
 namespace QB {
@@ -46,8 +46,7 @@ class QBInputPopup::Private {
 public:
     explicit Private(QBInputPopup* popup) : q(popup) {}
 
-    void setAnchor(QWidget* widget, const QPoint* pivot);
-    void releaseAnchor();
+    void noteAnchor(QWidget* anchor, const QPoint* pivot);
     void fit();
     void place(const QRect& room);
     void takeFocus();
@@ -56,10 +55,8 @@ public:
 
     QBInputPopup* const q;
     Ui::QBInputPopup ui;
-    QWidget* content = nullptr;      // owned by the layout's widget
-    QPointer<QWidget> anchorWidget;  // null after release
-    QMetaObject::Connection anchorDeath;
-    QRect anchorArea;  // on the screen; empty for a mere point
+    QWidget* content = nullptr;  // owned by the layout's widget
+    QRect anchorArea;            // on the screen; empty for a mere point
     int anchorWidth = 0;
     QPointer<QScreen> screen;
     QPointer<QWidget> focusBefore;
@@ -69,22 +66,15 @@ public:
     bool isAnswering = false;
 };
 
-/// Notes where the popup belongs, so that it keeps its place when the anchor is gone.
-void QBInputPopup::Private::setAnchor(QWidget* widget, const QPoint* pivot) {
-    releaseAnchor();
-    anchorWidget = widget;
-    anchorDeath = connect(widget, &QObject::destroyed, q, [this] { releaseAnchor(); });
-    const QPoint point = widget->mapToGlobal(pivot ? *pivot : QPoint());
-    anchorArea = QRect(point, pivot ? QSize(0, 0) : widget->size());
-    anchorWidth = widget->width();
+/// Notes where the popup belongs, rather than the anchor, which a refresh may destroy.
+void QBInputPopup::Private::noteAnchor(QWidget* anchor, const QPoint* pivot) {
+    const QPoint point = anchor->mapToGlobal(pivot ? *pivot : QPoint());
+    anchorArea = QRect(point, pivot ? QSize(0, 0) : anchor->size());
+    anchorWidth = anchor->width();
     screen = QGuiApplication::screenAt(point);
-    if (!screen) screen = widget->screen();
-    q->setLayoutDirection(widget->layoutDirection());
-}
-
-void QBInputPopup::Private::releaseAnchor() {
-    disconnect(anchorDeath);
-    anchorWidget = nullptr;
+    if (!screen) screen = anchor->screen();
+    q->setLayoutDirection(anchor->layoutDirection());
+    q->setAccessibleName(anchor->accessibleName());
 }
 
 /// Takes the size of the content, and the place for that.
@@ -150,11 +140,7 @@ QBInputPopup::~QBInputPopup() {
 }
 
 void QBInputPopup::setContent(QWidget* content, bool withMargins) {
-    if (d->content && d->content != content) {
-        d->ui.gridLayout_2->removeWidget(d->content);
-        d->content->hide();
-        d->content->deleteLater();  // it may be the one that asks for another content
-    }
+    replaceContent(d->ui.gridLayout_2, d->content, content);
     d->content = content;
     const auto margin = [&](QStyle::PixelMetric metric) {
         return withMargins ? style()->pixelMetric(metric, nullptr, this) : 0;
@@ -162,11 +148,6 @@ void QBInputPopup::setContent(QWidget* content, bool withMargins) {
     d->ui.gridLayout_2->setContentsMargins(
         margin(QStyle::PM_LayoutLeftMargin), margin(QStyle::PM_LayoutTopMargin),
         margin(QStyle::PM_LayoutRightMargin), margin(QStyle::PM_LayoutBottomMargin));
-    if (!content) return;
-    d->ui.gridLayout_2->addWidget(content, 0, 0);
-    const auto buttons = content->findChildren<QPushButton*>();
-    for (QPushButton* button : buttons)
-        button->setAutoDefault(false);
 }
 
 QWidget* QBInputPopup::content() const {
@@ -183,7 +164,7 @@ bool QBInputPopup::isAnswering() const {
 }
 
 void QBInputPopup::popup(QWidget* nextToWidget, const QPoint* pivot) {
-    d->setAnchor(nextToWidget, pivot);
+    d->noteAnchor(nextToWidget, pivot);
     d->focusBefore = QApplication::focusWidget();
     d->fit();
     d->takeFocus();
@@ -210,10 +191,12 @@ bool QBInputPopup::eventFilter(QObject* watched, QEvent* event) {
         QMetaObject::invokeMethod(
             this, [this] { d->closeWhenHidden(); }, Qt::QueuedConnection);
     }
-    if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget() != this)
-        return false;
+    const bool isKey =
+        event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+    if (!isKey || QApplication::activePopupWidget() != this) return false;
     if (!static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel)) return false;
-    closePopup(false);
+    event->accept();  // no shortcut of the host takes it
+    if (event->type() == QEvent::KeyPress) closePopup(false);
     return true;
 }
 
@@ -231,7 +214,6 @@ void QBInputPopup::closeEvent(QCloseEvent* event) {
     const bool hadFocus = !present || present == this || isAncestorOf(present);
     hide();
     if (hadFocus) d->giveFocusBack();
-    d->releaseAnchor();
     const QPointer<QBInputPopup> self(this);
     d->isAnswering = true;
     Q_EMIT done(!d->isCancelled);

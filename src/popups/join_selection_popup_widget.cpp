@@ -64,6 +64,12 @@ int descriptionHeight(const QLabel* label) {
     return metrics.boundingRect(QRect(), Qt::AlignLeft, QStringLiteral("\n\n")).height() + 2;
 }
 
+/// The width at which the longest description fits its three lines in any font.
+int leastWidth(const QWidget* list) {
+    constexpr int characters = 64;
+    return characters * list->fontMetrics().averageCharWidth();
+}
+
 }  // namespace
 
 class QBJoinSelectionPopupWidget::Private {
@@ -132,6 +138,7 @@ QWidget* QBJoinSelectionPopupWidget::Private::makeKindRow(SQLJoinType type) {
     QLabel* description = makeLabel(joinDescription(type), row);
     description->setWordWrap(true);
     description->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    description->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     description->setFixedHeight(descriptionHeight(description));
     descriptions.push_back(description);
     auto* texts = new QVBoxLayout;
@@ -249,6 +256,7 @@ QBJoinSelectionPopupWidget::QBJoinSelectionPopupWidget(int joinType, const QStri
     d->showCustomJoin = showCustomJoin;
     QListWidget* list = d->ui.listWidget;
     list->setAccessibleName(Tolk::localize(Tolk::TextJoinKinds));
+    list->setMinimumWidth(qMax(list->minimumWidth(), leastWidth(list)));
     list->setItemDelegate(new QBJoinSelectionPopupWidgetTreeItemDelegate(list));
     list->installEventFilter(this);
     d->buildList();

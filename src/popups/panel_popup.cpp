@@ -24,12 +24,15 @@ public:
     }
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
+    bool eventFilter(QObject*, QEvent* event) override {
+        const bool isKey =
+            event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+        if (!isKey) return false;
         const auto* key = static_cast<QKeyEvent*>(event);
         const bool isReturn = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
         if (!isReturn || !(key->modifiers() & Qt::ControlModifier)) return false;
-        m_popup->closePopup(true);
+        event->accept();  // no shortcut of the host takes it
+        if (event->type() == QEvent::KeyPress) m_popup->closePopup(true);
         return true;
     }
 
