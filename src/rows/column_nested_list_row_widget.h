@@ -42,9 +42,7 @@ public:
     QBLabel* orderLabel() const;
 
     QBLabel* addRowLabel() override;
-    void setAddRowVisible(bool isVisible) override;
     QBLabel* deleteLabel() override;
-    void setDeleteVisible(bool isVisible) override;
 
 Q_SIGNALS:
     void addRowButtonClicked();

@@ -39,10 +39,9 @@ public:
     QBLabel* fieldLabel() const;
 
     QBLabel* addRowLabel() override;
-    void setAddRowVisible(bool isVisible) override;
     QBLabel* deleteLabel() override;
-    void setDeleteVisible(bool isVisible) override;
     QBLabel* aliasLabel() override;
+    /// A wildcard shows no alias in any case: it cannot have one.
     void setAliasVisible(bool isVisible) override;
 
 Q_SIGNALS:
@@ -54,6 +53,7 @@ Q_SIGNALS:
 private:
     RowDatabase m_database;
     int m_invalidReason = -1;
+    bool m_isAliasWanted = true;
     const std::unique_ptr<Ui::QBColumnPanelFieldRowWidget> m_ui;
 };
 

@@ -36,13 +36,9 @@ public:
     QBLabel* identifierLabel() const;
 
     QBLabel* addRowLabel() override;
-    void setAddRowVisible(bool isVisible) override;
     QBLabel* addBracketLabel() override;
-    void setAddBracketVisible(bool isVisible) override;
     QBLabel* deleteLabel() override;
-    void setDeleteVisible(bool isVisible) override;
     QBLabel* aliasLabel() override;
-    void setAliasVisible(bool isVisible) override;
 
 Q_SIGNALS:
     void signalEditIdentifierRequested();

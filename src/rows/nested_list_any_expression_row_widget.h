@@ -39,16 +39,11 @@ public:
     /// Where the text is edited.
     QBLabel* valueLabel() const;
     QBLabel* orderLabel() const;
-    QBLabel* mainPart() const override;
 
     QBLabel* addRowLabel() override;
-    void setAddRowVisible(bool isVisible) override;
     QBLabel* addBracketLabel() override;
-    void setAddBracketVisible(bool isVisible) override;
     QBLabel* deleteLabel() override;
-    void setDeleteVisible(bool isVisible) override;
     QBLabel* aliasLabel() override;
-    void setAliasVisible(bool isVisible) override;
 
 Q_SIGNALS:
     void addRowButtonClicked();

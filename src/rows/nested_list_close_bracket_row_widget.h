@@ -31,15 +31,13 @@ public:
 
     QBNestedListRowWidget* clone() override;
     void slotOnComponentChanged() override;
+    /// The logic word, null where it does not show: a key must not hit a control instead.
+    QBLabel* mainPart() const override;
 
     QBLabel* addRowLabel() override;
-    void setAddRowVisible(bool isVisible) override;
     QBLabel* addBracketLabel() override;
-    void setAddBracketVisible(bool isVisible) override;
     QBLabel* deleteLabel() override;
-    void setDeleteVisible(bool isVisible) override;
     QBLabel* logicGateLabel() override;
-    void setLogicGateVisible(bool isVisible) override;
 
 Q_SIGNALS:
     void logicGateLabelClicked();
@@ -48,8 +46,6 @@ Q_SIGNALS:
     void deleteButtonClicked();
 
 private:
-    QString gateWord() const;
-
     const std::unique_ptr<Ui::QBNestedListCloseBracketRowWidget> m_ui;
 };
 

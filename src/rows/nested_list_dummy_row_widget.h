@@ -31,9 +31,7 @@ public:
     QBLabel* promptLabel() const;
 
     QBLabel* addRowLabel() override;
-    void setAddRowVisible(bool isVisible) override;
     QBLabel* addBracketLabel() override;
-    void setAddBracketVisible(bool isVisible) override;
 
 Q_SIGNALS:
     void addRowButtonClicked();

@@ -25,11 +25,11 @@ public:
 
     QBNestedListRowWidget* clone() override;
     void slotOnComponentChanged() override;
+    /// The NOT, null where it does not show: a key must not hit a control instead.
+    QBLabel* mainPart() const override;
 
     QBLabel* deleteLabel() override;
-    void setDeleteVisible(bool isVisible) override;
     QBLabel* negatorLabel() override;
-    void setNegateVisible(bool isVisible) override;
 
 Q_SIGNALS:
     void deleteButtonClicked();

@@ -37,16 +37,11 @@ public:
     int invalidReason() const { return m_invalidReason; }
 
     QBLabel* valueLabel() const;
-    QBLabel* mainPart() const override;
 
     QBLabel* addRowLabel() override;
-    void setAddRowVisible(bool isVisible) override;
     QBLabel* addBracketLabel() override;
-    void setAddBracketVisible(bool isVisible) override;
     QBLabel* deleteLabel() override;
-    void setDeleteVisible(bool isVisible) override;
     QBLabel* aliasLabel() override;
-    void setAliasVisible(bool isVisible) override;
 
 Q_SIGNALS:
     void signalJumpToSubqueryRequested();

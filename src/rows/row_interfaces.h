@@ -6,14 +6,14 @@ class QBLabel;
 
 /// What a row can do: each of these goes with a label of the row and with a signal of the row's
 /// class. A panel finds out by dynamic_cast. They come second in the base lists, so that the
-/// address of a row stays that of its QWidget.
+/// address of a row stays that of its QWidget. The setters show or hide the label.
 
 /// Signal addRowButtonClicked().
 class IQBNestedListRowWidgetAddRowSupported {
 public:
     virtual ~IQBNestedListRowWidgetAddRowSupported() = default;
     virtual QBLabel* addRowLabel() = 0;
-    virtual void setAddRowVisible(bool isVisible) = 0;
+    virtual void setAddRowVisible(bool isVisible);
 };
 
 /// Signal addBracketButtonClicked().
@@ -21,7 +21,7 @@ class IQBNestedListRowWidgetAddBracketSupported {
 public:
     virtual ~IQBNestedListRowWidgetAddBracketSupported() = default;
     virtual QBLabel* addBracketLabel() = 0;
-    virtual void setAddBracketVisible(bool isVisible) = 0;
+    virtual void setAddBracketVisible(bool isVisible);
 };
 
 /// Signal deleteButtonClicked().
@@ -29,7 +29,7 @@ class IQBNestedListRowWidgetDeleteSupported {
 public:
     virtual ~IQBNestedListRowWidgetDeleteSupported() = default;
     virtual QBLabel* deleteLabel() = 0;
-    virtual void setDeleteVisible(bool isVisible) = 0;
+    virtual void setDeleteVisible(bool isVisible);
 };
 
 /// Signal aliasLabelClicked().
@@ -37,7 +37,7 @@ class IQBNestedListRowWidgetEditAliasSupported {
 public:
     virtual ~IQBNestedListRowWidgetEditAliasSupported() = default;
     virtual QBLabel* aliasLabel() = 0;
-    virtual void setAliasVisible(bool isVisible) = 0;
+    virtual void setAliasVisible(bool isVisible);
 };
 
 /// Signal negateToggleTriggered().
@@ -45,7 +45,7 @@ class IQBNestedListRowWidgetNegateSupported {
 public:
     virtual ~IQBNestedListRowWidgetNegateSupported() = default;
     virtual QBLabel* negatorLabel() = 0;
-    virtual void setNegateVisible(bool isVisible) = 0;
+    virtual void setNegateVisible(bool isVisible);
 };
 
 /// Signal logicGateLabelClicked().
@@ -53,7 +53,7 @@ class IQBNestedListRowWidgetEditLogicGateSupported {
 public:
     virtual ~IQBNestedListRowWidgetEditLogicGateSupported() = default;
     virtual QBLabel* logicGateLabel() = 0;
-    virtual void setLogicGateVisible(bool isVisible) = 0;
+    virtual void setLogicGateVisible(bool isVisible);
 };
 
 }  // namespace QB

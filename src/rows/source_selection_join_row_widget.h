@@ -35,7 +35,6 @@ public:
     QBLabel* conditionLabel() const;
 
     QBLabel* deleteLabel() override;
-    void setDeleteVisible(bool isVisible) override;
 
 Q_SIGNALS:
     void deleteButtonClicked();
@@ -43,8 +42,6 @@ Q_SIGNALS:
     void signalEditConditionRequested();
 
 private:
-    void showCondition();
-
     RowDatabase m_database;
     const std::unique_ptr<Ui::QBSourceSelectionJoinRowWidget> m_ui;
 };

@@ -1,0 +1,98 @@
+#include "rows/source_selection_join_row_widget.h"
+
+#include "model/kind_of.h"
+#include "platform/tolk/tolk.h"
+#include "rows/row_control.h"
+#include "rows/row_texts.h"
+#include "ui_source_selection_join_row_widget.h"
+#include "widgets/join_words.h"
+
+namespace QB {
+
+using namespace Component::SQL;
+
+namespace {
+
+/// The column list of USING, which is kept as one free text.
+QString usingColumns(const SQLAbstractConditionComponent* condition) {
+    const auto* value = ifKind<SQLConditionValueComponent>(condition);
+    const auto* columns =
+        value ? ifKind<SQLAnyExpressionColumnComponent>(value->firstValue()) : nullptr;
+    return columns ? oneLine(columns->expression) : QString();
+}
+
+/// A prompt that says that it is to be clicked.
+RowText openPrompt(Tolk::TextId id) {
+    return {QLatin1Char('<') + Tolk::localize(id) + QStringLiteral("...>"),
+            LabelColour::Placeholder};
+}
+
+RowText conditionText(const SQLJoinSourceNodeComponent* join, const RowDatabase& database) {
+    if (join && join->isUsing) {
+        const QString columns = usingColumns(join->condition);
+        if (columns.isEmpty()) return openPrompt(Tolk::TextPromptUsingColumns);
+        return {QStringLiteral("USING: ") + columns};
+    }
+    if (!join || !join->hasCondition()) return openPrompt(Tolk::TextPromptCondition);
+    const QString text = textInOneLine(join->condition, database);
+    return {QLatin1Char('[') + text + QLatin1Char(']')};
+}
+
+}  // namespace
+
+QBSourceSelectionJoinRowWidget::QBSourceSelectionJoinRowWidget(
+    Component::AbstractQueryComponent* component, QBDatabaseInfo info, const std::string& schema,
+    QWidget* parent)
+    : QBNestedListRowWidget(component, parent)
+    , m_database{info, schema}
+    , m_ui(std::make_unique<Ui::QBSourceSelectionJoinRowWidget>()) {
+    m_ui->setupUi(this);
+    connectClick(m_ui->joinLabel, this,
+                 &QBSourceSelectionJoinRowWidget::signalEditJoinTypeRequested);
+    connectClick(m_ui->conditionLabel, this,
+                 &QBSourceSelectionJoinRowWidget::signalEditConditionRequested);
+    m_ui->deleteLabel->setKind(QBRowControl::Delete);
+    connectClick(m_ui->deleteLabel, this, &QBSourceSelectionJoinRowWidget::deleteButtonClicked);
+    slotOnComponentChanged();
+}
+
+QBSourceSelectionJoinRowWidget::~QBSourceSelectionJoinRowWidget() = default;
+
+QBNestedListRowWidget* QBSourceSelectionJoinRowWidget::clone() {
+    auto* twin = new QBSourceSelectionJoinRowWidget(component(), m_database.info, m_database.schema,
+                                                    nullptr);
+    copyVisibility(this, twin);
+    return twin;
+}
+
+void QBSourceSelectionJoinRowWidget::slotOnComponentChanged() {
+    if (!component()) return;
+    const auto* join = ifKind<SQLJoinSourceNodeComponent>(component());
+    const QString word = join ? joinWord(join) : QString();
+    showRowText(m_ui->joinLabel, textOrPrompt(word, Tolk::TextPromptJoinType));
+    // A comma and CROSS JOIN take none, and one that is left over is not part of the query.
+    const bool takesCondition = !join || join->needsCondition();
+    m_ui->conditionLabel->setVisible(takesCondition);
+    if (takesCondition) showRowText(m_ui->conditionLabel, conditionText(join, m_database));
+}
+
+void QBSourceSelectionJoinRowWidget::setDatabase(QBDatabaseInfo info, const std::string& schema) {
+    const RowDatabase database{info, schema};
+    if (database == m_database) return;
+    m_database = database;
+    slotOnComponentChanged();
+}
+
+QBLabel* QBSourceSelectionJoinRowWidget::deleteLabel() {
+    return m_ui->deleteLabel;
+}
+
+QBLabel* QBSourceSelectionJoinRowWidget::joinLabel() const {
+    return m_ui->joinLabel;
+}
+
+QBLabel* QBSourceSelectionJoinRowWidget::conditionLabel() const {
+    return m_ui->conditionLabel;
+}
+
+}  // namespace QB
