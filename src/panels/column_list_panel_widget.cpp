@@ -2,10 +2,10 @@
 
 #include <QAbstractButton>
 #include <QEvent>
-#include <QItemSelectionModel>
 #include <QMenu>
 #include <QScopedValueRollback>
 #include <algorithm>
+#include <utility>
 
 #include "engine/engine_linux.h"
 #include "layouts/column_vector_layout.h"
@@ -55,6 +55,20 @@ bool losesAlias(const SQLAbstractColumnComponent& column, const QBChosenColumn& 
     return isPlainStar && !column.alias.empty();
 }
 
+std::set<std::string> selectAliases(const SQLSelectStmtComponent& statement) {
+    std::set<std::string> aliases;
+    for (const SQLAbstractColumnComponent* column : statement.selectColumnExpr->columns)
+        aliases.insert(column->alias);
+    return aliases;
+}
+
+/// A name that is not one of @p known, without anything that says where it belongs.
+bool isBareName(const SQLAbstractColumnComponent& column, const std::set<std::string>& known) {
+    const auto* field = ifKind<SQLFieldColumnComponent>(&column);
+    return field && !field->source && !field->referencedColumn && field->parentPath.empty() &&
+           known.count(field->fieldName) == 0;
+}
+
 }  // namespace
 
 QBColumnListPanelWidget::QBColumnListPanelWidget(QWidget* parent) : QBRowListPanelWidget(parent) {}
@@ -72,14 +86,8 @@ void QBColumnListPanelWidget::setupColumns(QBNestedListTableView* view,
             &QBColumnListPanelWidget::dropCurrentRow);
     connect(moveUpButton, &QAbstractButton::clicked, this, [this] { slotMoveUpSelectedRow(); });
     connect(moveDownButton, &QAbstractButton::clicked, this, [this] { slotMoveDownSelectedRow(); });
-    connect(view->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            &QBColumnListPanelWidget::updateMoveButtons);
-    for (const auto rowsChanged :
-         {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
-        connect(view->model(), rowsChanged, this, &QBColumnListPanelWidget::updateMoveButtons);
-    connect(view->model(), &QAbstractItemModel::modelReset, this,
-            &QBColumnListPanelWidget::updateMoveButtons);
-    updateMoveButtons();
+    retranslate();
+    rowsRefreshed();
 }
 
 // ---- the clause -----------------------------------------------------------------------------
@@ -92,6 +100,7 @@ void QBColumnListPanelWidget::setRelatedElements(
     const QSet<TopLevelQueryComponentElementEnum>& elements) {
     QBRowListPanelWidget::setRelatedElements(elements);
     retranslate();
+    if (engine()) refreshUI(true);
 }
 
 SQLSelectStmtComponent* QBColumnListPanelWidget::statement() const {
@@ -159,7 +168,7 @@ QBNestedListRowWidget* QBColumnListPanelWidget::createRowWidget(int row, QWidget
     if (kind == FieldRow) return createFieldRow(component, parent);
     auto* const expression = new QBNestedListAnyExpressionRowWidget(component, parent);
     expression->setAddBracketVisible(false);
-    connectRow(expression, &QBNestedListAnyExpressionRowWidget::valueLabelClicked,
+    connectRow(expression, &QBNestedListAnyExpressionRowWidget::valueLabelClicked, this,
                &QBColumnListPanelWidget::slotEditSelectedRowField);
     setupExpressionRow(expression);
     return expression;
@@ -185,43 +194,50 @@ QBColumnListPanelWidget::Column* QBColumnListPanelWidget::currentColumn() const 
     return columnAt(rowView()->currentRow());
 }
 
-bool QBColumnListPanelWidget::makeCurrent(QWidget* rowWidget) {
-    const int row = rowView()->rowOf(rowWidget);
-    if (row >= 0) rowView()->selectOnly(row);
-    return row >= 0;
-}
-
 // ---- validity -------------------------------------------------------------------------------
 
 void QBColumnListPanelWidget::checkInvalidComponents() {
     using namespace Tools::Validation;
-    if (m_isChecking) return;
-    if (!statement()) return m_invalidComponentsPerLayer.top().clear();
-    // What is repaired is announced, which must not lead to a check within the check.
-    const QScopedValueRollback<bool> guard(m_isChecking, true);
-    const int layer = engine()->currentTopLevelQueryComponentLayer();
-    const InvalidColumns known = m_invalidComponentsPerLayer.top();
-    const int which = firstRelatedElement();
-    InvalidColumns found = which == ElementSelectColumn
-                               ? invalidateRefComponents_selectColumn(which, engine(), this, &known)
-                               : invalidateRefComponents_column(which, engine(), this, &known);
-    if (engine() && engine()->currentTopLevelQueryComponentLayer() == layer)
-        m_invalidComponentsPerLayer.top() = std::move(found);
+    InvalidColumns found;
+    if (statement()) {
+        const InvalidColumns known = m_invalidComponentsPerLayer.top();
+        const int which = firstRelatedElement();
+        found = which == ElementSelectColumn
+                    ? invalidateRefComponents_selectColumn(which, engine(), this, &known)
+                    : invalidateRefComponents_column(which, engine(), this, &known);
+        keepLostReferences(found);
+    }
+    m_invalidComponentsPerLayer.top() = std::move(found);
+}
+
+/// A check takes the reference to a column that has gone away, and the next one finds a bare name,
+/// which may be anything. It stays marked until it names something again.
+void QBColumnListPanelWidget::keepLostReferences(Tools::Validation::InvalidColumns& found) {
+    using Tools::Validation::InvalidReferencedColumn;
+    const std::set<long> earlier = std::exchange(m_lostReferencesPerLayer.top(), {});
+    std::set<std::string> aliases;
+    if (!earlier.empty()) aliases = selectAliases(*statement());
+    const std::vector<Column*>* const list = columns();
+    if (!list) return;
+    for (Column* column : *list) {
+        const auto fault = found.find(column);
+        const bool isNew = fault != found.end() && fault->second == InvalidReferencedColumn;
+        const bool isOld = earlier.count(column->id()) > 0 && isBareName(*column, aliases);
+        if (!isNew && !isOld) continue;
+        m_lostReferencesPerLayer.top().insert(column->id());
+        found.emplace(column, InvalidReferencedColumn);
+    }
 }
 
 bool QBColumnListPanelWidget::needsCheck(
     void* sender, const QSet<TopLevelQueryComponentElementEnum>& elements) const {
-    return elements.contains(ElementSource) || (sender != this && elements.contains(element()));
-}
-
-void QBColumnListPanelWidget::checkAgain() {
-    checkInvalidComponents();
-    rowView()->updateRowWidgets();
-    Q_EMIT signalIconNeedsUpdate();
+    const bool isForeign = sender != this && elements.contains(element());
+    return m_isChangingColumns || isForeign || elements.contains(ElementSource);
 }
 
 void QBColumnListPanelWidget::adjustLayers(int currentLayer) {
     m_invalidComponentsPerLayer.adjustTo(currentLayer);
+    m_lostReferencesPerLayer.adjustTo(currentLayer);
 }
 
 bool QBColumnListPanelWidget::hasInvalidComponents() const {
@@ -292,6 +308,7 @@ void QBColumnListPanelWidget::insertColumn(const QBChosenColumn& chosen, QBRowKe
     std::unique_ptr<Column> column(obtainSuitableComponent(nullptr, tabOf(chosen)));
     if (!fillColumn(column.get(), chosen, engine())) return;
     settleExtraData(*column, OrderDirectionNone);
+    const QScopedValueRollback<bool> guard(m_isChangingColumns, true);
     applyOwnEdit([&] {
         const Items added =
             editableLayout().insertItem(engine(), element(), this, column.get(), findRow(before));
@@ -299,7 +316,6 @@ void QBColumnListPanelWidget::insertColumn(const QBChosenColumn& chosen, QBRowKe
         column.release();
         return static_cast<int>(rowLayout().indexOfItem(added.front()));
     });
-    checkAgain();
 }
 
 void QBColumnListPanelWidget::editColumn(QBRowKey key, const QBChosenColumn& chosen) {
@@ -314,13 +330,13 @@ void QBColumnListPanelWidget::editColumn(QBRowKey key, const QBChosenColumn& cho
     Column* const column = obtainSuitableComponent(kept, tabOf(chosen));
     std::unique_ptr<Column> replacement(column == old ? nullptr : column);
     m_invalidComponentsPerLayer.top().erase(old);
+    const QScopedValueRollback<bool> guard(m_isChangingColumns, true);
     modifyColumns(row, [&] {
         if (!fillColumn(column, chosen, engine())) return false;
         if (replacement) replaceColumn(item, std::move(replacement));
         settleExtraData(*column, direction);
         return true;
     });
-    checkAgain();
 }
 
 /// Inside a block.
@@ -361,7 +377,6 @@ void QBColumnListPanelWidget::slotRemoveSelectedRow() {
         editableLayout().removeItems(engine(), element(), this, going);
         return std::min(std::max(row, 0), rowCount() - 1);
     });
-    Q_EMIT signalIconNeedsUpdate();
 }
 
 // ---- moving ---------------------------------------------------------------------------------
@@ -398,7 +413,7 @@ void QBColumnListPanelWidget::moveComponent(int row, int target) {
     });
 }
 
-void QBColumnListPanelWidget::updateMoveButtons() {
+void QBColumnListPanelWidget::rowsRefreshed() {
     const int row = rowView()->currentRow();
     const bool isColumn = columnAt(row) != nullptr;
     m_moveUpButton->setEnabled(isColumn && row > 0);
@@ -429,7 +444,6 @@ void QBColumnListPanelWidget::retranslate() {
     };
     name(m_moveUpButton, Tolk::TextMoveUp, Tolk::TextMoveUpHint);
     name(m_moveDownButton, Tolk::TextMoveDown, Tolk::TextMoveDownHint);
-    rowView()->updateRowWidgets();
 }
 
 void QBColumnListPanelWidget::changeEvent(QEvent* event) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <set>
+
 #include "popups/column_choice.h"
 #include "popups/column_choice_host.h"
 #include "popups/panel_popup.h"
@@ -67,7 +69,7 @@ protected:
 
     /// What an empty list says.
     virtual QString promptText() const = 0;
-    /// A row for a field column, its own signals connected by connectRow().
+    /// A row for a field column, its own signals connected.
     virtual QBNestedListRowWidget* createFieldRow(Component::AbstractQueryComponent* component,
                                                   QWidget* parent) = 0;
     virtual void markFieldRow(QBNestedListRowWidget* widget, const Column& column, int reason) = 0;
@@ -83,14 +85,6 @@ protected:
 
     // What they do alike.
 
-    /// Connects a signal of a row to a slot of the panel, which finds the row as the current one.
-    template <typename Row, typename Panel>
-    void connectRow(Row* widget, void (Row::*rowSignal)(), void (Panel::*slot)()) {
-        connect(widget, rowSignal, this, [this, widget, slot] {
-            if (makeCurrent(widget)) (static_cast<Panel*>(this)->*slot)();
-        });
-    }
-
     /// The statement of the current layer; null if there is none.
     Component::SQL::SQLSelectStmtComponent* statement() const;
     const RowDatabase& rowDatabase() const { return m_rowDatabase; }
@@ -103,8 +97,6 @@ protected:
     /// Runs @p edit in one modification of the clause, as an edit of this panel; @p edit returns
     /// whether it changed anything. @p row is selected then; -1: the selection stays.
     void modifyColumns(int row, const std::function<bool()>& edit);
-    /// Validates after an edit that can have changed what is valid, and shows the marks.
-    void checkAgain();
 
     /// The popup of the panel is for the row of @p key from now on; an invalid key: for none.
     void setPopupRow(QBRowKey key) { m_popupRow = key; }
@@ -121,6 +113,7 @@ protected:
     void cancelPopup() override { m_popup.cancel(); }
     QBRowKey popupRow() const override { return m_popupRow; }
 
+    void rowsRefreshed() override;
     void changeEvent(QEvent* event) override;
 
 private:
@@ -128,7 +121,6 @@ private:
 
     std::vector<Column*>* columns() const;
     int invalidReason(const Column* column) const;
-    bool makeCurrent(QWidget* rowWidget);
 
     void addComponent(bool insert);
     /// @p edited is null when adding.
@@ -141,12 +133,14 @@ private:
     void moveComponent(int row, int target);
     void moveCurrentRow(int offset);
     void dropCurrentRow(int target);
-    void updateMoveButtons();
+    void keepLostReferences(Tools::Validation::InvalidColumns& found);
 
     PerLayer<Tools::Validation::InvalidColumns> m_invalidComponentsPerLayer;
+    /// The ids of columns whose column of the SELECT list has gone.
+    PerLayer<std::set<long>> m_lostReferencesPerLayer;
     RowDatabase m_rowDatabase;
     QBRowKey m_popupRow;
-    bool m_isChecking = false;
+    bool m_isChangingColumns = false;             // an edit after which validity is to be looked at
     QAbstractButton* m_moveUpButton = nullptr;    // not owned: a child
     QAbstractButton* m_moveDownButton = nullptr;  // not owned: a child
     QBPanelPopup m_popup{this};                   // last, so that it goes first

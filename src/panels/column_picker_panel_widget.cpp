@@ -39,7 +39,6 @@ QBColumnPickerPanelWidget::QBColumnPickerPanelWidget(QWidget* parent)
     : QBColumnListPanelWidget(parent), m_ui(std::make_unique<Ui::QBColumnPickerPanelWidget>()) {
     m_ui->setupUi(this);
     setupColumns(m_ui->tableView, m_ui->moveUpButton, m_ui->moveDownButton);
-    retranslate();
 }
 
 QBColumnPickerPanelWidget::~QBColumnPickerPanelWidget() = default;
@@ -66,9 +65,10 @@ QBNestedListRowWidget* QBColumnPickerPanelWidget::createFieldRow(
     const RowDatabase& database = rowDatabase();
     auto* const row = new Row(component, database.info, database.schema, parent);
     row->setOrderVisible(isOrderBy());
-    connectRow(row, &Row::identifierLabelClicked,
-               &QBColumnPickerPanelWidget::slotEditSelectedRowField);
-    connectRow(row, &Row::orderLabelClicked, &QBColumnPickerPanelWidget::slotEditSelectedRowOrder);
+    connectRow<Row, QBColumnListPanelWidget>(row, &Row::identifierLabelClicked, this,
+                                             &QBColumnListPanelWidget::slotEditSelectedRowField);
+    connectRow(row, &Row::orderLabelClicked, this,
+               &QBColumnPickerPanelWidget::slotEditSelectedRowOrder);
     return row;
 }
 
@@ -84,7 +84,7 @@ void QBColumnPickerPanelWidget::markFieldRow(QBNestedListRowWidget* widget, cons
 void QBColumnPickerPanelWidget::setupExpressionRow(QBNestedListAnyExpressionRowWidget* widget) {
     widget->setAliasVisible(false);
     widget->setOrderVisible(isOrderBy());
-    connectRow(widget, &QBNestedListAnyExpressionRowWidget::orderLabelClicked,
+    connectRow(widget, &QBNestedListAnyExpressionRowWidget::orderLabelClicked, this,
                &QBColumnPickerPanelWidget::slotEditSelectedRowOrder);
 }
 

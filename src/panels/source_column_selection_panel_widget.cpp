@@ -2,8 +2,9 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
-#include <QSignalBlocker>
+#include <QHash>
 #include <algorithm>
+#include <utility>
 
 #include "engine/engine_linux.h"
 #include "model/kind_of.h"
@@ -16,6 +17,7 @@
 #include "rows/row_interfaces.h"
 #include "ui_source_column_selection_panel_widget.h"
 #include "widgets/label.h"
+#include "widgets/plain_tool_tip.h"
 
 namespace QB {
 
@@ -36,11 +38,11 @@ bool isPlainStar(const SQLAbstractColumnComponent& column) {
     return field && field->isAsterisk && field->aggregateFunction.empty();
 }
 
-bool haveSameTexts(const std::vector<QBSelectOption>& a, const std::vector<QBSelectOption>& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](const QBSelectOption& one, const QBSelectOption& other) {
-                          return one.text == other.text;
-                      });
+QBSelectOption* findOption(std::vector<QBSelectOption>& options, const QString& text) {
+    const auto found =
+        std::find_if(options.begin(), options.end(),
+                     [&text](const QBSelectOption& option) { return option.text == text; });
+    return found == options.end() ? nullptr : &*found;
 }
 
 }  // namespace
@@ -66,7 +68,8 @@ void QBSourceColumnSelectionPanelWidget::renewRoot() {
 void QBSourceColumnSelectionPanelWidget::retranslate() {
     QBColumnListPanelWidget::retranslate();
     m_ui->tableView->setAccessibleName(Tolk::localizeWithArgs(Tolk::TextColumnsOfClause, "SELECT"));
-    if (engine()) rebuildBoxes(shownOptions());
+    for (QAbstractButton* box : m_extraOptionsGroup->buttons())
+        explainBox(box);
 }
 
 // ---- rows -----------------------------------------------------------------------------------
@@ -80,8 +83,8 @@ QBNestedListRowWidget* QBSourceColumnSelectionPanelWidget::createFieldRow(
     using Row = QBColumnPanelFieldRowWidget;
     const RowDatabase& database = rowDatabase();
     auto* const row = new Row(component, database.info, database.schema, parent);
-    connectRow(row, &Row::identifierLabelClicked,
-               &QBSourceColumnSelectionPanelWidget::slotEditSelectedRowField);
+    connectRow<Row, QBColumnListPanelWidget>(row, &Row::identifierLabelClicked, this,
+                                             &QBColumnListPanelWidget::slotEditSelectedRowField);
     return row;
 }
 
@@ -136,47 +139,59 @@ void QBSourceColumnSelectionPanelWidget::setAlias(QBRowKey key, const QString& a
 
 void QBSourceColumnSelectionPanelWidget::setupExtraOptions(DatabaseType family) {
     const SQLSelectStmtComponent* const current = statement();
+    const long statementId = current ? current->id() : -1;
+    if (std::exchange(m_optionsOf, statementId) != statementId) m_uncheckedOptions.clear();
     const QString text =
         current ? QString::fromStdString(current->selectColumnExpr->selectOption) : QString();
-    showOptions(selectOptions(selectOptionWords(family), text));
+    std::vector<QBSelectOption> options = selectOptions(selectOptionWords(family), text);
+    for (const QString& unchecked : m_uncheckedOptions) {
+        if (!findOption(options, unchecked)) options.push_back({unchecked, false});
+    }
+    showOptions(options);
 }
 
 void QBSourceColumnSelectionPanelWidget::showOptions(const std::vector<QBSelectOption>& options) {
-    if (!haveSameTexts(options, shownOptions())) return rebuildBoxes(options);
-    const QList<QAbstractButton*> boxes = m_extraOptionsGroup->buttons();
-    for (int i = 0; i < boxes.size(); ++i)
-        boxes[i]->setChecked(options[static_cast<std::size_t>(i)].isChosen);
-}
-
-void QBSourceColumnSelectionPanelWidget::rebuildBoxes(const std::vector<QBSelectOption>& options) {
+    QHash<QString, QAbstractButton*> earlier;
     const auto boxes = m_extraOptionsGroup->buttons();
-    for (QAbstractButton* box : boxes) {
+    for (QAbstractButton* box : boxes)
+        earlier.insert(optionOf(box), box);
+    // The group lists its boxes in the order in which they came.
+    for (QAbstractButton* box : boxes)
         m_extraOptionsGroup->removeButton(box);
+    QLayout* const row = m_ui->extraOptionsContainer->layout();
+    for (const QBSelectOption& option : options) {
+        QAbstractButton* box = earlier.take(option.text);
+        if (!box) box = createBox(option.text);
+        box->setChecked(option.isChosen);
+        m_extraOptionsGroup->addButton(box);
+        row->removeWidget(box);
+        row->addWidget(box);
+    }
+    for (QAbstractButton* box : qAsConst(earlier)) {
         box->setParent(nullptr);
         box->deleteLater();  // this may be its own click
     }
-    for (const QBSelectOption& option : options) {
-        QCheckBox* const box = createBox(option.text);
-        box->setChecked(option.isChosen);
-        m_extraOptionsGroup->addButton(box);
-        m_ui->extraOptionsContainer->layout()->addWidget(box);
-    }
 }
 
-QCheckBox* QBSourceColumnSelectionPanelWidget::createBox(const QString& option) {
-    const bool isKnown = selectOptionWords(engine()->databaseType()).contains(option);
-    const QString hint =
-        Tolk::localize(isKnown ? Tolk::TextDistinctHint : Tolk::TextUnknownOptionHint);
+QAbstractButton* QBSourceColumnSelectionPanelWidget::createBox(const QString& option) {
     auto* const box = new QCheckBox(QString(option).replace(QLatin1Char('&'), QLatin1String("&&")),
                                     m_ui->extraOptionsContainer);
     box->setProperty(optionProperty, option);
-    box->setToolTip(isKnown ? hint : option.toHtmlEscaped() + QLatin1String("<br>") + hint);
-    box->setAccessibleDescription(hint);
-    // A long text, which nobody asked for, must not make the whole panel wide.
-    if (!isKnown) box->setMinimumWidth(narrowestBox);
+    explainBox(box);
     connect(box, &QCheckBox::clicked, this,
             &QBSourceColumnSelectionPanelWidget::slotExtraOptionChanged);
     return box;
+}
+
+void QBSourceColumnSelectionPanelWidget::explainBox(QAbstractButton* box) {
+    const QString option = optionOf(box);
+    const bool isKnown = engine() && selectOptionWords(engine()->databaseType()).contains(option);
+    const QString hint =
+        Tolk::localize(isKnown ? Tolk::TextDistinctHint : Tolk::TextUnknownOptionHint);
+    box->setToolTip(plainToolTip(isKnown ? hint : option + QLatin1Char('\n') + hint));
+    box->setAccessibleDescription(hint);
+    // A long text, which nobody asked for, must not make the whole panel wide.
+    box->setMinimumWidth(isKnown ? 0 : narrowestBox);
 }
 
 std::vector<QBSelectOption> QBSourceColumnSelectionPanelWidget::shownOptions() const {
@@ -196,12 +211,13 @@ void QBSourceColumnSelectionPanelWidget::slotExtraOptionChanged() {
         return;
     }
     std::vector<QBSelectOption> options = shownOptions();
-    const auto at = std::find_if(options.begin(), options.end(), [&](const QBSelectOption& option) {
-        return option.text == changed.text;
-    });
-    if (at != options.end()) {
-        at->isChosen = changed.isChosen;
-        settleSelectOptions(options, static_cast<std::size_t>(at - options.begin()));
+    if (QBSelectOption* const option = findOption(options, changed.text)) {
+        option->isChosen = changed.isChosen;
+        settleSelectOptions(options, static_cast<std::size_t>(option - options.data()));
+    }
+    m_uncheckedOptions.clear();
+    for (const QBSelectOption& option : options) {
+        if (!option.isChosen) m_uncheckedOptions << option.text;
     }
     showOptions(options);
     storeOptions(options);

@@ -7,7 +7,6 @@
 #include "panels/select_options.h"
 
 class QButtonGroup;
-class QCheckBox;
 
 namespace Ui {
 class QBSourceColumnSelectionPanelWidget;
@@ -50,13 +49,15 @@ private:
     /// stays, with its focus.
     void setupExtraOptions(DatabaseType family);
     void showOptions(const std::vector<QBSelectOption>& options);
-    void rebuildBoxes(const std::vector<QBSelectOption>& options);
-    QCheckBox* createBox(const QString& option);
+    QAbstractButton* createBox(const QString& option);
+    void explainBox(QAbstractButton* box);
     std::vector<QBSelectOption> shownOptions() const;
     void storeOptions(const std::vector<QBSelectOption>& options);
     void setAlias(QBRowKey key, const QString& alias);
 
     const std::unique_ptr<Ui::QBSourceColumnSelectionPanelWidget> m_ui;
+    long m_optionsOf = -1;                    // the statement whose options are shown
+    QStringList m_uncheckedOptions;           // what its user took back and may want again
     QButtonGroup* const m_extraOptionsGroup;  // not owned: a child
 };
 
