@@ -46,10 +46,13 @@ std::optional<int> valueOfText(const QString& text) {
     return value;
 }
 
-void tellRefusal(QWidget* widget) {
-    const QString text = Tolk::localizeWithArgs(Tolk::TextRowLimitRefused, largestValue);
-    widget->setAccessibleDescription(text);
-    QToolTip::showText(widget->mapToGlobal(widget->rect().bottomLeft()), text, widget);
+QString refusal() {
+    return Tolk::localizeWithArgs(Tolk::TextRowLimitRefused, largestValue);
+}
+
+void tellRefusal(QLineEdit* line) {
+    line->setAccessibleDescription(refusal());
+    QToolTip::showText(line->mapToGlobal(line->rect().bottomLeft()), refusal(), line);
 }
 
 int widthOf(const QLabel* label, const QString& text) {
@@ -91,6 +94,8 @@ void QBRowSelectionLimitPanelWidget::setupUi() {
         label->setFocusPolicy(Qt::StrongFocus);
         label->installEventFilter(this);
     }
+    ui->refusalLabel->setLabelColour(LabelColour::Invalid);
+    ui->refusalLabel->hide();
     setFocusProxy(ui->clicklabel_offset);
     localizeControls();
 }
@@ -99,6 +104,7 @@ void QBRowSelectionLimitPanelWidget::localizeControls() {
     ui->label_offset->setText(Tolk::localize(Tolk::TextRowOffset) + QLatin1Char(':'));
     ui->label_rowCount->setText(Tolk::localize(Tolk::TextRowCount) + QLatin1Char(':'));
     updateDisplay();
+    ui->refusalLabel->setText(refusal());
 
     // The two lines are layouts of their own; they shall look like one table all the same.
     const int titles =
@@ -139,6 +145,7 @@ int QBRowSelectionLimitPanelWidget::shownValue(const QBLabel* label) const {
 
 void QBRowSelectionLimitPanelWidget::updateDisplay() {
     const ELEMSQLLimitExpr* shown = limit();
+    ui->refusalLabel->hide();
     ui->percentLabel->setVisible(shown != nullptr && shown->isPercent);
     showValue(ui->clicklabel_offset, shownValue(ui->clicklabel_offset), Tolk::TextRowOffsetPrompt,
               Tolk::localize(Tolk::TextRowOffset));
@@ -153,6 +160,7 @@ void QBRowSelectionLimitPanelWidget::showValue(QBLabel* label, int value, unsign
     const bool isPercent = label == ui->clicklabel_rowCount && !ui->percentLabel->isHidden();
     label->setAccessibleName(title + QLatin1String(": ") + label->fullText() +
                              (isPercent ? QLatin1String(" %") : QLatin1String()));
+    label->setAccessibleDescription(QString());
 }
 
 void QBRowSelectionLimitPanelWidget::relatedElementModified(
@@ -202,7 +210,9 @@ void QBRowSelectionLimitPanelWidget::takeText(QBLabel* label, long statementId,
                                               const QString& text) {
     if (!mayAct() || engine()->currentTopLevelQueryComponent()->id() != statementId) return;
     const std::optional<int> value = valueOfText(text);
-    if (!value) return tellRefusal(label);
+    // Beside the value: a click outside, with which it came, would hide a tooltip.
+    ui->refusalLabel->setVisible(!value);
+    if (!value) return label->setAccessibleDescription(refusal());
     setValue(label, *value);
 }
 
