@@ -15,13 +15,13 @@
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
 #include "widgets/mouse_over_border_button.h"
+#include "widgets/plain_tool_tip.h"
 
 namespace QB {
 namespace {
 
 /// A name is shown up to this width, in characters of average width.
 constexpr int nameColumns = 40;
-constexpr int toolTipLength = 2000;
 
 /// As high as its content, however large the font: a line that scrolls only sideways.
 class LineScrollArea : public QScrollArea {
@@ -118,7 +118,7 @@ void QBNavigationBar::addButton(const QString& name, int layer, bool isCurrent) 
     const QString shown = fontMetrics().elidedText(name.simplified(), Qt::ElideRight,
                                                    nameColumns * fontMetrics().averageCharWidth());
     button->setText(QString(shown).replace(QLatin1Char('&'), QLatin1String("&&")));
-    if (shown != name) button->setToolTip(name.left(toolTipLength).toHtmlEscaped());
+    if (shown != name) button->setToolTip(plainToolTip(name));
     button->setAccessibleName(name);
     button->installEventFilter(this);
     if (isCurrent) button->setStyleSheet(QStringLiteral("font-weight:bold"));
