@@ -64,6 +64,9 @@ public:
         }
     }
 
+    /// Whether a dispatched function has not returned yet.
+    bool hasWorkers() const { return m_running.load() > 0; }
+
     /// Runs main-thread work until every dispatched function has returned.
     void finishWorkers() {
         while (m_running.load() > 0) {
