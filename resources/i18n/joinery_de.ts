@@ -607,5 +607,73 @@
         <source>An option of this query. It stays as long as the box is checked.</source>
         <translation>Eine Option dieser Abfrage. Sie bleibt, solange das Feld angekreuzt ist.</translation>
     </message>
+    <message>
+        <source>Table</source>
+        <translation>Tabelle</translation>
+    </message>
+    <message>
+        <source>Field</source>
+        <translation>Feld</translation>
+    </message>
+    <message>
+        <source>Expression</source>
+        <translation>Ausdruck</translation>
+    </message>
+    <message>
+        <source>Subquery</source>
+        <translation>Unterabfrage</translation>
+    </message>
+    <message>
+        <source>Aggregate</source>
+        <translation>Aggregat</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keines</translation>
+    </message>
+    <message>
+        <source>Filter by name</source>
+        <translation>Nach Namen filtern</translation>
+    </message>
+    <message>
+        <source>Tables and views</source>
+        <translation>Tabellen und Sichten</translation>
+    </message>
+    <message>
+        <source>Fields to choose from</source>
+        <translation>Felder zur Auswahl</translation>
+    </message>
+    <message>
+        <source>All</source>
+        <translation>Alle</translation>
+    </message>
+    <message>
+        <source>Columns of the SELECT list</source>
+        <translation>Spalten der SELECT-Liste</translation>
+    </message>
+    <message>
+        <source>Nothing found</source>
+        <translation>Nichts gefunden</translation>
+    </message>
+    <message>
+        <source>No tables yet: add one to the FROM clause first</source>
+        <translation>Noch keine Tabellen: Nehmen Sie zuerst eine in die FROM-Klausel auf</translation>
+    </message>
+    <message>
+        <source>No tables are known</source>
+        <translation>Es sind keine Tabellen bekannt</translation>
+    </message>
+    <message>
+        <source>There is nothing to choose from here</source>
+        <translation>Hier gibt es nichts auszuwählen</translation>
+    </message>
+    <message>
+        <source>For example: price * 2</source>
+        <translation>Zum Beispiel: price * 2</translation>
+    </message>
+    <message>
+        <source>For example: SELECT * FROM city</source>
+        <translation>Zum Beispiel: SELECT * FROM city</translation>
+    </message>
 </context>
 </TS>
