@@ -143,10 +143,13 @@ QString oneLine(const std::string& text) {
 }
 
 void showRowText(QBLabel* label, const RowText& text, int reason) {
-    const QString why = reason < 0 ? QString() : invalidReasonText(reason);
+    showRowText(label, text, reason < 0 ? QString() : invalidReasonText(reason));
+}
+
+void showRowText(QBLabel* label, const RowText& text, const QString& why) {
     const QString toolTip = text.toolTip.isEmpty() ? text.text : text.toolTip;
     label->setText(text.text);
-    label->setLabelColour(reason < 0 ? text.colour : LabelColour::Invalid);
+    label->setLabelColour(why.isEmpty() ? text.colour : LabelColour::Invalid);
     label->setToolTipText(why.isEmpty() ? toolTip : why + QLatin1Char('\n') + toolTip);
     if (label->accessibleDescription() != why) label->setAccessibleDescription(why);
 }

@@ -56,6 +56,8 @@ QString oneLine(const std::string& text);
 /// Shows @p text on @p label; marked as invalid, with the reason first in the tooltip and as the
 /// description, unless @p reason is -1.
 void showRowText(QBLabel* label, const RowText& text, int reason = -1);
+/// The same with a reason in words; empty: it is valid.
+void showRowText(QBLabel* label, const RowText& text, const QString& reason);
 
 /// Shows @p row's labels as @p other's of the same name are shown: what a twin has to copy.
 void copyVisibility(const QWidget* row, QWidget* other);

@@ -61,6 +61,7 @@ QBSourceSelectionJoinRowWidget::~QBSourceSelectionJoinRowWidget() = default;
 QBNestedListRowWidget* QBSourceSelectionJoinRowWidget::clone() {
     auto* twin = new QBSourceSelectionJoinRowWidget(component(), m_database.info, m_database.schema,
                                                     nullptr);
+    twin->setConditionFault(m_conditionFault);
     copyVisibility(this, twin);
     return twin;
 }
@@ -73,7 +74,14 @@ void QBSourceSelectionJoinRowWidget::slotOnComponentChanged() {
     // A comma and CROSS JOIN take none, and one that is left over is not part of the query.
     const bool takesCondition = !join || join->needsCondition();
     m_ui->conditionLabel->setVisible(takesCondition);
-    if (takesCondition) showRowText(m_ui->conditionLabel, conditionText(join, m_database));
+    if (!takesCondition) return;
+    showRowText(m_ui->conditionLabel, conditionText(join, m_database), m_conditionFault);
+}
+
+void QBSourceSelectionJoinRowWidget::setConditionFault(const QString& fault) {
+    if (fault == m_conditionFault) return;
+    m_conditionFault = fault;
+    slotOnComponentChanged();
 }
 
 void QBSourceSelectionJoinRowWidget::setDatabase(QBDatabaseInfo info, const std::string& schema) {

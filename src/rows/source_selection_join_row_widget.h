@@ -29,6 +29,9 @@ public:
     /// The server and the schema that may be left out; see schemaLeftOut().
     void setDatabase(QBDatabaseInfo info, const std::string& schema);
 
+    /// Marks the condition as invalid and says why; empty, as at first: it is not.
+    void setConditionFault(const QString& fault);
+
     /// Where the choice of the kind opens.
     QBLabel* joinLabel() const;
     /// Where the condition is edited; hidden for a comma.
@@ -43,6 +46,7 @@ Q_SIGNALS:
 
 private:
     RowDatabase m_database;
+    QString m_conditionFault;
     const std::unique_ptr<Ui::QBSourceSelectionJoinRowWidget> m_ui;
 };
 
