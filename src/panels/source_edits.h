@@ -1,0 +1,106 @@
+#pragma once
+
+#include <QStringList>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "engine/engine.h"
+#include "layouts/source_tree_layout.h"
+#include "model/components.h"
+#include "model/detached_parts.h"
+
+namespace QB {
+
+/// The kind of a join, and the words of a custom one.
+struct SourceJoinChoice {
+    SQLJoinType type = SQLJoinTypeComma;
+    std::string text;
+};
+
+/// Where a new source goes, seen from a row: before it, or to the end of the group it is in.
+enum class SourcePlace { Before, GroupEnd };
+
+/// What a list of sources does to the FROM clause of the current layer. Each edit is one
+/// modification; what it takes out is retired.
+///
+/// A comma binds weaker than other joins, and a bracket hides what is in it: an edit can put
+/// tables out of sight of a condition. Behind a comma such a condition is removed, since some
+/// servers would read it as another one. After a change of brackets it stays, to be mended or
+/// brought back into sight. Both are told; what only named a source that was removed is not.
+///
+/// @p rows are over that clause and in step with it; so they are afterwards, some with new records.
+/// Thread: main; not inside a modification.
+class SourceEdits {
+public:
+    using Source = Component::SQL::SQLAbstractSourceComponent;
+    using Join = Component::SQL::SQLJoinSourceNodeComponent;
+    using Condition = Component::SQL::SQLAbstractConditionComponent;
+    using Rows = QBComponentsListLayout_Private::SourceTreeLayout;
+    using Items = Rows::Items;
+    using Slot = Rows::Slot;
+
+    SourceEdits(QBEngine* engine, Rows* rows, void* sender)
+        : m_engine(engine), m_rows(rows), m_sender(sender) {}
+
+    /// Adds a table, free text, subquery or an empty bracket. Without @p join, and where nothing
+    /// stands before it, it is joined by a comma.
+    /// Returns its row; -1 if it does not belong there: it is destroyed then.
+    int add(std::unique_ptr<Source> source, int row, SourcePlace place,
+            const std::optional<SourceJoinChoice>& join);
+    /// Removes a source, or a bracket with all in it, and the join that bound it. Of a join only
+    /// what it binds: it becomes a comma.
+    void remove(int row);
+    /// Puts another source in the place of a table, free text or subquery. It takes over the alias,
+    /// unless it has one, and the fields. Destroyed where it does not fit.
+    void replace(int row, std::unique_ptr<Source> replacement);
+    /// A comma keeps the condition, unwritten, for the case that it becomes another join again.
+    void setJoin(int row, const SourceJoinChoice& choice);
+    /// ON becomes USING and the other way round; the condition goes.
+    void changeConditionForm(int row);
+    /// Null: none.
+    void setUsingList(int row, std::unique_ptr<Condition> list);
+    void setAlias(int row, const std::string& alias);
+    void setTable(int row, const std::vector<std::string>& path, const std::string& name);
+    void setExpression(int row, const std::string& text);
+    void setStatement(int row, OwnedStatement statement);
+    void group(const Items& items);
+    void ungroup(const Items& items);
+
+    /// What the edits so far did to conditions, a line for each to tell the user; empty if nothing.
+    const QStringList& removedConditions() const { return m_removed; }
+    const QStringList& blindConditions() const { return m_blind; }
+
+private:
+    using Conditions = std::set<const Condition*>;
+    enum class Fate { Stays, Removed };
+
+    void modify(const std::function<void(Slot root)>& change);
+    void modifyWithConditions(Fate fate, const std::function<void(Slot root)>& change);
+    template <typename Kind>
+    void change(int row, const std::function<void(Kind*)>& edit);
+    template <typename Kind>
+    Kind* at(int row) const;
+    int rowOf(const Source* source) const;
+
+    /// Gives the group of @p component the shape that its text is read in.
+    void settleGroup(Slot root, const Source* component);
+    void bind(Slot root, Join* join, const SourceJoinChoice& choice);
+    void takeOverFields(const Source* old, Source* replacement) const;
+
+    static Conditions blindConditionsOf(Slot root);
+    void removeBlind(Slot root, const Conditions& before, const std::set<const Source*>& gone);
+    void tellBlind(Slot root, const Conditions& before);
+    QString textOf(const Condition* condition) const;
+
+    QBEngine* const m_engine;  // not owned
+    Rows* const m_rows;        // not owned
+    void* const m_sender;      // not owned: compared only
+    QStringList m_removed;
+    QStringList m_blind;
+};
+
+}  // namespace QB
