@@ -3,15 +3,20 @@
 #include <QList>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "conditions/condition_operators.h"
 #include "conditions/condition_side.h"
+#include "conditions/condition_values.h"
 #include "model/detached_parts.h"
 #include "model/element_expressions.h"
+#include "popups/column_choice.h"
 #include "popups/column_choice_host.h"
 #include "popups/panel_popup.h"
+#include "rows/row_database.h"
 #include "rows/row_list_panel_widget.h"
 #include "tools/validation.h"
 #include "widgets/invalid_excluder.h"
@@ -22,8 +27,6 @@ class QBConditionBuilderPanelWidget;
 }
 
 namespace QB {
-
-class QBConditionNestedListRowWidget;
 
 /// Edits one chain of conditions as a list of rows: that of the WHERE clause, of the HAVING clause,
 /// or the ON condition of one join.
@@ -118,6 +121,7 @@ Q_SIGNALS:
 protected:
     std::unique_ptr<QBComponentsListLayout::Impl> createLayout() override;
     void renewRoot() override;
+    void rowsRefreshed() override;
     void markRow(QBNestedListRowWidget* widget, const Item& item) override;
     bool needsCheck(void* sender,
                     const QSet<TopLevelQueryComponentElementEnum>& elements) const override;
@@ -125,40 +129,69 @@ protected:
     bool isPopupOpen() const override { return m_popup.isOpen(); }
     void cancelPopup() override { m_popup.cancel(); }
     QBRowKey popupRow() const override { return m_popupRow; }
+    void changeEvent(QEvent* event) override;
 
 private:
     using Slot = Condition**;
     using Value = Component::SQL::SQLConditionValueComponent;
     using Compare = Component::SQL::SQLCompareConditionComponent;
-    /// Writes into a value; what it takes out goes to the list.
-    using WriteValue = std::function<void(Value*, DetachedParts&)>;
 
-    /// The component of a source or a join, to find it again in the tree.
+    /// A source or a join, to be found again in the tree.
     struct KnownSource {
         const Source* source;  // not owned: compared, never looked into
         long id;
     };
 
+    // The chain.
     Slot findRoot();
-    Slot rootOfJoin();
-    bool hasLostJoin() const { return m_isJoinLost; }
+    Slot findRootOfJoin();
+    void renewExclusion();
+    int shownReason(Slot slot) const;
+    Slot slotOf(const Item& item) const;
 
-    void replaceOperator(Item* item, Condition* condition, CompareOp op);
-    void editCondition(QBRowKey key, const std::function<void(Condition*)>& write);
-    void editValue(QBConditionSide side, ConditionOperand kind, const WriteValue& write);
-    void moveRow(int row, int target);
-    Item* conditionItemAt(int row) const;
+    // Rows.
+    enum RowKind { DummyRow, ConditionRow, OpenRow, CloseRow };
+    QBRowKey currentKey() const;
     Condition* conditionIn(const Item* item) const;
-    const QBConditionNestedListRowWidget* conditionRow(int row) const;
-    int addRow(Condition* condition, bool insertBefore);
+    /// The first and the last row of what @p row shows: of a whole bracket for its rows.
+    std::pair<int, int> spanOf(int row) const;
+    std::vector<QBRowKey> selectedKeys() const;
+    Items itemsOf(const std::vector<QBRowKey>& keys) const;
+    void updateTexts();
 
-    void editSide(QBConditionSide::Side side);
+    // Edits, each one modification. They find their rows again by key.
+    void modify(const std::function<bool(DetachedParts&)>& change);
+    void editCondition(QBRowKey key, const std::function<bool(Condition*)>& change);
+    void addCondition(std::unique_ptr<Condition> condition, bool insertBefore);
+    void moveRow(QBRowKey key, const std::function<int(int)>& targetOf);
+    void group(const std::vector<QBRowKey>& keys);
+    void ungroup(const std::vector<QBRowKey>& keys);
+    void chooseOperator(QBRowKey key, int compareOp);
+    void replaceOperator(Compare* compare, CompareOp compareOp);
+    void replaceByValue(Item* item, Compare* compare);
+    void replaceByCompare(Item* item, Value* value, CompareOp compareOp);
+    void moveExclusion(QBConditionSide from, QBConditionSide to);
+    void fillOperatorMenu(QMenu* menu, QBRowKey key);
+
+    // Values and their popups.
+    struct Operand {
+        Condition* component;  ///< null if it is missing
+        ConditionOperand kind;
+    };
+    std::optional<Operand> operandAt(QBConditionSide side) const;
+    Condition* conditionOf(QBConditionSide side) const;
+    Value* ensureValue(QBConditionSide side, DetachedParts& removed);
+    void editValue(QBConditionSide side, const std::function<void(Value*, DetachedParts&)>& write);
+    void editSide(QBConditionSide::Side which);
     void popupForEditValueComponent(QBConditionSide side, QWidget* anchor, bool preferExpression);
     void popupForEditValueComponentExpressionsInBetweenOp(QBConditionSide side, QWidget* anchor);
     void popupForEditValueComponentExpressionsInInListOp(QBConditionSide side, QWidget* anchor);
-    void fillOperatorMenu(QMenu* menu, QBRowKey key);
-    void renewExclusion();
-    void updateButtons();
+    std::unique_ptr<Column> obtainComponentFromColumnSelectionPopupInput(
+        const QBChosenColumn& chosen) const;
+    std::string asOnePiece(QBConditionSide side, const std::string& text) const;
+    void applyChosen(QBConditionSide side, QBChosenColumn chosen);
+    void applyRange(QBConditionSide side, ConditionValues::Range range);
+    void applyList(QBConditionSide side, const std::string& text);
 
     const std::unique_ptr<Ui::QBConditionBuilderPanelWidget> m_ui;
     Slot m_givenRoot;       // not owned: compared until the join is known
@@ -170,6 +203,7 @@ private:
     PerLayer<Tools::Validation::InvalidConditions> m_invalidComponentsPerLayer;
     std::set<QBConditionSide> m_excluded;
     std::set<Slot> m_excludedSlots;  // where m_excluded stands; compared only
+    RowDatabase m_database;          // what the texts of the rows depend on
     bool m_isChecking = false;
     QBRowKey m_popupRow;
     QBPanelPopup m_popup;  // last, so that it goes before what its answers use

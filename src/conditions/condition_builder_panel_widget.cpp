@@ -1,0 +1,382 @@
+// The condition panel: its chain, its rows and their marks. Its edits are in
+// condition_panel_edits.cpp, the edits of values in condition_panel_values.cpp.
+
+#include "conditions/condition_builder_panel_widget.h"
+
+#include <QEvent>
+#include <QScopedValueRollback>
+#include <algorithm>
+
+#include "conditions/condition_nested_list_row_widget.h"
+#include "engine/engine_linux.h"
+#include "layouts/condition_chain_surgery.h"
+#include "layouts/condition_list_layout.h"
+#include "model/tree_walks.h"
+#include "platform/tolk/tolk.h"
+#include "rows/nested_list_close_bracket_row_widget.h"
+#include "rows/nested_list_dummy_row_widget.h"
+#include "rows/nested_list_open_bracket_row_widget.h"
+#include "tools/join_sight.h"
+#include "tools/validation_scope.h"
+#include "ui_condition_builder_panel_widget.h"
+#include "widgets/drawn_icons.h"
+
+namespace QB {
+
+using namespace Component;
+using namespace Component::SQL;
+using QBComponentsListLayout_Private::ConditionListLayout;
+using QBComponentsListLayout_Private::PlaceKind;
+using Condition = SQLAbstractConditionComponent;
+using Slot = Condition**;
+
+namespace {
+
+/// Calls @p visit with each side of the conditions in the chain and the slot of the value there.
+template <typename Visit>
+void visitSides(Slot root, const Visit& visit) {
+    for (const ConditionChain::Place& place : ConditionChain::flatten(root)) {
+        if (place.kind != PlaceKind::Node) continue;
+        const long id = place.component->id();
+        auto* compare = dynamic_cast<SQLCompareConditionComponent*>(place.component);
+        visit(QBConditionSide{id, QBConditionSide::Left},
+              compare ? &compare->leftValue : place.slot);
+        if (compare) visit(QBConditionSide{id, QBConditionSide::Right}, &compare->rightValue);
+    }
+}
+
+}  // namespace
+
+QBConditionBuilderPanelWidget::QBConditionBuilderPanelWidget(Condition** root, QWidget* parent)
+    : QBRowListPanelWidget(parent)
+    , m_ui(std::make_unique<Ui::QBConditionBuilderPanelWidget>())
+    , m_givenRoot(root)
+    , m_popup(this) {
+    m_ui->setupUi(this);
+    m_ui->tableView->bottomLayout()->addWidget(m_ui->bottomBar);
+    m_ui->tableView->setRowDragEnabled(true);
+    setFocusProxy(m_ui->tableView);
+    setupRows(m_ui->tableView);
+    connect(m_ui->moveUpButton, &QToolButton::clicked, this,
+            &QBConditionBuilderPanelWidget::slotMoveUpSelectedRow);
+    connect(m_ui->moveDownButton, &QToolButton::clicked, this,
+            &QBConditionBuilderPanelWidget::slotMoveDownSelectedRow);
+    connect(m_ui->tableView, &QBNestedListTableView::rowDropped, this, [this](int target) {
+        moveRow(currentKey(), [this, target](int) { return target < 0 ? rowCount() : target; });
+    });
+    if (root) setRelatedElements({ElementSource});
+    updateTexts();
+}
+
+QBConditionBuilderPanelWidget::~QBConditionBuilderPanelWidget() = default;
+
+void QBConditionBuilderPanelWidget::updateTexts() {
+    m_ui->moveUpButton->setIcon(
+        iconOrSign(QStringLiteral(":/images/BB_Previous_Record.png"), DrawnSign::Up, palette()));
+    m_ui->moveDownButton->setIcon(
+        iconOrSign(QStringLiteral(":/images/BB_Next_Record.png"), DrawnSign::Down, palette()));
+    const auto name = [](QToolButton* button, unsigned text, const char* shortcut) {
+        button->setAccessibleName(Tolk::localize(text));
+        button->setToolTip(
+            Tolk::localize(text) + QLatin1String(" (") +
+            QKeySequence(QLatin1String(shortcut)).toString(QKeySequence::NativeText) +
+            QLatin1Char(')'));
+    };
+    name(m_ui->moveUpButton, Tolk::TextMoveConditionUp, "Ctrl+Up");
+    name(m_ui->moveDownButton, Tolk::TextMoveConditionDown, "Ctrl+Down");
+    m_ui->tableView->setAccessibleName(Tolk::localize(Tolk::TextConditions));
+}
+
+void QBConditionBuilderPanelWidget::changeEvent(QEvent* event) {
+    const bool concernsTexts =
+        event->type() == QEvent::LanguageChange || event->type() == QEvent::PaletteChange;
+    if (concernsTexts) updateTexts();
+    QBRowListPanelWidget::changeEvent(event);
+}
+
+void QBConditionBuilderPanelWidget::setBordered(bool isBordered) {
+    m_ui->tableView->setFrameShape(isBordered ? QFrame::StyledPanel : QFrame::NoFrame);
+}
+
+// ---- which chain ------------------------------------------------------------------------------
+
+void QBConditionBuilderPanelWidget::setJoin(const Join* join) {
+    m_givenRoot = nullptr;
+    m_join = {join, join ? join->id() : -1};
+    setRelatedElements({ElementSource});
+    if (!engine()) return;
+    checkInvalidComponents();
+    refreshUI(true);
+}
+
+void QBConditionBuilderPanelWidget::setRelatedElements(
+    const QSet<TopLevelQueryComponentElementEnum>& elements) {
+    QBRowListPanelWidget::setRelatedElements(elements);
+    setupRootComponentRef();
+}
+
+QSet<TopLevelQueryComponentElementEnum> QBConditionBuilderPanelWidget::relatedElements() const {
+    return QBRowListPanelWidget::relatedElements() + QSet{ElementSource};
+}
+
+void QBConditionBuilderPanelWidget::setRelatedComponents(const QList<Source*>& sources) {
+    m_hasRelatedSources = true;
+    m_relatedSources.clear();
+    for (const Source* source : sources)
+        m_relatedSources.push_back({source, source->id()});
+}
+
+ELEMSQLConditionExpr* QBConditionBuilderPanelWidget::obtainRepresentedExpression() const {
+    const SQLSelectStmtComponent* statement = Tools::Validation::currentStatement(engine());
+    if (!statement) return nullptr;
+    if (element() == ElementWhere) return statement->whereExpr;
+    return element() == ElementHaving ? statement->havingExpr : nullptr;
+}
+
+void QBConditionBuilderPanelWidget::setupRootComponentRef() {
+    if (!m_root) m_root = findRoot();
+}
+
+void QBConditionBuilderPanelWidget::renewRoot() {
+    m_root = findRoot();
+    if (!engine()) return;
+    m_database.info = engine()->databaseInfo();
+    m_database.schema =
+        schemaLeftOut(Tools::Validation::currentStatement(engine()), engine()->currentSchema());
+}
+
+Slot QBConditionBuilderPanelWidget::findRoot() {
+    if (!engine()) return nullptr;
+    if (element() == ElementSource) return findRootOfJoin();
+    ELEMSQLConditionExpr* const expression = obtainRepresentedExpression();
+    return expression ? &expression->root : nullptr;
+}
+
+/// The join may have been taken out, and its address given to another one.
+Slot QBConditionBuilderPanelWidget::findRootOfJoin() {
+    if (!m_join.source && !m_givenRoot) return nullptr;
+    Join* found = nullptr;
+    const auto look = [&](const SourceNode* node) {
+        auto* join = dynamic_cast<Join*>(node->value);
+        if (!join) return;
+        const bool isIt = m_givenRoot ? &join->condition == m_givenRoot
+                                      : join == m_join.source && join->id() == m_join.id;
+        if (isIt) found = join;
+    };
+    const SQLSelectStmtComponent* statement = Tools::Validation::currentStatement(engine());
+    if (statement) Tools::visitSourceNodes(statement->sourceExpr->root, look);
+    const bool wasLost = std::exchange(m_isJoinLost, !found);
+    if (!found) {
+        m_root = nullptr;
+        if (!wasLost) Q_EMIT rootLost();
+        return nullptr;
+    }
+    m_givenRoot = nullptr;
+    m_join = {found, found->id()};
+    return &found->condition;
+}
+
+std::vector<SQLAbstractSourceComponent*> QBConditionBuilderPanelWidget::choiceSources() const {
+    std::vector<Source*> sources;
+    const SQLSelectStmtComponent* statement = Tools::Validation::currentStatement(engine());
+    if (!statement) return sources;
+    const auto isOffered = [this](const Source* source) {
+        const auto isIt = [source](const KnownSource& known) {
+            return known.source == source && known.id == source->id();
+        };
+        return !m_hasRelatedSources ||
+               std::any_of(m_relatedSources.begin(), m_relatedSources.end(), isIt);
+    };
+    Tools::visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
+        if (Tools::SQL::hasFields(node->value) && isOffered(node->value))
+            sources.push_back(node->value);
+    });
+    return sources;
+}
+
+// ---- rows -------------------------------------------------------------------------------------
+
+std::unique_ptr<QBComponentsListLayout::Impl> QBConditionBuilderPanelWidget::createLayout() {
+    if (!m_root) return nullptr;
+    auto layout = std::make_unique<ConditionListLayout>(m_root);
+    layout->rebuildItems();
+    layout->updateItemFlags();
+    return layout;
+}
+
+int QBConditionBuilderPanelWidget::rowKind(int row) const {
+    const Item* item = itemAt(row);
+    if (!item) return -1;
+    if (item->isPlaceholder) return DummyRow;
+    if (item->partnerItem) return CloseRow;
+    return ConditionChain::asBracket(item->component) ? OpenRow : ConditionRow;
+}
+
+QBNestedListRowWidget* QBConditionBuilderPanelWidget::createRowWidget(int row, QWidget* parent) {
+    using Row = QBConditionNestedListRowWidget;
+    using Panel = QBConditionBuilderPanelWidget;
+    switch (rowKind(row)) {
+        case DummyRow:
+            return new QBNestedListDummyRowWidget(nullptr, parent);
+        case OpenRow:
+            return new QBNestedListOpenBracketRowWidget(nullptr, parent);
+        case CloseRow:
+            return new QBNestedListCloseBracketRowWidget(nullptr, parent);
+        case ConditionRow:
+            break;
+        default:
+            return nullptr;
+    }
+    auto* widget = new Row(nullptr, m_database.info, m_database.schema, parent);
+    connectRow(widget, &Row::leftValueLabelClicked, this, &Panel::slotEditSelectedRowLeftValue);
+    connectRow(widget, &Row::operatorLabelClicked, this,
+               &Panel::slotEditSelectedRowCompareOperator);
+    connectRow(widget, &Row::rightValueLabelClicked, this, &Panel::slotEditSelectedRowRightValue);
+    return widget;
+}
+
+void QBConditionBuilderPanelWidget::markRow(QBNestedListRowWidget* widget, const Item& item) {
+    if (auto* dummy = dynamic_cast<QBNestedListDummyRowWidget*>(widget)) {
+        const bool isEmptyList = item.level == 0;
+        dummy->setPromptText(isEmptyList ? Tolk::localize(Tolk::TextPromptFirstCondition)
+                                         : QString());
+    }
+    if (item.partnerItem) widget->setComponent(item.partnerItem->component);
+    auto* row = dynamic_cast<QBConditionNestedListRowWidget*>(widget);
+    if (!row) return;
+    row->setDatabase(m_database.info, m_database.schema);
+    auto* compare = dynamic_cast<Compare*>(item.component);
+    row->setLeftInvalidReason(shownReason(compare ? &compare->leftValue : slotOf(item)));
+    row->setRightInvalidReason(compare ? shownReason(&compare->rightValue) : -1);
+}
+
+Slot QBConditionBuilderPanelWidget::slotOf(const Item& item) const {
+    const auto* layout = static_cast<const ConditionListLayout*>(rowLayout().implementation());
+    return layout->slotOf(const_cast<Item*>(&item));  // a key, which is not written to
+}
+
+int QBConditionBuilderPanelWidget::shownReason(Slot slot) const {
+    if (m_excludedSlots.count(slot) > 0) return -1;
+    const auto& invalid = m_invalidComponentsPerLayer.top();
+    const auto found = invalid.find(slot);
+    return found == invalid.end() ? -1 : found->second;
+}
+
+QBRowKey QBConditionBuilderPanelWidget::currentKey() const {
+    return rowView()->shownKey(rowView()->currentRow());
+}
+
+Condition* QBConditionBuilderPanelWidget::conditionIn(const Item* item) const {
+    if (!item) return nullptr;
+    const Item* shown = item->partnerItem ? item->partnerItem : item;
+    return dynamic_cast<Condition*>(shown->component);
+}
+
+std::pair<int, int> QBConditionBuilderPanelWidget::spanOf(int row) const {
+    const Item* item = itemAt(row);
+    if (!item) return {row, row};
+    if (item->partnerItem)
+        return {static_cast<int>(rowLayout().indexOfItem(item->partnerItem)), row};
+    int last = row;
+    if (ConditionChain::asBracket(item->component)) {
+        while (last + 1 < rowCount() && itemAt(last)->partnerItem != item)
+            ++last;
+    }
+    return {row, last};
+}
+
+std::vector<QBRowKey> QBConditionBuilderPanelWidget::selectedKeys() const {
+    std::vector<QBRowKey> keys;
+    for (const int row : rowView()->selectedRowNumbers())
+        keys.push_back(rowView()->shownKey(row));
+    return keys;
+}
+
+QBRowListPanelWidget::Items QBConditionBuilderPanelWidget::itemsOf(
+    const std::vector<QBRowKey>& keys) const {
+    Items items;
+    for (const QBRowKey key : keys) {
+        Item* const item = itemAt(findRow(key));
+        if (item && !item->isPlaceholder) items.push_back(item);
+    }
+    return items;
+}
+
+void QBConditionBuilderPanelWidget::rowsRefreshed() {
+    const Item* item = currentItem();
+    const std::pair<int, int> span = spanOf(rowView()->currentRow());
+    const bool canMove = item && !item->isPlaceholder;
+    m_ui->moveUpButton->setEnabled(canMove && span.first > 0);
+    m_ui->moveDownButton->setEnabled(canMove && span.second + 1 < rowCount());
+}
+
+// ---- marks ------------------------------------------------------------------------------------
+
+bool QBConditionBuilderPanelWidget::needsCheck(
+    void* sender, const QSet<TopLevelQueryComponentElementEnum>& elements) const {
+    return sender != this && relatedElements().intersects(elements);
+}
+
+void QBConditionBuilderPanelWidget::checkInvalidComponents() {
+    if (m_isChecking) return;
+    const QScopedValueRollback<bool> guard(m_isChecking, true);
+    renewRoot();
+    Tools::Validation::InvalidConditions& invalid = m_invalidComponentsPerLayer.top();
+    if (m_root) {
+        auto found = Tools::Validation::invalidateConditionComponents(m_root, element(), engine(),
+                                                                      this, &invalid);
+        m_invalidComponentsPerLayer.top() = std::move(found);
+    } else {
+        invalid.clear();
+    }
+    renewExclusion();
+    Q_EMIT signalIconNeedsUpdate();
+}
+
+bool QBConditionBuilderPanelWidget::hasInvalidComponents() const {
+    const auto& invalid = m_invalidComponentsPerLayer.top();
+    return std::any_of(invalid.begin(), invalid.end(), [this](const auto& entry) {
+        return m_excludedSlots.count(entry.first) == 0;
+    });
+}
+
+void QBConditionBuilderPanelWidget::excludeInvalidComponent(Condition** slot) {
+    renewRoot();
+    if (!m_root) return;
+    visitSides(m_root, [&](QBConditionSide side, Slot here) {
+        if (here == slot) m_excluded.insert(side);
+    });
+    renewExclusion();
+    if (rowLayout().implementation()) refreshUI(false);
+    Q_EMIT signalIconNeedsUpdate();
+}
+
+/// Forgets what has left the chain, and finds the slots of the rest.
+void QBConditionBuilderPanelWidget::renewExclusion() {
+    m_excludedSlots.clear();
+    if (m_excluded.empty() || !m_root) return;
+    std::set<QBConditionSide> left;
+    visitSides(m_root, [&](QBConditionSide side, Slot slot) {
+        if (m_excluded.count(side) == 0) return;
+        left.insert(side);
+        m_excludedSlots.insert(slot);
+    });
+    m_excluded = std::move(left);
+}
+
+void QBConditionBuilderPanelWidget::panelBecomeInactive() {
+    QBRowListPanelWidget::panelBecomeInactive();
+    if (m_excluded.empty()) return;
+    m_excluded.clear();
+    m_excludedSlots.clear();
+    if (rowLayout().implementation()) refreshUI(false);
+    Q_EMIT signalIconNeedsUpdate();
+}
+
+void QBConditionBuilderPanelWidget::adjustLayers(int currentLayer) {
+    m_invalidComponentsPerLayer.adjustTo(currentLayer);
+    m_excluded.clear();
+    m_excludedSlots.clear();
+}
+
+}  // namespace QB

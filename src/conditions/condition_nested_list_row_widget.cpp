@@ -1,0 +1,175 @@
+#include "conditions/condition_nested_list_row_widget.h"
+
+#include <QSignalBlocker>
+
+#include "conditions/condition_operators.h"
+#include "conditions/condition_values.h"
+#include "platform/tolk/tolk.h"
+#include "rows/row_texts.h"
+#include "ui_condition_nested_list_row_widget.h"
+
+namespace QB {
+
+using namespace Component::SQL;
+using Compare = SQLCompareConditionComponent;
+using Value = SQLConditionValueComponent;
+
+QBConditionNestedListRowWidget::QBConditionNestedListRowWidget(
+    Component::AbstractQueryComponent* component, QBDatabaseInfo info, const std::string& schema,
+    QWidget* parent)
+    : QBNestedListRowWidget(component, parent)
+    , m_database{info, schema}
+    , m_ui(std::make_unique<Ui::QBConditionNestedListRowWidget>()) {
+    m_ui->setupUi(this);
+    // What follows must not jump when a dimmed NOT comes and goes.
+    QSizePolicy policy = m_ui->negatorLabel->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_ui->negatorLabel->setSizePolicy(policy);
+    m_ui->addLabel->setKind(QBRowControl::AddRow);
+    m_ui->addBracketLabel->setKind(QBRowControl::AddBracket);
+    m_ui->deleteLabel->setKind(QBRowControl::Delete);
+    connectLabels();
+    slotOnComponentChanged();
+}
+
+QBConditionNestedListRowWidget::~QBConditionNestedListRowWidget() = default;
+
+void QBConditionNestedListRowWidget::connectLabels() {
+    using Row = QBConditionNestedListRowWidget;
+    connectClick(m_ui->leftValueLabel, this, &Row::leftValueLabelClicked);
+    connectClick(m_ui->operatorLabel, this, &Row::operatorLabelClicked);
+    connectClick(m_ui->rightValueLabel, this, &Row::rightValueLabelClicked);
+    connectClick(m_ui->negatorLabel, this, &Row::negateToggleTriggered);
+    connectClick(m_ui->logicalLabel, this, &Row::logicGateLabelClicked);
+    connectClick(m_ui->addLabel, this, &Row::addRowButtonClicked);
+    connectClick(m_ui->addBracketLabel, this, &Row::addBracketButtonClicked);
+    connectClick(m_ui->deleteLabel, this, &Row::deleteButtonClicked);
+}
+
+QBNestedListRowWidget* QBConditionNestedListRowWidget::clone() {
+    auto* twin = new QBConditionNestedListRowWidget(component(), m_database.info, m_database.schema,
+                                                    nullptr);
+    twin->setIndentLevel(indentLevel());
+    twin->setLeftInvalidReason(m_leftInvalidReason);
+    twin->setRightInvalidReason(m_rightInvalidReason);
+    copyVisibility(this, twin);
+    return twin;
+}
+
+void QBConditionNestedListRowWidget::setDatabase(QBDatabaseInfo info, const std::string& schema) {
+    const RowDatabase database{info, schema};
+    if (database == m_database) return;
+    m_database = database;
+    slotOnComponentChanged();
+}
+
+void QBConditionNestedListRowWidget::setLeftInvalidReason(int reason) {
+    if (m_leftInvalidReason == reason) return;
+    m_leftInvalidReason = reason;
+    slotOnComponentChanged();
+}
+
+void QBConditionNestedListRowWidget::setRightInvalidReason(int reason) {
+    if (m_rightInvalidReason == reason) return;
+    m_rightInvalidReason = reason;
+    slotOnComponentChanged();
+}
+
+void QBConditionNestedListRowWidget::slotOnComponentChanged() {
+    if (!component()) return;
+    {
+        const QSignalBlocker quiet(this);
+        const auto* compare = dynamic_cast<const Compare*>(component());
+        const auto* value = dynamic_cast<const Value*>(component());
+        showNegation();
+        m_ui->leftValueLabel->setVisible(compare || value);
+        if (compare) showCompare(compare);
+        if (value) {
+            showValue(QBConditionSide::Left, ConditionValues::valueText(value, m_database));
+            showRowText(m_ui->operatorLabel,
+                        {promptText(Tolk::TextPromptOperator), LabelColour::Placeholder});
+        }
+        m_ui->operatorLabel->setVisible(compare);
+        m_ui->rightValueLabel->setVisible(compare &&
+                                          operandOf(compare->compareOp) != ConditionOperand::None);
+        showGate();
+    }
+    Q_EMIT accessibleTextChanged();
+}
+
+void QBConditionNestedListRowWidget::showNegation() {
+    const auto* condition = dynamic_cast<const SQLAbstractConditionComponent*>(component());
+    const bool isNegated = condition && condition->negated;
+    showRowText(m_ui->negatorLabel, {Tolk::localize(Tolk::TextNotWord),
+                                     isNegated ? LabelColour::Operator : LabelColour::Placeholder,
+                                     Tolk::localize(Tolk::TextNegateCondition)});
+    m_ui->negatorLabel->setVisible(condition && (isNegated || m_isLit));
+}
+
+void QBConditionNestedListRowWidget::showCompare(const Compare* compare) {
+    using ConditionValues::operandText;
+    showValue(QBConditionSide::Left, operandText(compare->leftValue, 1, m_database));
+    const bool isOperator = compare->compareOp != CompareOpNone;
+    showRowText(m_ui->operatorLabel,
+                {operatorText(compare->compareOp),
+                 isOperator ? LabelColour::Operator : LabelColour::Placeholder});
+    const int listMode = listModeOf(compare->compareOp);
+    showValue(QBConditionSide::Right, operandText(compare->rightValue, listMode, m_database));
+}
+
+void QBConditionNestedListRowWidget::showGate() {
+    const auto* condition = dynamic_cast<const SQLAbstractConditionComponent*>(component());
+    const bool isLinked = condition && condition->next;
+    if (isLinked) showRowText(m_ui->logicalLabel, logicGateText(condition->next->logicGate));
+    m_ui->logicalLabel->setVisible(isLinked);
+}
+
+void QBConditionNestedListRowWidget::showValue(QBConditionSide::Side side,
+                                               const std::string& text) {
+    const bool isLeft = side == QBConditionSide::Left;
+    (isLeft ? m_isLeftMissing : m_isRightMissing) = text.empty();
+    showRowText(valueLabel(side), textOrPrompt(oneLine(text), Tolk::TextPromptValue),
+                isLeft ? m_leftInvalidReason : m_rightInvalidReason);
+}
+
+void QBConditionNestedListRowWidget::lightControls(bool isLit) {
+    QBNestedListRowWidget::lightControls(isLit);
+    m_isLit = isLit;
+    showNegation();
+}
+
+QBLabel* QBConditionNestedListRowWidget::valueLabel(QBConditionSide::Side side) const {
+    return side == QBConditionSide::Left ? m_ui->leftValueLabel : m_ui->rightValueLabel;
+}
+
+QBLabel* QBConditionNestedListRowWidget::operatorLabel() const {
+    return m_ui->operatorLabel;
+}
+
+QBLabel* QBConditionNestedListRowWidget::mainPart() const {
+    const bool hasRight = !m_ui->rightValueLabel->isHidden();
+    const bool wantsRight = hasRight && m_isRightMissing && !m_isLeftMissing;
+    return wantsRight ? m_ui->rightValueLabel : m_ui->leftValueLabel;
+}
+
+QBLabel* QBConditionNestedListRowWidget::addRowLabel() {
+    return m_ui->addLabel;
+}
+
+QBLabel* QBConditionNestedListRowWidget::addBracketLabel() {
+    return m_ui->addBracketLabel;
+}
+
+QBLabel* QBConditionNestedListRowWidget::deleteLabel() {
+    return m_ui->deleteLabel;
+}
+
+QBLabel* QBConditionNestedListRowWidget::negatorLabel() {
+    return m_ui->negatorLabel;
+}
+
+QBLabel* QBConditionNestedListRowWidget::logicGateLabel() {
+    return m_ui->logicalLabel;
+}
+
+}  // namespace QB
