@@ -29,12 +29,21 @@ struct QBChosenColumn {
     long selectColumnId = -1;  ///< of the column of the SELECT list
     std::string aggregateFunction;
     std::string expression;
+    /// Of the column that was edited, if no other field was chosen; else -1. What that column names
+    /// stays as it stands there, also where it names it without a table.
+    long editedColumnId = -1;
 
     bool isField() const { return kind == Field || kind == Star || kind == SelectColumn; }
+    bool keepsField() const { return editedColumnId != -1; }
 };
 
+/// The source of that id in the FROM clause of the current layer; null if there is none (any more).
+/// Thread: main, or inside a modification block.
+Component::SQL::SQLAbstractSourceComponent* sourceInCurrentLayer(const QBEngine* engine, long id);
+
 /// Writes what was chosen into @p column: source, qualifiers and field name, or the referenced
-/// column, and the aggregate; or the expression. Alias and extra data stay.
+/// column, and the aggregate; or the expression, which may be empty. Alias and extra data stay. A
+/// column of the SELECT list that has no alias cannot be referred to: its field is written instead.
 /// False, and nothing is written, if the column is of another class than the choice needs, or the
 /// source or column chosen is no longer in the current layer, or nothing was chosen.
 /// Thread: inside a modification block of the current layer, or for a column not linked yet.
@@ -46,7 +55,8 @@ std::unique_ptr<Component::SQL::SQLAbstractColumnComponent> makeColumn(const QBC
                                                                        const QBEngine* engine);
 
 /// Hands alias and extra data of @p old over to @p replacement, and makes the columns of the
-/// current layer's GROUP BY and ORDER BY that refer to @p old refer to it.
+/// current layer that refer to @p old refer to it; not if it is written without the alias, as the
+/// wildcard is: those columns then are marked as invalid instead of meaning something else.
 /// Thread: inside a modification block.
 void takeOverColumn(Component::SQL::SQLAbstractColumnComponent* old,
                     Component::SQL::SQLAbstractColumnComponent* replacement,
