@@ -77,6 +77,11 @@ void QBNestedListAnyExpressionRowWidget::setOrderVisible(bool isVisible) {
     m_ui->orderLabel->setVisible(isVisible);
 }
 
+void QBNestedListAnyExpressionRowWidget::resizeEvent(QResizeEvent* event) {
+    showCaptionIfRoom(m_ui->expressionLabel, this);
+    QBNestedListRowWidget::resizeEvent(event);
+}
+
 QBLabel* QBNestedListAnyExpressionRowWidget::addRowLabel() {
     return m_ui->addLabel;
 }

@@ -53,6 +53,9 @@ Q_SIGNALS:
     void valueLabelClicked();
     void orderLabelClicked();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     int m_invalidReason = -1;
     const std::unique_ptr<Ui::QBNestedListAnyExpressionRowWidget> m_ui;

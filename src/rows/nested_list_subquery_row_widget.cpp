@@ -93,6 +93,11 @@ bool QBNestedListSubqueryRowWidget::eventFilter(QObject* watched, QEvent* event)
     return QBNestedListRowWidget::eventFilter(watched, event);
 }
 
+void QBNestedListSubqueryRowWidget::resizeEvent(QResizeEvent* event) {
+    showCaptionIfRoom(m_ui->subqueryLabel, this);
+    QBNestedListRowWidget::resizeEvent(event);
+}
+
 QBLabel* QBNestedListSubqueryRowWidget::addRowLabel() {
     return m_ui->addLabel;
 }

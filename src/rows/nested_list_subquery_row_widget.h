@@ -50,6 +50,9 @@ Q_SIGNALS:
     void addBracketButtonClicked();
     void deleteButtonClicked();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
 

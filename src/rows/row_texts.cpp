@@ -16,6 +16,7 @@ namespace {
 
 /// More than any tooltip shows.
 constexpr std::size_t longestShown = 8192;
+constexpr int charactersForCaption = 36;
 
 QString nameText(const std::string& name) {
     return QString::fromStdString(name);
@@ -152,6 +153,11 @@ void showRowText(QBLabel* label, const RowText& text, const QString& why) {
     label->setLabelColour(why.isEmpty() ? text.colour : LabelColour::Invalid);
     label->setToolTipText(why.isEmpty() ? toolTip : why + QLatin1Char('\n') + toolTip);
     if (label->accessibleDescription() != why) label->setAccessibleDescription(why);
+}
+
+void showCaptionIfRoom(QBLabel* caption, const QWidget* row) {
+    caption->setVisible(row->width() >=
+                        charactersForCaption * row->fontMetrics().averageCharWidth());
 }
 
 void copyVisibility(const QWidget* row, QWidget* other) {

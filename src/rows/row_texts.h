@@ -59,7 +59,10 @@ void showRowText(QBLabel* label, const RowText& text, int reason = -1);
 /// The same with a reason in words; empty: it is valid.
 void showRowText(QBLabel* label, const RowText& text, const QString& reason);
 
-/// Shows @p row's labels as @p other's of the same name are shown: what a twin has to copy.
+/// Leaves out what only says what kind of row it is where the row has no room for it.
+void showCaptionIfRoom(QBLabel* caption, const QWidget* row);
+
+/// Shows the labels of @p other as those of @p row are: what a twin has to copy.
 void copyVisibility(const QWidget* row, QWidget* other);
 
 /// Makes clicks on @p label that signal of @p row.

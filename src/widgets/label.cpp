@@ -17,6 +17,7 @@ constexpr qreal hoverOpacity = 150.0 / 255.0;
 constexpr int longestText = 512;
 constexpr int longestToolTip = 2000;
 constexpr int smallestWidth = 16;
+constexpr int modestWidth = 96;
 
 QPixmap fadedCopy(const QPixmap& plain) {
     QPixmap faded(plain.size());
@@ -40,6 +41,16 @@ QString startInOneLine(const QString& text) {
             c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
             c = QLatin1Char(' ');
     return start;
+}
+
+/// How @p text reads: names and SQL from left to right in any surroundings, signs as what is
+/// around.
+Qt::LayoutDirection directionOf(const QString& text, Qt::LayoutDirection around) {
+    for (const QChar c : text) {
+        if (c.direction() == QChar::DirL) return Qt::LeftToRight;
+        if (c.direction() == QChar::DirR || c.direction() == QChar::DirAL) return Qt::RightToLeft;
+    }
+    return around;
 }
 
 /// Rich text that shows @p text as it stands and wraps.
@@ -156,7 +167,9 @@ QRect QBLabel::textRect() const {
 QSize QBLabel::sizeHint() const {
     if (!m_plainPixmap.isNull()) return QLabel::sizeHint();
     const QMargins around = contentsMargins() + margin();
-    return QSize(textWidth() + around.left() + around.right(),
+    const bool takesTheRest = sizePolicy().horizontalPolicy() == QSizePolicy::Expanding;
+    const int width = takesTheRest ? std::min(textWidth(), modestWidth) : textWidth();
+    return QSize(width + around.left() + around.right(),
                  fontMetrics().height() + around.top() + around.bottom());
 }
 
@@ -180,10 +193,8 @@ void QBLabel::paintText(QPainter& painter) {
                        ? shownText()
                        : fontMetrics().elidedText(shownText(), Qt::ElideRight, area.width());
     }
-    // A name or an expression reads from left to right in any surroundings.
-    const bool isRightToLeft = text().isRightToLeft();
     const Qt::Alignment sides = QStyle::visualAlignment(layoutDirection(), alignment());
-    painter.setLayoutDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.setLayoutDirection(directionOf(text(), layoutDirection()));
     painter.setPen(textColour());
     painter.drawText(area, static_cast<int>(sides | Qt::AlignAbsolute) | Qt::TextSingleLine,
                      m_elided);

@@ -9,6 +9,9 @@ namespace QB {
 
 /// A text or image that can be clicked. Main thread only.
 ///
+/// A text label with an expanding size policy asks for little, so that those beside it keep their
+/// whole text.
+///
 /// Texts are plain, in one line, and elide to the width of the label, in full in the tooltip (see
 /// setToolTipText); text() keeps the whole of a text of up to 512 characters, line breaks as
 /// blanks, fullText() of any. For screen readers a clickable label is a button.
