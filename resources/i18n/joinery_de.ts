@@ -675,5 +675,9 @@
         <source>For example: SELECT * FROM city</source>
         <translation>Zum Beispiel: SELECT * FROM city</translation>
     </message>
+    <message>
+        <source>No fields are known: type an expression on the other tab</source>
+        <translation>Es sind keine Felder bekannt: Geben Sie auf der anderen Karte einen Ausdruck ein</translation>
+    </message>
 </context>
 </TS>

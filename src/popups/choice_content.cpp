@@ -109,6 +109,7 @@ std::optional<QBColumnChoice> ChoiceContent::panelChoice() const {
 
 void ChoiceContent::show(std::optional<QBColumnChoice> choice) {
     m_choice = choice;
+    m_offersStars = m_offersStars || choice == QBColumnChoice::SelectFields;
     fill();
 }
 
@@ -150,8 +151,8 @@ QString ChoiceContent::notice() const {
     if (isOfSchemas && m_fetches > 0) return Tolk::localize(Tolk::TextLoading);
     if (m_tree.hasFilter() && m_tree.isEmpty()) return Tolk::localize(Tolk::TextNothingFound);
     if (isOfSchemas && m_tree.isEmpty()) return Tolk::localize(Tolk::TextNoTablesKnown);
-    if (!isOfSchemas && !hasSources) return Tolk::localize(Tolk::TextNoSourcesYet);
-    return QString();
+    if (isOfSchemas || hasSources) return QString();
+    return Tolk::localize(m_hasOtherSources ? Tolk::TextFieldsUnknown : Tolk::TextNoSourcesYet);
 }
 
 // ---- schemas --------------------------------------------------------------------------------
@@ -203,11 +204,12 @@ void ChoiceContent::wantSchemas(const Names& names) {
     }
 }
 
+/// What is shown stays while a schema is not loaded, as after its server was read anew.
 void ChoiceContent::setObjects(ChoiceNode& node) {
-    node.rows.clear();
     const QString& schemaName = node.heading.data.catalogOrSchemaName;
     const auto* schema = engine()->findChildCandidate(nullptr, schemaName.toStdString());
-    if (!schema) return;
+    if (!schema || !engine()->candidateSnapshot(schema).hasChildren) return;
+    node.rows.clear();
     for (const QBIdentifierCandidateSnapshot& object : engine()->childrenSnapshot(schema)) {
         if (object.type == IdentifierTypeSchema || object.type == IdentifierTypeField) continue;
         ChoiceRow row;
@@ -222,13 +224,16 @@ void ChoiceContent::setObjects(ChoiceNode& node) {
 // ---- fields ---------------------------------------------------------------------------------
 
 void ChoiceContent::fillFields() {
-    const bool withStars = m_choice == QBColumnChoice::SelectFields;
     const auto* host = dynamic_cast<const IQBColumnChoiceHost*>(m_panel);
     if (!host) return;
     QList<QBIdentifierChoiceItemData> listed;
+    m_hasOtherSources = false;
     for (const Source* source : host->choiceSources()) {
-        if (const auto* table = ifKind<Table>(source)) appendTable(*table, &listed, withStars, {});
-        if (const auto* derived = ifKind<Subquery>(source)) addSubquery(derived, withStars, {});
+        const auto* table = ifKind<Table>(source);
+        const auto* derived = ifKind<Subquery>(source);
+        if (table) appendTable(*table, &listed, m_offersStars, {});
+        if (derived) addSubquery(derived, m_offersStars, {});
+        m_hasOtherSources = m_hasOtherSources || (!table && !derived);
     }
 }
 
@@ -267,7 +272,7 @@ ChoiceNode ChoiceContent::sourceNode(const Source& source, const QString& displa
     node.heading.componentId = source.id();
     node.heading.component = reinterpret_cast<quintptr>(&source);
     node.alias = source.alias;
-    node.hasStar = withStar || m_offersStars;
+    node.hasStar = withStar;
     return node;
 }
 
@@ -402,13 +407,10 @@ bool ChoiceContent::canFetch() const {
 /// Whether one of the paths will be fetched, or is.
 bool ChoiceContent::want(const std::vector<Names>& paths) {
     if (!canFetch()) return false;
-    bool isNew = false;
     for (const Names& path : paths) {
-        if (!m_requested.insert(path).second) continue;
-        m_wanted.push_back(path);
-        isNew = true;
+        if (m_requested.insert(path).second) m_wanted.push_back(path);
     }
-    return isNew || m_fetches > 0;
+    return !m_wanted.empty() || m_fetches > 0;
 }
 
 void ChoiceContent::fetchWanted() {
@@ -429,7 +431,7 @@ void ChoiceContent::fetchEnded() {
     {
         const ChoiceTree::Update update(m_tree);
         if (m_choice == QBColumnChoice::Sources) wantAllIfNothingIsKnown();
-        refreshTables([](const ChoiceNode& node, const Table&) { return node.isLoading; });
+        refreshTables([](const ChoiceNode& node) { return node.isLoading; });
         updateNotice();
     }
     Q_EMIT changed();
@@ -455,12 +457,8 @@ void ChoiceContent::childrenArrived(QBIdentifierCandidate* candidate) {
     {
         const ChoiceTree::Update update(m_tree);
         if (m_choice == QBColumnChoice::Sources) refreshSchemas(arrived);
-        refreshTables([&](const ChoiceNode&, const Table& source) {
-            const std::vector<Names> places = placesOf(source);
-            return std::any_of(places.begin(), places.end(), [&arrived](const Names& place) {
-                return arrived.size() <= place.size() &&
-                       std::equal(arrived.begin(), arrived.end(), place.begin());
-            });
+        refreshTables([&](const ChoiceNode& node) {
+            return !arrived.empty() && !node.names.empty() && arrived.back() == node.names.back();
         });
         updateNotice();
     }
@@ -481,9 +479,10 @@ void ChoiceContent::refreshSchemas(const Names& arrived) {
 template <typename Condition>
 void ChoiceContent::refreshTables(const Condition& isMeant) {
     for (ChoiceNode& node : m_tree.nodes()) {
+        if (!isMeant(node)) continue;
         const auto* table =
             dynamic_cast<const Table*>(sourceInCurrentLayer(engine(), node.heading.componentId));
-        if (!table || !isMeant(node, *table)) continue;
+        if (!table) continue;
         setTable(node, *table);
         m_tree.refresh(node);
     }

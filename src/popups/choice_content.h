@@ -108,6 +108,7 @@ private:
     const QStringList m_extraSchemas;
     std::optional<QBColumnChoice> m_choice;
     bool m_offersStars = false;
+    bool m_hasOtherSources = false;  ///< of which no fields are known
     bool m_isStale = false;
     std::map<IdentifierType, QIcon> m_icons;
     std::vector<Names> m_wanted;  ///< paths to be fetched next
