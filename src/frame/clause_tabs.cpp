@@ -1,5 +1,11 @@
 #include "frame/clause_tabs.h"
 
+#include "conditions/condition_builder_panel_widget.h"
+#include "conditions/row_selection_limit_panel_widget.h"
+#include "panels/column_picker_panel_widget.h"
+#include "panels/source_column_selection_panel_widget.h"
+#include "panels/source_selection_panel_widget.h"
+
 namespace QB {
 namespace {
 
@@ -14,14 +20,27 @@ bool hasRowLimit(QBDatabaseInfo info) {
     return true;
 }
 
+template <typename Panel>
+QBTopLevelElementPanelWidget* make(QWidget* parent) {
+    return new Panel(parent);
+}
+
+/// It finds the clause by its related element.
+QBTopLevelElementPanelWidget* makeConditions(QWidget* parent) {
+    return new QBConditionBuilderPanelWidget(nullptr, parent);
+}
+
 }  // namespace
 
 std::vector<ClauseTab> allClauseTabs() {
     return {
-        {"SELECT", ElementSelectColumn, {}}, {"FROM", ElementSource, {}},
-        {"WHERE", ElementWhere, {}},         {"GROUP BY", ElementGroupBy, {}},
-        {"HAVING", ElementHaving, {}},       {"ORDER BY", ElementOrderBy, {}},
-        {"LIMIT", ElementLimit, {}},
+        {"SELECT", ElementSelectColumn, make<QBSourceColumnSelectionPanelWidget>},
+        {"FROM", ElementSource, make<QBSourceSelectionPanelWidget>},
+        {"WHERE", ElementWhere, makeConditions},
+        {"GROUP BY", ElementGroupBy, make<QBColumnPickerPanelWidget>},
+        {"HAVING", ElementHaving, makeConditions},
+        {"ORDER BY", ElementOrderBy, make<QBColumnPickerPanelWidget>},
+        {"LIMIT", ElementLimit, make<QBRowSelectionLimitPanelWidget>},
     };
 }
 

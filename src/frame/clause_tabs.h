@@ -15,8 +15,7 @@ class QBTopLevelElementPanelWidget;
 struct ClauseTab {
     const char* text;  // not owned: a literal; SQL words, the same in every language
     TopLevelQueryComponentElementEnum element;
-    /// Makes the panel as a child of the given parent. Empty: the clause has no panel yet, and no
-    /// tab.
+    /// Makes the panel as a child of the given parent.
     std::function<QBTopLevelElementPanelWidget*(QWidget* parent)> createPanel;
 };
 

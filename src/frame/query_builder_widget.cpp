@@ -174,8 +174,7 @@ void QBQueryBuilderWidget::renewPanelsIfNeeded() {
     ui->tabWidget->clear();
     const QBDatabaseInfo info = engine() != nullptr ? engine()->databaseInfo() : QBDatabaseInfo();
     for (std::size_t i = 0; i < m_clauseTabs.size(); ++i) {
-        if (!m_clauseTabs[i].createPanel || !hasClause(info, m_clauseTabs[i].element)) continue;
-        addTab(m_clauseTabs[i], obtainPanel(i));
+        if (hasClause(info, m_clauseTabs[i].element)) addTab(m_clauseTabs[i], obtainPanel(i));
     }
     enumeratePanelWidgets([this](QBPanelWidget* panel) {
         if (panel->engine() == nullptr) panel->setEngine(engine());

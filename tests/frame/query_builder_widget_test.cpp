@@ -5,6 +5,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSplitter>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QTranslator>
@@ -123,17 +125,31 @@ private Q_SLOTS:
             QCOMPARE(m_builder->panel(i)->engine(), engine.get());
     }
 
-    void clausesWithoutPanelHaveNoTab() {
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
+    void eachClauseHasItsPanelAndAllFitASmallScreen() {
+        Test::OwnedEngine<> engine;
         QBQueryBuilderWidget builder;
         builder.setEngine(engine.get());
+        engine->setDatabaseInfo(DatabaseTypePostgreSQL, 150000);
+        const QStringList expected = {
+            "QB::QBSourceColumnSelectionPanelWidget", "QB::QBSourceSelectionPanelWidget",
+            "QB::QBConditionBuilderPanelWidget",      "QB::QBColumnPickerPanelWidget",
+            "QB::QBConditionBuilderPanelWidget",      "QB::QBColumnPickerPanelWidget",
+            "QB::QBRowSelectionLimitPanelWidget"};
         const auto* tabs = builder.findChild<QTabWidget*>("tabWidget");
-        int panelCount = 0;
-        for (const ClauseTab& tab : allClauseTabs())
-            panelCount += tab.createPanel ? 1 : 0;
-        QCOMPARE(tabs->count(), panelCount);
-        QCOMPARE(tabs->isHidden(), panelCount == 0);
-        builder.selectPanel(ElementWhere);
+        QStringList classes;
+        for (int i = 0; i < tabs->count(); ++i) {
+            const auto* panel = qobject_cast<QBTopLevelElementPanelWidget*>(tabs->widget(i));
+            classes.append(panel->metaObject()->className());
+            QCOMPARE(panel->engine(), engine.get());
+            QCOMPARE(panel->accessibleName(), tabs->tabText(i));
+        }
+        QCOMPARE(classes, expected);
+
+        builder.resize(800, 600);
+        builder.show();
+        QCOMPARE(builder.size(), QSize(800, 600));
+        QVERIFY(tabs->height() > 150);
+        QVERIFY(builder.findChild<QBDiagramPanelWidget*>()->width() > 150);
     }
 
     void aPanelThatLosesItsTabComesBackAndIsNeverDoubled() {
@@ -143,7 +159,9 @@ private Q_SLOTS:
         engine->setDatabaseInfo(DatabaseTypeOracle, 110200);
         engine->setDatabaseInfo(DatabaseTypeOracle, 120100);
         QCOMPARE(m_builder->panel(6), limit);
+        const QSignalSpy changes(m_builder->tabs(), &QTabWidget::currentChanged);
         m_builder->renewPanelsIfNeeded();
+        QVERIFY2(changes.isEmpty(), "nobody has changed the tab");
         QCOMPARE(m_builder->findChildren<QBTopLevelElementPanelWidget*>().size(), 7);
         QSet<QBPanelWidget*> visited;
         m_builder->enumeratePanelWidgets([&](QBPanelWidget* panel) { visited.insert(panel); });
@@ -178,6 +196,11 @@ private Q_SLOTS:
     void theDiagramBringsUpTabsAndExcludesConditions() {
         Test::OwnedEngine<> engine(DatabaseTypeMySQL);
         m_builder->setEngine(engine.get());
+        // A panel in a popup of another panel is no clause of the builder.
+        QWidget popup(m_builder->panel(0), Qt::Popup);
+        auto* elsewhere = new ClausePanel(&popup);
+        elsewhere->setRelatedElements({ElementWhere});
+        elsewhere->isInvalid = true;
         auto* diagram = m_builder->findChild<QBDiagramPanelWidget*>();
         Q_EMIT diagram->signalJumpToPanel(ElementHaving);
         QCOMPARE(m_builder->tabs()->currentIndex(), 4);
@@ -187,6 +210,9 @@ private Q_SLOTS:
         Q_EMIT diagram->signalExcludeInvalidConditionComponent(&condition);
         QCOMPARE(m_builder->panel(2)->excluded, &condition);
         QCOMPARE(m_builder->panel(4)->excluded, nullptr);
+        QCOMPARE(elsewhere->excluded, nullptr);
+        QCOMPARE(elsewhere->farewells, 0);
+        QVERIFY(!m_builder->needShowBuildWarning());
         engine->resetUi();
         QCOMPARE(m_builder->tabs()->currentIndex(), 0);
         QCOMPARE(m_builder->findChild<QBDiagramObjectTreePanelWidget*>()->partnerDiagram(),
@@ -200,8 +226,12 @@ private Q_SLOTS:
         m_builder->panel(3)->isInvalid = true;
         QVERIFY(m_builder->needShowBuildWarning());
         Q_EMIT m_builder->panel(3)->signalIconNeedsUpdate();
-        for (int i = 0; i < 7; ++i)
-            QCOMPARE(m_builder->tabs()->tabIcon(i).isNull(), i != 3);
+        const QTabWidget* tabs = m_builder->tabs();
+        for (int i = 0; i < 7; ++i) {
+            QCOMPARE(tabs->tabIcon(i).isNull(), i != 3);
+            QCOMPARE(tabs->tabToolTip(i).isEmpty(), i != 3);
+            QCOMPARE(tabs->tabBar()->accessibleTabName(i).contains(tabs->tabToolTip(3)), i == 3);
+        }
     }
 
     void aClickOnTheRootPopsLayerByLayer() {
@@ -256,7 +286,12 @@ private Q_SLOTS:
     }
 
     void thePaneButtonsHideAndShow() {
+        m_builder->resize(1000, 600);
         m_builder->show();
+        auto* splitter = m_builder->findChild<QSplitter*>("horizontalSplitter");
+        splitter->setSizes({200, 0, 150});
+        const QList<int> widths = splitter->sizes();
+        QVERIFY(widths[0] == 200 && widths[1] > 600 && widths[2] == 150);
         const auto toggles = [this](const char* buttonName, const char* paneName) {
             auto* button = m_builder->findChild<QToolButton*>(buttonName);
             auto* pane = m_builder->findChild<QWidget*>(paneName);
@@ -268,6 +303,13 @@ private Q_SLOTS:
         };
         QVERIFY(toggles("objectTreeButton", "objectTreePanel"));
         QVERIFY(toggles("previewButton", "previewContainer"));
+        QCOMPARE(splitter->sizes(), widths);
+        QTest::mouseClick(m_builder->findChild<QToolButton*>("objectTreeButton"), Qt::LeftButton);
+        QTest::mouseClick(m_builder->findChild<QToolButton*>("previewButton"), Qt::LeftButton);
+        QVERIFY(splitter->sizes()[1] > splitter->width() - 20);
+        m_builder->resize(1200, 600);
+        QTest::mouseClick(m_builder->findChild<QToolButton*>("objectTreeButton"), Qt::LeftButton);
+        QCOMPARE(splitter->sizes()[0], 200);
     }
 
     void anotherPreviewReplacesTheFirst() {
