@@ -1,5 +1,7 @@
 #include "rows/nested_list_table_view.h"
 
+#include <QAbstractButton>
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QDrag>
 #include <QDragMoveEvent>
@@ -66,9 +68,30 @@ bool isEditKey(int key) {
            key == Qt::Key_Space;
 }
 
+/// The keys of the number pad count as those beside the letters.
+Qt::KeyboardModifiers modifiersOf(const QKeyEvent* event) {
+    return event->modifiers() & ~Qt::KeypadModifier;
+}
+
 bool isMenuKey(const QKeyEvent* event) {
     return event->key() == Qt::Key_Menu ||
-           (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
+           (event->key() == Qt::Key_F10 && modifiersOf(event) == Qt::ShiftModifier);
+}
+
+bool isMoveKey(const QKeyEvent* event) {
+    return modifiersOf(event) == Qt::ControlModifier &&
+           (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down);
+}
+
+bool isRowKey(const QKeyEvent* event) {
+    const int key = event->key();
+    return modifiersOf(event) == Qt::NoModifier &&
+           (isEditKey(key) || key == Qt::Key_Left || key == Qt::Key_Right ||
+            key == Qt::Key_Insert || key == Qt::Key_Delete);
+}
+
+bool isOwnKey(const QKeyEvent* event) {
+    return isMenuKey(event) || isMoveKey(event) || isRowKey(event);
 }
 
 }  // namespace
@@ -99,7 +122,8 @@ public:
     Memory remember() const;
     void restoreSelection(const Memory& memory, const QHash<QBRowKey, int>& rows);
     void restoreScroll(const Memory& memory, const QHash<QBRowKey, int>& rows);
-    QHash<QBRowKey, int> findRows(const Memory& memory) const;
+    QHash<QBRowKey, int> findRows(const QSet<QBRowKey>& wanted) const;
+    void takeKeys();
 
     void fill();
     void forgetExtraRows();
@@ -108,14 +132,18 @@ public:
     QRect rowGeometry(int row, const QBNestedListRowWidget* widget) const;
 
     QBLabel* markedPart(const QBNestedListRowWidget* widget) const;
+    void tellRowEvent(int row, QAccessible::Event type);
     void movePart(int step);
     void clickPart();
     void showMark();
 
+    void handleKey(const QKeyEvent* event);
     void askForMenu();
-    int dropTarget(const QPoint& position) const;
+    int dropTarget(const QPointF& position) const;
     void showDropLine(int target);
+    void endDrop();
 
+    void matchBackground();
     void updateRowHeight();
     void updateBottomMargins();
     void updateScrollRange();
@@ -156,15 +184,23 @@ QBNestedListTableView::Private::Memory QBNestedListTableView::Private::remember(
     return memory;
 }
 
-/// Where the rows of @p memory are now; the selected ones as well.
-QHash<QBRowKey, int> QBNestedListTableView::Private::findRows(const Memory& memory) const {
+/// Where the rows of those keys are now.
+QHash<QBRowKey, int> QBNestedListTableView::Private::findRows(const QSet<QBRowKey>& wanted) const {
     QHash<QBRowKey, int> rows;
+    rows.reserve(wanted.size());
     for (int row = 0; row < count(); ++row) {
         const QBRowKey key = keys[static_cast<std::size_t>(row)];
-        if (key == memory.current || key == memory.top || memory.selected.contains(key))
-            rows.insert(key, row);
+        if (wanted.contains(key)) rows.insert(key, row);
     }
     return rows;
+}
+
+void QBNestedListTableView::Private::takeKeys() {
+    const int count = provider->rowCount();
+    keys.clear();
+    keys.reserve(static_cast<std::size_t>(count));
+    for (int row = 0; row < count; ++row)
+        keys.push_back(provider->rowKey(row));
 }
 
 void QBNestedListTableView::Private::restoreSelection(const Memory& memory,
@@ -183,9 +219,12 @@ void QBNestedListTableView::Private::restoreSelection(const Memory& memory,
         selection.append(QItemSelectionRange(index(*first), index(*last)));
         first = std::next(last);
     }
+    // A row that becomes the current one again does not scroll the list.
+    q->setAutoScroll(false);
     q->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
     q->selectionModel()->setCurrentIndex(index(rows.value(memory.current, -1)),
                                          QItemSelectionModel::NoUpdate);
+    q->setAutoScroll(true);
 }
 
 void QBNestedListTableView::Private::restoreScroll(const Memory& memory,
@@ -195,11 +234,11 @@ void QBNestedListTableView::Private::restoreScroll(const Memory& memory,
 }
 
 void QBNestedListTableView::Private::fill() {
-    if (isFilling || provider == nullptr || released || !q->isVisible()) return;
+    if (isFilling || isRefreshing || provider == nullptr || released || !q->isVisible()) return;
     const QScopedValueRollback<bool> guard(isFilling, true);
     pool.keepOnly([this](int row) { return isShowing(row) || extraRows.count(row) > 0; });
     const int scroll = q->verticalScrollBar()->value();
-    const int end = std::min(count(), (scroll + q->viewport()->height()) / rowHeight() + 1);
+    const int end = std::min(count(), (scroll + q->viewport()->height() - 1) / rowHeight() + 1);
     for (int row = scroll / rowHeight(); row < end; ++row) {
         QBNestedListRowWidget* widget = q->rowWidget(row);
         if (widget != nullptr) widget->setGeometry(rowGeometry(row, widget));
@@ -250,14 +289,25 @@ void QBNestedListTableView::Private::movePart(int step) {
     showMark();
 }
 
+void QBNestedListTableView::Private::tellRowEvent(int row, QAccessible::Event type) {
+    if (row < 0 || !QAccessible::isActive()) return;
+    // For a screen reader the headers are a line and a column of the table.
+    QAccessibleEvent event(q, type);
+    event.setChild(2 * (row + 1) + 1);
+    QAccessible::updateAccessibility(&event);
+}
+
 /// Shows the mark on the current row and tells a screen reader.
 void QBNestedListTableView::Private::showMark() {
     QBNestedListRowWidget* widget = q->rowWidget(q->currentRow());
     if (widget == nullptr) return;
     dress(q->currentRow(), widget);
-    if (!QAccessible::isActive() || !q->hasFocus() || widget->currentPart() == nullptr) return;
-    QAccessibleEvent event(widget->currentPart(), QAccessible::Focus);
-    QAccessible::updateAccessibility(&event);
+    if (!QAccessible::isActive() || !q->hasFocus()) return;
+    if (widget->currentPart() != nullptr) {
+        QAccessibleEvent event(widget->currentPart(), QAccessible::Focus);
+        return QAccessible::updateAccessibility(&event);
+    }
+    tellRowEvent(q->currentRow(), QAccessible::Focus);
 }
 
 void QBNestedListTableView::Private::clickPart() {
@@ -267,6 +317,26 @@ void QBNestedListTableView::Private::clickPart() {
     QBLabel* part = markedPart(widget);
     if (part == nullptr) part = widget->mainPart();
     if (part != nullptr) part->click();
+}
+
+void QBNestedListTableView::Private::handleKey(const QKeyEvent* event) {
+    const int forward = q->isRightToLeft() ? -1 : 1;
+    if (isMenuKey(event)) return askForMenu();
+    if (isEditKey(event->key())) return clickPart();
+    switch (event->key()) {
+        case Qt::Key_Up:
+            return Q_EMIT q->moveUpRequested();
+        case Qt::Key_Down:
+            return Q_EMIT q->moveDownRequested();
+        case Qt::Key_Left:
+            return movePart(-forward);
+        case Qt::Key_Right:
+            return movePart(forward);
+        case Qt::Key_Insert:
+            return Q_EMIT q->addRequested();
+        case Qt::Key_Delete:
+            return Q_EMIT q->removeRequested();
+    }
 }
 
 void QBNestedListTableView::Private::askForMenu() {
@@ -280,8 +350,8 @@ void QBNestedListTableView::Private::askForMenu() {
 
 // Drag and drop
 
-int QBNestedListTableView::Private::dropTarget(const QPoint& position) const {
-    return q->rowAt(position.y() + dropOffset);
+int QBNestedListTableView::Private::dropTarget(const QPointF& position) const {
+    return q->rowAt(qRound(position.y()) + dropOffset);
 }
 
 void QBNestedListTableView::Private::showDropLine(int target) {
@@ -292,7 +362,21 @@ void QBNestedListTableView::Private::showDropLine(int target) {
     dropLine->show();
 }
 
+void QBNestedListTableView::Private::endDrop() {
+    q->stopAutoScroll();
+    dropLine->hide();
+}
+
 // Geometry
+
+/// The area beneath the rows looks like the list.
+void QBNestedListTableView::Private::matchBackground() {
+    QPalette palette = q->palette();
+    if (palette.color(QPalette::Base) == palette.color(QPalette::Window)) return;
+    palette.setBrush(QPalette::Window, palette.brush(QPalette::Base));
+    q->setPalette(palette);
+    q->setAutoFillBackground(true);
+}
 
 void QBNestedListTableView::Private::updateRowHeight() {
     const int height = std::max(leastRowHeight, q->fontMetrics().height() + roomAboutText);
@@ -334,13 +418,23 @@ QBNestedListTableView::QBNestedListTableView(QWidget* parent)
     setEditTriggers(NoEditTriggers);
     setTabKeyNavigation(false);
     horizontalHeader()->hide();
+    // The base hides the corner between its headers in updateGeometries(), which is not called.
+    for (auto* corner : findChildren<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly))
+        corner->hide();
     horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    // Between two headers there would be a button that selects all rows.
+    findChild<QAbstractButton*>({}, Qt::FindDirectChildrenOnly)->hide();
     d->updateRowHeight();
     d->bottom->setAlignment(Qt::AlignBottom);
     d->bottom->setContentsMargins(bottomMargin, bottomMargin, bottomMargin, bottomMargin);
     d->extraTimer.setSingleShot(true);
+    d->pool.created = [this](QBNestedListRowWidget* widget) {
+        d->provider->rowWidgetCreated(widget);
+        connect(widget, &QBNestedListRowWidget::accessibleTextChanged, this,
+                [this, widget] { d->tellRowEvent(rowOf(widget), QAccessible::NameChanged); });
+    };
     connect(&d->extraTimer, &QTimer::timeout, this, [this] { d->forgetExtraRows(); });
 }
 
@@ -361,20 +455,19 @@ void QBNestedListTableView::refreshRows(int rowToSelect) {
     {
         const QScopedValueRollback<bool> guard(d->isRefreshing, true);
         const Private::Memory memory = d->remember();
-        const std::vector<QBRowKey> earlierKeys = std::exchange(d->keys, {});
+        QSet<QBRowKey> wanted = memory.selected;
+        wanted << memory.current << memory.top;
+        std::map<int, QBRowKey> shown;
+        for (const int row : d->pool.rows())
+            wanted << (shown[row] = shownKey(row));
         d->released.reset();
-        const int count = d->provider->rowCount();
-        d->keys.reserve(static_cast<std::size_t>(count));
-        for (int row = 0; row < count; ++row)
-            d->keys.push_back(d->provider->rowKey(row));
-        d->model->setRowCount(count);
-        const QHash<QBRowKey, int> rows = d->findRows(memory);
+        d->takeKeys();
+        const QHash<QBRowKey, int> rows = d->findRows(wanted);
         d->extraRows.clear();
-        d->pool.keepOnly([this](int) { return false; });
+        d->pool.renumber([&](int row) { return rows.value(shown.at(row), -1); });
+        d->model->setRowCount(d->count());
         updateGeometries();
-        setAutoScroll(false);
         d->restoreSelection(memory, rows);
-        setAutoScroll(true);
         d->restoreScroll(memory, rows);
         if (rowToSelect >= 0) selectOnly(rowToSelect);
     }
@@ -463,6 +556,11 @@ void QBNestedListTableView::setRowDragEnabled(bool isEnabled) {
 
 bool QBNestedListTableView::event(QEvent* event) {
     if (event->type() == QEvent::LayoutRequest) updateGeometries();
+    // A shortcut of the host comes after what the list does with the key.
+    if (event->type() == QEvent::ShortcutOverride) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (isOwnKey(key)) return key->accept(), true;
+    }
     return QTableView::event(event);
 }
 
@@ -493,28 +591,11 @@ void QBNestedListTableView::focusOutEvent(QFocusEvent* event) {
 }
 
 void QBNestedListTableView::keyPressEvent(QKeyEvent* event) {
-    const bool isCtrl = event->modifiers() == Qt::ControlModifier;
-    const int forward = isRightToLeft() ? -1 : 1;
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    // A dialog around the list would take what is left of Return as its own button.
+    if (!isOwnKey(event) && !isReturn) return QTableView::keyPressEvent(event);
     event->accept();
-    if (isMenuKey(event)) return d->askForMenu();
-    if (isEditKey(event->key()) && !isCtrl) return d->clickPart();
-    if (isCtrl && event->key() == Qt::Key_Up) return Q_EMIT moveUpRequested();
-    if (isCtrl && event->key() == Qt::Key_Down) return Q_EMIT moveDownRequested();
-    switch (event->key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            return;
-        case Qt::Key_Left:
-            return d->movePart(-forward);
-        case Qt::Key_Right:
-            return d->movePart(forward);
-        case Qt::Key_Insert:
-            return Q_EMIT addRequested();
-        case Qt::Key_Delete:
-            return Q_EMIT removeRequested();
-        default:
-            QTableView::keyPressEvent(event);
-    }
+    if (isOwnKey(event)) d->handleKey(event);
 }
 
 void QBNestedListTableView::mousePressEvent(QMouseEvent* event) {
@@ -526,13 +607,7 @@ void QBNestedListTableView::mousePressEvent(QMouseEvent* event) {
 }
 
 void QBNestedListTableView::paintEvent(QPaintEvent* event) {
-    // The area beneath the rows looks like the list.
-    if (palette().color(QPalette::Base) != palette().color(QPalette::Window)) {
-        QPalette changed = palette();
-        changed.setBrush(QPalette::Window, changed.brush(QPalette::Base));
-        setPalette(changed);
-        setAutoFillBackground(true);
-    }
+    d->matchBackground();
     QTableView::paintEvent(event);
 }
 
@@ -548,6 +623,7 @@ void QBNestedListTableView::scrollContentsBy(int dx, int dy) {
 
 void QBNestedListTableView::showEvent(QShowEvent* event) {
     QTableView::showEvent(event);
+    d->matchBackground();
     d->fill();
 }
 
@@ -594,41 +670,45 @@ void QBNestedListTableView::selectionChanged(const QItemSelection& selected,
 void QBNestedListTableView::startDrag(Qt::DropActions) {
     QBNestedListRowWidget* widget = rowWidget(currentRow());
     if (widget == nullptr) return;
-    d->dragged = shownKey(currentRow());
     const std::unique_ptr<QBNestedListRowWidget> picture(widget->clone());
     picture->resize(widget->size());
+    d->dragged = shownKey(currentRow());
     auto* drag = new QDrag(this);
     drag->setMimeData(new QMimeData);
     drag->setPixmap(picture->grab());
     const QPointer<QBNestedListTableView> self(this);
     drag->exec(Qt::MoveAction);  // the drop has done all that is to be done
-    if (self) d->dropLine->hide();
+    if (!self) return;
+    d->dragged = QBRowKey();
+    d->endDrop();
 }
 
 void QBNestedListTableView::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->source() == this) event->acceptProposedAction();
+    event->setAccepted(event->source() == this);
 }
 
 void QBNestedListTableView::dragMoveEvent(QDragMoveEvent* event) {
-    event->ignore();
-    if (event->source() != this) return;
+    event->setAccepted(event->source() == this);
+    if (!event->isAccepted()) return;
     event->setDropAction(Qt::MoveAction);
     event->accept();
-    d->showDropLine(d->dropTarget(event->pos()));
+    d->showDropLine(d->dropTarget(event->posF()));
     startAutoScroll();
 }
 
 void QBNestedListTableView::dragLeaveEvent(QDragLeaveEvent*) {
-    stopAutoScroll();
-    d->dropLine->hide();
+    d->endDrop();
 }
 
 void QBNestedListTableView::dropEvent(QDropEvent* event) {
-    stopAutoScroll();
-    d->dropLine->hide();
+    d->endDrop();
     event->setDropAction(Qt::MoveAction);
     event->accept();
-    Q_EMIT rowDropped(d->dropTarget(QPoint(0, qRound(event->posF().y()))));
+    // Rows may have changed on the way.
+    if (d->dragged.isValid() && shownKey(currentRow()) != d->dragged)
+        selectOnly(d->findRows({d->dragged}).value(d->dragged, -1));
+    const bool isThere = !d->dragged.isValid() || shownKey(currentRow()) == d->dragged;
+    if (isThere) Q_EMIT rowDropped(d->dropTarget(event->posF()));
 }
 
 }  // namespace QB
