@@ -33,11 +33,11 @@ QBNestedListRowWidget* QBNestedListOpenBracketRowWidget::clone() {
 
 void QBNestedListOpenBracketRowWidget::slotOnComponentChanged() {
     m_ui->openBracketLabel->setText(QStringLiteral("("));
-    m_ui->negatorLabel->setText(Tolk::localize(Tolk::TextNotWord));
     const auto* condition = ifKind<SQLBracketedConditionComponent>(component());
     const bool isNegated = condition && condition->negated;
-    m_ui->negatorLabel->setLabelColour(isNegated ? LabelColour::Operator
-                                                 : LabelColour::Placeholder);
+    showRowText(m_ui->negatorLabel, {Tolk::localize(Tolk::TextNotWord),
+                                     isNegated ? LabelColour::Operator : LabelColour::Placeholder,
+                                     Tolk::localize(Tolk::TextNegateCondition)});
 }
 
 QBLabel* QBNestedListOpenBracketRowWidget::deleteLabel() {

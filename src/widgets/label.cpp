@@ -9,13 +9,13 @@
 #include <algorithm>
 
 #include "widgets/label_accessible.h"
+#include "widgets/plain_tool_tip.h"
 
 namespace QB {
 namespace {
 
 constexpr qreal hoverOpacity = 150.0 / 255.0;
 constexpr int longestText = 512;
-constexpr int longestToolTip = 2000;
 constexpr int smallestWidth = 16;
 constexpr int modestWidth = 96;
 
@@ -51,15 +51,6 @@ Qt::LayoutDirection directionOf(const QString& text, Qt::LayoutDirection around)
         if (c.direction() == QChar::DirR || c.direction() == QChar::DirAL) return Qt::RightToLeft;
     }
     return around;
-}
-
-/// Rich text that shows @p text as it stands and wraps.
-QString asToolTip(const QString& text) {
-    if (text.isEmpty()) return text;
-    const bool isCut = text.size() > longestToolTip;
-    const QString shown = isCut ? text.left(longestToolTip) + QChar(0x2026) : text;
-    return QStringLiteral("<p style='white-space:pre-wrap'>") + shown.toHtmlEscaped() +
-           QStringLiteral("</p>");
 }
 
 }  // namespace
@@ -120,7 +111,7 @@ void QBLabel::setCurrentPart(bool isCurrent) {
 void QBLabel::setToolTipText(const QString& text) {
     if (m_toolTipText == text) return;
     m_toolTipText = text;
-    setToolTip(asToolTip(text));
+    setToolTip(plainToolTip(text));
 }
 
 void QBLabel::click() {
@@ -229,7 +220,7 @@ bool QBLabel::event(QEvent* event) {
         return QLabel::event(event);
     const bool isWhole = textWidth() <= textRect().width() && m_fullText.size() <= longestText;
     const QPoint position = static_cast<QHelpEvent*>(event)->globalPos();
-    QToolTip::showText(position, isWhole ? QString() : asToolTip(m_fullText), this);
+    QToolTip::showText(position, isWhole ? QString() : plainToolTip(m_fullText), this);
     return true;
 }
 

@@ -21,7 +21,8 @@ double luminance(const QColor& colour) {
 }
 
 QColor withLightness(const QColor& colour, int lightness) {
-    return QColor::fromHsl(std::max(colour.hslHue(), 0), colour.hslSaturation(), lightness).toRgb();
+    const int hue = std::max(colour.hslHue(), 0);
+    return QColor(QColor::fromHsl(hue, colour.hslSaturation(), lightness).rgb());
 }
 
 /// The lightness nearest to that of @p colour which can be read on @p background, going towards

@@ -280,7 +280,179 @@ private Q_SLOTS:
         QVERIFY(!shown(row.get()).isEmpty());
     }
 
+    void aClickOnAPartTellsWhatIsWanted_data() {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<QStringList>("signalsInOrder");
+        const QString add = "addRowButtonClicked";
+        const QString bracketed = "addBracketButtonClicked";
+        const QString remove = "deleteButtonClicked";
+        const QString alias = "aliasLabelClicked";
+        const auto row = [](const char* name, const QStringList& expected) {
+            for (std::size_t i = 0; i < cases().size(); ++i)
+                if (QLatin1String(cases()[i].name) == QLatin1String(name))
+                    QTest::newRow(name) << static_cast<int>(i) << expected;
+        };
+        row("current schema", {"signalEditIdentifierRequested", alias, add, bracketed, remove});
+        row("on", {"signalEditJoinTypeRequested", "signalEditConditionRequested", remove});
+        row("ascending", {"identifierLabelClicked", "orderLabelClicked", add, remove});
+        row("aggregate", {"identifierLabelClicked", alias, add, remove});
+        row("source text", {"valueLabelClicked", alias, add, bracketed, remove});
+        row("open", {remove});
+        row("close", {"logicGateLabelClicked", add, bracketed, remove});
+        row("subquery", {"signalJumpToSubqueryRequested", alias, add, bracketed, remove});
+    }
+
+    /// Each clickable part, clicked in the window, gives just its signal; and the main part is the
+    /// first, unless that would be a control.
+    void aClickOnAPartTellsWhatIsWanted() {
+        QFETCH(int, index);
+        QFETCH(QStringList, signalsInOrder);
+        const Case& c = cases()[static_cast<std::size_t>(index)];
+        const Part part = c.part();
+        const Row row = c.make(part, c.info);
+        row->resize(700, 23);
+        row->show();
+        QStringList heard;
+        for (QBLabel* label : row->parts()) {
+            const auto spies = spiesOn(row.get());
+            click(label);
+            for (const auto& spy : spies)
+                for (int i = 0; i < spy->count(); ++i)
+                    heard << nameOf(*spy);
+        }
+        QCOMPARE(heard, signalsInOrder);
+        auto* main = row->mainPart();
+        QCOMPARE(main == nullptr, signalsInOrder.first() == "deleteButtonClicked");
+        QVERIFY(main == nullptr || main == row->parts().first());
+    }
+
+    void theCaptionOfASubqueryOpensItToo() {
+        const Part part = subquery(false);
+        const Row row = subqueryRow(part, mySQL);
+        row->resize(700, 23);
+        row->show();
+        const auto spies = spiesOn(row.get());
+        click(row->findChild<QBLabel*>("subqueryLabel"));
+        for (const auto& spy : spies)
+            QCOMPARE(spy->count(), nameOf(*spy) == "signalJumpToSubqueryRequested" ? 1 : 0);
+    }
+
+    void aRowIsUsedAgainForAnotherComponent() {
+        const Part first = field({"shop", "film"}, "id", "n");
+        const Part second = field({"shop", "actor"}, "name");
+        QBColumnPanelFieldRowWidget row(first.get(), mySQL, "shop", nullptr);
+        QCOMPARE(row.fieldLabel()->toolTipText(), QString("film.id - n"));
+        row.setComponent(second.get());
+        QCOMPARE(shown(&row), QString("actor.name | ~<alias>"));
+        row.setDatabase(mySQL, {});
+        QCOMPARE(shown(&row), QString("shop.actor.name | ~<alias>"));
+        row.setInvalidReason(3);
+        row.setAliasVisible(false);
+        QCOMPARE(shown(&row), QString("!shop.actor.name"));
+        QCOMPARE(row.fieldLabel()->toolTipText(), invalidReasonText(3) + "\nshop.actor.name");
+        QCOMPARE(row.fieldLabel()->accessibleDescription(), invalidReasonText(3));
+        const Row twin(row.clone());
+        QCOMPARE(shown(twin.get()), shown(&row));
+        row.setInvalidReason(-1);
+        row.setAliasVisible(true);
+        QCOMPARE(shown(&row), QString("shop.actor.name | ~<alias>"));
+        QVERIFY(row.fieldLabel()->accessibleDescription().isEmpty());
+    }
+
+    /// As the text of the statement names it.
+    void aFieldIsNamedByItsSource() {
+        const auto source = table({"shop"}, "film", "f");
+        const Part part = field({"shop", "film"}, "id");
+        static_cast<SQLFieldColumnComponent*>(part.get())->source = source.get();
+        const Row row = fieldRow(part, mySQL);
+        QCOMPARE(shown(row.get()), QString("f.id | ~<alias>"));
+        source->alias.clear();
+        source->name = "film2";  // written with a name that has gone
+        row->slotOnComponentChanged();
+        QCOMPARE(shown(row.get()), QString("film2.id | ~<alias>"));
+        const Part referring = field({}, "n");
+        static_cast<SQLFieldColumnComponent*>(referring.get())->referencedColumn =
+            static_cast<SQLFieldColumnComponent*>(part.get());
+        static_cast<SQLFieldColumnComponent*>(part.get())->alias = "n";
+        QCOMPARE(shown(columnRow(referring, mySQL).get()), QString("n | ~<direction>"));
+    }
+
+    void bracketsAndPromptsShowWhatThePanelAsksFor() {
+        const Part part = bracket(SQLLogicGateAnd);
+        QBNestedListOpenBracketRowWidget open(part.get(), nullptr);
+        open.setNegateVisible(true);
+        QCOMPARE(shown(&open), QString("~NOT | ("));
+        QCOMPARE(open.mainPart(), open.negatorLabel());
+        static_cast<SQLBracketedConditionComponent*>(part.get())->negated = true;
+        open.slotOnComponentChanged();
+        QCOMPARE(shown(&open), QString("#NOT | ("));
+
+        QBNestedListDummyRowWidget dummy(nullptr, nullptr);
+        QCOMPARE(dummy.parts(), QList<QBLabel*>({dummy.addRowLabel(), dummy.addBracketLabel()}));
+        dummy.setPromptText("add a table");
+        dummy.setAddBracketVisible(false);
+        QCOMPARE(shown(&dummy), QString("~<add a table>"));
+        QCOMPARE(dummy.parts(), QList<QBLabel*>({dummy.promptLabel(), dummy.addRowLabel()}));
+        QVERIFY(dummy.qt_metacast("IQBNestedListRowWidgetAddBracketSupported"));
+        QVERIFY(!dummy.qt_metacast("IQBNestedListRowWidgetDeleteSupported"));
+    }
+
+    void aNarrowRowKeepsItsShortTexts() {
+        const Part part = subquery(false, "longest");
+        const Row row = subqueryRow(part, mySQL);
+        row->resize(300, 23);
+        row->show();
+        const QBLabel* alias = row->findChild<QBLabel*>("aliasLabel");
+        QTRY_VERIFY(alias->width() >= alias->sizeHint().width());
+        QVERIFY(row->findChild<QBLabel*>("subqueryLabel")->isHidden());
+        row->resize(700, 23);
+        QVERIFY(!row->findChild<QBLabel*>("subqueryLabel")->isHidden());
+    }
+
+    void everyFaultHasAWordAndASchemaIsLeftOutOnlyIfThereIsOne() {
+        QSet<QString> texts;
+        for (int reason = 0; reason <= 6; ++reason)
+            texts << invalidReasonText(reason);
+        QCOMPARE(texts.size(), 7);
+        QVERIFY(!texts.contains(QString()));
+        QVERIFY(invalidReasonText(-1).isEmpty() && invalidReasonText(7).isEmpty());
+
+        const auto source = subquery(false);
+        auto* statement = static_cast<SQLSelectStmtComponent*>(source->subquery);
+        QCOMPARE(schemaLeftOut(statement, "shop"), std::string("shop"));
+        QCOMPARE(schemaLeftOut(nullptr, "shop"), std::string());
+        SourceNode*& root = statement->sourceExpr->root;
+        auto* joined = new SourceNode;
+        joined->value = join(SQLJoinTypeComma).release();
+        joined->left = root;
+        joined->right = new SourceNode;
+        joined->right->value = table({"other"}, "t").release();
+        root = joined;
+        QCOMPARE(schemaLeftOut(statement, "shop"), std::string());
+    }
+
 private:
+    using Spies = std::vector<std::unique_ptr<QSignalSpy>>;
+
+    static QString nameOf(const QSignalSpy& spy) {
+        return QString::fromLatin1(spy.signal()).section('(', 0, 0);
+    }
+
+    /// On all signals that the row's own class adds.
+    static Spies spiesOn(QObject* row) {
+        Spies spies;
+        const QMetaObject* type = row->metaObject();
+        for (int i = type->methodOffset(); i < type->methodCount(); ++i)
+            if (type->method(i).methodType() == QMetaMethod::Signal)
+                spies.push_back(std::make_unique<QSignalSpy>(row, type->method(i)));
+        return spies;
+    }
+
+    static void click(const QBLabel* label) {
+        const QPoint middle = label->mapTo(label->window(), label->rect().center());
+        QTest::mouseClick(label->window()->windowHandle(), Qt::LeftButton, {}, middle);
+    }
+
     Test::HostCallbacks m_host;
 };
 

@@ -1,0 +1,180 @@
+#include <QAccessible>
+#include <QHelpEvent>
+#include <QSignalSpy>
+#include <QTableWidget>
+#include <QToolTip>
+#include <QtTest>
+
+#include "support/host_callbacks.h"
+#include "widgets/label.h"
+
+namespace QB {
+namespace {
+
+constexpr LabelColour colours[] = {LabelColour::Value, LabelColour::Placeholder,
+                                   LabelColour::Operator, LabelColour::Invalid};
+
+/// A list whose first row is a label.
+class LabelList : public QTableWidget {
+public:
+    LabelList() : QTableWidget(3, 1) {
+        label->setText("a text");
+        label->setClickable(true);
+        setIndexWidget(model()->index(0, 0), label);
+        setSelectionMode(QAbstractItemView::ExtendedSelection);
+        resize(300, 200);
+    }
+
+    bool isIdle() const { return state() == NoState; }
+    /// In the window.
+    QPoint middle() const { return label->mapTo(window(), label->rect().center()); }
+
+    QBLabel* const label = new QBLabel;
+};
+
+/// Whether some pixel of @p widget has just that colour.
+bool shows(QWidget& widget, const QColor& colour) {
+    const QImage image = widget.grab().toImage();
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixelColor(x, y) == colour) return true;
+    return false;
+}
+
+}  // namespace
+
+class LabelTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void allColoursCanBeReadOnASelectedRow() {
+        QCOMPARE(qRound(contrastRatio(Qt::white, Qt::black)), 21);
+        QCOMPARE(qRound(contrastRatio(QColor("#767676"), Qt::white) * 100), 454);
+        for (const bool isDark : {false, true}) {
+            m_host.isDark = isDark;
+            for (const char* highlight : {"#308cc6", "#2a82da", "#000000", "#ffffff", "#ff8000"}) {
+                QPalette palette;
+                palette.setColor(QPalette::Base, isDark ? QColor("#232323") : Qt::white);
+                palette.setColor(QPalette::Highlight, QColor(highlight));
+                const QColor row = selectedRowColour(palette);
+                for (const LabelColour colour : colours) {
+                    const QColor readable = readableColour(labelColour(colour), row);
+                    QVERIFY2(contrastRatio(readable, row) >= 4.5, highlight);
+                }
+            }
+        }
+        QVERIFY(labelColour(LabelColour::Value) == QColor("#efefef"));
+        m_host.isDark = false;
+        QVERIFY(labelColour(LabelColour::Value) == QColor("#424242"));
+        QVERIFY(readableColour(Qt::black, Qt::white) == QColor(Qt::black));
+    }
+
+    void aTextIsPaintedInTheColourOfWhatItIs() {
+        QBLabel label;
+        QFont font = label.font();
+        font.setPixelSize(60);
+        font.setBold(true);
+        label.setFont(font);
+        label.setText("MMM");
+        const QSize plain = label.sizeHint();
+        label.resize(plain * 2);
+        for (const LabelColour colour : colours) {
+            label.setLabelColour(colour);
+            QVERIFY(shows(label, labelColour(colour)));
+            label.setSelectedLook(true);
+            QVERIFY(shows(label,
+                          readableColour(labelColour(colour), selectedRowColour(label.palette()))));
+            label.setSelectedLook(false);
+        }
+        QVERIFY2(label.sizeHint().width() > plain.width(), "an invalid text has a mark in front");
+    }
+
+    void markupAndLineBreaksAreTextAndLongTextsAreCut() {
+        QBLabel label;
+        label.setText("<b>a</b>\n<code>");
+        QCOMPARE(label.text(), QString("<b>a</b> <code>"));
+        QCOMPARE(label.textFormat(), Qt::PlainText);
+        label.setToolTipText(label.fullText());
+        QVERIFY(label.toolTip().contains("&lt;b&gt;a&lt;/b&gt;\n&lt;code&gt;"));
+
+        const QString longText(100000, 'm');
+        label.setText(longText);
+        label.setToolTipText(longText);
+        QCOMPARE(label.fullText(), longText);
+        QCOMPARE(label.text().size(), 512);
+        QVERIFY(label.toolTip().size() < 2200);
+        QVERIFY(label.minimumSizeHint().width() <= 16);
+    }
+
+    void onlyATextThatElidesTellsItselfInATooltip() {
+        QBLabel label;
+        label.setText("a text & <more>");
+        label.show();
+        for (const int width : {20, 400}) {
+            label.resize(width, 20);
+            QHelpEvent event(QEvent::ToolTip, QPoint(2, 2), label.mapToGlobal(QPoint(2, 2)));
+            QCoreApplication::sendEvent(&label, &event);
+            QTRY_COMPARE(QToolTip::text().contains("a text &amp; &lt;more&gt;"), width == 20);
+        }
+    }
+
+    void aClickOnALabelIsAlsoOneOnTheListAroundIt() {
+        LabelList list;
+        list.show();
+        const QSignalSpy clicks(list.label, &QBLabel::clicked);
+        QWindow* window = list.windowHandle();
+        QTest::mousePress(window, Qt::LeftButton, {}, list.middle());
+        QCOMPARE(clicks.count(), 0);
+        QVERIFY(list.selectionModel()->isSelected(list.model()->index(0, 0)));
+        QTest::mouseRelease(window, Qt::LeftButton, {}, list.middle());
+        QCOMPARE(clicks.count(), 1);
+        QVERIFY2(list.isIdle(), "the list would go on selecting with each move of the mouse");
+
+        const QPoint below = list.middle() + QPoint(0, list.rowHeight(0));
+        QTest::mousePress(window, Qt::LeftButton, {}, list.middle());
+        QTest::mouseMove(window, below);
+        QTest::mouseRelease(window, Qt::LeftButton, {}, below);
+        QTest::mousePress(window, Qt::LeftButton, {}, below);
+        QTest::mouseRelease(window, Qt::LeftButton, {}, list.middle());
+        QCOMPARE(clicks.count(), 1);
+        QVERIFY(list.isIdle());
+    }
+
+    void aClickableLabelIsAButtonForScreenReaders() {
+        QBLabel label;
+        label.setText("<alias>");
+        auto* interface = QAccessible::queryAccessibleInterface(&label);
+        QCOMPARE(interface->role(), QAccessible::StaticText);
+        label.setClickable(true);
+        QCOMPARE(interface->role(), QAccessible::Button);
+        QCOMPARE(interface->text(QAccessible::Name), QString("<alias>"));
+        label.setAccessibleName("Remove");
+        label.setToolTipText("No such table");
+        QCOMPARE(interface->text(QAccessible::Name), QString("Remove"));
+        QCOMPARE(interface->text(QAccessible::Description), QString("No such table"));
+        const QSignalSpy clicks(&label, &QBLabel::clicked);
+        QAccessibleActionInterface* actions = interface->actionInterface();
+        QVERIFY(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
+        actions->doAction(QAccessibleActionInterface::pressAction());
+        QCOMPARE(clicks.count(), 1);
+    }
+
+    void theMarkOfTheKeyboardShows() {
+        QBLabel label;
+        label.setText("alias");
+        label.resize(80, 23);
+        const QImage plain = label.grab().toImage();
+        label.setCurrentPart(true);
+        QVERIFY(label.grab().toImage() != plain);
+        label.setCurrentPart(false);
+        QVERIFY(label.grab().toImage() == plain);
+    }
+
+private:
+    Test::HostCallbacks m_host;
+};
+
+}  // namespace QB
+
+QTEST_MAIN(QB::LabelTest)
+#include "label_test.moc"
