@@ -26,7 +26,7 @@ QBNestedListRowWidget* QBNestedListRowPool::make(int row) {
     if (widget == nullptr) {
         widget = m_provider->createRowWidget(row, m_parent);
         if (widget == nullptr) return nullptr;
-        m_provider->rowWidgetCreated(widget);
+        created(widget);
     }
     m_shown.emplace(row, Shown{widget, kind});
     m_provider->updateRowWidget(widget, row);

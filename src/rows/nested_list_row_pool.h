@@ -24,6 +24,8 @@ public:
 
     /// Not owned; null: no rows.
     void setProvider(IQBNestedListRowProvider* provider) { m_provider = provider; }
+    /// Called for each new widget, before it is filled.
+    std::function<void(QBNestedListRowWidget*)> created;
 
     /// Null if that row has no widget at present.
     QBNestedListRowWidget* find(int row) const;

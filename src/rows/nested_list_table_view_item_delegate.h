@@ -18,6 +18,9 @@ public:
 
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+
+private:
+    static void paintFocusFrame(QPainter* painter, const QStyleOptionViewItem& option);
 };
 
 }  // namespace QB

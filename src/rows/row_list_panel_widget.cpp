@@ -71,13 +71,6 @@ QBRowKey keyOf(const Items& items, std::size_t row) {
     return {QBRowKey::Placeholder, bracket == nullptr ? -1 : bracket->id()};
 }
 
-QBNotificationParameters focusParameters(AbstractQueryComponent* component, bool isFocused,
-                                         void* sender) {
-    return {{"component", static_cast<void*>(component)},
-            {"focused", isFocused ? 1 : 0},
-            {"sender", sender}};
-}
-
 }  // namespace
 
 class QBRowListPanelWidget::Private {
@@ -96,6 +89,7 @@ public:
     void closeWhatHasGone();
     AbstractQueryComponent* findComponent(QBRowKey key) const;
     void tellFocus(int row);
+    void tell(AbstractQueryComponent* component, bool isFocused);
     void takeFocus(AbstractQueryComponent* component);
 
     QBRowListPanelWidget* const q;
@@ -206,12 +200,12 @@ void QBRowListPanelWidget::Private::refreshWhenShown(bool rebuildLayout) {
     isStale = true;
     q->m_view->releaseRows();
     q->m_layout.setImplementation(nullptr);
-    if (menu) menu->close();
+    if (menu && menu->isVisible()) menu->close();
     if (q->isPopupOpen() && q->popupRow().isValid()) q->cancelPopup();
 }
 
 void QBRowListPanelWidget::Private::closeWhatHasGone() {
-    if (menu) menu->close();
+    if (menu && menu->isVisible()) menu->close();
     if (!q->isPopupOpen()) return;
     const QBRowKey key = q->popupRow();
     if (key.isValid() && q->findRow(key) < 0) q->cancelPopup();
@@ -224,28 +218,35 @@ AbstractQueryComponent* QBRowListPanelWidget::Private::findComponent(QBRowKey ke
     return item == nullptr ? nullptr : item->component;
 }
 
+/// Tells that the row has the focus, and which one has not any more. -1: none has.
 void QBRowListPanelWidget::Private::tellFocus(int row) {
     if (isTakingFocus || q->engine() == nullptr) return;
     const QBRowKey earlier = std::exchange(focused, q->m_view->shownKey(row));
-    const auto tell = [this](AbstractQueryComponent* component, bool isFocused) {
-        if (component == nullptr || q->engine() == nullptr) return;
-        const QBNotificationParameters parameters = focusParameters(component, isFocused, q);
-        q->engine()->notifyChange(Notification::componentFocusChanged, &parameters);
-    };
+    if (earlier == focused) return;
     tell(findComponent(earlier), false);
     tell(findComponent(focused), true);
 }
 
+void QBRowListPanelWidget::Private::tell(AbstractQueryComponent* component, bool isFocused) {
+    if (component == nullptr || q->engine() == nullptr) return;
+    const QBNotificationParameters parameters = {{"component", static_cast<void*>(component)},
+                                                 {"focused", isFocused ? 1 : 0},
+                                                 {"sender", static_cast<void*>(q)}};
+    q->engine()->notifyChange(Notification::componentFocusChanged, &parameters);
+}
+
+/// Another panel has told of the focus; that need not be told again.
 void QBRowListPanelWidget::Private::takeFocus(AbstractQueryComponent* component) {
-    const QScopedValueRollback<bool> guard(isTakingFocus, true);
     const Items& items = q->m_layout.items();
     const auto found = std::find_if(items.begin(), items.end(), [component](const Item* item) {
         return component != nullptr && item->component == component;
     });
     if (found == items.end()) return;
+    const QScopedValueRollback<bool> guard(isTakingFocus, true);
     const int row = static_cast<int>(found - items.begin());
-    focused = q->m_view->shownKey(row);
+    const QBRowKey earlier = std::exchange(focused, q->m_view->shownKey(row));
     q->m_view->selectOnly(row);
+    if (earlier != focused) tell(findComponent(earlier), false);
 }
 
 // The panel
@@ -258,7 +259,7 @@ QBRowListPanelWidget::QBRowListPanelWidget(QWidget* parent)
 }
 
 QBRowListPanelWidget::~QBRowListPanelWidget() {
-    m_view->setRowProvider(nullptr);
+    if (m_view != nullptr) m_view->setRowProvider(nullptr);
 }
 
 void QBRowListPanelWidget::setupRows(QBNestedListTableView* view) {
@@ -321,6 +322,12 @@ void QBRowListPanelWidget::changeEvent(QEvent* event) {
 void QBRowListPanelWidget::showEvent(QShowEvent* event) {
     QBTopLevelElementPanelWidget::showEvent(event);
     if (d->isStale) refreshUI(true);
+    if (!event->spontaneous() && m_view != nullptr) d->tellFocus(m_view->currentRow());
+}
+
+void QBRowListPanelWidget::hideEvent(QHideEvent* event) {
+    QBTopLevelElementPanelWidget::hideEvent(event);
+    if (!event->spontaneous()) d->tellFocus(-1);
 }
 
 // Rows

@@ -136,6 +136,7 @@ protected:
     void popupMenu(QMenu* menu, const QPoint& position);
 
     void changeEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private Q_SLOTS:
