@@ -27,8 +27,8 @@ public:
                                                               "A SQLite database, or SQL text in "
                                                               "a file named *.sql, or both.")),
                                        QStringLiteral("[FILE...]"));
-        m_parser.addOptions({m_sample, m_sql, m_add, m_run, m_screenshot, m_size, m_scale, m_theme,
-                             m_language, m_settings, m_deadline});
+        m_parser.addOptions({m_sample, m_sql, m_add, m_run, m_tab, m_screenshot, m_part, m_size,
+                             m_scale, m_theme, m_language, m_settings, m_deadline});
         m_help.append(m_parser.addHelpOption().names());
         m_version.append(m_parser.addVersionOption().names());
     }
@@ -79,7 +79,9 @@ private:
         options.wantsSample = m_parser.isSet(m_sample);
         options.tables = m_parser.values(m_add);
         options.run = m_parser.isSet(m_run);
+        options.tab = m_parser.value(m_tab);
         options.screenshot = m_parser.value(m_screenshot);
+        options.part = m_parser.value(m_part);
         options.theme = m_parser.value(m_theme);
         options.language = m_parser.value(m_language);
         options.settingsFile = m_parser.value(m_settings);
@@ -142,12 +144,22 @@ private:
         QStringLiteral("TABLE")};
     const QCommandLineOption m_run{QStringLiteral("run"),
                                    text(QT_TRANSLATE_NOOP("CommandLine", "Run the query."))};
+    const QCommandLineOption m_tab{
+        QStringLiteral("tab"),
+        text(QT_TRANSLATE_NOOP("CommandLine", "Bring up a clause, such as WHERE or \"GROUP BY\".")),
+        QStringLiteral("NAME")};
     const QCommandLineOption m_screenshot{
         QStringLiteral("screenshot"),
         text(QT_TRANSLATE_NOOP("CommandLine",
                                "Render the window into a picture FILE when all of that is done, "
                                "and end. Needs no display with QT_QPA_PLATFORM=offscreen.")),
         QStringLiteral("FILE")};
+    const QCommandLineOption m_part{
+        QStringLiteral("part"),
+        text(QT_TRANSLATE_NOOP("CommandLine",
+                               "Of the window, picture only the widget with that object name, such "
+                               "as tabWidget for the clauses.")),
+        QStringLiteral("NAME")};
     const QCommandLineOption m_size{
         QStringLiteral("size"),
         text(QT_TRANSLATE_NOOP("CommandLine", "The size of the window, such as 1200x800.")),

@@ -24,7 +24,9 @@ struct CommandLine {
     bool wantsSample = false;
     QStringList tables;  ///< to add: "table" or "schema.table"
     bool run = false;
+    QString tab;         ///< the text of a clause tab to bring up
     QString screenshot;  ///< empty: an ordinary start
+    QString part;        ///< the object name of the widget to picture; empty: the window
     QSize size;          ///< empty: as the window was left
     QString theme;       ///< "system", "light", "dark"; empty: as set in the program
     QString language;    ///< a code such as "de"; empty: as set in the program
@@ -32,7 +34,8 @@ struct CommandLine {
     int deadlineMs = 30000;
 
     bool isScripted() const {
-        return !tables.isEmpty() || !sqlFile.isEmpty() || run || !screenshot.isEmpty();
+        return !tables.isEmpty() || !sqlFile.isEmpty() || run || !tab.isEmpty() ||
+               !screenshot.isEmpty();
     }
 };
 

@@ -49,8 +49,9 @@ QString splitterKey(const QSplitter* splitter) {
 
 /// Shares of the panes in a window that nobody has arranged yet.
 QList<int> firstSizes(const QSplitter* splitter) {
-    if (splitter->count() == 3) return {240, 600, 360};
-    return {460, 300};
+    if (splitter->orientation() == Qt::Horizontal) return {240, 600, 360};
+    if (splitter->objectName() == QLatin1String("windowSplitter")) return {560, 190};
+    return {290, 220};  // diagram and clauses
 }
 
 /// The one local file of a drag; empty if it brings something else.
@@ -248,6 +249,7 @@ void MainWindow::connectEngine() {
     connect(emitter, &Emitter::topLevelQueryComponentElementModified, this,
             [this](QBEngine*, const QSet<TopLevelQueryComponentElementEnum>& elements) {
                 m_isQueryUnsaved = true;
+                m_messageBar->withdrawQuestion();  // it was about the query before
                 if (elements.contains(ElementSource)) Q_EMIT sourcesChanged();
             });
     connect(emitter, &Emitter::identifierCandidateChildrenUpdateEnded, this,
@@ -301,22 +303,20 @@ void MainWindow::takeQuery(bool run) {
 }
 
 void MainWindow::takeBuiltQuery(bool run) {
-    if (!m_workspace || !confirmIncompleteQuery()) return;
+    if (!m_workspace) return;
+    if (!m_builder->needShowBuildWarning()) return handOutQuery(run);
+    m_messageBar->ask(
+        tr("Some parts of the query are marked as incomplete, so the server may refuse it."),
+        run ? tr("&Run anyway") : tr("&Copy anyway"), [this, run] { handOutQuery(run); });
+}
+
+void MainWindow::handOutQuery(bool run) {
+    if (!m_workspace) return;
     const QString text = QString::fromStdString(m_workspace->engine()->buildQuery());
     m_isQueryUnsaved = false;
     if (run) return m_grid->run(text);
     QApplication::clipboard()->setText(text);
     showNote(tr("The SQL text is on the clipboard."));
-}
-
-bool MainWindow::confirmIncompleteQuery() {
-    if (!m_builder->needShowBuildWarning()) return true;
-    const auto answer = QMessageBox::warning(
-        this, tr("The query is not complete"),
-        tr("Some parts of the query are marked as incomplete, so the server may refuse it. "
-           "Carry on?"),
-        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
-    return answer == QMessageBox::Yes;
 }
 
 // ---- What the user sees of it

@@ -100,7 +100,7 @@ private:
     void startQuery();
     void takeQuery(bool run);
     void takeBuiltQuery(bool run);
-    bool confirmIncompleteQuery();
+    void handOutQuery(bool run);
     bool confirmDiscardQuery();
     bool confirmDiscardText();
     bool confirmReplacingQuery(const QString& reason);

@@ -1,12 +1,15 @@
 #include "apps/joinery-desk/message_bar.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QStyle>
 #include <QToolButton>
+#include <utility>
 
 #include "model/callbacks.h"
 
@@ -15,14 +18,30 @@ namespace {
 
 QColor background(MessageBar::Kind kind) {
     const bool isDark = Callback::isDarkTheme();
+    if (kind == MessageBar::Kind::Question) return isDark ? QColor(0x4f4520) : QColor(0xfdf3d3);
     if (kind == MessageBar::Kind::Error) return isDark ? QColor(0x542a2c) : QColor(0xfde8e6);
     return isDark ? QColor(0x263f5c) : QColor(0xe4effb);
+}
+
+QStyle::StandardPixmap iconOf(MessageBar::Kind kind) {
+    if (kind == MessageBar::Kind::Question) return QStyle::SP_MessageBoxWarning;
+    return kind == MessageBar::Kind::Error ? QStyle::SP_MessageBoxCritical
+                                           : QStyle::SP_MessageBoxInformation;
+}
+
+QString nameOf(MessageBar::Kind kind) {
+    if (kind == MessageBar::Kind::Question) return MessageBar::tr("Question");
+    return kind == MessageBar::Kind::Error ? MessageBar::tr("Error") : MessageBar::tr("Note");
 }
 
 }  // namespace
 
 MessageBar::MessageBar(QWidget* parent)
-    : QFrame(parent), m_icon(new QLabel), m_text(new QLabel), m_close(new QToolButton) {
+    : QFrame(parent)
+    , m_icon(new QLabel)
+    , m_text(new QLabel)
+    , m_answer(new QPushButton)
+    , m_close(new QToolButton) {
     setObjectName(QStringLiteral("messageBar"));
     setAutoFillBackground(true);
     setFrameShape(QFrame::StyledPanel);
@@ -37,7 +56,12 @@ MessageBar::MessageBar(QWidget* parent)
     layout->setContentsMargins(8, 4, 4, 4);
     layout->addWidget(m_icon, 0, Qt::AlignTop);
     layout->addWidget(m_text, 1);
+    m_answer->setObjectName(QStringLiteral("messageAnswer"));
+    m_answer->setAutoDefault(false);
+    m_answer->hide();
+    layout->addWidget(m_answer, 0, Qt::AlignTop);
     layout->addWidget(m_close, 0, Qt::AlignTop);
+    connect(m_answer, &QPushButton::clicked, this, &MessageBar::agree);
     connect(m_close, &QToolButton::clicked, this, &QWidget::hide);
     retranslate();
     hide();
@@ -45,9 +69,38 @@ MessageBar::MessageBar(QWidget* parent)
 
 void MessageBar::show(Kind kind, const QString& text) {
     m_kind = kind;
+    m_agreed = nullptr;
+    m_answer->hide();
     m_text->setText(text);
     color();
     setVisible(!text.isEmpty());
+}
+
+void MessageBar::ask(const QString& text, const QString& answer, std::function<void()> agreed) {
+    QWidget* focused = QApplication::focusWidget();
+    show(Kind::Question, text);
+    m_agreed = std::move(agreed);
+    m_answer->setText(answer);
+    m_answer->show();
+    m_answer->setFocus(Qt::OtherFocusReason);
+    if (focused != nullptr && !isAncestorOf(focused)) m_focusBefore = focused;
+}
+
+void MessageBar::agree() {
+    const std::function<void()> agreed = std::move(m_agreed);
+    hide();
+    if (agreed) agreed();
+}
+
+void MessageBar::withdrawQuestion() {
+    if (isAsking()) hide();
+}
+
+void MessageBar::hideEvent(QHideEvent* event) {
+    QFrame::hideEvent(event);
+    m_agreed = nullptr;
+    if (m_focusBefore && !isVisible()) m_focusBefore->setFocus(Qt::OtherFocusReason);
+    m_focusBefore = nullptr;
 }
 
 QString MessageBar::text() const {
@@ -59,12 +112,11 @@ void MessageBar::color() {
     QPalette colors;
     colors.setColor(QPalette::Window, background(m_kind));
     setPalette(colors);
-    const auto icon =
-        m_kind == Kind::Error ? QStyle::SP_MessageBoxCritical : QStyle::SP_MessageBoxInformation;
+    const auto icon = iconOf(m_kind);
     const int side = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
     m_icon->setPixmap(style()->standardIcon(icon, nullptr, this).pixmap(side));
     m_close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton, nullptr, this));
-    setAccessibleName(m_kind == Kind::Error ? tr("Error") : tr("Note"));
+    setAccessibleName(nameOf(m_kind));
 }
 
 void MessageBar::retranslate() {

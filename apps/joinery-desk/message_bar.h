@@ -1,39 +1,52 @@
 #pragma once
 
 #include <QFrame>
+#include <QPointer>
 #include <QString>
+#include <functional>
 
 class QLabel;
+class QPushButton;
 class QToolButton;
 
 namespace QB::Desk {
 
-/// A line above a pane that tells what went wrong, or what happened, until it is closed. Its text
-/// can be selected and copied. Hidden while there is nothing to tell. Main thread.
+/// A line above a pane that tells what went wrong, or what happened, until it is closed, or asks.
+/// Its text can be selected and copied. Hidden while there is nothing to tell. Main thread.
 class MessageBar : public QFrame {
     Q_OBJECT
 
 public:
-    enum class Kind { Note, Error };
+    enum class Kind { Note, Error, Question };
 
     explicit MessageBar(QWidget* parent = nullptr);
 
     void show(Kind kind, const QString& text);
+    /// Calls @p agreed if the user presses the button @p answer. The question gets the focus. It is
+    /// over when it is answered, closed (Escape), withdrawn, or another message takes its place.
+    void ask(const QString& text, const QString& answer, std::function<void()> agreed);
+    bool isAsking() const { return m_agreed != nullptr; }
+    void withdrawQuestion();
     /// What is being told; empty while hidden.
     QString text() const;
 
 protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
+    void agree();
     void retranslate();
     void color();
 
     Kind m_kind = Kind::Note;
-    QLabel* m_icon;        // owned by the widget
-    QLabel* m_text;        // owned by the widget
-    QToolButton* m_close;  // owned by the widget
+    QLabel* m_icon;                   // owned by the widget
+    QLabel* m_text;                   // owned by the widget
+    QPushButton* m_answer;            // owned by the widget
+    QToolButton* m_close;             // owned by the widget
+    std::function<void()> m_agreed;   ///< empty: nothing is being asked
+    QPointer<QWidget> m_focusBefore;  // not owned: had the focus when the question came
     bool m_isColoring = false;
 };
 

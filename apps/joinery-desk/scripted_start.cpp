@@ -2,14 +2,19 @@
 
 #include <QApplication>
 #include <QPixmap>
+#include <QTabWidget>
 #include <QTreeWidget>
+#include <algorithm>
 #include <utility>
 
 #include "apps/joinery-desk/main_window.h"
+#include "apps/joinery-desk/message_bar.h"
 #include "apps/joinery-desk/result_grid.h"
 #include "apps/joinery-desk/sql_tab.h"
 #include "apps/joinery-desk/workspace.h"
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
+#include "engine/engine_linux.h"
+#include "engine/engine_signal_emitter.h"
 #include "frame/abstract_query_preview_panel_widget.h"
 #include "frame/query_builder_widget.h"
 
@@ -17,6 +22,7 @@ namespace QB::Desk {
 namespace {
 
 constexpr int pollMs = 20;
+constexpr int quietPolls = 5;
 constexpr int loadingRole = Qt::UserRole + 2;
 
 QTreeWidgetItem* childNamed(const QTreeWidgetItem* parent, const QString& name) {
@@ -31,7 +37,10 @@ QTreeWidgetItem* childNamed(const QTreeWidgetItem* parent, const QString& name) 
 }  // namespace
 
 ScriptedStart::ScriptedStart(MainWindow* window, const CommandLine& options)
-    : m_window(window), m_deadlineMs(options.deadlineMs), m_pictureFile(options.screenshot) {
+    : m_window(window)
+    , m_deadlineMs(options.deadlineMs)
+    , m_pictureFile(options.screenshot)
+    , m_pictureOf(options.part) {
     connect(window, &MainWindow::openFailed, this,
             [this](const QString& message) { m_openError = message; });
     connect(window, &MainWindow::sourcesChanged, this, [this] { ++m_sourceChanges; });
@@ -39,6 +48,8 @@ ScriptedStart::ScriptedStart(MainWindow* window, const CommandLine& options)
     if (!options.sqlFile.isEmpty()) planText(options.sqlFile);
     for (const QString& table : options.tables)
         planAdding(table);
+    if (!options.tab.isEmpty())
+        m_steps.push_back([this, name = options.tab] { return bringUpTab(name); });
     m_steps.push_back([this] { return waitForPreview(); });
     if (options.run) planRun();
     connect(&m_timer, &QTimer::timeout, this, &ScriptedStart::poll);
@@ -67,8 +78,10 @@ void ScriptedStart::end() {
 
 /// Of a failure too: the window shows it in place.
 void ScriptedStart::takePicture() {
-    if (m_pictureFile.isEmpty() || m_window->grab().save(m_pictureFile) || m_exitCode != ExitOk)
-        return;
+    if (m_pictureFile.isEmpty()) return;
+    auto* part = m_pictureOf.isEmpty() ? m_window : m_window->findChild<QWidget*>(m_pictureOf);
+    if (part != nullptr && part->grab().save(m_pictureFile)) return;
+    if (m_exitCode != ExitOk) return;
     fail(ExitNoImage, tr("The picture \"%1\" could not be written.").arg(m_pictureFile));
 }
 
@@ -80,7 +93,14 @@ ScriptedStart::Progress ScriptedStart::fail(ExitCode code, const QString& messag
 
 ScriptedStart::Progress ScriptedStart::waitForDatabase() {
     if (!m_openError.isEmpty()) return fail(ExitNoDatabase, m_openError);
-    return m_window->isDatabaseShown() ? Progress::Done : Progress::Wait;
+    if (!m_window->isDatabaseShown()) return Progress::Wait;
+    using Emitter = QBEngineSignalEmitter;
+    const Emitter* emitter = m_window->workspace()->engine()->signalEmitter();
+    connect(emitter, &Emitter::identifierCandidateChildrenUpdateBegun, this,
+            [this] { ++m_runningFetches; });
+    connect(emitter, &Emitter::identifierCandidateChildrenUpdateEnded, this,
+            [this] { m_runningFetches = std::max(m_runningFetches - 1, 0); });
+    return Progress::Done;
 }
 
 void ScriptedStart::planText(const QString& file) {
@@ -144,17 +164,35 @@ void ScriptedStart::planRun() {
         m_window->runQuery();
         return Progress::Done;
     });
-    m_steps.push_back([this] { return m_hasRunEnded ? Progress::Done : Progress::Wait; });
+    m_steps.push_back([this] {
+        // Nobody is there to answer.
+        if (m_window->messageBar()->isAsking())
+            return fail(ExitQueryFailed, m_window->messageBar()->text());
+        return m_hasRunEnded ? Progress::Done : Progress::Wait;
+    });
     m_steps.push_back([this] {
         return m_runError.isEmpty() ? Progress::Done : fail(ExitQueryFailed, m_runError);
     });
+}
+
+ScriptedStart::Progress ScriptedStart::bringUpTab(const QString& name) {
+    auto* tabs = m_window->builder()->findChild<QTabWidget*>(QStringLiteral("tabWidget"));
+    for (int i = 0; i < tabs->count(); ++i) {
+        if (tabs->tabText(i).compare(name, Qt::CaseInsensitive) != 0) continue;
+        tabs->setCurrentIndex(i);
+        return Progress::Done;
+    }
+    return fail(ExitUsage, tr("There is no clause \"%1\".").arg(name));
 }
 
 ScriptedStart::Progress ScriptedStart::waitForPreview() {
     auto* preview = m_window->builder()->queryPreviewPanel();
     preview->updatePreviewQuery();
     const bool isShown = !preview->needsUpdateQuery() && preview->isEnabled();
-    return isShown && m_window->objectTree()->isSettled() ? Progress::Done : Progress::Wait;
+    const bool isQuiet = isShown && m_window->objectTree()->isSettled() && m_runningFetches == 0;
+    // The panels ask for fields that they miss, and mark what is missing when they have come.
+    m_quietPolls = isQuiet ? m_quietPolls + 1 : 0;
+    return m_quietPolls >= quietPolls ? Progress::Done : Progress::Wait;
 }
 
 }  // namespace QB::Desk

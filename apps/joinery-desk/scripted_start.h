@@ -37,6 +37,7 @@ private:
     void planText(const QString& file);
     void planAdding(const QString& table);
     void planRun();
+    Progress bringUpTab(const QString& name);
     Progress waitForDatabase();
     Progress waitForPreview();
     Progress addTable(const QString& table);
@@ -52,8 +53,11 @@ private:
     QElapsedTimer m_clock;
     const int m_deadlineMs;
     const QString m_pictureFile;  // empty: none is wanted
+    const QString m_pictureOf;    // empty: the window
     int m_sourceChanges = 0;
     int m_awaitedChanges = 0;
+    int m_runningFetches = 0;
+    int m_quietPolls = 0;
     bool m_isTextSettled = false;
     bool m_isTextApplied = false;
     QString m_textError;

@@ -86,6 +86,14 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
         <source>How long --sql, --add, --run and --screenshot may take; 30 if not given.</source>
         <translation>Wie lange --sql, --add, --run und --screenshot dauern dürfen; ohne Angabe 30.</translation>
     </message>
+    <message>
+        <source>Bring up a clause, such as WHERE or "GROUP BY".</source>
+        <translation>Eine Klausel nach vorn holen, etwa WHERE oder „GROUP BY“.</translation>
+    </message>
+    <message>
+        <source>Of the window, picture only the widget with that object name, such as tabWidget for the clauses.</source>
+        <translation>Vom Fenster nur das Element mit diesem Objektnamen abbilden, etwa tabWidget für die Klauseln.</translation>
+    </message>
 </context>
 <context>
     <name>QB::Desk::MainWindow</name>
@@ -114,12 +122,16 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
         <translation>Der SQL-Text ist in der Zwischenablage.</translation>
     </message>
     <message>
-        <source>The query is not complete</source>
-        <translation>Die Abfrage ist nicht vollständig</translation>
+        <source>Some parts of the query are marked as incomplete, so the server may refuse it.</source>
+        <translation>Einige Teile der Abfrage sind als unvollständig markiert, der Server wird sie vielleicht ablehnen.</translation>
     </message>
     <message>
-        <source>Some parts of the query are marked as incomplete, so the server may refuse it. Carry on?</source>
-        <translation>Einige Teile der Abfrage sind als unvollständig markiert, der Server wird sie vielleicht ablehnen. Fortfahren?</translation>
+        <source>&amp;Run anyway</source>
+        <translation>&amp;Trotzdem ausführen</translation>
+    </message>
+    <message>
+        <source>&amp;Copy anyway</source>
+        <translation>&amp;Trotzdem kopieren</translation>
     </message>
     <message>
         <source>%1 – %2</source>
@@ -203,6 +215,10 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
     <message>
         <source>Close this message</source>
         <translation>Diese Meldung schließen</translation>
+    </message>
+    <message>
+        <source>Question</source>
+        <translation>Frage</translation>
     </message>
 </context>
 <context>
@@ -312,6 +328,10 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
     <message>
         <source>The picture &quot;%1&quot; could not be written.</source>
         <translation>Das Bild „%1“ ließ sich nicht schreiben.</translation>
+    </message>
+    <message>
+        <source>There is no clause "%1".</source>
+        <translation>Es gibt keine Klausel „%1“.</translation>
     </message>
 </context>
 <context>

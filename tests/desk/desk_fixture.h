@@ -67,6 +67,13 @@ public:
             [this] { return !window->isOpening() && window->isDatabaseShown(); });
     }
 
+    /// The same, and adds a table by a double click. True when the preview shows the query.
+    bool openAndAdd(const QString& file, const QString& table) {
+        if (!open(file)) return false;
+        doubleClick(row(table));
+        return QTest::qWaitFor([&] { return preview() == "SELECT * FROM " + table; });
+    }
+
     QTreeWidget* tree() const { return window->objectTree()->findChild<QTreeWidget*>(); }
     QTreeWidgetItem* schema() const { return tree()->topLevelItem(0); }
     QTreeWidgetItem* row(const QString& name) const {

@@ -112,9 +112,7 @@ private Q_SLOTS:
     void buildPutsTheTextOnTheClipboard() {
         DeskFixture& desk = *m_desk;
         const SqliteFile file(cities);
-        QVERIFY(desk.open(file.path()));
-        desk.doubleClick(desk.row("city"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM city"));
+        QVERIFY(desk.openAndAdd(file.path(), "city"));
         QTest::mouseClick(desk.button(QDialogButtonBox::Ok), Qt::LeftButton);
         QCOMPARE(QApplication::clipboard()->text().simplified(), QString("SELECT * FROM city"));
         QCOMPARE(desk.model()->columnCount(), 0);
@@ -195,9 +193,7 @@ private Q_SLOTS:
     void anErrorOfTheServerStandsAboveTheRows() {
         DeskFixture& desk = *m_desk;
         SqliteFile file(cities);
-        QVERIFY(desk.open(file.path()));
-        desk.doubleClick(desk.row("country"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM country"));
+        QVERIFY(desk.openAndAdd(file.path(), "country"));
         file.execute("DROP TABLE country");
         desk.buildAndRun();
         QTRY_VERIFY2(desk.grid()->messageBar()->text().contains("no such table: country"),
@@ -302,9 +298,7 @@ private Q_SLOTS:
         DeskFixture& desk = *m_desk;
         const SqliteFile first(cities);
         const SqliteFile second("CREATE TABLE only (x)", "second.db");
-        QVERIFY(desk.open(first.path()));
-        desk.doubleClick(desk.row("city"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM city"));
+        QVERIFY(desk.openAndAdd(first.path(), "city"));
         desk.buildAndRun();
         QTRY_COMPARE(desk.model()->rowCount(), 3);
         QVERIFY(desk.open(second.path()));
@@ -319,9 +313,7 @@ private Q_SLOTS:
     void aChangedQueryIsOnlyGivenUpWhenTheUserSaysSo() {
         DeskFixture& desk = *m_desk;
         const SqliteFile file(cities);
-        QVERIFY(desk.open(file.path()));
-        desk.doubleClick(desk.row("city"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM city"));
+        QVERIFY(desk.openAndAdd(file.path(), "city"));
         int boxes = 0;
         answerNextBox(QMessageBox::Cancel, &boxes);
         QVERIFY(!desk.window->close());
@@ -350,9 +342,7 @@ private Q_SLOTS:
             QTRY_VERIFY(!loading.window->isOpening());
         }
         DeskFixture& desk = *m_desk;
-        QVERIFY(desk.open(file.path()));
-        desk.doubleClick(desk.row("silent"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM silent"));
+        QVERIFY(desk.openAndAdd(file.path(), "silent"));
         desk.buildAndRun();
         QTRY_COMPARE(desk.model()->columnCount(), 1);
         desk.doubleClick(desk.row("city"));
