@@ -1,7 +1,6 @@
 #include "rows/nested_list_table_view.h"
 
 #include <QAbstractButton>
-#include <QAbstractButton>
 #include <QAccessible>
 #include <QDrag>
 #include <QDragMoveEvent>
@@ -33,6 +32,13 @@ constexpr int bottomMargin = 4;
 constexpr int leastRowWidth = 120;
 /// A drop at the upper edge of a row goes before that row.
 constexpr int dropOffset = 2;
+
+const auto rowFormat = QStringLiteral("application/x-joinery-row");
+
+/// Another program of this kind has rows as well.
+QByteArray processNumber() {
+    return QByteArray::number(QCoreApplication::applicationPid());
+}
 
 /// The rows as the view's model: they have a number and a text to be read aloud, no more.
 class RowModel : public QStandardItemModel {
@@ -139,6 +145,7 @@ public:
 
     void handleKey(const QKeyEvent* event);
     void askForMenu();
+    bool isOwnRow(const QDropEvent* event) const;
     int dropTarget(const QPointF& position) const;
     void showDropLine(int target);
     void endDrop();
@@ -349,6 +356,11 @@ void QBNestedListTableView::Private::askForMenu() {
 }
 
 // Drag and drop
+
+bool QBNestedListTableView::Private::isOwnRow(const QDropEvent* event) const {
+    const bool isFromElsewhere = event->source() != nullptr && event->source() != q;
+    return !isFromElsewhere && event->mimeData()->data(rowFormat) == processNumber();
+}
 
 int QBNestedListTableView::Private::dropTarget(const QPointF& position) const {
     return q->rowAt(qRound(position.y()) + dropOffset);
@@ -667,6 +679,12 @@ void QBNestedListTableView::selectionChanged(const QItemSelection& selected,
     if (!d->isRefreshing) d->dressAll();
 }
 
+QMimeData* QBNestedListTableView::newRowMimeData() {
+    auto* mime = new QMimeData;
+    mime->setData(rowFormat, processNumber());
+    return mime;
+}
+
 void QBNestedListTableView::startDrag(Qt::DropActions) {
     QBNestedListRowWidget* widget = rowWidget(currentRow());
     if (widget == nullptr) return;
@@ -674,7 +692,7 @@ void QBNestedListTableView::startDrag(Qt::DropActions) {
     picture->resize(widget->size());
     d->dragged = shownKey(currentRow());
     auto* drag = new QDrag(this);
-    drag->setMimeData(new QMimeData);
+    drag->setMimeData(newRowMimeData());
     drag->setPixmap(picture->grab());
     const QPointer<QBNestedListTableView> self(this);
     drag->exec(Qt::MoveAction);  // the drop has done all that is to be done
@@ -684,11 +702,12 @@ void QBNestedListTableView::startDrag(Qt::DropActions) {
 }
 
 void QBNestedListTableView::dragEnterEvent(QDragEnterEvent* event) {
-    event->setAccepted(event->source() == this);
+    event->setAccepted(d->isOwnRow(event));
+    if (event->isAccepted()) event->setDropAction(Qt::MoveAction);
 }
 
 void QBNestedListTableView::dragMoveEvent(QDragMoveEvent* event) {
-    event->setAccepted(event->source() == this);
+    event->setAccepted(d->isOwnRow(event));
     if (!event->isAccepted()) return;
     event->setDropAction(Qt::MoveAction);
     event->accept();

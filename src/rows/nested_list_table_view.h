@@ -7,6 +7,7 @@
 #include "rows/row_key.h"
 
 class QHBoxLayout;
+class QMimeData;
 
 namespace QB {
 
@@ -86,6 +87,8 @@ public:
 
     /// Rows can be moved by dragging; rowDropped() says where to.
     void setRowDragEnabled(bool isEnabled);
+    /// What a dragged row carries, by which a list knows it from all else. Ownership: the caller's.
+    static QMimeData* newRowMimeData();
 
 Q_SIGNALS:
     void addRequested();
