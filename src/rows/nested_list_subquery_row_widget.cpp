@@ -7,6 +7,7 @@
 #include "platform/tolk/tolk.h"
 #include "rows/row_control.h"
 #include "rows/row_texts.h"
+#include "tools/validation.h"
 #include "ui_nested_list_subquery_row_widget.h"
 
 namespace QB {
@@ -64,7 +65,11 @@ void QBNestedListSubqueryRowWidget::slotOnComponentChanged() {
     if (!component()) return;
     const auto* source = ifKind<SQLSubquerySourceComponent>(component());
     showRowText(m_ui->subqueryValueLabel, statementText(source, m_database), m_invalidReason);
-    showRowText(m_ui->aliasLabel, aliasText(source ? source->alias : std::string()));
+    const std::string alias = source ? source->alias : std::string();
+    // The prompt is marked too where the alias is what is missing.
+    const bool isFaultHere = m_invalidReason == Tools::Validation::InvalidUnnamedSubquery;
+    showRowText(m_ui->aliasLabel, aliasText(alias),
+                isFaultHere && alias.empty() ? m_invalidReason : -1);
 }
 
 void QBNestedListSubqueryRowWidget::setDatabase(QBDatabaseInfo info, const std::string& schema) {

@@ -47,6 +47,7 @@ public:
     void setSelectedLook(bool isSelected);
     /// The mark of the keyboard lies on the label.
     void setCurrentPart(bool isCurrent);
+    bool isCurrentPart() const { return m_isCurrentPart; }
     /// A plain text, shown escaped and cut to 2,000 characters; empty: the full text where it
     /// elides. What is not the text itself is read to the blind as the description.
     void setToolTipText(const QString& text);

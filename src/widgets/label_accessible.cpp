@@ -21,6 +21,14 @@ public:
         return QAccessibleWidget::text(kind);
     }
 
+    /// Where the mark of the keyboard lies on a label, the list around it has the focus.
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        if (label()->isClickable()) state.focusable = true;
+        if (label()->isCurrentPart()) state.focused = true;
+        return state;
+    }
+
     QStringList actionNames() const override {
         QStringList names = QAccessibleWidget::actionNames();
         if (label()->isClickable()) names.prepend(pressAction());

@@ -254,6 +254,15 @@ const std::vector<Case>& cases() {
 
 }  // namespace
 
+/// Any language.
+class Translator : public QTranslator {
+public:
+    QString translate(const char*, const char* source, const char*, int) const override {
+        return "x " + QString::fromLatin1(source);
+    }
+    bool isEmpty() const override { return false; }
+};
+
 class RowWidgetsTest : public QObject {
     Q_OBJECT
 
@@ -407,6 +416,19 @@ private Q_SLOTS:
         QVERIFY(row->findChild<QBLabel*>("subqueryLabel")->isHidden());
         row->resize(700, 23);
         QVERIFY(!row->findChild<QBLabel*>("subqueryLabel")->isHidden());
+    }
+
+    void allTextsFollowTheLanguage() {
+        const Part part = subquery(true);
+        QBNestedListSubqueryRowWidget row(part.get(), mySQL, "shop", nullptr);
+        row.setInvalidReason(5);
+        const QString english = row.addRowLabel()->toolTipText();
+        Translator translator;
+        QCoreApplication::installTranslator(&translator);
+        QCoreApplication::processEvents();
+        QCOMPARE(shown(&row), QString("x Subquery: | !<x empty subquery> | !<x alias>"));
+        QCOMPARE(row.addRowLabel()->toolTipText(), "x " + english);
+        QCOMPARE(row.addRowLabel()->accessibleName(), "x " + english);
     }
 
     void everyFaultHasAWordAndASchemaIsLeftOutOnlyIfThereIsOne() {

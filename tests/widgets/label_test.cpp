@@ -165,6 +165,7 @@ private Q_SLOTS:
         label.resize(80, 23);
         const QImage plain = label.grab().toImage();
         label.setCurrentPart(true);
+        QVERIFY(QAccessible::queryAccessibleInterface(&label)->state().focused);
         QVERIFY(label.grab().toImage() != plain);
         label.setCurrentPart(false);
         QVERIFY(label.grab().toImage() == plain);
