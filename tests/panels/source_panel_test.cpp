@@ -1,0 +1,257 @@
+#include "panels/source_selection_panel_widget.h"
+
+#include <QListWidget>
+#include <QPlainTextEdit>
+
+#include "conditions/condition_builder_panel_widget.h"
+#include "support/panel_desk.h"
+#include "support/text_check.h"
+
+namespace QB {
+namespace {
+
+using namespace Component::SQL;
+using Test::Delivery;
+
+/// The FROM panel over a server with the tables t, u, v and w. Parts of rows go by the names in
+/// their forms. Further events:
+///
+///     join 3        that kind of join (SQLJoinType) in the popup
+///     back          leave the layer
+class Desk : public Test::PanelDesk {
+public:
+    explicit Desk(Delivery delivery, DatabaseType family = DatabaseTypeMySQL)
+        : PanelDesk(delivery, family) {
+        Test::FakeServer::Objects tables;
+        for (const char* name : {"t", "u", "v", "w"})
+            tables.emplace_back(name, IdentifierTypeTable);
+        server.set("main", tables);
+        for (const char* name : {"main.v", "main.w"})
+            server.set(name, fields({"a"}));
+        engine->addRefreshIdentifierCandidateChildrenRequest({"main"}, true);
+        engine->refreshRequestedIdentifierCandidateChildren(true);
+        host.finishAll();
+        show(new QBSourceSelectionPanelWidget);
+    }
+
+    QBSourceSelectionPanelWidget* sources() const {
+        return static_cast<QBSourceSelectionPanelWidget*>(listPanel.get());
+    }
+    QString errors() const {
+        QStringList all;
+        for (const std::string& error : host.errors)
+            all.append(QString::fromStdString(error));
+        return all.join('|');
+    }
+
+    QBLabel* part(int row, const QString& name) const override {
+        QBNestedListRowWidget* const widget = view()->rowWidget(row);
+        if (!widget) return nullptr;
+        return name == "main" ? widget->mainPart() : widget->findChild<QBLabel*>(name);
+    }
+
+    bool runOwn(const QString& word, const QString& rest) override {
+        if (word == "join") return chooseJoin(rest.toInt());
+        if (word != "back") return false;
+        engine->popCurrentLayerTopLevelQueryComponent();
+        return true;
+    }
+
+private:
+    static bool chooseJoin(int type) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        auto* const list = popup ? popup->findChild<QListWidget*>() : nullptr;
+        for (int i = 0; list && i < list->count(); ++i) {
+            QListWidgetItem* const item = list->item(i);
+            if (item->data(Qt::UserRole + 1) != type) continue;
+            list->scrollToItem(item);
+            return clickAt(list->viewport(), list->visualItemRect(item).topLeft() + QPoint(9, 9));
+        }
+        return false;
+    }
+};
+
+struct Story {
+    const char* name;
+    const char* before;
+    const char* events;
+    const char* after;
+    const char* error = "";  ///< a part of what the user is told; empty: nothing
+};
+
+const Story stories[] = {
+    // adding
+    {"the first table has nothing to be joined to", "SELECT 1", "click 0 main; pick t",
+     "SELECT 1 FROM t"},
+    {"an INNER JOIN is proposed", "SELECT * FROM t", "click 0 addLabel; pick u",
+     "SELECT * FROM t INNER JOIN u"},
+    {"another kind of join", "SELECT * FROM t", "click 0 addLabel; join 5; pick main.u",
+     "SELECT * FROM t CROSS JOIN u"},
+    {"a kind chosen after the table", "SELECT * FROM t",
+     "click 0 addLabel; key Down; outside; click 0 addLabel; join 1; pick u", "SELECT * FROM t, u"},
+    {"a join of one's own words", "SELECT * FROM t",
+     "click 0 addLabel; join 0; type STRAIGHT_JOIN; pick u", "SELECT * FROM t STRAIGHT_JOIN u"},
+    {"a custom join without words is refused", "SELECT * FROM t",
+     "click 0 addLabel; join 0; pick u; outside", "SELECT * FROM t", "words of the custom join"},
+    {"added at the end of the brackets", "SELECT * FROM ( t INNER JOIN u ), v",
+     "click 1 addLabel; pick w", "SELECT * FROM ( t INNER JOIN u INNER JOIN w ), v"},
+    {"added behind the brackets", "SELECT * FROM ( t INNER JOIN u ), v",
+     "click 4 addLabel; join 1; pick w", "SELECT * FROM ( t INNER JOIN u ), v, w"},
+    {"a schema heading adds nothing", "SELECT * FROM t",
+     "click 0 addLabel; pick main; key Esc; click 0 addLabel; pick main; outside; click 0 "
+     "addLabel; outside",
+     "SELECT * FROM t"},
+    {"escape adds nothing", "SELECT * FROM t", "click 0 addLabel; tab 1; type v; key Esc",
+     "SELECT * FROM t"},
+    {"inserted first it asks for no join", "SELECT * FROM t INNER JOIN u ON t.a = u.a",
+     "menu 0 Insert row; pick v", "SELECT * FROM v, t INNER JOIN u ON t.a = u.a"},
+    {"inserted first in brackets it asks for no join", "SELECT * FROM w, ( t INNER JOIN u )",
+     "menu 3 Insert row; pick v", "SELECT * FROM w, ( v, t INNER JOIN u )"},
+    {"inserted before a table it goes before its join", "SELECT * FROM t LEFT JOIN u ON t.a = u.a",
+     "menu 2 Insert row; join 5; pick v", "SELECT * FROM t CROSS JOIN v LEFT JOIN u ON t.a = u.a"},
+    {"by keyboard alone", "SELECT * FROM t",
+     "click 0 row; key Ins; key Down; key Down; key Down; key Return",
+     "SELECT * FROM t INNER JOIN u"},
+    {"faster than the host tells", "SELECT * FROM t",
+     "hold; click 0 addLabel; pick u; click 0 addLabel; pick v; deliver",
+     "SELECT * FROM t INNER JOIN u INNER JOIN v"},
+    // texts
+    {"a typed expression", "SELECT * FROM t",
+     "click 0 addLabel; join 1; tab 1; type f(1); key Ctrl+Return", "SELECT * FROM t, f(1)"},
+    {"a typed SELECT becomes a subquery", "SELECT * FROM t",
+     "click 0 addLabel; join 1; tab 1; type (SELECT 1); outside", "SELECT * FROM t, ( SELECT 1 )"},
+    {"and takes the alias behind it", "SELECT * FROM t",
+     "click 0 addLabel; join 1; tab 1; type (SELECT 1) AS x; outside",
+     "SELECT * FROM t, ( SELECT 1 ) AS x"},
+    {"an empty text is told", "SELECT * FROM t", "click 0 addLabel; tab 1; type  ; outside",
+     "SELECT * FROM t", "text is empty"},
+    {"an edited text becomes a subquery and keeps its alias", "SELECT x.a FROM f(1) AS x",
+     "click 0 main; key Ctrl+A; type SELECT 2 AS a; key Ctrl+Return",
+     "SELECT x.a FROM ( SELECT 2 AS a ) AS x"},
+    {"a text converted to a subquery opens it", "SELECT 1 FROM f(1) AS x",
+     "click 0 main; key Ctrl+A; type g(2); outside; menu 0 Convert to subquery",
+     "SELECT 1 FROM g(2) AS x", "The query cannot be read"},
+    {"a table becomes a text and keeps its alias", "SELECT x.a FROM t AS x",
+     "click 0 main; tab 1; type f(1); outside", "SELECT x.a FROM f(1) AS x"},
+    {"another table", "SELECT x.a, u.b FROM t AS x, u",
+     "click 0 main; outside; click 2 main; pick v", "SELECT x.a, v.b FROM t AS x, v"},
+    // aliases
+    {"fields follow an alias", "SELECT t.a FROM t INNER JOIN u ON t.a = u.a",
+     "click 0 aliasLabel; type x; key Return", "SELECT x.a FROM t AS x INNER JOIN u ON x.a = u.a"},
+    {"an alias is taken away", "SELECT x.a FROM t AS x",
+     "click 0 aliasLabel; key Del; outside; click 0 aliasLabel; type y; key Esc",
+     "SELECT t.a FROM t"},
+    {"an alias by key", "SELECT 1 FROM t",
+     "click 0 row; key Right; key Right; key Return; type y; key Return", "SELECT 1 FROM t AS y"},
+    // joins
+    {"the kind of a join", "SELECT * FROM t INNER JOIN u ON t.a = u.a", "click 1 joinLabel; join 4",
+     "SELECT * FROM t RIGHT JOIN u ON t.a = u.a"},
+    {"the kind by key", "SELECT * FROM t INNER JOIN u ON t.a = u.a",
+     "click 1 row; key Return; key Down; key Return", "SELECT * FROM t LEFT JOIN u ON t.a = u.a"},
+    {"a comma keeps the condition for later", "SELECT * FROM t LEFT JOIN u ON t.a = u.a",
+     "click 1 joinLabel; join 1; click 1 joinLabel; join 2",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a"},
+    {"a join row removed is a comma without condition", "SELECT * FROM t LEFT JOIN u ON t.a = u.a",
+     "click 1 deleteLabel; click 1 joinLabel; join 2", "SELECT * FROM t INNER JOIN u"},
+    {"by the Delete key", "SELECT * FROM t LEFT JOIN u USING (a)", "click 1 row; key Del",
+     "SELECT * FROM t, u"},
+    {"what a comma puts out of sight goes and is told",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = t.a AND v.a = u.b",
+     "click 1 deleteLabel", "SELECT * FROM t, u INNER JOIN v ON v.a = u.b", "v.a = t.a"},
+    {"so does what a chosen comma puts out of sight",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = t.a AND v.a = u.b",
+     "click 1 joinLabel; join 1; click 1 joinLabel; join 2",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = u.b", "v.a = t.a"},
+    {"and a table inserted behind a comma",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = t.a AND v.a = u.b",
+     "menu 3 Insert row; join 1; pick w",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a, w INNER JOIN v", "v.a = u.b"},
+    {"a comma that becomes a join reads from the left",
+     "SELECT * FROM t, u INNER JOIN v ON v.a = u.b", "click 1 joinLabel; join 5",
+     "SELECT * FROM t CROSS JOIN u INNER JOIN v ON v.a = u.b"},
+    {"columns of USING", "SELECT * FROM t INNER JOIN u USING (a)",
+     "click 1 conditionLabel; key Ctrl+A; type (b, a); key Ctrl+Return",
+     "SELECT * FROM t INNER JOIN u USING (b, a)"},
+    {"no list of columns is told and can be mended", "SELECT * FROM t INNER JOIN u USING (a)",
+     "click 1 conditionLabel; key End; type ) WHERE (1; key Ctrl+Return; key Ctrl+A; type b; "
+     "outside",
+     "SELECT * FROM t INNER JOIN u USING (b)", "a) WHERE (1"},
+    {"ON becomes USING", "SELECT * FROM t INNER JOIN u ON t.a = u.a",
+     "menu 1 Change to USING; click 1 conditionLabel; type b; outside",
+     "SELECT * FROM t INNER JOIN u USING (b)"},
+    {"USING becomes ON", "SELECT * FROM t INNER JOIN u USING (a)", "menu 1 Change to ON",
+     "SELECT * FROM t INNER JOIN u"},
+    // removing
+    {"a table goes with its join and what names it",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = u.b AND v.a = t.a",
+     "click 2 deleteLabel", "SELECT * FROM t INNER JOIN v ON v.a = t.a"},
+    {"the last one leaves the prompt", "SELECT 1 FROM t, u", "click 0 row; key Del; key Del; key Del",
+     "SELECT 1"},
+    {"brackets go with all in them", "SELECT * FROM ( t INNER JOIN u ), v", "menu 4 Remove",
+     "SELECT * FROM v"},
+    // brackets
+    {"empty brackets are filled where they are", "SELECT * FROM t",
+     "click 0 addBracketLabel; join 2; key Ins; pick u; click 3 addLabel; join 1; pick v",
+     "SELECT * FROM t INNER JOIN ( u, v )"},
+    {"the first brackets ask for no join", "SELECT 1", "click 0 addBracketLabel; key Ins; pick u",
+     "SELECT 1 FROM ( u )"},
+    {"grouped and ungrouped", "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = u.b",
+     "click 0 row; click 2 row shift; menu 0 Group in brackets",
+     "SELECT * FROM ( t INNER JOIN u ON t.a = u.a ) INNER JOIN v ON v.a = u.b"},
+    {"brackets taken away", "SELECT * FROM t CROSS JOIN ( u INNER JOIN v ON v.a = u.b )",
+     "menu 2 Ungroup", "SELECT * FROM t CROSS JOIN u INNER JOIN v ON v.a = u.b"},
+    {"what brackets hide stays and is told",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = t.b",
+     "click 2 row; click 4 row shift; menu 4 Group in brackets; menu 2 Ungroup",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = t.b", "v.a = t.b"},
+    // subqueries
+    {"a subquery as text", "SELECT * FROM ( SELECT 1 ) AS x",
+     "menu 0 Edit as plain text; key Ctrl+A; type SELECT a FROM t; key Ctrl+Return",
+     "SELECT * FROM ( SELECT a FROM t ) AS x"},
+    {"a refused text changes nothing and can be mended", "SELECT * FROM ( SELECT 1 ) AS x",
+     "menu 0 Edit as plain text; key Ctrl+End; type  FROM; key Ctrl+Return; type  t; key "
+     "Ctrl+Return",
+     "SELECT * FROM ( SELECT 1 FROM t ) AS x", "The query cannot be read"},
+    {"a subquery is edited in its layer", "SELECT * FROM t, ( SELECT 1 ) AS x",
+     "click 2 main; click 0 main; pick u; back; click 2 main; back",
+     "SELECT * FROM t, ( SELECT 1 FROM u ) AS x"},
+};
+
+}  // namespace
+
+class SourcePanelTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyEditGivesItsText_data() {
+        QTest::addColumn<int>("story");
+        QTest::addColumn<int>("delivery");
+        int i = 0;
+        for (const Story& story : stories) {
+            for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
+                const char* const host = delivery == Delivery::AtOnce ? "at once" : "later";
+                QTest::addRow("%s, %s", story.name, host) << i << static_cast<int>(delivery);
+            }
+            ++i;
+        }
+    }
+    void everyEditGivesItsText() {
+        QFETCH(int, story);
+        QFETCH(int, delivery);
+        const Story& told = stories[story];
+        const Test::TextCheck textCheck;
+        Desk desk(static_cast<Delivery>(delivery));
+        desk.parse(told.before);
+        QCOMPARE(desk.text(), QString(told.before));
+        QVERIFY(desk.run(told.events));
+        QCOMPARE(desk.text(), QString(told.after));
+        const bool isQuiet = QString(told.error).isEmpty();
+        QVERIFY2(isQuiet ? desk.errors().isEmpty() : desk.errors().contains(told.error),
+                 qPrintable(desk.errors()));
+    }
+};
+
+}  // namespace QB
+
+QTEST_MAIN(QB::SourcePanelTest)
+#include "source_panel_test.moc"
