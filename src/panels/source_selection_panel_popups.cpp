@@ -1,6 +1,7 @@
 // The popups of the sources panel, and what their answers do.
 
 #include <QHBoxLayout>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QTabWidget>
 #include <QTreeWidget>
@@ -159,6 +160,9 @@ QBColumnSelectionPopupWidget* QBSourceSelectionPanelWidget::makeSourceChooser(
     chooser->treeWidget()->setMinimumSize(treeSize);
     chooser->treeWidget()->setHeaderHidden(true);
     chooser->setAggregateVisible(false);
+    // Where the focus is beside the chooser, a click on a tab would leave it there.
+    connect(chooser->tabWidget(), &QTabWidget::currentChanged, chooser,
+            [chooser] { chooser->setFocus(); });
     return chooser;
 }
 
@@ -343,12 +347,12 @@ void QBSourceSelectionPanelWidget::editOnCondition(QBRowKey key, Join* join) {
     });
 }
 
-void QBSourceSelectionPanelWidget::editUsingList(QBRowKey key, const QString& text) {
+QPlainTextEdit* QBSourceSelectionPanelWidget::editUsingList(QBRowKey key, const QString& text) {
     auto* widget =
         dynamic_cast<QBSourceSelectionJoinRowWidget*>(rowView()->rowWidget(findRow(key)));
-    if (!widget) return;
+    if (!widget) return nullptr;
     m_popupRow = key;
-    m_popup.openText(text, widget->conditionLabel(), [=](const QString& typed) {
+    return m_popup.openText(text, widget->conditionLabel(), [=](const QString& typed) {
         if (typed.trimmed() != text.trimmed()) acceptUsingList(key, typed);
     });
 }
@@ -360,7 +364,7 @@ void QBSourceSelectionPanelWidget::acceptUsingList(QBRowKey key, const QString& 
     if (!condition && !list.isEmpty()) {
         const QByteArray shown = list.toUtf8();
         return refuse(Tolk::localizeWithArgs(Tolk::TextNoColumnList, shown.constData()),
-                      [=] { editUsingList(key, text); });
+                      [=] { return editUsingList(key, text); });
     }
     applyTo<Join>(key, [&](SourceEdits& edits, int row, Join*) {
         edits.setUsingList(row, std::move(condition));
@@ -398,12 +402,13 @@ void QBSourceSelectionPanelWidget::slotConvertToSubquery() {
     if (auto* made = componentAt<Subquery>(row)) openLayerOf(made, row);
 }
 
-void QBSourceSelectionPanelWidget::editSubqueryAsPlaintext(QBRowKey key, const QString& text) {
-    if (!mayAct()) return;
+QPlainTextEdit* QBSourceSelectionPanelWidget::editSubqueryAsPlaintext(QBRowKey key,
+                                                                      const QString& text) {
+    if (!mayAct()) return nullptr;
     QWidget* const anchor = rowView()->rowWidget(findRow(key));
-    if (!anchor) return;
+    if (!anchor) return nullptr;
     m_popupRow = key;
-    m_popup.openText(text, anchor, [=](const QString& typed) {
+    return m_popup.openText(text, anchor, [=](const QString& typed) {
         if (typed != text) acceptSubqueryText(key, typed);
     });
 }
@@ -412,7 +417,7 @@ void QBSourceSelectionPanelWidget::acceptSubqueryText(QBRowKey key, const QStrin
     if (!mayAct()) return;
     SubqueryReading reading = readSubquery(text.trimmed().toStdString(), language());
     if (!reading.statement)
-        return refuse(reading.error, [=] { editSubqueryAsPlaintext(key, text); });
+        return refuse(reading.error, [=] { return editSubqueryAsPlaintext(key, text); });
     applyTo<Subquery>(key, [&](SourceEdits& edits, int row, Subquery*) {
         edits.setStatement(row, std::move(reading.statement));
     });
@@ -444,12 +449,13 @@ void QBSourceSelectionPanelWidget::openLayerOf(Subquery* subquery, int row) {
     engine()->pushNewLayerTopLevelQueryComponent(subquery->subquery, name);
 }
 
-/// Tells why a text was not taken, and lets the user mend it.
+/// Tells why a text was not taken, and opens it again to go on from where the user was.
 void QBSourceSelectionPanelWidget::refuse(const QString& error,
-                                          const std::function<void()>& reopen) {
+                                          const std::function<QPlainTextEdit*()>& reopen) {
     const QPointer<QBSourceSelectionPanelWidget> self(this);
     showError(error);
-    if (self) reopen();
+    QPlainTextEdit* const text = self ? reopen() : nullptr;
+    if (text) text->moveCursor(QTextCursor::End);
 }
 
 }  // namespace QB

@@ -13,6 +13,8 @@
 #include "rows/row_list_panel_widget.h"
 #include "widgets/per_layer.h"
 
+class QPlainTextEdit;
+
 namespace Ui {
 class QBSourceSelectionPanelWidget;
 }
@@ -133,12 +135,12 @@ private:
 
     std::unique_ptr<Subquery> convertExpressionToSubquery(const Expression& expression,
                                                           QString* error);
-    void editSubqueryAsPlaintext(QBRowKey key, const QString& text);
+    QPlainTextEdit* editSubqueryAsPlaintext(QBRowKey key, const QString& text);
     void acceptSubqueryText(QBRowKey key, const QString& text);
-    void editUsingList(QBRowKey key, const QString& text);
+    QPlainTextEdit* editUsingList(QBRowKey key, const QString& text);
     void acceptUsingList(QBRowKey key, const QString& text);
     void editOnCondition(QBRowKey key, Join* join);
-    void refuse(const QString& error, const std::function<void()>& reopen);
+    void refuse(const QString& error, const std::function<QPlainTextEdit*()>& reopen);
     void openLayerOf(Subquery* subquery, int row);
     void addActionsOfKind(QMenu* menu, QBRowKey key);
     void addBracketActions(QMenu* menu);
