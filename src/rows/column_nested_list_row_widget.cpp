@@ -12,16 +12,12 @@ using namespace Component::SQL;
 QBColumnNestedListRowWidget::QBColumnNestedListRowWidget(
     Component::AbstractQueryComponent* component, QBDatabaseInfo info, const std::string& schema,
     QWidget* parent)
-    : QBNestedListRowWidget(component, parent)
-    , m_database{info, schema}
+    : QBStatementRowWidget(component, info, schema, parent)
     , m_ui(std::make_unique<Ui::QBColumnNestedListRowWidget>()) {
     m_ui->setupUi(this);
     connectClick(m_ui->identifierLabel, this, &QBColumnNestedListRowWidget::identifierLabelClicked);
     connectClick(m_ui->orderLabel, this, &QBColumnNestedListRowWidget::orderLabelClicked);
-    m_ui->addLabel->setKind(QBRowControl::AddRow);
-    connectClick(m_ui->addLabel, this, &QBColumnNestedListRowWidget::addRowButtonClicked);
-    m_ui->deleteLabel->setKind(QBRowControl::Delete);
-    connectClick(m_ui->deleteLabel, this, &QBColumnNestedListRowWidget::deleteButtonClicked);
+    connectControls(this);
     slotOnComponentChanged();
 }
 
@@ -29,8 +25,8 @@ QBColumnNestedListRowWidget::~QBColumnNestedListRowWidget() = default;
 
 QBNestedListRowWidget* QBColumnNestedListRowWidget::clone() {
     auto* twin =
-        new QBColumnNestedListRowWidget(component(), m_database.info, m_database.schema, nullptr);
-    twin->setInvalidReason(m_invalidReason);
+        new QBColumnNestedListRowWidget(component(), database().info, database().schema, nullptr);
+    twin->setInvalidReason(invalidReason());
     copyVisibility(this, twin);
     return twin;
 }
@@ -38,24 +34,11 @@ QBNestedListRowWidget* QBColumnNestedListRowWidget::clone() {
 void QBColumnNestedListRowWidget::slotOnComponentChanged() {
     if (!component()) return;
     const auto* column = ifKind<SQLAbstractColumnComponent>(component());
-    RowText text = columnText(column, m_database);
+    RowText text = columnText(column, database());
     if (column && !column->alias.empty())
         text.text += QLatin1Char(' ') + aliasText(column->alias).text;
-    showRowText(m_ui->identifierLabel, text, m_invalidReason);
+    showRowText(m_ui->identifierLabel, text, invalidReason());
     showRowText(m_ui->orderLabel, directionText(column));
-}
-
-void QBColumnNestedListRowWidget::setDatabase(QBDatabaseInfo info, const std::string& schema) {
-    const RowDatabase database{info, schema};
-    if (database == m_database) return;
-    m_database = database;
-    slotOnComponentChanged();
-}
-
-void QBColumnNestedListRowWidget::setInvalidReason(int reason) {
-    if (m_invalidReason == reason) return;
-    m_invalidReason = reason;
-    slotOnComponentChanged();
 }
 
 void QBColumnNestedListRowWidget::setOrderVisible(bool isVisible) {

@@ -2,9 +2,8 @@
 
 #include <memory>
 
-#include "rows/nested_list_row_widget.h"
-#include "rows/row_database.h"
 #include "rows/row_interfaces.h"
+#include "rows/statement_row_widget.h"
 
 namespace Ui {
 class QBColumnNestedListRowWidget;
@@ -14,7 +13,7 @@ namespace QB {
 
 /// A column of GROUP BY or ORDER BY, with its alias behind it, and its direction.
 /// Component: SQLAbstractColumnComponent.
-class QBColumnNestedListRowWidget : public QBNestedListRowWidget,
+class QBColumnNestedListRowWidget : public QBStatementRowWidget,
                                     public IQBNestedListRowWidgetAddRowSupported,
                                     public IQBNestedListRowWidgetDeleteSupported {
     Q_OBJECT
@@ -26,13 +25,6 @@ public:
 
     QBNestedListRowWidget* clone() override;
     void slotOnComponentChanged() override;
-
-    /// The server and the schema that may be left out; see schemaLeftOut().
-    void setDatabase(QBDatabaseInfo info, const std::string& schema);
-
-    /// Why the row is marked as invalid, one of Tools::Validation::InvalidReason; -1: it is not.
-    void setInvalidReason(int reason);
-    int invalidReason() const { return m_invalidReason; }
 
     /// Shown at first.
     void setOrderVisible(bool isVisible);
@@ -51,8 +43,6 @@ Q_SIGNALS:
     void orderLabelClicked();
 
 private:
-    RowDatabase m_database;
-    int m_invalidReason = -1;
     const std::unique_ptr<Ui::QBColumnNestedListRowWidget> m_ui;
 };
 

@@ -22,16 +22,12 @@ bool isWildcard(const SQLAbstractColumnComponent* column) {
 QBColumnPanelFieldRowWidget::QBColumnPanelFieldRowWidget(
     Component::AbstractQueryComponent* component, QBDatabaseInfo info, const std::string& schema,
     QWidget* parent)
-    : QBNestedListRowWidget(component, parent)
-    , m_database{info, schema}
+    : QBStatementRowWidget(component, info, schema, parent)
     , m_ui(std::make_unique<Ui::QBColumnPanelFieldRowWidget>()) {
     m_ui->setupUi(this);
     connectClick(m_ui->fieldLabel, this, &QBColumnPanelFieldRowWidget::identifierLabelClicked);
     connectClick(m_ui->aliasLabel, this, &QBColumnPanelFieldRowWidget::aliasLabelClicked);
-    m_ui->addLabel->setKind(QBRowControl::AddRow);
-    connectClick(m_ui->addLabel, this, &QBColumnPanelFieldRowWidget::addRowButtonClicked);
-    m_ui->deleteLabel->setKind(QBRowControl::Delete);
-    connectClick(m_ui->deleteLabel, this, &QBColumnPanelFieldRowWidget::deleteButtonClicked);
+    connectControls(this);
     slotOnComponentChanged();
 }
 
@@ -39,8 +35,8 @@ QBColumnPanelFieldRowWidget::~QBColumnPanelFieldRowWidget() = default;
 
 QBNestedListRowWidget* QBColumnPanelFieldRowWidget::clone() {
     auto* twin =
-        new QBColumnPanelFieldRowWidget(component(), m_database.info, m_database.schema, nullptr);
-    twin->setInvalidReason(m_invalidReason);
+        new QBColumnPanelFieldRowWidget(component(), database().info, database().schema, nullptr);
+    twin->setInvalidReason(invalidReason());
     copyVisibility(this, twin);
     return twin;
 }
@@ -49,25 +45,12 @@ void QBColumnPanelFieldRowWidget::slotOnComponentChanged() {
     if (!component()) return;
     const auto* column = ifKind<SQLAbstractColumnComponent>(component());
     const std::string alias = column ? column->alias : std::string();
-    RowText text = columnText(column, m_database);
+    RowText text = columnText(column, database());
     if (!alias.empty())
         text.toolTip = text.text + QStringLiteral(" - ") + QString::fromStdString(alias);
-    showRowText(m_ui->fieldLabel, text, m_invalidReason);
+    showRowText(m_ui->fieldLabel, text, invalidReason());
     showRowText(m_ui->aliasLabel, aliasText(alias));
     m_ui->aliasLabel->setVisible(m_isAliasWanted && !isWildcard(column));
-}
-
-void QBColumnPanelFieldRowWidget::setDatabase(QBDatabaseInfo info, const std::string& schema) {
-    const RowDatabase database{info, schema};
-    if (database == m_database) return;
-    m_database = database;
-    slotOnComponentChanged();
-}
-
-void QBColumnPanelFieldRowWidget::setInvalidReason(int reason) {
-    if (m_invalidReason == reason) return;
-    m_invalidReason = reason;
-    slotOnComponentChanged();
 }
 
 void QBColumnPanelFieldRowWidget::setAliasVisible(bool isVisible) {

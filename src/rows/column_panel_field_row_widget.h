@@ -2,9 +2,8 @@
 
 #include <memory>
 
-#include "rows/nested_list_row_widget.h"
-#include "rows/row_database.h"
 #include "rows/row_interfaces.h"
+#include "rows/statement_row_widget.h"
 
 namespace Ui {
 class QBColumnPanelFieldRowWidget;
@@ -14,7 +13,7 @@ namespace QB {
 
 /// A column of the SELECT list and its alias.
 /// Component: SQLFieldColumnComponent or SQLAnyExpressionColumnComponent.
-class QBColumnPanelFieldRowWidget : public QBNestedListRowWidget,
+class QBColumnPanelFieldRowWidget : public QBStatementRowWidget,
                                     public IQBNestedListRowWidgetAddRowSupported,
                                     public IQBNestedListRowWidgetDeleteSupported,
                                     public IQBNestedListRowWidgetEditAliasSupported {
@@ -27,13 +26,6 @@ public:
 
     QBNestedListRowWidget* clone() override;
     void slotOnComponentChanged() override;
-
-    /// The server and the schema that may be left out; see schemaLeftOut().
-    void setDatabase(QBDatabaseInfo info, const std::string& schema);
-
-    /// Why the row is marked as invalid, one of Tools::Validation::InvalidReason; -1: it is not.
-    void setInvalidReason(int reason);
-    int invalidReason() const { return m_invalidReason; }
 
     /// Where the chooser of the column opens.
     QBLabel* fieldLabel() const;
@@ -51,8 +43,6 @@ Q_SIGNALS:
     void identifierLabelClicked();
 
 private:
-    RowDatabase m_database;
-    int m_invalidReason = -1;
     bool m_isAliasWanted = true;
     const std::unique_ptr<Ui::QBColumnPanelFieldRowWidget> m_ui;
 };

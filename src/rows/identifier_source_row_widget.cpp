@@ -12,20 +12,13 @@ using namespace Component::SQL;
 QBIdentifierSourceRowWidget::QBIdentifierSourceRowWidget(
     Component::AbstractQueryComponent* component, QBDatabaseInfo info, const std::string& schema,
     QWidget* parent)
-    : QBNestedListRowWidget(component, parent)
-    , m_database{info, schema}
+    : QBStatementRowWidget(component, info, schema, parent)
     , m_ui(std::make_unique<Ui::QBIdentifierSourceRowWidget>()) {
     m_ui->setupUi(this);
     connectClick(m_ui->identifierLabel, this,
                  &QBIdentifierSourceRowWidget::signalEditIdentifierRequested);
     connectClick(m_ui->aliasLabel, this, &QBIdentifierSourceRowWidget::aliasLabelClicked);
-    m_ui->addLabel->setKind(QBRowControl::AddRow);
-    connectClick(m_ui->addLabel, this, &QBIdentifierSourceRowWidget::addRowButtonClicked);
-    m_ui->addBracketLabel->setKind(QBRowControl::AddBracket);
-    connectClick(m_ui->addBracketLabel, this,
-                 &QBIdentifierSourceRowWidget::addBracketButtonClicked);
-    m_ui->deleteLabel->setKind(QBRowControl::Delete);
-    connectClick(m_ui->deleteLabel, this, &QBIdentifierSourceRowWidget::deleteButtonClicked);
+    connectControls(this);
     slotOnComponentChanged();
 }
 
@@ -33,7 +26,8 @@ QBIdentifierSourceRowWidget::~QBIdentifierSourceRowWidget() = default;
 
 QBNestedListRowWidget* QBIdentifierSourceRowWidget::clone() {
     auto* twin =
-        new QBIdentifierSourceRowWidget(component(), m_database.info, m_database.schema, nullptr);
+        new QBIdentifierSourceRowWidget(component(), database().info, database().schema, nullptr);
+    twin->setInvalidReason(invalidReason());
     copyVisibility(this, twin);
     return twin;
 }
@@ -41,16 +35,9 @@ QBNestedListRowWidget* QBIdentifierSourceRowWidget::clone() {
 void QBIdentifierSourceRowWidget::slotOnComponentChanged() {
     if (!component()) return;
     const auto* source = ifKind<SQLIdentifierSourceComponent>(component());
-    const QString name = source ? tableName(source, m_database) : QString();
-    showRowText(m_ui->identifierLabel, textOrPrompt(name, Tolk::TextPromptTable));
+    const QString name = source ? tableName(source, database()) : QString();
+    showRowText(m_ui->identifierLabel, textOrPrompt(name, Tolk::TextPromptTable), invalidReason());
     showRowText(m_ui->aliasLabel, aliasText(source ? source->alias : std::string()));
-}
-
-void QBIdentifierSourceRowWidget::setDatabase(QBDatabaseInfo info, const std::string& schema) {
-    const RowDatabase database{info, schema};
-    if (database == m_database) return;
-    m_database = database;
-    slotOnComponentChanged();
 }
 
 QBLabel* QBIdentifierSourceRowWidget::addRowLabel() {

@@ -2,9 +2,8 @@
 
 #include <memory>
 
-#include "rows/nested_list_row_widget.h"
-#include "rows/row_database.h"
 #include "rows/row_interfaces.h"
+#include "rows/statement_row_widget.h"
 
 namespace Ui {
 class QBIdentifierSourceRowWidget;
@@ -14,7 +13,7 @@ namespace QB {
 
 /// A table, view or stored query of the FROM clause: its name and its alias.
 /// Component: SQLIdentifierSourceComponent.
-class QBIdentifierSourceRowWidget : public QBNestedListRowWidget,
+class QBIdentifierSourceRowWidget : public QBStatementRowWidget,
                                     public IQBNestedListRowWidgetAddRowSupported,
                                     public IQBNestedListRowWidgetAddBracketSupported,
                                     public IQBNestedListRowWidgetDeleteSupported,
@@ -28,9 +27,6 @@ public:
 
     QBNestedListRowWidget* clone() override;
     void slotOnComponentChanged() override;
-
-    /// The server and the schema that may be left out; see schemaLeftOut().
-    void setDatabase(QBDatabaseInfo info, const std::string& schema);
 
     /// Where the chooser of the table opens.
     QBLabel* identifierLabel() const;
@@ -48,7 +44,6 @@ Q_SIGNALS:
     void aliasLabelClicked();
 
 private:
-    RowDatabase m_database;
     const std::unique_ptr<Ui::QBIdentifierSourceRowWidget> m_ui;
 };
 

@@ -29,7 +29,7 @@ std::string aliasOf(const Component::AbstractQueryComponent* component) {
 
 QBNestedListAnyExpressionRowWidget::QBNestedListAnyExpressionRowWidget(
     Component::AbstractQueryComponent* component, QWidget* parent)
-    : QBNestedListRowWidget(component, parent)
+    : QBStatementRowWidget(component, {}, {}, parent)
     , m_ui(std::make_unique<Ui::QBNestedListAnyExpressionRowWidget>()) {
     m_ui->setupUi(this);
     m_ui->orderLabel->hide();
@@ -37,13 +37,7 @@ QBNestedListAnyExpressionRowWidget::QBNestedListAnyExpressionRowWidget(
                  &QBNestedListAnyExpressionRowWidget::valueLabelClicked);
     connectClick(m_ui->aliasLabel, this, &QBNestedListAnyExpressionRowWidget::aliasLabelClicked);
     connectClick(m_ui->orderLabel, this, &QBNestedListAnyExpressionRowWidget::orderLabelClicked);
-    m_ui->addLabel->setKind(QBRowControl::AddRow);
-    connectClick(m_ui->addLabel, this, &QBNestedListAnyExpressionRowWidget::addRowButtonClicked);
-    m_ui->addBracketLabel->setKind(QBRowControl::AddBracket);
-    connectClick(m_ui->addBracketLabel, this,
-                 &QBNestedListAnyExpressionRowWidget::addBracketButtonClicked);
-    m_ui->deleteLabel->setKind(QBRowControl::Delete);
-    connectClick(m_ui->deleteLabel, this, &QBNestedListAnyExpressionRowWidget::deleteButtonClicked);
+    connectControls(this);
     slotOnComponentChanged();
 }
 
@@ -51,7 +45,7 @@ QBNestedListAnyExpressionRowWidget::~QBNestedListAnyExpressionRowWidget() = defa
 
 QBNestedListRowWidget* QBNestedListAnyExpressionRowWidget::clone() {
     auto* twin = new QBNestedListAnyExpressionRowWidget(component(), nullptr);
-    twin->setInvalidReason(m_invalidReason);
+    twin->setInvalidReason(invalidReason());
     copyVisibility(this, twin);
     return twin;
 }
@@ -62,15 +56,9 @@ void QBNestedListAnyExpressionRowWidget::slotOnComponentChanged() {
     const auto* column = ifKind<SQLAbstractColumnComponent>(component());
     const QString expression = oneLine(expressionOf(component()));
     showRowText(m_ui->expressionValueLabel, textOrPrompt(expression, Tolk::TextPromptExpression),
-                m_invalidReason);
+                invalidReason());
     showRowText(m_ui->aliasLabel, aliasText(aliasOf(component())));
     showRowText(m_ui->orderLabel, directionText(column));
-}
-
-void QBNestedListAnyExpressionRowWidget::setInvalidReason(int reason) {
-    if (m_invalidReason == reason) return;
-    m_invalidReason = reason;
-    slotOnComponentChanged();
 }
 
 void QBNestedListAnyExpressionRowWidget::setOrderVisible(bool isVisible) {
@@ -79,7 +67,7 @@ void QBNestedListAnyExpressionRowWidget::setOrderVisible(bool isVisible) {
 
 void QBNestedListAnyExpressionRowWidget::resizeEvent(QResizeEvent* event) {
     showCaptionIfRoom(m_ui->expressionLabel, this);
-    QBNestedListRowWidget::resizeEvent(event);
+    QBStatementRowWidget::resizeEvent(event);
 }
 
 QBLabel* QBNestedListAnyExpressionRowWidget::addRowLabel() {

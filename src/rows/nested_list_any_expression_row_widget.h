@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "rows/nested_list_row_widget.h"
 #include "rows/row_interfaces.h"
+#include "rows/statement_row_widget.h"
 
 namespace Ui {
 class QBNestedListAnyExpressionRowWidget;
@@ -14,7 +14,7 @@ namespace QB {
 /// A source or column kept as free text: the text, its alias, and the direction of a column of
 /// ORDER BY.
 /// Component: SQLAnyExpressionSourceComponent or SQLAnyExpressionColumnComponent.
-class QBNestedListAnyExpressionRowWidget : public QBNestedListRowWidget,
+class QBNestedListAnyExpressionRowWidget : public QBStatementRowWidget,
                                            public IQBNestedListRowWidgetAddRowSupported,
                                            public IQBNestedListRowWidgetAddBracketSupported,
                                            public IQBNestedListRowWidgetDeleteSupported,
@@ -28,10 +28,6 @@ public:
 
     QBNestedListRowWidget* clone() override;
     void slotOnComponentChanged() override;
-
-    /// Why the row is marked as invalid, one of Tools::Validation::InvalidReason; -1: it is not.
-    void setInvalidReason(int reason);
-    int invalidReason() const { return m_invalidReason; }
 
     /// Hidden at first.
     void setOrderVisible(bool isVisible);
@@ -57,7 +53,6 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    int m_invalidReason = -1;
     const std::unique_ptr<Ui::QBNestedListAnyExpressionRowWidget> m_ui;
 };
 

@@ -17,13 +17,7 @@ QBNestedListCloseBracketRowWidget::QBNestedListCloseBracketRowWidget(
     m_ui->setupUi(this);
     connectClick(m_ui->logicalLabel, this,
                  &QBNestedListCloseBracketRowWidget::logicGateLabelClicked);
-    m_ui->addLabel->setKind(QBRowControl::AddRow);
-    connectClick(m_ui->addLabel, this, &QBNestedListCloseBracketRowWidget::addRowButtonClicked);
-    m_ui->addBracketLabel->setKind(QBRowControl::AddBracket);
-    connectClick(m_ui->addBracketLabel, this,
-                 &QBNestedListCloseBracketRowWidget::addBracketButtonClicked);
-    m_ui->deleteLabel->setKind(QBRowControl::Delete);
-    connectClick(m_ui->deleteLabel, this, &QBNestedListCloseBracketRowWidget::deleteButtonClicked);
+    connectControls(this);
     slotOnComponentChanged();
 }
 

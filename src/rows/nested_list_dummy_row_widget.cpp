@@ -12,10 +12,7 @@ QBNestedListDummyRowWidget::QBNestedListDummyRowWidget(Component::AbstractQueryC
     , m_ui(std::make_unique<Ui::QBNestedListDummyRowWidget>()) {
     m_ui->setupUi(this);
     connectClick(m_ui->promptLabel, this, &QBNestedListDummyRowWidget::addRowButtonClicked);
-    m_ui->addLabel->setKind(QBRowControl::AddRow);
-    connectClick(m_ui->addLabel, this, &QBNestedListDummyRowWidget::addRowButtonClicked);
-    m_ui->addBracketLabel->setKind(QBRowControl::AddBracket);
-    connectClick(m_ui->addBracketLabel, this, &QBNestedListDummyRowWidget::addBracketButtonClicked);
+    connectControls(this);
     slotOnComponentChanged();
 }
 

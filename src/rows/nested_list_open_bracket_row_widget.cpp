@@ -18,8 +18,7 @@ QBNestedListOpenBracketRowWidget::QBNestedListOpenBracketRowWidget(
     m_ui->negatorLabel->hide();
     connectClick(m_ui->negatorLabel, this,
                  &QBNestedListOpenBracketRowWidget::negateToggleTriggered);
-    m_ui->deleteLabel->setKind(QBRowControl::Delete);
-    connectClick(m_ui->deleteLabel, this, &QBNestedListOpenBracketRowWidget::deleteButtonClicked);
+    connectControls(this);
     slotOnComponentChanged();
 }
 

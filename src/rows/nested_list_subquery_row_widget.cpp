@@ -32,21 +32,14 @@ RowText statementText(const SQLSubquerySourceComponent* source, const RowDatabas
 QBNestedListSubqueryRowWidget::QBNestedListSubqueryRowWidget(
     Component::AbstractQueryComponent* component, QBDatabaseInfo info, const std::string& schema,
     QWidget* parent)
-    : QBNestedListRowWidget(component, parent)
-    , m_database{info, schema}
+    : QBStatementRowWidget(component, info, schema, parent)
     , m_ui(std::make_unique<Ui::QBNestedListSubqueryRowWidget>()) {
     m_ui->setupUi(this);
     m_ui->subqueryContainerWidget->installEventFilter(this);
     connectClick(m_ui->subqueryValueLabel, this,
                  &QBNestedListSubqueryRowWidget::signalJumpToSubqueryRequested);
     connectClick(m_ui->aliasLabel, this, &QBNestedListSubqueryRowWidget::aliasLabelClicked);
-    m_ui->addLabel->setKind(QBRowControl::AddRow);
-    connectClick(m_ui->addLabel, this, &QBNestedListSubqueryRowWidget::addRowButtonClicked);
-    m_ui->addBracketLabel->setKind(QBRowControl::AddBracket);
-    connectClick(m_ui->addBracketLabel, this,
-                 &QBNestedListSubqueryRowWidget::addBracketButtonClicked);
-    m_ui->deleteLabel->setKind(QBRowControl::Delete);
-    connectClick(m_ui->deleteLabel, this, &QBNestedListSubqueryRowWidget::deleteButtonClicked);
+    connectControls(this);
     slotOnComponentChanged();
 }
 
@@ -54,8 +47,8 @@ QBNestedListSubqueryRowWidget::~QBNestedListSubqueryRowWidget() = default;
 
 QBNestedListRowWidget* QBNestedListSubqueryRowWidget::clone() {
     auto* twin =
-        new QBNestedListSubqueryRowWidget(component(), m_database.info, m_database.schema, nullptr);
-    twin->setInvalidReason(m_invalidReason);
+        new QBNestedListSubqueryRowWidget(component(), database().info, database().schema, nullptr);
+    twin->setInvalidReason(invalidReason());
     copyVisibility(this, twin);
     return twin;
 }
@@ -64,25 +57,12 @@ void QBNestedListSubqueryRowWidget::slotOnComponentChanged() {
     m_ui->subqueryLabel->setText(Tolk::localize(Tolk::TextSubqueryCaption));
     if (!component()) return;
     const auto* source = ifKind<SQLSubquerySourceComponent>(component());
-    showRowText(m_ui->subqueryValueLabel, statementText(source, m_database), m_invalidReason);
+    showRowText(m_ui->subqueryValueLabel, statementText(source, database()), invalidReason());
     const std::string alias = source ? source->alias : std::string();
     // The prompt is marked too where the alias is what is missing.
-    const bool isFaultHere = m_invalidReason == Tools::Validation::InvalidUnnamedSubquery;
+    const bool isFaultHere = invalidReason() == Tools::Validation::InvalidUnnamedSubquery;
     showRowText(m_ui->aliasLabel, aliasText(alias),
-                isFaultHere && alias.empty() ? m_invalidReason : -1);
-}
-
-void QBNestedListSubqueryRowWidget::setDatabase(QBDatabaseInfo info, const std::string& schema) {
-    const RowDatabase database{info, schema};
-    if (database == m_database) return;
-    m_database = database;
-    slotOnComponentChanged();
-}
-
-void QBNestedListSubqueryRowWidget::setInvalidReason(int reason) {
-    if (m_invalidReason == reason) return;
-    m_invalidReason = reason;
-    slotOnComponentChanged();
+                isFaultHere && alias.empty() ? invalidReason() : -1);
 }
 
 /// A click beside the label, on the caption, is one on the container.
@@ -95,12 +75,12 @@ bool QBNestedListSubqueryRowWidget::eventFilter(QObject* watched, QEvent* event)
         if (release->button() == Qt::LeftButton && isInside && !isOnLabel)
             Q_EMIT signalJumpToSubqueryRequested();
     }
-    return QBNestedListRowWidget::eventFilter(watched, event);
+    return QBStatementRowWidget::eventFilter(watched, event);
 }
 
 void QBNestedListSubqueryRowWidget::resizeEvent(QResizeEvent* event) {
     showCaptionIfRoom(m_ui->subqueryLabel, this);
-    QBNestedListRowWidget::resizeEvent(event);
+    QBStatementRowWidget::resizeEvent(event);
 }
 
 QBLabel* QBNestedListSubqueryRowWidget::addRowLabel() {

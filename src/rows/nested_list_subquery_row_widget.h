@@ -2,9 +2,8 @@
 
 #include <memory>
 
-#include "rows/nested_list_row_widget.h"
-#include "rows/row_database.h"
 #include "rows/row_interfaces.h"
+#include "rows/statement_row_widget.h"
 
 namespace Ui {
 class QBNestedListSubqueryRowWidget;
@@ -14,7 +13,7 @@ namespace QB {
 
 /// A derived table: its statement in one line, and its alias.
 /// Component: SQLSubquerySourceComponent.
-class QBNestedListSubqueryRowWidget : public QBNestedListRowWidget,
+class QBNestedListSubqueryRowWidget : public QBStatementRowWidget,
                                       public IQBNestedListRowWidgetAddRowSupported,
                                       public IQBNestedListRowWidgetAddBracketSupported,
                                       public IQBNestedListRowWidgetDeleteSupported,
@@ -28,13 +27,6 @@ public:
 
     QBNestedListRowWidget* clone() override;
     void slotOnComponentChanged() override;
-
-    /// The server and the current schema, by which the statement is written.
-    void setDatabase(QBDatabaseInfo info, const std::string& schema);
-
-    /// Why the row is marked as invalid, one of Tools::Validation::InvalidReason; -1: it is not.
-    void setInvalidReason(int reason);
-    int invalidReason() const { return m_invalidReason; }
 
     QBLabel* valueLabel() const;
 
@@ -56,8 +48,6 @@ protected:
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-    RowDatabase m_database;
-    int m_invalidReason = -1;
     const std::unique_ptr<Ui::QBNestedListSubqueryRowWidget> m_ui;
 };
 

@@ -65,11 +65,4 @@ void showCaptionIfRoom(QBLabel* caption, const QWidget* row);
 /// Shows the labels of @p other as those of @p row are: what a twin has to copy.
 void copyVisibility(const QWidget* row, QWidget* other);
 
-/// Makes clicks on @p label that signal of @p row.
-template <typename Row>
-void connectClick(QBLabel* label, Row* row, void (Row::*signal)()) {
-    label->setClickable(true);
-    QObject::connect(label, &QBLabel::clicked, row, signal);
-}
-
 }  // namespace QB

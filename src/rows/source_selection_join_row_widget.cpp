@@ -2,6 +2,7 @@
 
 #include "model/kind_of.h"
 #include "platform/tolk/tolk.h"
+#include "rows/invalid_reason.h"
 #include "rows/row_control.h"
 #include "rows/row_texts.h"
 #include "ui_source_selection_join_row_widget.h"
@@ -43,24 +44,23 @@ RowText conditionText(const SQLJoinSourceNodeComponent* join, const RowDatabase&
 QBSourceSelectionJoinRowWidget::QBSourceSelectionJoinRowWidget(
     Component::AbstractQueryComponent* component, QBDatabaseInfo info, const std::string& schema,
     QWidget* parent)
-    : QBNestedListRowWidget(component, parent)
-    , m_database{info, schema}
+    : QBStatementRowWidget(component, info, schema, parent)
     , m_ui(std::make_unique<Ui::QBSourceSelectionJoinRowWidget>()) {
     m_ui->setupUi(this);
     connectClick(m_ui->joinLabel, this,
                  &QBSourceSelectionJoinRowWidget::signalEditJoinTypeRequested);
     connectClick(m_ui->conditionLabel, this,
                  &QBSourceSelectionJoinRowWidget::signalEditConditionRequested);
-    m_ui->deleteLabel->setKind(QBRowControl::Delete);
-    connectClick(m_ui->deleteLabel, this, &QBSourceSelectionJoinRowWidget::deleteButtonClicked);
+    connectControls(this);
     slotOnComponentChanged();
 }
 
 QBSourceSelectionJoinRowWidget::~QBSourceSelectionJoinRowWidget() = default;
 
 QBNestedListRowWidget* QBSourceSelectionJoinRowWidget::clone() {
-    auto* twin = new QBSourceSelectionJoinRowWidget(component(), m_database.info, m_database.schema,
+    auto* twin = new QBSourceSelectionJoinRowWidget(component(), database().info, database().schema,
                                                     nullptr);
+    twin->setInvalidReason(invalidReason());
     twin->setConditionFault(m_conditionFault);
     copyVisibility(this, twin);
     return twin;
@@ -75,19 +75,14 @@ void QBSourceSelectionJoinRowWidget::slotOnComponentChanged() {
     const bool takesCondition = !join || join->needsCondition();
     m_ui->conditionLabel->setVisible(takesCondition);
     if (!takesCondition) return;
-    showRowText(m_ui->conditionLabel, conditionText(join, m_database), m_conditionFault);
+    const QString fault =
+        m_conditionFault.isEmpty() ? invalidReasonText(invalidReason()) : m_conditionFault;
+    showRowText(m_ui->conditionLabel, conditionText(join, database()), fault);
 }
 
 void QBSourceSelectionJoinRowWidget::setConditionFault(const QString& fault) {
     if (fault == m_conditionFault) return;
     m_conditionFault = fault;
-    slotOnComponentChanged();
-}
-
-void QBSourceSelectionJoinRowWidget::setDatabase(QBDatabaseInfo info, const std::string& schema) {
-    const RowDatabase database{info, schema};
-    if (database == m_database) return;
-    m_database = database;
     slotOnComponentChanged();
 }
 

@@ -2,9 +2,8 @@
 
 #include <memory>
 
-#include "rows/nested_list_row_widget.h"
-#include "rows/row_database.h"
 #include "rows/row_interfaces.h"
+#include "rows/statement_row_widget.h"
 
 namespace Ui {
 class QBSourceSelectionJoinRowWidget;
@@ -14,7 +13,7 @@ namespace QB {
 
 /// A join of the FROM clause, in one line: its kind and its condition or USING list.
 /// Component: SQLJoinSourceNodeComponent.
-class QBSourceSelectionJoinRowWidget : public QBNestedListRowWidget,
+class QBSourceSelectionJoinRowWidget : public QBStatementRowWidget,
                                        public IQBNestedListRowWidgetDeleteSupported {
     Q_OBJECT
 
@@ -25,9 +24,6 @@ public:
 
     QBNestedListRowWidget* clone() override;
     void slotOnComponentChanged() override;
-
-    /// The server and the schema that may be left out; see schemaLeftOut().
-    void setDatabase(QBDatabaseInfo info, const std::string& schema);
 
     /// Marks the condition as invalid and says why; empty, as at first: it is not.
     void setConditionFault(const QString& fault);
@@ -45,7 +41,6 @@ Q_SIGNALS:
     void signalEditConditionRequested();
 
 private:
-    RowDatabase m_database;
     QString m_conditionFault;
     const std::unique_ptr<Ui::QBSourceSelectionJoinRowWidget> m_ui;
 };
