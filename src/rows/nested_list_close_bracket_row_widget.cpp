@@ -31,7 +31,11 @@ QBNestedListRowWidget* QBNestedListCloseBracketRowWidget::clone() {
 }
 
 void QBNestedListCloseBracketRowWidget::slotOnComponentChanged() {
-    m_ui->closeBracketLabel->setText(QStringLiteral(")"));
+    const auto* sources = ifKind<SQLBracketedSourceNodeComponent>(component());
+    const bool isNamed = sources && !sources->alias.empty();
+    showRowText(
+        m_ui->closeBracketLabel,
+        {isNamed ? QStringLiteral(") ") + aliasText(sources->alias).text : QStringLiteral(")")});
     const auto* bracket = ifKind<SQLBracketedConditionComponent>(component());
     const SQLAbstractConditionComponent* next = bracket ? bracket->next : nullptr;
     m_ui->logicalLabel->setVisible(next);

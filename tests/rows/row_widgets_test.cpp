@@ -241,6 +241,8 @@ const std::vector<Case>& cases() {
          ")"},
         {"close source", closing,
          [] { return std::make_unique<SQLBracketedSourceNodeComponent>(); }, ")"},
+        {"close named source", closing,
+         [] { return aliased<SQLBracketedSourceNodeComponent>("x"); }, ") (x)"},
 
         {"subquery", subqueryRow, [] { return subquery(false, "s"); },
          "Subquery: | SELECT `id` FROM `film` | (s)"},
