@@ -108,7 +108,10 @@ void QBNestedListRowWidget::lightControls(bool isLit) {
 QString QBNestedListRowWidget::accessibleText() const {
     QStringList texts;
     for (const QBLabel* label : labelsOf(this)) {
-        if (!label->fullText().isEmpty()) texts << label->fullText();
+        if (label->fullText().isEmpty()) continue;
+        texts << label->fullText();
+        // Why it is marked as invalid.
+        if (!label->accessibleDescription().isEmpty()) texts << label->accessibleDescription();
     }
     return texts.join(QLatin1Char(' '));
 }

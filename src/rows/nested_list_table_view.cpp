@@ -436,8 +436,6 @@ QBNestedListTableView::QBNestedListTableView(QWidget* parent)
     horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    // Between two headers there would be a button that selects all rows.
-    findChild<QAbstractButton*>({}, Qt::FindDirectChildrenOnly)->hide();
     d->updateRowHeight();
     d->bottom->setAlignment(Qt::AlignBottom);
     d->bottom->setContentsMargins(bottomMargin, bottomMargin, bottomMargin, bottomMargin);
@@ -676,7 +674,9 @@ void QBNestedListTableView::currentChanged(const QModelIndex& current,
 void QBNestedListTableView::selectionChanged(const QItemSelection& selected,
                                              const QItemSelection& deselected) {
     QTableView::selectionChanged(selected, deselected);
-    if (!d->isRefreshing) d->dressAll();
+    if (d->isRefreshing) return;
+    d->dressAll();
+    Q_EMIT selectionChosen();
 }
 
 QMimeData* QBNestedListTableView::newRowMimeData() {

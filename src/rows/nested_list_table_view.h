@@ -101,6 +101,8 @@ Q_SIGNALS:
     void rowDropped(int target);
     /// The user chose another row; not while rows are refreshed. -1: none.
     void currentRowChosen(int row);
+    /// The user chose other rows; not while rows are refreshed.
+    void selectionChosen();
 
 protected:
     bool event(QEvent* event) override;

@@ -272,8 +272,7 @@ void QBRowListPanelWidget::setupRows(QBNestedListTableView* view) {
     connect(view, &View::moveDownRequested, this, &QBRowListPanelWidget::slotMoveDownSelectedRow);
     connect(view, &View::menuRequested, this, &QBRowListPanelWidget::showCellContextMenu);
     connect(view, &View::currentRowChosen, this, [this](int row) { d->tellFocus(row); });
-    connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            [this] { rowsRefreshed(); });
+    connect(view, &View::selectionChosen, this, [this] { rowsRefreshed(); });
 }
 
 void QBRowListPanelWidget::refreshUI(bool rebuildLayout) {
@@ -352,7 +351,9 @@ void QBRowListPanelWidget::updateRowWidget(QBNestedListRowWidget* widget, int ro
     const Item* item = itemAt(row);
     if (item == nullptr) return;
     widget->setIndentLevel(item->level);
-    widget->setComponent(item->component);
+    // A close bracket shows the bracket that it closes.
+    const Item* shown = item->partnerItem != nullptr ? item->partnerItem : item;
+    widget->setComponent(shown->component);
     markRow(widget, *item);
 }
 

@@ -121,8 +121,8 @@ protected:
     /// more: a click that came too late.
     bool chooseRowOf(const QWidget* widget);
     /// Lets a click that @p widget tells of choose its row and call @p slot.
-    template <typename Row, typename Panel>
-    void connectRow(Row* widget, void (Row::*signal)(), Panel* panel, void (Panel::*slot)()) {
+    template <typename Row, typename Panel, typename Owner>
+    void connectRow(Row* widget, void (Row::*signal)(), Panel* panel, void (Owner::*slot)()) {
         connect(widget, signal, panel, [widget, panel, slot] {
             if (panel->chooseRowOf(widget)) (panel->*slot)();
         });
