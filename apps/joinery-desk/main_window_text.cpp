@@ -23,7 +23,6 @@ void MainWindow::setUpSqlTab() {
     auto* guard = new InputGuard(m_builder, m_sqlTab);
     QueryApplier* applier = m_sqlTab->applier();
     connect(applier, &QueryApplier::loadingChanged, guard, &InputGuard::setActive);
-    applier->setIncompleteTest([this] { return m_builder->needShowBuildWarning(); });
     applier->setConfirmation(
         [this](const QString& reason) { return confirmReplacingQuery(reason); });
     connect(m_sqlTab, &SqlTab::changed, this, &MainWindow::updateTextActions);

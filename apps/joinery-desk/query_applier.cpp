@@ -31,10 +31,6 @@ void QueryApplier::setConfirmation(std::function<bool(const QString&)> mayGiveUp
     m_mayGiveUp = std::move(mayGiveUp);
 }
 
-void QueryApplier::setIncompleteTest(std::function<bool()> isIncomplete) {
-    m_isIncomplete = std::move(isIncomplete);
-}
-
 QBEngine_LINUX* QueryApplier::engine() const {
     return m_builderText->engine();
 }
@@ -77,11 +73,10 @@ void QueryApplier::takePrevious() {
 
 void QueryApplier::judgePrevious(const SqlCheckResult& result) {
     if (m_step != Step::CheckingPrevious) return;
-    const bool canComeBack = result.isAccepted() && !(m_isIncomplete && m_isIncomplete());
     // The question has an event loop, in which the engine may go.
     const int number = m_number;
     const QString reason = QString::fromStdString(result.outcome.message);
-    const bool isWanted = canComeBack || !m_mayGiveUp || m_mayGiveUp(reason);
+    const bool isWanted = result.isAccepted() || !m_mayGiveUp || m_mayGiveUp(reason);
     if (number != m_number || m_step != Step::CheckingPrevious) return;
     if (!isWanted) return end(false);
     m_step = Step::Loading;

@@ -33,8 +33,6 @@ public:
 
     /// Whether to give up a query that could not be brought back; @p reason may be empty.
     void setConfirmation(std::function<bool(const QString& reason)> mayGiveUp);
-    /// Whether the builder shows parts that its text does not have.
-    void setIncompleteTest(std::function<bool()> isIncomplete);
 
     /// Loads @p text, which the check has accepted for the engine's present family and schema;
     /// ended() follows. Does nothing while busy.
@@ -75,7 +73,6 @@ private:
     BuilderText* m_builderText;  // not owned
     SqlChecker m_checker;        // of the present query's text
     std::function<bool(const QString&)> m_mayGiveUp;
-    std::function<bool()> m_isIncomplete;
     Step m_step = Step::Idle;
     int m_number = 0;  ///< of the job under way; what comes for another one is dropped
     Origin m_origin = Origin::User;

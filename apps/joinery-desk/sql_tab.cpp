@@ -84,8 +84,9 @@ void SqlTab::setUpLayout() {
     told->addWidget(m_icon, 0, Qt::AlignTop);
     told->addWidget(m_message, 1, Qt::AlignVCenter);
     told->addWidget(m_goToError, 0, Qt::AlignTop);
+    told->addWidget(m_place, 0, Qt::AlignTop);
     auto* buttons = new QHBoxLayout;
-    buttons->addWidget(m_place, 1);
+    buttons->addStretch(1);
     buttons->addWidget(m_load);
     buttons->addWidget(m_undo);
     buttons->addWidget(m_apply);
