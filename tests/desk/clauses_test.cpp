@@ -1,0 +1,156 @@
+#include <QApplication>
+#include <QStandardPaths>
+#include <QTabWidget>
+
+#include "apps/joinery-desk/sql_editor.h"
+#include "apps/joinery-desk/sql_tab.h"
+#include "apps/joinery-desk/workspace.h"
+#include "desk/desk_fixture.h"
+#include "frame/query_builder_widget.h"
+#include "hostkit/sqlite_file.h"
+#include "hostkit/threads.h"
+#include "widgets/panel_widget.h"
+
+using QB::Test::DeskFixture;
+using QB::Test::SqliteFile;
+
+/// The tabs with the clauses in the real window.
+class ClausesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() {
+        QStandardPaths::setTestModeEnabled(true);
+        QB::HostKit::installCallbacks();
+    }
+    void init() {
+        m_desk = std::make_unique<DeskFixture>();
+        m_file = std::make_unique<SqliteFile>(
+            "CREATE TABLE city (id INTEGER PRIMARY KEY, name TEXT);"
+            "INSERT INTO city VALUES (1, 'Köln'), (2, 'Paris');");
+        QVERIFY(m_desk->open(m_file->path()));
+    }
+    void cleanup() {
+        m_desk.reset();
+        m_file.reset();
+    }
+
+    void aTextThatIsAppliedFillsTheClausesInEveryThemeAndLanguage() {
+        apply(
+            "SELECT c.name, COUNT(*) AS number FROM city c JOIN (SELECT id FROM city) s "
+            "ON s.id = c.id WHERE c.id > 0 AND (c.id < 9 OR c.name = 'x') GROUP BY c.name "
+            "HAVING COUNT(*) > 0 ORDER BY number, c.name DESC LIMIT 7");
+        // Sources and joins take a row each, brackets two.
+        const QMap<QString, int> rows = {{"SELECT", 2},   {"FROM", 3},   {"WHERE", 5},
+                                         {"GROUP BY", 1}, {"HAVING", 1}, {"ORDER BY", 2}};
+        for (auto clause = rows.begin(); clause != rows.end(); ++clause)
+            QVERIFY2(list(clause.key())->model()->rowCount() == clause.value(),
+                     qPrintable(clause.key()));
+        QVERIFY(shows("LIMIT", "7"));
+        QVERIFY(shows("ORDER BY", "Descending"));
+        QCOMPARE(marked(), QStringList());
+
+        m_desk->window->setLanguage("de");
+        QTRY_VERIFY(shows("ORDER BY", "Absteigend"));
+        QVERIFY(shows("LIMIT", "Zeilenzahl:"));
+        m_desk->window->setLanguage("en");
+        m_desk->window->setTheme(QB::Desk::Theme::Light);
+        const int light = lightestText("WHERE");
+        const int limitLight = lightestText("LIMIT");
+        m_desk->window->setTheme(QB::Desk::Theme::Dark);
+        QTRY_VERIFY(lightestText("WHERE") > light + 80);
+        QVERIFY(lightestText("LIMIT") > limitLight + 80);
+    }
+
+    void anIncompleteQueryRunsOnlyWhenTheUserSaysSo() {
+        auto* bar = m_desk->window->messageBar();
+        auto* answer = bar->findChild<QPushButton*>("messageAnswer");
+        apply("SELECT c.nothing FROM city c");
+        QTRY_COMPARE(marked(), QStringList("SELECT"));
+        m_desk->buildAndRun();
+        QVERIFY(bar->isVisible() && bar->isAsking() && answer->hasFocus());
+        QVERIFY(!QApplication::activeModalWidget());
+        m_desk->press(Qt::Key_Escape);
+        QVERIFY(!bar->isVisible() && !bar->isAsking());
+        QCOMPARE(m_desk->grid()->messageBar()->text(), QString());
+
+        m_desk->buildAndRun();
+        m_desk->press(Qt::Key_Space);
+        QVERIFY(!bar->isVisible());
+        QTRY_VERIFY(m_desk->grid()->messageBar()->text().contains("no such column: c.nothing"));
+
+        // The question is about a query: another one takes it away.
+        m_desk->buildAndRun();
+        QVERIFY(bar->isAsking());
+        apply("SELECT name FROM city c");
+        QTRY_COMPARE(marked(), QStringList());
+        QVERIFY(!bar->isAsking());
+        m_desk->buildAndRun();
+        QVERIFY(!bar->isVisible());
+        QTRY_COMPARE(m_desk->model()->rowCount(), 2);
+    }
+
+    void theClausesFitASmallWindow() {
+        m_desk->window->resize(800, 600);
+        QCOMPARE(m_desk->window->size(), QSize(800, 600));
+        apply("SELECT name FROM city");
+        tabs()->setCurrentIndex(1);
+        QVERIFY(list("FROM")->viewport()->height() >= 3 * 23);
+        QVERIFY(m_desk->tree()->width() >= 100);
+    }
+
+private:
+    QTabWidget* tabs() const {
+        return m_desk->window->builder()->findChild<QTabWidget*>("tabWidget");
+    }
+    /// Brings up a clause.
+    QWidget* panel(const QString& clause) const {
+        for (int i = 0; i < tabs()->count(); ++i)
+            if (tabs()->tabText(i) == clause) tabs()->setCurrentIndex(i);
+        return tabs()->currentWidget();
+    }
+    QTableView* list(const QString& clause) const {
+        return panel(clause)->findChild<QTableView*>();
+    }
+    bool shows(const QString& clause, const QString& text) const {
+        const auto labels = panel(clause)->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+            return label->isVisible() && label->text() == text;
+        });
+    }
+    /// Clauses with a warning at their tab.
+    QStringList marked() const {
+        QStringList clauses;
+        for (int i = 0; i < tabs()->count(); ++i)
+            if (!tabs()->tabIcon(i).isNull()) clauses.append(tabs()->tabText(i));
+        return clauses;
+    }
+    /// As painted, apart from the picture's ground.
+    int lightestText(const QString& clause) const {
+        QWidget* shown = panel(clause);
+        if (auto* rows = shown->findChild<QTableView*>()) shown = rows->viewport();
+        const QImage image = shown->grab().toImage();
+        const int ground = image.pixelColor(image.width() / 2, image.height() - 2).lightness();
+        int farthest = ground;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) {
+                const int lightness = image.pixelColor(x, y).lightness();
+                if (qAbs(lightness - ground) > qAbs(farthest - ground)) farthest = lightness;
+            }
+        return farthest;
+    }
+    void apply(const QString& text) const {
+        auto* sql = m_desk->window->sqlTab();
+        sql->editor()->selectAll();
+        sql->editor()->insertPlainText(text);
+        bool isApplied = false;
+        sql->apply([&isApplied](bool applied) { isApplied = applied; });
+        QTRY_VERIFY(isApplied);
+    }
+
+    std::unique_ptr<DeskFixture> m_desk;
+    std::unique_ptr<SqliteFile> m_file;
+};
+
+QTEST_MAIN(ClausesTest)
+#include "clauses_test.moc"
