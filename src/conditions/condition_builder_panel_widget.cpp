@@ -241,7 +241,6 @@ void QBConditionBuilderPanelWidget::markRow(QBNestedListRowWidget* widget, const
         dummy->setPromptText(isEmptyList ? Tolk::localize(Tolk::TextPromptFirstCondition)
                                          : QString());
     }
-    if (item.partnerItem) widget->setComponent(item.partnerItem->component);
     auto* row = dynamic_cast<QBConditionNestedListRowWidget*>(widget);
     if (!row) return;
     row->setDatabase(m_database.info, m_database.schema);

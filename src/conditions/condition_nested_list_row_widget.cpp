@@ -103,7 +103,7 @@ void QBConditionNestedListRowWidget::showNegation() {
     showRowText(m_ui->negatorLabel, {Tolk::localize(Tolk::TextNotWord),
                                      isNegated ? LabelColour::Operator : LabelColour::Placeholder,
                                      Tolk::localize(Tolk::TextNegateCondition)});
-    m_ui->negatorLabel->setVisible(condition && (isNegated || m_isLit));
+    m_ui->negatorLabel->setVisible(condition && (isNegated || areControlsLit()));
 }
 
 void QBConditionNestedListRowWidget::showCompare(const Compare* compare) {
@@ -134,7 +134,6 @@ void QBConditionNestedListRowWidget::showValue(QBConditionSide::Side side,
 
 void QBConditionNestedListRowWidget::lightControls(bool isLit) {
     QBNestedListRowWidget::lightControls(isLit);
-    m_isLit = isLit;
     showNegation();
 }
 

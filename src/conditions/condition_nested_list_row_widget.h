@@ -83,7 +83,6 @@ private:
     RowDatabase m_database;
     int m_leftInvalidReason = -1;
     int m_rightInvalidReason = -1;
-    bool m_isLit = false;
     bool m_isLeftMissing = false;
     bool m_isRightMissing = false;
     const std::unique_ptr<Ui::QBConditionNestedListRowWidget> m_ui;

@@ -1,0 +1,293 @@
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+#include "conditions/condition_builder_panel_widget.h"
+#include "conditions/condition_nested_list_row_widget.h"
+#include "rows/nested_list_dummy_row_widget.h"
+#include "rows/row_interfaces.h"
+#include "support/panel_desk.h"
+
+namespace QB {
+namespace {
+
+using namespace Component::SQL;
+using Test::Delivery;
+
+constexpr auto W = ElementWhere;
+constexpr auto H = ElementHaving;
+constexpr auto F = ElementSource;  // the condition of the first join
+
+template <typename Capability>
+Capability* capability(QBNestedListRowWidget* widget) {
+    return dynamic_cast<Capability*>(widget);
+}
+
+class Desk : public Test::PanelDesk {
+public:
+    Desk(Delivery delivery, TopLevelQueryComponentElementEnum clause)
+        : PanelDesk(delivery, DatabaseTypeMySQL), m_clause(clause) {
+        panel = new QBConditionBuilderPanelWidget(nullptr);
+        if (clause != ElementSource) panel->setRelatedElements({clause});
+        show(panel);
+    }
+
+    void begin(const QString& text) {
+        parse(text);
+        if (m_clause == ElementSource) panel->setJoin(join());
+    }
+
+    SQLJoinSourceNodeComponent* join() const {
+        return dynamic_cast<SQLJoinSourceNodeComponent*>(statement()->sourceExpr->root->value);
+    }
+
+    QBConditionNestedListRowWidget* row(int index) const {
+        return dynamic_cast<QBConditionNestedListRowWidget*>(view()->rowWidget(index));
+    }
+
+    QBLabel* part(int index, const QString& name) const override {
+        QBNestedListRowWidget* const widget = view()->rowWidget(index);
+        if (!widget) return nullptr;
+        using Add = IQBNestedListRowWidgetAddRowSupported;
+        using AddBracket = IQBNestedListRowWidgetAddBracketSupported;
+        using Delete = IQBNestedListRowWidgetDeleteSupported;
+        using Negate = IQBNestedListRowWidgetNegateSupported;
+        using Gate = IQBNestedListRowWidgetEditLogicGateSupported;
+        if (name == "add") return capability<Add>(widget)->addRowLabel();
+        if (name == "bracket") return capability<AddBracket>(widget)->addBracketLabel();
+        if (name == "delete") return capability<Delete>(widget)->deleteLabel();
+        if (name == "not") return capability<Negate>(widget)->negatorLabel();
+        if (name == "gate") return capability<Gate>(widget)->logicGateLabel();
+        auto* const condition = row(index);
+        auto* const dummy = dynamic_cast<QBNestedListDummyRowWidget*>(widget);
+        if (!condition) return dummy ? dummy->promptLabel() : widget->mainPart();
+        if (name == "op") return condition->operatorLabel();
+        return condition->valueLabel(name == "right" ? QBConditionSide::Right
+                                                     : QBConditionSide::Left);
+    }
+
+    bool runOwn(const QString& word, const QString& rest) override {
+        if (word == "foreign") return parse(rest), true;
+        if (word == "layer") return pushLayer();
+        if (word == "set") return setText(rest);
+        if (word == "aggregate") return setAggregate(rest);
+        if (word == "operator")
+            return openMenu(rest.section(' ', 0, 0).toInt()) &&
+                   chooseOperator(rest.section(' ', 1));
+        if (word == "menuhere") return press("Menu") && choose(rest);
+        return false;
+    }
+
+    /// What is typed into the text that has the focus, all at once.
+    static bool setText(const QString& text) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        QWidget* const focus = popup ? popup->focusWidget() : nullptr;
+        auto* const line = qobject_cast<QLineEdit*>(focus);
+        auto* const edit = qobject_cast<QPlainTextEdit*>(focus);
+        if (line) line->setText(text);
+        if (edit) edit->setPlainText(text);
+        return line || edit;
+    }
+
+    static bool setAggregate(const QString& function) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        auto* const list = popup ? popup->findChild<QComboBox*>() : nullptr;
+        if (!list || !clickOn(list->lineEdit())) return false;
+        list->setEditText(function);
+        return true;
+    }
+
+    static bool chooseOperator(const QString& text) {
+        QWidget* const menu = QApplication::activePopupWidget();
+        const auto isOpen = [menu] {
+            return QApplication::activePopupWidget() != menu;
+        };
+        return choose("Operator") && QTest::qWaitFor(isOpen) && choose(text);
+    }
+
+    /// That of the first source.
+    bool pushLayer() {
+        auto* const source =
+            dynamic_cast<SQLSubquerySourceComponent*>(panel->choiceSources().at(0));
+        engine->pushNewLayerTopLevelQueryComponent(source->subquery, "other");
+        return true;
+    }
+
+    QBConditionBuilderPanelWidget* panel;  // owned by the base
+
+private:
+    const TopLevelQueryComponentElementEnum m_clause;
+};
+
+struct Story {
+    const char* name;
+    TopLevelQueryComponentElementEnum clause;
+    const char* before;  // behind "SELECT * FROM ", as after
+    const char* events;
+    const char* after;
+};
+
+const Story stories[] = {
+    // adding
+    {"the prompt of an empty list", W, "t", "click 0 prompt; click 0 left; pick t.a",
+     "t WHERE t.a ="},
+    {"a whole condition by keyboard alone", W, "t",
+     "key Tab; click 0 row; key Ins; key Return; key Down; key Down; key Return; key Return; "
+     "type 5; key Ctrl+Return",
+     "t WHERE t.a = 5"},
+    {"a condition goes to the end of its group", W, "t WHERE ( a = 1 AND b = 2 ) AND c = 3",
+     "click 1 add", "t WHERE ( a = 1 AND b = 2 AND = ) AND c = 3"},
+    {"an inserted condition goes before its row", W, "t WHERE a = 1 OR b = 2",
+     "menu 1 Insert condition", "t WHERE a = 1 AND = OR b = 2"},
+    {"brackets, and what goes into them", W, "t WHERE a = 1",
+     "click 0 bracket; key Ins; click 2 left; pick t.b", "t WHERE a = 1 AND ( t.b = )"},
+    {"inserted brackets", W, "t WHERE a = 1", "menu 0 Insert brackets; key Ins",
+     "t WHERE ( = ) AND a = 1"},
+    {"escape changes nothing", W, "t WHERE a = 1",
+     "click 0 left; key Esc; click 0 right; type 7; key Esc; click 0 op; key Esc", "t WHERE a = 1"},
+    {"a click outside without a choice changes nothing", W, "t WHERE a = 1",
+     "click 0 add; click 1 right; outside; click 1 left; outside; click 0 left; tab 1; outside; "
+     "click 1 delete",
+     "t WHERE a = 1"},
+    // values
+    {"a value as text", W, "t WHERE a = 1", "click 0 right; set 2 + 3; outside",
+     "t WHERE a = 2 + 3"},
+    {"a field for a text", W, "t WHERE a = 1", "click 0 right; tab 0; pick t.c", "t WHERE a = t.c"},
+    {"a text on the right that would fall apart", W, "t WHERE a = 1 AND c = 3",
+     "click 0 right; set 1 OR b = 2; outside", "t WHERE a = (1 OR b = 2) AND c = 3"},
+    {"a text on the left that would", W, "t WHERE a = 1",
+     "click 0 left; tab 1; set b OR c; outside", "t WHERE (b OR c) = 1"},
+    {"a text that ends in a comment", W, "t WHERE a = 1 AND b = 2",
+     "click 0 right; set 5 -- five; outside", "t WHERE a = (5 -- five ) AND b = 2"},
+    {"a text that cannot be read stays", W, "t WHERE a = 1", "click 0 right; set (; outside",
+     "t WHERE a = ("},
+    {"an aggregate in HAVING", H, "t GROUP BY a HAVING a = 1",
+     "click 0 left; aggregate SUM; pick t.b", "t GROUP BY a HAVING SUM(t.b) = 1"},
+    {"a value that is a condition", W, "t WHERE a AND b = 2",
+     "click 0 left; tab 1; set a OR c; outside", "t WHERE (a OR c) AND b = 2"},
+    // operators
+    {"an operator", W, "t WHERE a = 1", "click 0 op; choose <>", "t WHERE a <> 1"},
+    {"an operator by key", W, "t WHERE a = 1",
+     "click 0 row; key Right; key Right; key Right; key Return; key Down; key Return",
+     "t WHERE a <> 1"},
+    {"no right side, and back to it", W, "t WHERE a = 1",
+     "click 0 op; choose is null; click 0 op; choose <", "t WHERE a < 1"},
+    {"no operator leaves the left value", W, "t WHERE NOT a = 1 OR NOT b = 2",
+     "click 1 op; choose [no operator]; click 0 op; choose [no operator]",
+     "t WHERE NOT a OR NOT b"},
+    {"a value becomes a comparison with its NOT", W, "t WHERE c = 1 OR NOT a = 2",
+     "click 1 op; choose [no operator]; operator 1 <; click 1 right; type 3; outside",
+     "t WHERE c = 1 OR NOT a < 3"},
+    {"an expression becomes the left side as one piece", W, "t WHERE c AND a + b OR NOT a",
+     "operator 0 >; operator 1 =; operator 2 =", "t WHERE c > AND a + b = OR (NOT a) ="},
+    {"BETWEEN keeps its bounds as a list", W, "t WHERE a BETWEEN 1 AND 2",
+     "click 0 op; choose in list", "t WHERE a IN (1,2)"},
+    {"a string has its quotes once", W, "t WHERE a = 'x''y'",
+     "click 0 op; choose contains; click 0 op; choose is null; click 0 op; choose starts with",
+     "t WHERE a LIKE 'x''y%'"},
+    {"and again behind an equal sign", W, "t WHERE a = 'x'",
+     "click 0 op; choose contains; click 0 right; set it's; outside; click 0 op; choose =",
+     "t WHERE a = 'it''s'"},
+    // BETWEEN
+    {"bounds", W, "t WHERE a BETWEEN 1 AND 2", "click 0 right; type 3; key Tab; type 4; key Return",
+     "t WHERE a BETWEEN 3 AND 4"},
+    {"one bound, the other stays a field", W, "t WHERE a BETWEEN t.b AND 2",
+     "click 0 right; key Tab; type 4; outside; click 0 right; key Return",
+     "t WHERE a BETWEEN t.b AND 4"},
+    {"new bounds", W, "t WHERE a = 1",
+     "click 0 delete; click 0 prompt; click 0 left; pick t.a; click 0 op; choose between; "
+     "click 0 right; type 1; key Tab; type 2; key Return",
+     "t WHERE t.a BETWEEN 1 AND 2"},
+    {"a bound that would end the range", W, "t WHERE a BETWEEN 1 AND 2",
+     "click 0 right; set 1 AND b; key Return", "t WHERE a BETWEEN (1 AND b) AND 2"},
+    {"escape leaves the bounds", W, "t WHERE a NOT BETWEEN 1 AND 2",
+     "click 0 right; type 9; key Esc", "t WHERE a NOT BETWEEN 1 AND 2"},
+    // IN
+    {"a list", W, "t WHERE a IN (1)", "click 0 right; set 1, t.b, 'x)'; key Ctrl+Return",
+     "t WHERE a IN (1,t.b,'x)')"},
+    {"a list that is no list stays as typed", W, "t WHERE a IN (1)",
+     "click 0 right; set 1) OR (1=1; outside", "t WHERE a IN (1) OR (1=1)"},
+    {"a list with a clause behind it stays as typed", W, "t WHERE a NOT IN (1)",
+     "click 0 right; set 1) ORDER BY (2; outside", "t WHERE a NOT IN (1) ORDER BY (2)"},
+    {"a list with a comment", W, "t WHERE a IN (1)", "click 0 right; set 1, 2 -- two; outside",
+     "t WHERE a IN (1,2)"},
+    {"a subquery", W, "t WHERE a IN (1)", "click 0 right; set SELECT a FROM u; outside",
+     "t WHERE a IN (SELECT a FROM u)"},
+    {"an empty list", W, "t WHERE a IN (1,2)", "click 0 right; set  ; outside", "t WHERE a IN ()"},
+    // NOT and the logic word
+    {"NOT is within reach of the current row", W, "t WHERE a = 1 AND b = 2",
+     "click 1 row; click 1 not; click 0 row; click 0 not; click 1 not",
+     "t WHERE NOT a = 1 AND b = 2"},
+    {"NOT by the menu, before brackets as well", W, "t WHERE a = 1 AND ( b = 2 )",
+     "menu 0 Negate (NOT); menu 1 Negate (NOT)", "t WHERE NOT a = 1 AND NOT ( b = 2 )"},
+    {"the logic word", W, "t WHERE a = 1 AND ( b = 2 ) OR c = 3",
+     "click 0 gate; click 3 gate; click 3 gate", "t WHERE a = 1 OR ( b = 2 ) OR c = 3"},
+    // moving, brackets, removing
+    {"moves by key", W, "t WHERE a = 1 AND b = 2 OR c = 3",
+     "click 2 row; key Ctrl+Up; key Ctrl+Up; key Ctrl+Up; click 1 row; key Ctrl+Down; "
+     "key Ctrl+Down",
+     "t WHERE c = 3 AND b = 2 OR a = 1"},
+    {"a bracket moves as a block", W, "t WHERE ( a = 1 OR b = 2 ) AND c = 3",
+     "click 3 row; button moveDownButton; button moveDownButton",
+     "t WHERE c = 3 AND ( a = 1 OR b = 2 )"},
+    {"drags", W, "t WHERE a = 1 AND b = 2 AND c = 3", "drag 0 -1; drag 2 1",
+     "t WHERE b = 2 AND a = 1 AND c = 3"},
+    {"into a bracket and out of it", W, "t WHERE a = 1 AND ( b = 2 )", "drag 0 2; drag 2 -1",
+     "t WHERE ( a = 1 ) AND b = 2"},
+    {"puts in brackets", W, "t WHERE a = 1 AND b = 2 OR c = 3",
+     "click 1 row; click 2 row ctrl; menuhere Put in brackets",
+     "t WHERE a = 1 AND ( b = 2 OR c = 3 )"},
+    {"takes brackets away", W, "t WHERE a = 1 AND NOT ( b = 2 OR c = 3 )",
+     "menu 4 Take brackets away", "t WHERE a = 1 AND NOT b = 2 OR c = 3"},
+    {"removes several rows", W, "t WHERE a = 1 AND ( b = 2 ) OR c = 3",
+     "click 0 row; click 3 row ctrl; key Del", "t WHERE c = 3"},
+    {"nothing can be removed from an empty list", W, "t", "click 0 row; key Del; key Ctrl+Down",
+     "t"},
+    {"faster than the host tells", W, "t WHERE a = 1 AND b = 2 AND c = 3",
+     "click 0 row; hold; key Del; key Ctrl+Down; key Del; deliver", "t WHERE c = 3"},
+    // joins
+    {"the condition of a join", F, "t INNER JOIN u ON t.a = u.a",
+     "click 0 right; pick u.d; click 0 add; click 1 left; pick t.b",
+     "t INNER JOIN u ON t.a = u.d AND t.b ="},
+    // what happens meanwhile
+    {"another statement closes the popup", W, "t WHERE a = 1",
+     "click 0 right; set 7; foreign SELECT * FROM t WHERE b = 2; outside", "t WHERE b = 2"},
+    {"another layer closes the popup", W, "( SELECT a FROM t ) AS s WHERE a = 1",
+     "click 0 right; set 7; layer; outside", "( SELECT a FROM t ) AS s WHERE a = 1"},
+};
+
+}  // namespace
+
+class ConditionPanelTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyEditGivesItsText_data() {
+        QTest::addColumn<int>("story");
+        QTest::addColumn<int>("delivery");
+        int i = 0;
+        for (const Story& story : stories) {
+            for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
+                const char* const host = delivery == Delivery::AtOnce ? "at once" : "later";
+                QTest::addRow("%s, %s", story.name, host) << i << static_cast<int>(delivery);
+            }
+            ++i;
+        }
+    }
+    void everyEditGivesItsText() {
+        QFETCH(int, story);
+        QFETCH(int, delivery);
+        const Story& told = stories[story];
+        Desk desk(static_cast<Delivery>(delivery), told.clause);
+        const QString start = QStringLiteral("SELECT * FROM ");
+        desk.begin(start + told.before);
+        QCOMPARE(desk.text(), start + told.before);
+        QVERIFY(desk.run(told.events));
+        QCOMPARE(desk.text(), start + told.after);
+    }
+};
+
+}  // namespace QB
+
+QTEST_MAIN(QB::ConditionPanelTest)
+#include "condition_panel_test.moc"
