@@ -52,6 +52,7 @@ public:
     void takeFocus();
     void giveFocusBack();
     void closeWhenHidden();
+    bool handleCancelKey(QEvent* event);
 
     QBInputPopup* const q;
     Ui::QBInputPopup ui;
@@ -64,6 +65,7 @@ public:
     bool isCancelled = false;
     bool isFinished = false;
     bool isAnswering = false;
+    bool isKeyOfAnother = false;
 };
 
 /// Notes where the popup belongs, rather than the anchor, which a refresh may destroy.
@@ -119,6 +121,20 @@ void QBInputPopup::Private::giveFocusBack() {
 void QBInputPopup::Private::closeWhenHidden() {
     const QWidget* parent = q->parentWidget();
     if (!q->isVisible() || (parent && !parent->isVisible())) q->closePopup(false);
+}
+
+/// One press of a key comes as several events. A list that is open over the popup may close with
+/// the first; the others are not for the popup then, though it is the topmost by now.
+bool QBInputPopup::Private::handleCancelKey(QEvent* event) {
+    if (QApplication::activePopupWidget() != q) {
+        isKeyOfAnother = true;
+        QMetaObject::invokeMethod(
+            q, [this] { isKeyOfAnother = false; }, Qt::QueuedConnection);
+        return false;
+    }
+    event->accept();  // neither a shortcut of the host nor the popup's base class takes it
+    if (event->type() == QEvent::KeyPress && !isKeyOfAnother) q->closePopup(false);
+    return true;
 }
 
 QBInputPopup::QBInputPopup(QWidget* parent)
@@ -193,11 +209,8 @@ bool QBInputPopup::eventFilter(QObject* watched, QEvent* event) {
     }
     const bool isKey =
         event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
-    if (!isKey || QApplication::activePopupWidget() != this) return false;
-    if (!static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel)) return false;
-    event->accept();  // no shortcut of the host takes it
-    if (event->type() == QEvent::KeyPress) closePopup(false);
-    return true;
+    if (!isKey || !static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel)) return false;
+    return d->handleCancelKey(event);
 }
 
 void QBInputPopup::showEvent(QShowEvent* event) {

@@ -1,0 +1,485 @@
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <QtTest>
+#include <memory>
+
+#include "popups/input_dialog.h"
+#include "popups/input_popup.h"
+#include "popups/multiple_edit_popup_widget.h"
+#include "popups/panel_popup.h"
+
+namespace QB {
+namespace {
+
+/// What a panel is to its popup: a list that has the focus, an anchor, and a base that is left when
+/// the parts of the panel are destroyed.
+class PanelBase : public QWidget {
+public:
+    using QWidget::QWidget;
+    ~PanelBase() override { qApp->removeEventFilter(this); }
+    static inline int focusEventsOfTheDying = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (isDying && event->type() == QEvent::FocusIn) ++focusEventsOfTheDying;
+        return false;
+    }
+    bool isDying = false;
+};
+
+class Panel : public PanelBase {
+public:
+    explicit Panel(QWidget* parent = nullptr)
+        : PanelBase(parent), list(new QListWidget(this)), anchor(new QLabel("alias", this)) {
+        auto* layout = new QVBoxLayout(this);
+        layout->addWidget(anchor);
+        layout->addWidget(list);
+        setFocusProxy(list);
+    }
+    ~Panel() override {
+        isDying = true;
+        qApp->installEventFilter(this);
+    }
+
+    QListWidget* const list;  // owned by the panel
+    QLabel* const anchor;     // owned by the panel
+    QBPanelPopup popup{this};
+};
+
+/// A host's window with a panel in its middle, shown and active, with the focus in the list.
+struct Host {
+    Host() {
+        window.setGeometry(100, 100, 500, 400);
+        panel = new Panel(&window);
+        panel->setGeometry(100, 100, 300, 250);
+        window.show();
+        QApplication::setActiveWindow(&window);
+        panel->list->setFocus();
+        isReady = QTest::qWaitForWindowExposed(&window);
+    }
+
+    QWindow* handle() const { return window.windowHandle(); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const {
+        QTest::keyPress(handle(), key, modifiers);
+    }
+    /// At the corner of the window, which no popup reaches.
+    void clickOutside() const { QTest::mousePress(handle(), Qt::LeftButton, {}, QPoint(3, 3)); }
+
+    QWidget window;
+    QPointer<Panel> panel;
+    bool isReady = false;
+};
+
+/// A content of a fixed size, 200 by 100 with the frame of the popup.
+QWidget* fixedContent() {
+    auto* content = new QWidget;
+    content->setFixedSize(198, 98);
+    return content;
+}
+
+}  // namespace
+
+class InputPopupTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aPopupAnswersOnceAndGivesTheFocusBackWhicheverWayItEnds() {
+        struct Case {
+            const char* name;
+            bool isAccepted;
+            std::function<void(Host&, QBInputPopup*)> end;
+        };
+        const Case cases[] = {
+            {"Return", true,
+             [](Host& host, QBInputPopup*) {
+                 host.press(Qt::Key_Return);
+             }},
+            {"Esc", false,
+             [](Host& host, QBInputPopup*) {
+                 host.press(Qt::Key_Escape);
+             }},
+            {"a click outside", true,
+             [](Host& host, QBInputPopup*) {
+                 host.clickOutside();
+             }},
+            {"accept", true,
+             [](Host& host, QBInputPopup*) {
+                 host.panel->popup.accept();
+             }},
+            {"cancel", false,
+             [](Host& host, QBInputPopup*) {
+                 host.panel->popup.cancel();
+             }},
+            {"two answers", false,
+             [](Host&, QBInputPopup* popup) {
+                 popup->closePopup(false);
+                 popup->closePopup(true);
+                 popup->close();
+             }},
+            {"a window of the host", true,
+             [](Host&, QBInputPopup*) {
+                 QDialog().show();
+             }},
+        };
+        for (const Case& each : cases) {
+            Host host;
+            QVERIFY(host.isReady);
+            QStringList answers;
+            QLineEdit* line =
+                host.panel->popup.openLine("old", host.panel->anchor, [&](const QString& text) {
+                    QVERIFY2(!host.panel->popup.isOpen(), each.name);
+                    answers << text;
+                });
+            const QPointer<QBInputPopup> popup = qobject_cast<QBInputPopup*>(line->window());
+            QSignalSpy done(popup, &QBInputPopup::done);
+            connect(popup, &QBInputPopup::done, this, [&] {
+                QVERIFY2(!popup->isVisible() && host.panel->list->hasFocus(), each.name);
+            });
+            QVERIFY2(line->hasFocus() && host.panel->popup.isOpen(), each.name);
+            for (const char key : {'n', 'e', 'w'})
+                QTest::keyClick(host.handle(), key);
+            each.end(host, popup);
+            QVERIFY2(!host.panel->popup.isOpen(), each.name);
+            QTRY_VERIFY2(!popup, each.name);
+            QCOMPARE(done.count(), 1);
+            QCOMPARE(done[0][0].toBool(), each.isAccepted);
+            QCOMPARE(answers, each.isAccepted ? QStringList("new") : QStringList());
+        }
+    }
+
+    void aHiddenPanelCancelsItsPopup() {
+        Host host;
+        host.panel->popup.openLine("", host.panel->anchor,
+                                   [](const QString&) { QFAIL("accepted"); });
+        host.panel->hide();
+        host.panel->show();
+        QTest::qWait(1);
+        QVERIFY2(host.panel->popup.isOpen(), "hidden for a moment only");
+        host.window.hide();
+        QTRY_VERIFY(!host.panel->popup.isOpen());
+    }
+
+    void theAnswerMayShowAWindowAndOpenAnotherPopup() {
+        Host host;
+        QWidget message;
+        bool isAnswered = false;
+        host.panel->popup.openText("wrong", host.panel->anchor, [&](const QString& text) {
+            message.show();  // would never return while a popup is open
+            host.panel->popup.openText(text, host.panel->anchor, [&](const QString& again) {
+                isAnswered = again == "wrong";
+            });
+        });
+        host.press(Qt::Key_Return);
+        QVERIFY2(host.panel->popup.isOpen(), "in a text Return breaks the line");
+        host.press(Qt::Key_Z, Qt::ControlModifier);
+        host.press(Qt::Key_Return, Qt::ControlModifier);
+        QVERIFY(message.isVisible() && host.panel->popup.isOpen());
+        QTest::qWait(1);  // the first popup is destroyed
+        host.press(Qt::Key_Enter, Qt::ControlModifier | Qt::KeypadModifier);
+        QVERIFY(isAnswered && !host.panel->popup.isOpen());
+    }
+
+    void onlyOnePopupOpensAtATime() {
+        Host host;
+        host.panel->popup.open(fixedContent(), host.panel->anchor, {});
+        const QPointer<QWidget> second = new QWidget;
+        QVERIFY(!host.panel->popup.open(second, host.panel->anchor, {}));
+        QVERIFY(!second);
+        QVERIFY(!host.panel->popup.openLine("", host.panel->anchor, {}));
+        QVERIFY(!host.panel->popup.openText("", host.panel->anchor, {}));
+    }
+
+    void escapeClosesTheInnermost() {
+        Host host;
+        auto* inner = new Panel;
+        auto* combo = new QComboBox(inner);
+        combo->addItems({"a", "b"});
+        QBInputPopup* outerPopup = host.panel->popup.open(inner, host.panel->anchor, {});
+        QLineEdit* line = inner->popup.openLine("", inner->anchor, {});
+        QVERIFY(line && line->hasFocus());
+        host.press(Qt::Key_Escape);
+        QVERIFY(!inner->popup.isOpen() && outerPopup->isVisible() && inner->list->hasFocus());
+
+        combo->showPopup();
+        QVERIFY(combo->view()->isVisible());
+        host.press(Qt::Key_Escape);
+        QTRY_VERIFY(!combo->view()->isVisible());
+        QVERIFY(outerPopup->isVisible());
+
+        inner->popup.openLine("", inner->anchor, [](const QString&) {});
+        host.clickOutside();
+        QVERIFY(!inner->popup.isOpen() && outerPopup->isVisible());
+        host.press(Qt::Key_Escape);
+        QVERIFY(!host.panel->popup.isOpen());
+    }
+
+    /// Where the panel goes with the popup open there is no answer, and nothing of the panel's
+    /// parts is asked to do anything once the panel's own destructor has begun.
+    void aPopupGoesWithItsPanel() {
+        const std::function<void(Host&)> deaths[] = {
+            [](Host& host) { delete host.panel; },
+            // In the loop of the first paint, and from an event after the panel was hidden.
+            [](Host& host) {
+                QMetaObject::invokeMethod(
+                    &host.window, [&host] { delete host.panel; }, Qt::QueuedConnection);
+                QTest::qWait(1);
+            },
+            [](Host& host) {
+                host.panel->hide();
+                delete host.panel;
+            },
+        };
+        for (const auto& die : deaths) {
+            Host host;
+            PanelBase::focusEventsOfTheDying = 0;
+            QLineEdit* line = host.panel->popup.openLine("", host.panel->anchor,
+                                                         [](const QString&) { QFAIL("accepted"); });
+            const QPointer<QWidget> popup = line->window();
+            QSignalSpy done(line->window(), SIGNAL(done(bool)));
+            die(host);
+            QVERIFY(!host.panel && !popup);
+            QTest::qWait(1);
+            QCOMPARE(done.count(), 0);
+            QCOMPARE(PanelBase::focusEventsOfTheDying, 0);
+        }
+    }
+
+    void theAnswerMayDestroyThePanelWhileAWidgetOfThePopupHandlesItsKey() {
+        Host host;
+        QPointer<QWidget> popup;
+        bool outlives = false;
+        QLineEdit* line = host.panel->popup.openLine("", host.panel->anchor, [&](const QString&) {
+            delete host.panel;
+            outlives = popup && !popup->isVisible();
+        });
+        popup = line->window();
+        host.press(Qt::Key_Return);
+        QVERIFY(!host.panel && outlives);
+        QTRY_VERIFY(!popup);
+    }
+
+    void aPopupWithoutItsAnchorStaysAndAnswers() {
+        Host host;
+        int answers = 0;
+        QWidget* content = fixedContent();
+        QBInputPopup* popup =
+            host.panel->popup.open(content, host.panel->anchor, [&] { ++answers; });
+        const QRect before = popup->geometry();
+        delete host.panel->anchor;
+        content->setFixedHeight(150);
+        QTRY_COMPARE(popup->geometry(), before.adjusted(0, 0, 0, 52));
+        host.clickOutside();
+        QCOMPARE(answers, 1);
+    }
+
+    void aPopupStandsUnderOrAboveItsAnchorInsideTheScreen_data() {
+        QTest::addColumn<QRect>("anchor");
+        QTest::addColumn<bool>("isMirrored");
+        QTest::addColumn<QPoint>("pivot");
+        QTest::addColumn<QPoint>("expected");
+        const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
+        const int right = room.right() - 199;
+        const int bottom = room.bottom() + 1;
+        const QPoint none(-1, -1);
+        const auto add = [](const char* name, QRect anchor, bool isMirrored, QPoint pivot,
+                            QPoint expected) {
+            QTest::newRow(name) << anchor << isMirrored << pivot << expected;
+        };
+        add("middle", {300, 300, 50, 20}, false, none, {300, 320});
+        add("right to left", {300, 300, 50, 20}, true, none, {150, 320});
+        add("left edge", {-30, 300, 50, 20}, false, none, {0, 320});
+        add("right edge", {room.right() - 60, 300, 50, 20}, false, none, {right, 320});
+        add("top edge", {300, 0, 50, 20}, false, none, {300, 20});
+        add("just fits below", {300, bottom - 120, 50, 20}, false, none, {300, bottom - 100});
+        add("bottom edge", {300, bottom - 119, 50, 20}, false, none, {300, bottom - 220});
+        add("corner", {room.right() - 60, bottom - 30, 50, 20}, false, none, {right, bottom - 131});
+        add("at a point", {300, 300, 50, 20}, false, QPoint(5, 7), {305, 307});
+        add("at a point, right to left", {300, 300, 50, 20}, true, QPoint(45, 7), {145, 307});
+        add("as high as the screen", {300, 1, 50, room.height() - 2}, false, none, {300, 0});
+    }
+
+    void aPopupStandsUnderOrAboveItsAnchorInsideTheScreen() {
+        QFETCH(QRect, anchor);
+        QFETCH(bool, isMirrored);
+        QFETCH(QPoint, pivot);
+        QFETCH(QPoint, expected);
+        QWidget window(nullptr, Qt::FramelessWindowHint);
+        window.setLayoutDirection(isMirrored ? Qt::RightToLeft : Qt::LeftToRight);
+        window.setGeometry(anchor);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        auto* popup = new QBInputPopup(&window);
+        popup->setContent(fixedContent(), false);
+        popup->popup(&window, pivot.x() < 0 ? nullptr : &pivot);
+        QCOMPARE(popup->geometry(), QRect(expected, QSize(200, 100)));
+        popup->close();
+    }
+
+    void aPopupFollowsItsContentAndStaysInside() {
+        const int bottom = QGuiApplication::primaryScreen()->availableGeometry().bottom() + 1;
+        QWidget window(nullptr, Qt::FramelessWindowHint);
+        window.setGeometry(10, bottom - 150, 350, 20);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        auto* popup = new QBInputPopup(&window);
+        QWidget* content = fixedContent();
+        popup->setContent(content, false);
+        popup->popup(&window);
+        content->setFixedHeight(198);
+        QTRY_COMPARE(popup->geometry(), QRect(10, bottom - 351, 200, 200));
+        content->setFixedSize(248, 98);
+        QTRY_COMPARE(popup->geometry(), QRect(10, bottom - 130, 250, 100));
+        content->setMaximumWidth(QWIDGETSIZE_MAX);
+        popup->setFullWidth(true);
+        QCOMPARE(popup->width(), 350);
+        popup->close();
+    }
+
+    void theFirstKeyReplacesTheTextAlsoThroughAFocusProxy() {
+        Host host;
+        QPlainTextEdit* text = host.panel->popup.openText("one\ntwo", host.panel->anchor, {});
+        QTest::keyClick(host.handle(), Qt::Key_X);
+        QCOMPARE(text->toPlainText(), QString("x"));
+    }
+
+    void noKeyOfAPopupReachesTheHost() {
+        QDialog dialog;
+        auto* layout = new QVBoxLayout(&dialog);
+        auto* panel = new Panel;
+        layout->addWidget(panel);
+        auto* ok = new QPushButton("OK");
+        ok->setDefault(true);
+        layout->addWidget(ok);
+        connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
+        QShortcut run(QKeySequence(Qt::CTRL + Qt::Key_Return), &dialog);
+        QShortcut stop(QKeySequence(Qt::Key_Escape), &dialog);
+        run.setContext(Qt::ApplicationShortcut);
+        stop.setContext(Qt::ApplicationShortcut);
+        const QSignalSpy runs(&run, &QShortcut::activated);
+        const QSignalSpy stops(&stop, &QShortcut::activated);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+            QTest::keyPress(dialog.windowHandle(), key, modifiers);
+        };
+        int answers = 0;
+        const auto count = [&](const QString&) {
+            ++answers;
+        };
+        panel->popup.openLine("", panel->anchor, count);
+        press(Qt::Key_Return);
+        panel->popup.openText("", panel->anchor, count);
+        press(Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(answers, 2);
+        panel->popup.openLine("", panel->anchor, count);
+        press(Qt::Key_Escape);
+
+        auto* content = new QWidget;
+        auto* button = new QPushButton("no default", content);
+        content->setFocusProxy(new QLineEdit(content));
+        QSignalSpy clicks(button, &QPushButton::clicked);
+        QBInputPopup* popup = panel->popup.open(content, panel->anchor, {});
+        press(Qt::Key_Return);
+        QVERIFY(popup->isVisible() && clicks.isEmpty() && !button->autoDefault());
+        QVERIFY(dialog.isVisible() && runs.isEmpty() && stops.isEmpty());
+    }
+
+    void aDialogFinishesOnceWithItsCode() {
+        struct Case {
+            int code;
+            std::function<void(QBInputDialog*)> end;
+        };
+        const auto press = [](Qt::Key key) {
+            return [key](QBInputDialog* dialog) {
+                QTest::keyPress(dialog->windowHandle(), key);
+            };
+        };
+        const auto click = [](QDialogButtonBox::StandardButton which) {
+            return [which](QBInputDialog* dialog) {
+                const QPushButton* button = dialog->findChild<QDialogButtonBox*>()->button(which);
+                QTest::mouseClick(dialog->windowHandle(), Qt::LeftButton, {},
+                                  button->mapTo(dialog, button->rect().center()));
+            };
+        };
+        const Case cases[] = {{QDialog::Accepted, press(Qt::Key_Return)},
+                              {QDialog::Rejected, press(Qt::Key_Escape)},
+                              {QDialog::Accepted, click(QDialogButtonBox::Ok)},
+                              {QDialog::Rejected, click(QDialogButtonBox::Cancel)},
+                              {QDialog::Rejected, [](QBInputDialog* dialog) {
+                                   dialog->close();
+                               }}};
+        for (const Case& each : cases) {
+            const QPointer<QBInputDialog> dialog = new QBInputDialog;
+            auto* content = new QWidget;
+            content->setFocusProxy(new QLineEdit(content));
+            new QPushButton("not the default", content);
+            dialog->setContent(content);
+            const QSignalSpy finished(dialog, &QDialog::finished);
+            dialog->show();
+            QVERIFY(dialog->isModal() && QTest::qWaitForWindowExposed(dialog));
+            each.end(dialog);
+            QCOMPARE(finished.count(), 1);
+            QCOMPARE(finished[0][0].toInt(), each.code);
+            QTRY_VERIFY(!dialog);
+        }
+    }
+
+    void rowsAndPagesOfAMultipleEditCorrespond() {
+        QBMultipleEditPopupWidget widget;
+        QStringList log;
+        int made = 0;
+        const auto shown = [&] {
+            QWidget* page = widget.pagesWidget()->currentWidget();
+            return page ? page->objectName() : QString("none");
+        };
+        connect(&widget, &QBMultipleEditPopupWidget::signalMultipleEditRowWidgetAddItem, &widget,
+                [&](QBMultipleEditPopupWidget* sender) {
+                    auto* page = new QWidget;
+                    page->setObjectName(QString::number(made));
+                    sender->addItem(new QLabel(QString("row %1").arg(made++)), page);
+                });
+        widget.setCurrentRowChangedCallback(
+            [&](int row) { log << QString("row %1 page %2").arg(row).arg(shown()); });
+        widget.setItemRemovedCallback([&](int row) {
+            log << QString("removed %1 of %2").arg(row).arg(widget.listWidget()->count() + 1);
+        });
+        widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
+        const auto click = [&](const char* name) {
+            const auto* button = widget.findChild<QToolButton*>(name);
+            QTest::mouseClick(widget.windowHandle(), Qt::LeftButton, {},
+                              button->mapTo(&widget, button->rect().center()));
+        };
+        click("addItemButton");
+        click("removeItemButton");
+        QCOMPARE(widget.listWidget()->count(), 1);
+        click("addItemButton");
+        click("addItemButton");
+        widget.listWidget()->setCurrentRow(1);
+        click("removeItemButton");
+        click("removeItemButton");
+        click("removeItemButton");
+        QCOMPARE(log.join("; "),
+                 QString("row 0 page 0; row 1 page 1; row 2 page 2; row 1 page 1; row 1 page 2; "
+                         "removed 1 of 3; row 0 page 0; removed 1 of 2"));
+        QCOMPARE(widget.pagesWidget()->count(), 1);
+    }
+};
+
+}  // namespace QB
+
+QTEST_MAIN(QB::InputPopupTest)
+#include "input_popup_test.moc"
