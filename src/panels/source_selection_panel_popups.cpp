@@ -339,6 +339,7 @@ void QBSourceSelectionPanelWidget::editOnCondition(QBRowKey key, Join* join) {
     conditions->setEngine(engine());
     m_popupRow = key;
     QBInputPopup* const popup = m_popup.open(conditions, widget->conditionLabel(), {});
+    conditions->rowView()->selectOnly(0);
     connect(conditions, &QBConditionBuilderPanelWidget::rootLost, popup,
             [this] { m_popup.cancel(); });
     connect(popup, &QBInputPopup::done, this, [this] {

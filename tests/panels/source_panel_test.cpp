@@ -1,9 +1,8 @@
 #include "panels/source_selection_panel_widget.h"
 
 #include <QListWidget>
-#include <QPlainTextEdit>
 
-#include "conditions/condition_builder_panel_widget.h"
+#include "support/from_clause.h"
 #include "support/panel_desk.h"
 #include "support/text_check.h"
 
@@ -48,6 +47,21 @@ public:
         QBNestedListRowWidget* const widget = view()->rowWidget(row);
         if (!widget) return nullptr;
         return name == "main" ? widget->mainPart() : widget->findChild<QBLabel*>(name);
+    }
+
+    /// The entries of a row's menu.
+    QString entries(int row) {
+        view()->scrollTo(view()->model()->index(row, 0));
+        openMenu(row);
+        settle();
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu) return {};
+        QStringList all;
+        const auto actions = menu->actions();
+        for (const QAction* action : actions)
+            all.append((action->isEnabled() || action->isSeparator() ? "" : "-") + action->text());
+        run("key Esc");
+        return all.join('|');
     }
 
     bool runOwn(const QString& word, const QString& rest) override {
@@ -181,12 +195,16 @@ const Story stories[] = {
      "SELECT * FROM t INNER JOIN u USING (b)"},
     {"USING becomes ON", "SELECT * FROM t INNER JOIN u USING (a)", "menu 1 Change to ON",
      "SELECT * FROM t INNER JOIN u"},
+    {"conditions of ON stay with the first escape",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a AND t.b = 1",
+     "click 1 conditionLabel; key Down; key Del; key Esc",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a"},
     // removing
     {"a table goes with its join and what names it",
      "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = u.b AND v.a = t.a",
      "click 2 deleteLabel", "SELECT * FROM t INNER JOIN v ON v.a = t.a"},
-    {"the last one leaves the prompt", "SELECT 1 FROM t, u", "click 0 row; key Del; key Del; key Del",
-     "SELECT 1"},
+    {"the last one leaves the prompt", "SELECT 1 FROM t, u",
+     "click 0 row; key Del; key Del; key Del", "SELECT 1"},
     {"brackets go with all in them", "SELECT * FROM ( t INNER JOIN u ), v", "menu 4 Remove",
      "SELECT * FROM v"},
     // brackets
@@ -248,6 +266,126 @@ private Q_SLOTS:
         const bool isQuiet = QString(told.error).isEmpty();
         QVERIFY2(isQuiet ? desk.errors().isEmpty() : desk.errors().contains(told.error),
                  qPrintable(desk.errors()));
+    }
+
+    void theMenuOffersWhatTheRowAllows() {
+        struct Row {
+            int row;
+            const char* entries;  ///< a dash before one that cannot be chosen
+        };
+        const Row rows[] = {
+            {0, "Insert row|Insert bracket|Remove||Group in brackets|-Ungroup"},
+            {1, "Insert row|Insert bracket|-Remove||Change to USING||-Group in brackets|-Ungroup"},
+            {2, "Insert row|Insert bracket|Remove||Group in brackets|Ungroup"},
+            {4, "Insert row|Insert bracket|-Remove||Change to ON||-Group in brackets|-Ungroup"},
+            {6, "-Insert row|-Insert bracket|Remove||Group in brackets|Ungroup"},
+            {8, "Insert row|Insert bracket|Remove||Edit as plain text||Group in brackets|-Ungroup"},
+            {10,
+             "Insert row|Insert bracket|Remove||Convert to subquery||Group in brackets|-Ungroup"},
+        };
+        Desk desk(Delivery::AtOnce);
+        desk.parse("SELECT * FROM t INNER JOIN (u INNER JOIN v USING (a)), (SELECT 1) AS x, f(1)");
+        for (const Row& row : rows)
+            QCOMPARE(desk.entries(row.row), QString(row.entries));
+        QVERIFY(desk.run("click 0 row; click 1 row ctrl"));
+        QVERIFY(desk.entries(1).startsWith("-Insert row|-Insert bracket|"));
+        desk.parse("SELECT 1");
+        QVERIFY(desk.entries(0).startsWith("Insert row|Insert bracket|-Remove|"));
+    }
+
+    void aSubqueryWithoutAliasIsMarkedInItsLayer() {
+        Desk desk(Delivery::Later);
+        desk.parse("SELECT * FROM t");
+        QVERIFY(desk.run("click 0 addLabel; join 1; tab 1; type SELECT 1; outside"));
+        QVERIFY2(!desk.sources()->hasInvalidComponents(), "it was made just now");
+        QCOMPARE(desk.part(2, "aliasLabel")->colour(), LabelColour::Placeholder);
+        desk.sources()->panelBecomeInactive();
+        QVERIFY(desk.sources()->hasInvalidComponents());
+        QCOMPARE(desk.part(2, "aliasLabel")->colour(), LabelColour::Invalid);
+        QVERIFY(desk.run("click 2 main"));
+        QVERIFY(!desk.sources()->hasInvalidComponents());
+        QVERIFY(desk.run("back"));
+        QVERIFY(desk.sources()->hasInvalidComponents());
+        QVERIFY(desk.run("click 2 aliasLabel; type x; key Return"));
+        QVERIFY(!desk.sources()->hasInvalidComponents());
+    }
+
+    void aLayerIsCalledByTheAliasOrThePlace() {
+        Desk desk(Delivery::AtOnce);
+        desk.parse("SELECT * FROM (SELECT 1) AS x, (SELECT 2)");
+        QVERIFY(desk.run("click 0 main"));
+        QCOMPARE(desk.engine->topLevelQueryComponentLayerName(1), std::string("x"));
+        QVERIFY(desk.run("back; click 2 main"));
+        QCOMPARE(desk.engine->topLevelQueryComponentLayerName(1), std::string("(Subquery 3)"));
+    }
+
+    /// As some servers bind commas, the condition names what is not there.
+    void aConditionOutOfSightIsMarkedWhereTheServerCannotSeeIt() {
+        for (const DatabaseType family : {DatabaseTypePostgreSQL, DatabaseTypeSQLite}) {
+            Desk desk(Delivery::AtOnce, family);
+            desk.parse("SELECT * FROM t, u INNER JOIN v ON v.a = t.a");
+            QCOMPARE(desk.sources()->hasInvalidComponents(), family != DatabaseTypeSQLite);
+            desk.parse("SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = t.b");
+            QVERIFY(!desk.sources()->hasInvalidComponents());
+            QVERIFY(desk.run("click 2 row; click 4 row shift; menu 4 Group in brackets"));
+            QVERIFY(desk.sources()->hasInvalidComponents());
+            QCOMPARE(desk.part(4, "conditionLabel")->colour(), LabelColour::Invalid);
+            QCOMPARE(desk.part(1, "conditionLabel")->colour(), LabelColour::Value);
+        }
+    }
+
+    void ownEditsKeepTheRowsAndForeignOnesRebuildThem() {
+        Desk desk(Delivery::Later);
+        desk.parse("SELECT * FROM t INNER JOIN u");
+        const auto* first = desk.sources()->rowLayout().items().front();
+        QVERIFY(desk.run("click 2 addLabel; pick v; click 0 aliasLabel; type x; key Return"));
+        QCOMPARE(desk.sources()->rowLayout().items().front(), first);
+        Test::addTable(desk.engine.get(), {"main"}, "w");
+        desk.settle();
+        QVERIFY(desk.sources()->rowLayout().items().front() != first);
+        QCOMPARE(desk.sources()->rowCount(), 7);
+    }
+
+    void popupsGoWithTheirRow_data() {
+        QTest::addColumn<QString>("opening");
+        QTest::addRow("table") << "click 0 addLabel";
+        QTest::addRow("alias") << "click 2 aliasLabel";
+        QTest::addRow("kind") << "click 1 joinLabel";
+        QTest::addRow("condition") << "click 1 conditionLabel; key Del";
+        QTest::addRow("menu") << "click 2 row; key Menu";
+    }
+    void popupsGoWithTheirRow() {
+        QFETCH(QString, opening);
+        for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
+            Desk desk(delivery);
+            desk.parse("SELECT 1 FROM t INNER JOIN u ON t.a = u.a");
+            QVERIFY(desk.run(opening));
+            QVERIFY(QApplication::activePopupWidget());
+            Test::emptyFromClause(desk.engine.get());
+            desk.settle();
+            QVERIFY(!QApplication::activePopupWidget());
+            QCOMPARE(desk.text(), QString("SELECT 1"));
+            QVERIFY(desk.run("click 0 main; pick v"));
+            QCOMPARE(desk.text(), QString("SELECT 1 FROM v"));
+        }
+    }
+
+    void theRowShowsWhatItsConditionHasBecome() {
+        Desk desk(Delivery::Later);
+        desk.parse("SELECT 1 FROM t INNER JOIN u ON t.a = u.a");
+        QVERIFY(desk.run("click 1 conditionLabel"));
+        const QPointer<QWidget> row = desk.view()->rowWidget(1);
+        QVERIFY(desk.run("key Home; key Del"));
+        QVERIFY2(row && desk.view()->rowWidget(1) == row, "the anchor stays under the popup");
+        QCOMPARE(desk.text(), QString("SELECT 1 FROM t INNER JOIN u"));
+        QVERIFY(desk.run("outside"));
+        QVERIFY(desk.part(1, "conditionLabel")->fullText().endsWith("...>"));
+    }
+
+    void schemasOfTheStatementComeBehindTheCurrentOne() {
+        Desk desk(Delivery::AtOnce);
+        desk.parse("SELECT 1 FROM t, s2.a, main.u, s1.b, s2.c");
+        QCOMPARE(desk.sources()->obtainExtraSchemaList(), QStringList({"s2", "s1"}));
     }
 };
 
