@@ -1,0 +1,578 @@
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+#include <QtTest>
+#include <memory>
+
+#include "diagrampanel/fake_server.h"
+#include "model/detached_parts.h"
+#include "panels/column_picker_panel_widget.h"
+#include "panels/source_column_selection_panel_widget.h"
+#include "rows/column_nested_list_row_widget.h"
+#include "rows/nested_list_any_expression_row_widget.h"
+#include "rows/nested_list_dummy_row_widget.h"
+#include "support/late_host.h"
+#include "support/owned_engine.h"
+#include "widgets/label.h"
+
+namespace QB {
+namespace {
+
+using namespace Component::SQL;
+using Test::Delivery;
+
+/// A clause panel in a window, over a server with the tables t (a, b, c) and u (a, d). Everything
+/// a user does goes through the windows.
+class Desk {
+public:
+    Desk(Delivery delivery, TopLevelQueryComponentElementEnum clause, DatabaseType family)
+        : host(delivery), engine(family) {
+        using Objects = Test::FakeServer::Objects;
+        server.set("", Objects{{"main", IdentifierTypeSchema}});
+        server.set("main", Objects{{"t", IdentifierTypeTable}, {"u", IdentifierTypeTable}});
+        server.set("main.t", fields({"a", "b", "c"}));
+        server.set("main.u", fields({"a", "d"}));
+        engine->registerIdentifierCandidateChildrenUpdater(server.updater());
+        engine->setCurrentSchema("main");
+        for (const std::vector<std::string>& path : {std::vector<std::string>{}, {"main"}})
+            engine->addRefreshIdentifierCandidateChildrenRequest(path, true);
+        engine->refreshRequestedIdentifierCandidateChildren(true);
+        host.finishAll();
+        makePanel(clause);
+        new QVBoxLayout(&window);
+        window.layout()->addWidget(panel.get());
+        window.resize(500, 300);
+        window.show();
+        panel->setEngine(engine.get());
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+    }
+
+    ~Desk() {
+        panel.reset();
+        host.finishAll();
+    }
+
+    static Test::FakeServer::Objects fields(std::initializer_list<const char*> names) {
+        Test::FakeServer::Objects objects;
+        for (const char* name : names)
+            objects.emplace_back(name, IdentifierTypeField);
+        return objects;
+    }
+
+    void makePanel(TopLevelQueryComponentElementEnum clause) {
+        if (clause == ElementSelectColumn) {
+            panel = std::make_unique<QBSourceColumnSelectionPanelWidget>();
+        } else {
+            panel = std::make_unique<QBColumnPickerPanelWidget>();
+            panel->setRelatedElements({clause});
+        }
+    }
+
+    /// Lets everything arrive that is under way, unless it is held.
+    void settle() {
+        for (int i = 0; i < 3; ++i) {
+            if (!isHeld) host.finishAll();
+            QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
+
+    void parse(const QString& text) {
+        engine->parseQuery(text.toStdString(), {});
+        settle();
+    }
+
+    /// The root statement in one line.
+    QString text() const { return QString::fromStdString(engine->buildQuery()).simplified(); }
+
+    SQLSelectStmtComponent* statement() const {
+        return dynamic_cast<SQLSelectStmtComponent*>(engine->currentTopLevelQueryComponent());
+    }
+
+    // ---- events ---------------------------------------------------------------------------
+
+    /// Events, separated by "; ". False if one cannot be sent.
+    bool run(const QString& events) {
+        const QStringList all = events.split(QStringLiteral("; "), Qt::SkipEmptyParts);
+        for (const QString& event : all) {
+            const QString word = event.section(QLatin1Char(' '), 0, 0);
+            if (!runOne(word, event.section(QLatin1Char(' '), 1))) {
+                qWarning("cannot do: %s", qPrintable(event));
+                return false;
+            }
+            settle();
+        }
+        return true;
+    }
+
+    bool runOne(const QString& word, const QString& rest) {
+        if (word == "key") return press(rest);
+        if (word == "type") return type(rest);
+        if (word == "click")
+            return clickPart(rest.section(' ', 0, 0).toInt(), rest.section(' ', 1));
+        if (word == "pick") return pick(rest);
+        if (word == "tab") return clickTab(rest.toInt());
+        if (word == "aggregate") return setAggregate(rest);
+        if (word == "outside") return clickAt(&window, QPoint(2, 2));
+        if (word == "button") return clickOn(panel->findChild<QAbstractButton*>(rest));
+        if (word == "tick") return clickOn(box(rest));
+        if (word == "menu") return openMenu(rest.section(' ', 0, 0).toInt(), rest.section(' ', 1));
+        // What the list says of a drag that has ended.
+        if (word == "dropped") return Q_EMIT panel->rowView()->rowDropped(rest.toInt()), true;
+        isHeld = word == "hold";
+        return isHeld || word == "deliver";
+    }
+
+    static QWindow* activeWindow(QWidget* fallback) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        return (popup ? popup : fallback)->window()->windowHandle();
+    }
+
+    bool press(const QString& keys) {
+        const int code = QKeySequence(keys)[0];
+        const auto modifiers = Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask));
+        const auto key = Qt::Key(code & ~int(Qt::KeyboardModifierMask));
+        QTest::keyPress(activeWindow(&window), key, modifiers);
+        return true;
+    }
+
+    bool type(const QString& text) {
+        for (const QChar letter : text) {
+            QTest::keyClick(activeWindow(&window), letter.toLatin1());
+        }
+        return true;
+    }
+
+    static bool clickAt(QWidget* widget, const QPoint& place,
+                        Qt::MouseButton mouseButton = Qt::LeftButton,
+                        Qt::KeyboardModifiers modifiers = {}) {
+        QWidget* const top = widget->window();
+        const QPoint point = widget->mapTo(top, place);
+        QTest::mouseMove(top->windowHandle(), point);
+        QTest::mouseClick(top->windowHandle(), mouseButton, modifiers, point);
+        return true;
+    }
+
+    static bool clickOn(QWidget* widget) {
+        return widget && widget->isVisible() && clickAt(widget, widget->rect().center());
+    }
+
+    QBLabel* part(int row, const QString& name) const {
+        QBNestedListRowWidget* const widget = panel->rowView()->rowWidget(row);
+        if (!widget) return nullptr;
+        auto* field = dynamic_cast<QBColumnNestedListRowWidget*>(widget);
+        auto* expression = dynamic_cast<QBNestedListAnyExpressionRowWidget*>(widget);
+        auto* prompt = dynamic_cast<QBNestedListDummyRowWidget*>(widget);
+        if (name == "order") return field ? field->orderLabel() : expression->orderLabel();
+        if (name == "alias")
+            return dynamic_cast<IQBNestedListRowWidgetEditAliasSupported*>(widget)->aliasLabel();
+        if (name == "add")
+            return dynamic_cast<IQBNestedListRowWidgetAddRowSupported*>(widget)->addRowLabel();
+        if (name == "delete")
+            return dynamic_cast<IQBNestedListRowWidgetDeleteSupported*>(widget)->deleteLabel();
+        return prompt ? prompt->promptLabel() : widget->mainPart();
+    }
+
+    bool clickPart(int row, const QString& name) {
+        QBNestedListTableView* const view = panel->rowView();
+        view->scrollTo(view->model()->index(row, 0));
+        if (name.startsWith("row")) {  // beside the labels
+            const auto modifiers = name.endsWith("ctrl")    ? Qt::ControlModifier
+                                   : name.endsWith("shift") ? Qt::ShiftModifier
+                                                            : Qt::NoModifier;
+            const QRect place = view->visualRect(view->model()->index(row, 0));
+            return clickAt(view->viewport(), QPoint(3, place.center().y()), Qt::LeftButton,
+                           modifiers);
+        }
+        return clickOn(part(row, name));
+    }
+
+    QTreeWidgetItem* choice(QTreeWidget* tree, const QString& path) const {
+        QTreeWidgetItemIterator item(tree);
+        for (; *item; ++item) {
+            const QString text = (*item)->text(0);
+            const QTreeWidgetItem* const parent = (*item)->parent();
+            if (text == path || text == path + " (*)") return *item;
+            if (parent && parent->text(0) + "." + text == path) return *item;
+        }
+        return nullptr;
+    }
+
+    bool pick(const QString& path) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        auto* const tree = popup ? popup->findChild<QTreeWidget*>() : nullptr;
+        QTreeWidgetItem* const item = tree ? choice(tree, path) : nullptr;
+        if (!item) return false;
+        tree->scrollToItem(item);
+        return clickAt(tree->viewport(), tree->visualItemRect(item).center());
+    }
+
+    bool clickTab(int index) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        auto* const bar = popup ? popup->findChild<QTabBar*>() : nullptr;
+        return bar && clickAt(bar, bar->tabRect(index).center());
+    }
+
+    bool setAggregate(const QString& function) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        auto* const list = popup ? popup->findChild<QComboBox*>() : nullptr;
+        if (!list || !clickOn(list->lineEdit())) return false;
+        list->lineEdit()->selectAll();
+        return function.isEmpty() ? press("Del") : type(function);
+    }
+
+    QCheckBox* box(const QString& option) const {
+        const auto boxes = panel->findChildren<QCheckBox*>();
+        for (QCheckBox* each : boxes) {
+            if (each->text() == option) return each;
+        }
+        return nullptr;
+    }
+
+    bool openMenu(int row, const QString& text) {
+        QBNestedListTableView* const view = panel->rowView();
+        const QPoint place = view->visualRect(view->model()->index(row, 0)).center();
+        clickAt(view->viewport(), QPoint(3, place.y()), Qt::RightButton);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place,
+                                view->viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(view->viewport(), &event);
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu) return false;
+        for (QAction* action : menu->actions()) {
+            if (action->text() == text && action->isEnabled()) return chooseByKey(menu, action);
+        }
+        menu->close();
+        return false;
+    }
+
+    static bool chooseByKey(QMenu* menu, const QAction* action) {
+        for (int i = 0; i < menu->actions().size() && menu->activeAction() != action; ++i)
+            QTest::keyClick(menu->windowHandle(), Qt::Key_Down);
+        const bool isThere = menu->activeAction() == action;
+        QTest::keyPress(menu->windowHandle(), isThere ? Qt::Key_Return : Qt::Key_Escape);
+        return isThere;
+    }
+
+    Test::LateHost host;
+    Test::FakeServer server;
+    Test::OwnedEngine<> engine;
+    QWidget window;
+    std::unique_ptr<QBColumnListPanelWidget> panel;
+    bool isHeld = false;
+};
+
+constexpr auto S = ElementSelectColumn;
+constexpr auto G = ElementGroupBy;
+constexpr auto O = ElementOrderBy;
+
+struct Story {
+    const char* name;
+    TopLevelQueryComponentElementEnum clause;
+    const char* before;
+    const char* events;
+    const char* after;
+};
+
+const Story stories[] = {
+    // adding
+    {"an added field goes to the end", S, "SELECT t.a, t.b FROM t", "click 0 add; pick t.c",
+     "SELECT t.a, t.b, t.c FROM t"},
+    {"an inserted field goes before its row", S, "SELECT t.a, t.b FROM t",
+     "menu 1 Insert row; pick t.c", "SELECT t.a, t.c, t.b FROM t"},
+    {"a typed expression", S, "SELECT t.a FROM t", "click 0 add; tab 1; type 1+1; key Ctrl+Return",
+     "SELECT t.a, 1+1 FROM t"},
+    {"a click outside accepts an expression", S, "SELECT t.a FROM t",
+     "click 0 add; tab 1; type 1+1; outside", "SELECT t.a, 1+1 FROM t"},
+    {"all fields of a table", S, "SELECT t.a FROM t", "click 0 add; pick t.*",
+     "SELECT t.a, t.* FROM t"},
+    {"an aggregate over all", S, "SELECT t.a FROM t", "click 0 add; aggregate COUNT; pick All",
+     "SELECT t.a, COUNT(*) FROM t"},
+    {"the prompt of an empty list", S, "SELECT * FROM t",
+     "click 0 row; key Del; key Del; click 0 field; pick t.b", "SELECT t.b FROM t"},
+    {"by keyboard alone", S, "SELECT t.a FROM t",
+     "click 0 row; key Ins; key Down; key Down; key Down; key Down; key Down; key Return",
+     "SELECT t.a, t.b FROM t"},
+    {"escape adds nothing", S, "SELECT t.a FROM t", "click 0 add; tab 1; type 1+1; key Esc",
+     "SELECT t.a FROM t"},
+    {"nothing chosen adds nothing", S, "SELECT t.a FROM t",
+     "click 0 add; outside; click 0 add; tab 1; outside; click 0 add; tab 1; type  ; outside",
+     "SELECT t.a FROM t"},
+    // editing
+    {"another field", S, "SELECT t.a AS x FROM t", "click 0 field; pick t.c",
+     "SELECT t.c AS x FROM t"},
+    {"nothing new chosen changes nothing", S, "SELECT a, t.b+1 FROM t, u",
+     "click 0 field; outside; click 1 field; outside", "SELECT a, t.b+1 FROM t, u"},
+    {"an aggregate alone", S, "SELECT t.a AS x FROM t", "click 0 field; aggregate SUM; outside",
+     "SELECT SUM(t.a) AS x FROM t"},
+    {"an aggregate taken away", S, "SELECT t.a FROM t",
+     "click 0 field; aggregate SUM; outside; click 0 field; aggregate ; outside",
+     "SELECT t.a FROM t"},
+    {"a field becomes an expression and keeps its alias", S,
+     "SELECT t.a AS x FROM t GROUP BY x ORDER BY x DESC",
+     "click 0 field; tab 1; type 1+1; key Ctrl+Return",
+     "SELECT 1+1 AS x FROM t GROUP BY x ORDER BY x DESC"},
+    {"an expression becomes a field and keeps its alias", S,
+     "SELECT t.a+1 AS x FROM t ORDER BY x ASC", "click 0 field; tab 0; pick t.b",
+     "SELECT t.b AS x FROM t ORDER BY x ASC"},
+    // aliases
+    {"columns that refer to an alias follow it", S,
+     "SELECT t.a AS x, x FROM t GROUP BY x ORDER BY MAX(x) DESC",
+     "click 0 alias; type y; key Return",
+     "SELECT t.a AS y, x FROM t GROUP BY y ORDER BY MAX(y) DESC"},
+    {"without an alias they name the field", S, "SELECT SUM(t.a) AS x FROM t ORDER BY x DESC",
+     "click 0 alias; key Del; key Return", "SELECT SUM(t.a) FROM t ORDER BY SUM(t.a) DESC"},
+    {"without an alias they repeat the expression", S,
+     "SELECT t.a+1 AS x FROM t GROUP BY x ORDER BY x DESC", "click 0 alias; key Del; outside",
+     "SELECT t.a+1 FROM t GROUP BY t.a+1 ORDER BY t.a+1 DESC"},
+    {"escape leaves the alias", S, "SELECT t.a AS x FROM t", "click 0 alias; type y; key Esc",
+     "SELECT t.a AS x FROM t"},
+    // moving
+    {"up and down by key", S, "SELECT t.a, t.b, t.c FROM t",
+     "click 2 row; key Ctrl+Up; key Ctrl+Up; key Ctrl+Up; click 1 row; key Ctrl+Down; key "
+     "Ctrl+Down",
+     "SELECT t.c, t.b, t.a FROM t"},
+    {"by button", G, "SELECT t.a FROM t GROUP BY t.a, t.b, t.c",
+     "click 1 row; click 0 row; button moveDownButton; button moveDownButton; button moveUpButton",
+     "SELECT t.a FROM t GROUP BY t.b, t.a, t.c"},
+    {"by drag", O, "SELECT t.a FROM t ORDER BY t.a ASC, t.b DESC, t.c ASC",
+     "click 0 row; dropped -1; click 2 row; dropped 1",
+     "SELECT t.a FROM t ORDER BY t.b DESC, t.a ASC, t.c ASC"},
+    {"a drop while the chooser is open moves nothing", O,
+     "SELECT t.a FROM t ORDER BY t.a ASC, t.b ASC", "click 0 row; key Ins; dropped -1; key Esc",
+     "SELECT t.a FROM t ORDER BY t.a ASC, t.b ASC"},
+    // removing
+    {"several rows at once", S, "SELECT t.a, t.b, t.c, 1 FROM t",
+     "click 0 row; click 2 row ctrl; key Del; key Del", "SELECT t.b FROM t"},
+    {"by its control and by the menu", O, "SELECT t.a FROM t ORDER BY t.a ASC, t.b ASC, t.c ASC",
+     "click 1 delete; menu 1 Remove", "SELECT t.a FROM t ORDER BY t.a ASC"},
+    {"faster than the host tells", S, "SELECT t.a, t.b, t.c, 1 FROM t",
+     "click 0 row; hold; key Del; key Ctrl+Down; key Del; deliver", "SELECT t.c, 1 FROM t"},
+    // GROUP BY and ORDER BY
+    {"a column of the SELECT list", O, "SELECT t.a+1 AS x FROM t", "click 0 field; pick t.a+1 (x)",
+     "SELECT t.a+1 AS x FROM t ORDER BY x"},
+    {"a column of the SELECT list without alias", G, "SELECT u.a FROM t, u",
+     "click 0 field; pick u.a", "SELECT u.a FROM t, u GROUP BY u.a"},
+    {"one click on the direction is one step", O, "SELECT t.a FROM t ORDER BY t.a ASC, 1+1 DESC",
+     "click 0 order; click 1 order", "SELECT t.a FROM t ORDER BY t.a DESC, 1+1"},
+    {"three clicks on the direction are a round", O, "SELECT t.a FROM t ORDER BY t.a DESC",
+     "click 0 order; click 0 order; click 0 order", "SELECT t.a FROM t ORDER BY t.a DESC"},
+    {"the direction by key", O, "SELECT t.a FROM t ORDER BY t.a DESC",
+     "click 0 row; key Right; key Right; key Return; key Return",
+     "SELECT t.a FROM t ORDER BY t.a ASC"},
+    {"the direction by menu", O, "SELECT t.a FROM t ORDER BY t.a ASC, t.b ASC",
+     "menu 1 Descending; click 0 row; menu 0 No direction",
+     "SELECT t.a FROM t ORDER BY t.a, t.b DESC"},
+    {"an expression keeps the direction", O, "SELECT t.a FROM t ORDER BY t.a DESC",
+     "click 0 field; tab 1; type 1+1; key Ctrl+Return; hold; click 0 order; deliver; click 0 order",
+     "SELECT t.a FROM t ORDER BY 1+1 ASC"},
+    // options
+    {"DISTINCT", S, "SELECT t.a FROM t", "tick DISTINCT", "SELECT DISTINCT t.a FROM t"},
+    {"DISTINCT taken back by key", S, "SELECT DISTINCT t.a FROM t",
+     "tick DISTINCT; key Space; key Space", "SELECT t.a FROM t"},
+};
+
+}  // namespace
+
+/// What stands behind SELECT, the box that is clicked, and what stands there then.
+struct OptionClick {
+    const char* before;
+    const char* box;
+    const char* after;
+};
+
+const OptionClick optionClicks[] = {
+    {"", "DISTINCT", "DISTINCT"},
+    {"DISTINCT", "DISTINCT", ""},
+    {"ALL", "DISTINCT", "DISTINCT"},
+    {"SQL_NO_CACHE", "DISTINCT", "DISTINCT SQL_NO_CACHE"},
+    {"SQL_NO_CACHE DISTINCT R&D", "DISTINCT", "SQL_NO_CACHE R&D"},
+    {"DISTINCT ON (a,  b)", "DISTINCT", ""},
+    {"DISTINCT ON (a,  b)", "ON (a,  b)", "DISTINCT"},
+    {"DISTINCT R&D", "R&&D", "DISTINCT"},
+};
+
+class ColumnPanelsTest : public QObject {
+    Q_OBJECT
+
+private:
+    static void setOption(Desk& desk, const std::string& option) {
+        desk.engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
+            S, desk.engine->currentTopLevelQueryComponentLayer(),
+            [&](ELEMSQLSelectColumnExpr* element) {
+                element->selectOption = option;
+                return true;
+            },
+            nullptr);
+        desk.settle();
+    }
+    static QStringList boxes(const Desk& desk) {
+        QStringList texts;
+        for (const QCheckBox* box : desk.panel->findChildren<QCheckBox*>())
+            texts << (box->isChecked() ? "[x] " : "[ ] ") + box->text();
+        return texts;
+    }
+    /// Takes a column out of the SELECT list from elsewhere.
+    static void dropSelectColumn(Desk& desk) {
+        desk.engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
+            S, 0,
+            [&](ELEMSQLSelectColumnExpr* element) {
+                DetachedParts parts;
+                parts.add(
+                    std::unique_ptr<Component::AbstractQueryComponent>(element->columns.front()));
+                element->columns.erase(element->columns.begin());
+                desk.engine->retire(std::move(parts));
+                return true;
+            },
+            nullptr);
+        desk.settle();
+    }
+    static int reason(const Desk& desk, int row) {
+        auto* const widget =
+            dynamic_cast<QBColumnNestedListRowWidget*>(desk.panel->rowView()->rowWidget(row));
+        return widget ? widget->invalidReason() : -2;
+    }
+
+private Q_SLOTS:
+    void everyEditGivesItsText_data() {
+        QTest::addColumn<int>("story");
+        QTest::addColumn<int>("delivery");
+        int i = 0;
+        for (const Story& story : stories) {
+            for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
+                const char* const host = delivery == Delivery::AtOnce ? "at once" : "later";
+                QTest::addRow("%s, %s", story.name, host) << i << static_cast<int>(delivery);
+            }
+            ++i;
+        }
+    }
+    void everyEditGivesItsText() {
+        QFETCH(int, story);
+        QFETCH(int, delivery);
+        const Story& told = stories[story];
+        Desk desk(static_cast<Delivery>(delivery), told.clause, DatabaseTypeMySQL);
+        desk.parse(told.before);
+        QCOMPARE(desk.text(), QString(told.before));
+        QVERIFY(desk.run(told.events));
+        QCOMPARE(desk.text(), QString(told.after));
+    }
+
+    void theOrderOfEventsAndRefreshesLeavesRowsAndModelInStep_data() { eachHost(); }
+    void theOrderOfEventsAndRefreshesLeavesRowsAndModelInStep() {
+        QFETCH(int, delivery);
+        Desk desk(static_cast<Delivery>(delivery), O, DatabaseTypeMySQL);
+        desk.parse("SELECT t.a FROM t");
+        QVERIFY(desk.run("click 0 field; pick t.b; hold; click 0 add; pick t.c; key Ctrl+Up"));
+        // The row that was added is the current one, and every column has its direction.
+        QCOMPARE(desk.panel->rowView()->currentRow(), 0);
+        QCOMPARE(desk.panel->rowCount(), 2);
+        for (const auto* column : desk.statement()->orderByExpr->columns)
+            QVERIFY(dynamic_cast<SQLAbstractColumnComponent::ExtraDataOrderDirection*>(
+                column->extraData));
+        QVERIFY(desk.run("deliver"));
+        QCOMPARE(desk.text(), QString("SELECT t.a FROM t ORDER BY t.c, t.b"));
+        QCOMPARE(desk.panel->rowView()->currentRow(), 0);
+    }
+
+    void aColumnWhoseSelectColumnHasGoneStaysMarkedUntilItIsEdited_data() { eachHost(); }
+    void aColumnWhoseSelectColumnHasGoneStaysMarkedUntilItIsEdited() {
+        QFETCH(int, delivery);
+        Desk desk(static_cast<Delivery>(delivery), O, DatabaseTypeMySQL);
+        desk.parse("SELECT t.a+1 AS x, t.b FROM t ORDER BY t.b DESC, x ASC");
+        QCOMPARE(reason(desk, 1), -1);
+        QVERIFY(!desk.panel->hasInvalidComponents());
+        QVERIFY(desk.run("click 1 field"));  // the popup outlives what it offers
+        dropSelectColumn(desk);
+        QVERIFY(desk.run("key Esc"));
+        QCOMPARE(desk.text(), QString("SELECT t.b FROM t ORDER BY t.b DESC, x ASC"));
+        QCOMPARE(reason(desk, 1), 0);
+        QVERIFY(!desk.panel->tabIcon().isNull());
+        QVERIFY(desk.run("click 0 order"));
+        QCOMPARE(reason(desk, 0), -1);
+        QCOMPARE(reason(desk, 1), 0);
+        QVERIFY(desk.run("click 1 field; pick t.c"));
+        QCOMPARE(reason(desk, 1), -1);
+        QVERIFY(!desk.panel->hasInvalidComponents());
+        QCOMPARE(desk.text(), QString("SELECT t.b FROM t ORDER BY t.b, t.c ASC"));
+    }
+
+    void aChooserWhoseColumnHasGoneClosesAndChangesNoOther_data() { eachHost(); }
+    void aChooserWhoseColumnHasGoneClosesAndChangesNoOther() {
+        QFETCH(int, delivery);
+        Desk desk(static_cast<Delivery>(delivery), S, DatabaseTypeMySQL);
+        desk.parse("SELECT t.a, t.b FROM t");
+        QVERIFY(desk.run("click 0 field; tab 1; type 1+1"));
+        dropSelectColumn(desk);
+        QVERIFY(!QApplication::activePopupWidget());
+        QCOMPARE(desk.text(), QString("SELECT t.b FROM t"));
+    }
+
+    void noWordBehindSelectIsLost() {
+        for (const OptionClick& click : optionClicks) {
+            Desk desk(Delivery::AtOnce, S, DatabaseTypePostgreSQL);
+            desk.parse("SELECT t.a FROM t");
+            setOption(desk, click.before);
+            QCheckBox* const box = desk.box(click.box);
+            QVERIFY(desk.run(QString("tick ") + click.box));
+            QCOMPARE(desk.statement()->selectColumnExpr->selectOption, std::string(click.after));
+            QVERIFY(box->hasFocus());
+            QVERIFY(desk.run("key Ins"));  // to the box, or a list that is refreshed: boxes stay
+            QCOMPARE(desk.box(click.box), box);
+        }
+    }
+
+    void boxesAreThoseOfTheFamilyAndOfTheLayer() {
+        Desk desk(Delivery::AtOnce, S, DatabaseTypeMySQL);
+        desk.parse("SELECT DISTINCT x.a FROM (SELECT t.a FROM t) x");
+        QCOMPARE(boxes(desk), QStringList("[x] DISTINCT"));
+        auto* const derived =
+            dynamic_cast<SQLSubquerySourceComponent*>(desk.statement()->sourceExpr->root->value);
+        desk.engine->pushNewLayerTopLevelQueryComponent(derived->subquery, "x");
+        QCOMPARE(boxes(desk), QStringList("[ ] DISTINCT"));
+        QVERIFY(desk.run("tick DISTINCT; click 0 add; pick t.b"));
+        desk.engine->popCurrentLayerTopLevelQueryComponent();
+        QCOMPARE(boxes(desk), QStringList("[x] DISTINCT"));
+        QCOMPARE(desk.text(), QString("SELECT DISTINCT x.a FROM ( SELECT DISTINCT t.a, t.b FROM t )"
+                                      " AS x"));
+        desk.engine->setDatabaseInfo(DatabaseTypeMongoDB, 1);
+        QCOMPARE(boxes(desk), QStringList());
+        QCOMPARE(desk.panel->rowCount(), 0);
+        QVERIFY(desk.run("key Ins; key Del"));
+    }
+
+    void moveButtonsFollowTheCurrentRow() {
+        Desk desk(Delivery::AtOnce, G, DatabaseTypeMySQL);
+        desk.parse("SELECT t.a FROM t GROUP BY t.a, t.b, t.c");
+        auto* const up = desk.panel->findChild<QAbstractButton*>("moveUpButton");
+        auto* const down = desk.panel->findChild<QAbstractButton*>("moveDownButton");
+        QVERIFY(!up->isEnabled() && !down->isEnabled());
+        QVERIFY(desk.run("click 0 row"));
+        QVERIFY(!up->isEnabled() && down->isEnabled());
+        QVERIFY(desk.run("button moveDownButton"));
+        QVERIFY(up->isEnabled() && down->isEnabled());
+        QVERIFY(desk.run("click 1 row; button moveDownButton"));
+        QVERIFY(up->isEnabled() && !down->isEnabled());
+        QVERIFY(!desk.part(0, "order")->isVisible());
+        QVERIFY(!desk.run("click 0 order"));
+    }
+
+private:
+    static void eachHost() {
+        QTest::addColumn<int>("delivery");
+        QTest::newRow("at once") << static_cast<int>(Delivery::AtOnce);
+        QTest::newRow("later") << static_cast<int>(Delivery::Later);
+    }
+};
+
+}  // namespace QB
+
+QTEST_MAIN(QB::ColumnPanelsTest)
+#include "column_panels_test.moc"
