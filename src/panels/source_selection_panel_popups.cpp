@@ -1,5 +1,6 @@
 // The popups of the sources panel, and what their answers do.
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QPlainTextEdit>
 #include <QPointer>
@@ -47,11 +48,8 @@ std::optional<SourceJoinChoice> joinChoice(const QBJoinSelectionPopupWidget* joi
     return SourceJoinChoice{static_cast<SQLJoinType>(type), text.trimmed().toStdString()};
 }
 
-/// Tells the user that a custom join needs words; false if it has all it needs.
 bool lacksWords(const std::optional<SourceJoinChoice>& join) {
-    const bool lacks = join && join->type == SQLJoinTypeCustom && join->text.empty();
-    if (lacks) showError(Tolk::localize(Tolk::TextCustomJoinMissing));
-    return lacks;
+    return join && join->type == SQLJoinTypeCustom && join->text.empty();
 }
 
 /// Compares what the names lead to: @p chosen has at most a schema.
@@ -111,8 +109,17 @@ void QBSourceSelectionPanelWidget::popupForAddValueComponent(bool insert) {
     if (!itemAt(row)) return;
     const bool withJoin = shouldShowJoinPanel(row, insert);
     const Place place = placeOfNew(row, insert, withJoin);
+    openChoosers(place,
+                 withJoin ? std::optional(SourceJoinChoice{SQLJoinTypeInner, {}}) : std::nullopt);
+}
+
+/// For a new source, with @p text in the chooser, if any; beside it the kinds of join, if @p join
+/// is given, at that one.
+QPlainTextEdit* QBSourceSelectionPanelWidget::openChoosers(
+    const Place& place, const std::optional<SourceJoinChoice>& join, const QString& text) {
     auto* const chooser = makeSourceChooser(nullptr);
-    auto* const joins = withJoin ? makeJoinChooser(nullptr) : nullptr;
+    auto* const joins = join ? makeJoinChooser(*join) : nullptr;
+    if (!text.isEmpty()) chooser->setExpression(text);
     const auto accept = [=] {
         if (chooser->hasChoice() && (!joins || joins->canBeAccepted())) m_popup.accept();
     };
@@ -123,6 +130,7 @@ void QBSourceSelectionPanelWidget::popupForAddValueComponent(bool insert) {
     }
     QWidget* const content = joins ? sideBySide(joins, chooser) : chooser;
     openAt(place, content, [=] { addChosen(place, chooser, joins); });
+    return chooser->plainTextEdit();
 }
 
 void QBSourceSelectionPanelWidget::addBracketComponent(bool insert) {
@@ -135,11 +143,12 @@ void QBSourceSelectionPanelWidget::addBracketComponent(bool insert) {
         addSource(place, std::make_unique<SQLBracketedSourceNodeComponent>(), join);
     };
     if (!withJoin) return add(std::nullopt);
-    auto* const joins = makeJoinChooser(nullptr);
+    auto* const joins = makeJoinChooser({SQLJoinTypeInner, {}});
     connect(joins, &QBJoinSelectionPopupWidget::chosen, this, [this] { m_popup.accept(); });
     openAt(place, joins, [=] {
         const auto join = joinChoice(joins);
-        if (!lacksWords(join)) add(join);
+        if (lacksWords(join)) return showError(Tolk::localize(Tolk::TextCustomJoinMissing));
+        add(join);
     });
 }
 
@@ -161,16 +170,18 @@ QBColumnSelectionPopupWidget* QBSourceSelectionPanelWidget::makeSourceChooser(
     chooser->treeWidget()->setHeaderHidden(true);
     chooser->setAggregateVisible(false);
     // Where the focus is beside the chooser, a click on a tab would leave it there.
-    connect(chooser->tabWidget(), &QTabWidget::currentChanged, chooser,
-            [chooser] { chooser->setFocus(); });
+    QTabWidget* const tabs = chooser->tabWidget();
+    connect(tabs, &QTabWidget::currentChanged, chooser, [chooser, tabs] {
+        if (!tabs->isAncestorOf(QApplication::focusWidget())) chooser->setFocus();
+    });
     return chooser;
 }
 
-QBJoinSelectionPopupWidget* QBSourceSelectionPanelWidget::makeJoinChooser(const Join* edited) {
-    const int type = edited ? edited->joinType : SQLJoinTypeInner;
-    const QString text = edited ? QString::fromStdString(edited->joinText) : QString();
-    return new QBJoinSelectionPopupWidget(type, &text, hasFullOuterJoin(engine()->databaseType()),
-                                          true, true, nullptr);
+QBJoinSelectionPopupWidget* QBSourceSelectionPanelWidget::makeJoinChooser(
+    const SourceJoinChoice& join) {
+    const QString text = QString::fromStdString(join.text);
+    return new QBJoinSelectionPopupWidget(
+        join.type, &text, hasFullOuterJoin(engine()->databaseType()), true, true, nullptr);
 }
 
 void QBSourceSelectionPanelWidget::addChosen(const Place& place,
@@ -181,7 +192,11 @@ void QBSourceSelectionPanelWidget::addChosen(const Place& place,
     QString error;
     std::unique_ptr<Source> source = makeSource(chooser, &error);
     if (!source) return showError(error);
-    if (!lacksWords(join)) addSource(place, std::move(source), join);
+    if (!lacksWords(join)) return addSource(place, std::move(source), join);
+    const bool isTyped = chooser->tabWidget()->currentIndex() == textTab;
+    const QString text = isTyped ? chooser->expressionText() : QString();
+    refuse(Tolk::localize(Tolk::TextCustomJoinMissing),
+           [=] { return mayAct() ? openChoosers(place, join, text) : nullptr; });
 }
 
 void QBSourceSelectionPanelWidget::addSource(const Place& place, std::unique_ptr<Source> source,
@@ -304,11 +319,11 @@ void QBSourceSelectionPanelWidget::slotEditSelectedRowJoinType() {
     auto* widget = dynamic_cast<QBSourceSelectionJoinRowWidget*>(rowView()->rowWidget(row));
     if (!join || !widget) return;
     const QBRowKey key = m_popupRow = rowKey(row);
-    auto* const joins = makeJoinChooser(join);
+    auto* const joins = makeJoinChooser({join->joinType, join->joinText});
     connect(joins, &QBJoinSelectionPopupWidget::chosen, this, [this] { m_popup.accept(); });
     m_popup.open(joins, widget->joinLabel(), [=] {
         const SourceJoinChoice choice = *joinChoice(joins);
-        if (lacksWords(choice)) return;
+        if (lacksWords(choice)) return showError(Tolk::localize(Tolk::TextCustomJoinMissing));
         applyTo<Join>(key, [&](SourceEdits& edits, int at, const Join* edited) {
             if (edited->joinType != choice.type || edited->joinText != choice.text)
                 edits.setJoin(at, choice);
@@ -343,6 +358,7 @@ void QBSourceSelectionPanelWidget::editOnCondition(QBRowKey key, Join* join) {
     connect(conditions, &QBConditionBuilderPanelWidget::rootLost, popup,
             [this] { m_popup.cancel(); });
     connect(popup, &QBInputPopup::done, this, [this] {
+        if (!mayAct()) return;  // the rows may be those of a statement that has gone
         updateMarks();
         refreshUI(false);
     });

@@ -122,7 +122,9 @@ private:
     void addBracketComponent(bool insert);
     Place placeOfNew(int row, bool insert, bool withJoin);
     QBColumnSelectionPopupWidget* makeSourceChooser(Component::AbstractQueryComponent* edited);
-    QBJoinSelectionPopupWidget* makeJoinChooser(const Join* edited);
+    QBJoinSelectionPopupWidget* makeJoinChooser(const SourceJoinChoice& join);
+    QPlainTextEdit* openChoosers(const Place& place, const std::optional<SourceJoinChoice>& join,
+                                 const QString& text = {});
     void openAt(const Place& place, QWidget* content, std::function<void()> accepted);
     void addChosen(const Place& place, QBColumnSelectionPopupWidget* chooser,
                    QBJoinSelectionPopupWidget* joins);

@@ -106,7 +106,11 @@ const Story stories[] = {
     {"a join of one's own words", "SELECT * FROM t",
      "click 0 addLabel; join 0; type STRAIGHT_JOIN; pick u", "SELECT * FROM t STRAIGHT_JOIN u"},
     {"a custom join without words is refused", "SELECT * FROM t",
-     "click 0 addLabel; join 0; pick u; outside", "SELECT * FROM t", "words of the custom join"},
+     "click 0 addLabel; join 0; pick u; outside; key Esc", "SELECT * FROM t",
+     "words of the custom"},
+    {"and loses no typed text", "SELECT * FROM t",
+     "click 0 addLabel; tab 1; type f(1); join 0; outside; join 1", "SELECT * FROM t, f(1)",
+     "words of the custom join"},
     {"added at the end of the brackets", "SELECT * FROM ( t INNER JOIN u ), v",
      "click 1 addLabel; pick w", "SELECT * FROM ( t INNER JOIN u INNER JOIN w ), v"},
     {"added behind the brackets", "SELECT * FROM ( t INNER JOIN u ), v",
@@ -338,8 +342,16 @@ private Q_SLOTS:
         Desk desk(Delivery::Later);
         desk.parse("SELECT * FROM t INNER JOIN u");
         const auto* first = desk.sources()->rowLayout().items().front();
+        QStringList announced;
+        desk.engine->registerNotifyChangeListener(
+            "TopLevelQueryComponentElementModifiedNotification",
+            [&](const std::string&, const QBNotificationParameters*) {
+                announced.append(desk.text());
+            });
         QVERIFY(desk.run("click 2 addLabel; pick v; click 0 aliasLabel; type x; key Return"));
         QCOMPARE(desk.sources()->rowLayout().items().front(), first);
+        QCOMPARE(announced, QStringList({"SELECT * FROM t INNER JOIN u INNER JOIN v",
+                                         "SELECT * FROM t AS x INNER JOIN u INNER JOIN v"}));
         Test::addTable(desk.engine.get(), {"main"}, "w");
         desk.settle();
         QVERIFY(desk.sources()->rowLayout().items().front() != first);
@@ -357,6 +369,14 @@ private Q_SLOTS:
     void popupsGoWithTheirRow() {
         QFETCH(QString, opening);
         for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
+            Desk other(delivery);
+            other.parse("SELECT 1 FROM t INNER JOIN u ON t.a = u.a");
+            QVERIFY(other.run(opening));
+            other.engine->setDatabaseInfo(DatabaseTypePostgreSQL, 2);
+            other.settle();
+            QVERIFY(!QApplication::activePopupWidget());
+            QCOMPARE(other.sources()->rowCount(), 1);
+
             Desk desk(delivery);
             desk.parse("SELECT 1 FROM t INNER JOIN u ON t.a = u.a");
             QVERIFY(desk.run(opening));
