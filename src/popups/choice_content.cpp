@@ -312,6 +312,8 @@ void ChoiceContent::setTable(ChoiceNode& node, const Table& source) {
         for (QBIdentifierCandidateSnapshot& field : engine()->childrenSnapshot(candidate))
             fields.push_back(std::move(field.name));
     }
+    const bool hasFields = !node.rows.empty() && node.rows.back().kind == ChoiceKind::Field;
+    if (fields.empty() && hasFields) return;  // its schema was read anew
     node.isLoading = fields.empty() && want(placesOf(source));
     setFields(node, fields);
 }

@@ -122,13 +122,9 @@ void QBColumnSelectionPopupWidget::Private::setUpForm() {
     ui.treeWidget->installEventFilter(q);
     ui.plainTextEdit->installEventFilter(q);
     ui.aggregateComboBox->lineEdit()->installEventFilter(q);
-    q->setFocusProxy(ui.treeWidget);
 }
 
 void QBColumnSelectionPopupWidget::Private::connectForm() {
-    connect(ui.tabWidget, &QTabWidget::currentChanged, q, [this] {
-        q->setFocusProxy(isOnTree() ? static_cast<QWidget*>(ui.treeWidget) : ui.plainTextEdit);
-    });
     // Queued: keys that wait are typed first.
     connect(
         ui.filterLineEdit, &QLineEdit::textChanged, q, [this] { applyFilter(); },
@@ -351,6 +347,13 @@ void QBColumnSelectionPopupWidget::changeEvent(QEvent* event) {
         d->content.show(d->content.choice());
     }
     QWidget::changeEvent(event);
+}
+
+/// No focus proxy: the Tab key would come back to that instead of to the first widget.
+void QBColumnSelectionPopupWidget::focusInEvent(QFocusEvent* event) {
+    QWidget* const receiver =
+        d->isOnTree() ? static_cast<QWidget*>(d->ui.treeWidget) : d->ui.plainTextEdit;
+    receiver->setFocus(event->reason());
 }
 
 void QBColumnSelectionPopupWidget::showEvent(QShowEvent* event) {

@@ -26,9 +26,9 @@ class QBPanelWidget;
 /// The tree stays up to date while it is open: objects that the host fetches meanwhile appear, and
 /// sources that leave the statement go. What was chosen, or is edited, is selected whenever it
 /// shows. Items have the roles of ChoiceTree.
-/// Keys: what is typed into the tree goes to the filter, Down leads from there into the tree, and
-/// Return in either accepts; without a selection Return in the filter takes the first match.
-/// Thread: main.
+/// The focus goes on to the tree, or to the text on tab 1. What is typed into the tree goes to the
+/// filter, Down leads from there into the tree, and Return in either accepts; without a selection
+/// Return in the filter takes the first match. Thread: main.
 class QBColumnSelectionPopupWidget : public QWidget {
     Q_OBJECT
 
@@ -94,6 +94,7 @@ Q_SIGNALS:
 protected:
     void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:

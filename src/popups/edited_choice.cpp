@@ -17,15 +17,15 @@ namespace {
 
 using Rows = std::vector<ChoiceRow>;
 
-/// The id of @p source if it is in the current layer, which is not certain; else -1.
-long idOfLiveSource(const SQLAbstractSourceComponent* source, const QBEngine* engine) {
+/// Whether @p source, which may be gone, is in the current layer.
+bool isLive(const SQLAbstractSourceComponent* source, const QBEngine* engine) {
     const auto* statement = Tools::Validation::currentStatement(engine);
-    long id = -1;
-    if (!statement || !source) return id;
+    bool isFound = false;
+    if (!statement || !source) return isFound;
     Tools::visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
-        if (node->value == source) id = node->value->id();
+        isFound = isFound || node->value == source;
     });
-    return id;
+    return isFound;
 }
 
 long idOfLiveColumn(const SQLAbstractColumnComponent* column, const QBEngine* engine) {
@@ -43,12 +43,22 @@ EditedChoice ofSource(const SQLIdentifierSourceComponent& source, const QBEngine
     return edited;
 }
 
+void noteSource(EditedChoice& edited, const SQLAbstractSourceComponent& source) {
+    edited.sourceId = source.id();
+    edited.alias = source.alias;
+    edited.names.clear();
+    const auto* table = ifKind<SQLIdentifierSourceComponent>(&source);
+    if (!table) return;
+    edited.names = table->path;
+    edited.names.push_back(table->name);
+}
+
 EditedChoice ofField(const SQLFieldColumnComponent& column, const QBEngine* engine) {
     EditedChoice edited;
     edited.kind = EditedChoice::Field;
     edited.columnId = column.id();
     edited.names = column.parentPath;
-    edited.sourceId = idOfLiveSource(column.source, engine);
+    if (isLive(column.source, engine)) noteSource(edited, *column.source);
     edited.referencedColumnId = idOfLiveColumn(column.referencedColumn, engine);
     edited.isAsterisk = column.isAsterisk;
     edited.fieldName = column.fieldName;
@@ -129,19 +139,21 @@ std::optional<ChoiceRow> findUnqualified(const ChoiceTree& tree, const std::stri
     return found.size() == 1 ? std::optional<ChoiceRow>(found.front()) : std::nullopt;
 }
 
-/// By its id; a source that is left out since another one has the same names, by these.
+/// A source that is in the statement goes by its id, or by the names of the one that is listed for
+/// both.
+bool isSourceOf(const ChoiceNode& node, const EditedChoice& edited) {
+    if (node.heading.kind != ChoiceKind::Heading) return false;
+    if (edited.sourceId == -1) return goesBy(node, edited.names);
+    const bool isTwin =
+        !node.names.empty() && node.names == edited.names && node.alias == edited.alias;
+    return node.heading.componentId == edited.sourceId || isTwin;
+}
+
 const ChoiceNode* findSource(const ChoiceTree& tree, const EditedChoice& edited) {
     const auto& nodes = tree.nodes();
-    const auto hasId = [&](const ChoiceNode& node) {
-        return node.heading.kind == ChoiceKind::Heading &&
-               node.heading.componentId == edited.sourceId;
-    };
-    const auto hasNames = [&](const ChoiceNode& node) {
-        return goesBy(node, edited.names);
-    };
-    auto found = nodes.end();
-    if (edited.sourceId != -1) found = std::find_if(nodes.begin(), nodes.end(), hasId);
-    if (found == nodes.end()) found = std::find_if(nodes.begin(), nodes.end(), hasNames);
+    const auto found = std::find_if(nodes.begin(), nodes.end(), [&edited](const ChoiceNode& node) {
+        return isSourceOf(node, edited);
+    });
     return found == nodes.end() ? nullptr : &*found;
 }
 

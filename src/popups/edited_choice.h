@@ -14,10 +14,11 @@ struct EditedChoice {
 
     Kind kind = Nothing;
     long columnId = -1;  ///< of the field column
-    /// Of a source: qualifiers, the current schema if it has none, and name. Of a field: its
-    /// qualifiers as written.
+    /// Of a source: qualifiers, the current schema if it has none, and name. Of a field: what its
+    /// source goes by if that is in the statement, otherwise its qualifiers as written.
     std::vector<std::string> names;
-    long sourceId = -1;            ///< of the field's source, if it is in the statement
+    std::string alias;             ///< of the field's source
+    long sourceId = -1;            ///< likewise; -1 if it is not in the statement
     long referencedColumnId = -1;  ///< of the column of the SELECT list that is meant
     bool isAsterisk = false;
     std::string fieldName;
