@@ -656,16 +656,16 @@
         <translation>Nichts gefunden</translation>
     </message>
     <message>
-        <source>No tables yet: add one to the FROM clause first</source>
-        <translation>Noch keine Tabellen: Nehmen Sie zuerst eine in die FROM-Klausel auf</translation>
+        <source>Add a table to FROM first</source>
+        <translation>Zuerst eine Tabelle in FROM aufnehmen</translation>
     </message>
     <message>
         <source>No tables are known</source>
         <translation>Es sind keine Tabellen bekannt</translation>
     </message>
     <message>
-        <source>There is nothing to choose from here</source>
-        <translation>Hier gibt es nichts auszuwählen</translation>
+        <source>Nothing to choose from</source>
+        <translation>Nichts auszuwählen</translation>
     </message>
     <message>
         <source>For example: price * 2</source>
@@ -676,8 +676,8 @@
         <translation>Zum Beispiel: SELECT * FROM city</translation>
     </message>
     <message>
-        <source>No fields are known: type an expression on the other tab</source>
-        <translation>Es sind keine Felder bekannt: Geben Sie auf der anderen Karte einen Ausdruck ein</translation>
+        <source>Fields unknown: use Expression</source>
+        <translation>Felder unbekannt: Ausdruck eingeben</translation>
     </message>
 </context>
 </TS>

@@ -57,12 +57,12 @@ private Q_SLOTS:
     void aPanelThatOffersNothingAndAStatementWithoutTablesAreToldOf() {
         Chooser chooser;
         chooser.open(QBColumnChoice::Fields);
-        QCOMPARE(chooser.shown(), "No tables yet: add one to the FROM clause first");
+        QCOMPARE(chooser.shown(), "Add a table to FROM first");
         PlainPanel plain;
         plain.setEngine(chooser.engine.get());
         const QBColumnSelectionPopupWidget nothing(&plain, nullptr, nullptr, nullptr, nullptr);
         QCOMPARE(nothing.treeWidget()->topLevelItem(0)->text(0),
-                 "There is nothing to choose from here");
+                 "Nothing to choose from");
     }
 
     void aTableThatIsListedTwiceByTheSameNamesIsOfferedOnce() {
