@@ -90,6 +90,24 @@ private Q_SLOTS:
         QTRY_COMPARE(m_desk->model()->rowCount(), 2);
     }
 
+    void aSubqueryOpensAsALayerAndThePathLeadsBack() {
+        apply("SELECT s.id FROM (SELECT id FROM city WHERE id < 2) s");
+        auto* path = m_desk->window->builder()->findChild<QWidget*>("navigationBar");
+        QVERIFY(!path->isVisible());
+        click(label("FROM", "SELECT id FROM city WHERE id < 2"));
+        QTRY_VERIFY(path->isVisible());
+        const auto buttons = path->findChildren<QAbstractButton*>();
+        QCOMPARE(buttons.size(), 2);
+        QCOMPARE(buttons[1]->text(), QString("s"));
+        QVERIFY(label("WHERE", "id") != nullptr);
+        QCOMPARE(list("FROM")->model()->rowCount(), 1);
+        click(buttons[0]);
+        QTRY_VERIFY(!path->isVisible());
+        QVERIFY(label("FROM", "SELECT id FROM city WHERE id < 2") != nullptr);
+        QCOMPARE(list("WHERE")->model()->rowCount(), 1);
+        QVERIFY(label("WHERE", "id") == nullptr);
+    }
+
     void theClausesFitASmallWindow() {
         m_desk->window->resize(800, 600);
         QCOMPARE(m_desk->window->size(), QSize(800, 600));
@@ -112,11 +130,20 @@ private:
     QTableView* list(const QString& clause) const {
         return panel(clause)->findChild<QTableView*>();
     }
-    bool shows(const QString& clause, const QString& text) const {
+    /// Null if none shows that text.
+    QLabel* label(const QString& clause, const QString& text) const {
         const auto labels = panel(clause)->findChildren<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
-            return label->isVisible() && label->text() == text;
-        });
+        for (QLabel* found : labels)
+            if (found->isVisible() && found->text() == text) return found;
+        return nullptr;
+    }
+    bool shows(const QString& clause, const QString& text) const {
+        return label(clause, text) != nullptr;
+    }
+    void click(QWidget* widget) const {
+        QVERIFY(widget != nullptr);
+        QTest::mouseClick(m_desk->window->windowHandle(), Qt::LeftButton, {},
+                          widget->mapTo(m_desk->window.get(), QPoint(8, widget->height() / 2)));
     }
     /// Clauses with a warning at their tab.
     QStringList marked() const {
