@@ -85,6 +85,8 @@ QBRowSelectionLimitPanelWidget::QBRowSelectionLimitPanelWidget(QWidget* parent)
 QBRowSelectionLimitPanelWidget::~QBRowSelectionLimitPanelWidget() = default;
 
 void QBRowSelectionLimitPanelWidget::setupUi() {
+    setBackgroundRole(QPalette::Base);
+    setAutoFillBackground(true);
     applyPalette();
     for (QBLabel* label : {ui->clicklabel_offset, ui->clicklabel_rowCount}) {
         connect(label, &QBLabel::clicked, this, &QBRowSelectionLimitPanelWidget::editValue);
