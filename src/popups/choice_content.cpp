@@ -241,6 +241,7 @@ void ChoiceContent::addStarOfAll() {
     ChoiceNode node;
     node.heading.kind = ChoiceKind::Star;
     node.heading.text = starText(Tolk::localize(Tolk::TextAllFields));
+    node.heading.icon = icon(IdentifierTypeField);
     m_tree.add(std::move(node));
 }
 
@@ -248,6 +249,7 @@ void ChoiceContent::addSelectColumns() {
     ChoiceNode group;
     group.heading.kind = ChoiceKind::Heading;
     group.heading.text = Tolk::localize(Tolk::TextSelectedColumns);
+    group.heading.icon = icon(IdentifierTypeQuery);
     group.isHiddenWhenEmpty = true;
     const auto* statement = currentStatement(engine());
     if (!statement) return;
@@ -325,13 +327,13 @@ void ChoiceContent::setFields(ChoiceNode& node, const Names& fields) {
     row.componentId = node.heading.componentId;
     row.component = node.heading.component;
     row.data = node.heading.data;
+    row.icon = icon(IdentifierTypeField);
     if (node.hasStar) {
         row.kind = ChoiceKind::Star;
         row.text = starText(node.heading.text + QStringLiteral(".*"));
         node.rows.push_back(row);
     }
     row.kind = ChoiceKind::Field;
-    row.icon = icon(IdentifierTypeField);
     for (const std::string& field : fields) {
         row.text = utf8Text(field);
         row.data.fieldName = row.text;

@@ -1,5 +1,6 @@
 #include "popups/choice_texts.h"
 
+#include <QGuiApplication>
 #include <QStringList>
 
 #include "model/kind_of.h"
@@ -31,7 +32,11 @@ QString pathText(const std::vector<std::string>& names, const std::string& alias
 }
 
 QString starText(const QString& of) {
-    return of + QStringLiteral(" (*)");
+    const QString text = of + QStringLiteral(" (*)");
+    if (!QGuiApplication::isRightToLeft()) return text;
+    constexpr QChar beginOfLeftToRight(0x2066);
+    constexpr QChar end(0x2069);
+    return beginOfLeftToRight + text + end;
 }
 
 QString shortened(const QString& text) {

@@ -14,7 +14,7 @@ QString utf8Text(const std::string& text);
 /// "schema.table"; with the alias " AS " and that.
 QString pathText(const std::vector<std::string>& names, const std::string& alias = {});
 
-/// With the sign for all fields behind it.
+/// With the sign for all fields behind it, also where other texts run from right to left.
 QString starText(const QString& of);
 
 /// In one line, and cut where it is longer than a line of a tree.
