@@ -1,8 +1,10 @@
 #include "apps/joinery-desk/theme.h"
 
 #include <QApplication>
+#include <QPainter>
+#include <QProxyStyle>
 #include <QStyle>
-#include <QStyleFactory>
+#include <QStyleOption>
 #include <initializer_list>
 #include <utility>
 
@@ -52,6 +54,25 @@ QPalette paletteOf(const Shades& shades) {
     return palette;
 }
 
+const char* const ownStyle = "joinery-fusion";
+
+/// A native style may paint its own colours over a palette; this one takes what it is given. But it
+/// makes the edge of a check box darker than the window, which nobody sees on a dark one.
+class OwnStyle : public QProxyStyle {
+public:
+    OwnStyle() : QProxyStyle(QStringLiteral("Fusion")) { setObjectName(QLatin1String(ownStyle)); }
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        const bool isDark = option->palette.color(QPalette::Window).lightness() < 128;
+        if (element != PE_IndicatorCheckBox || !isDark) return;
+        painter->setPen(option->palette.color(QPalette::PlaceholderText));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    }
+};
+
 }  // namespace
 
 Theme themeOfName(const QString& name) {
@@ -76,10 +97,9 @@ void ThemeSwitcher::apply(Theme theme) {
         HostKit::setDarkTheme(theme == Theme::Dark);
     }
     const bool isSystem = theme == Theme::System;
-    // A native style may paint its own colours over a palette; this one takes what it is given.
-    const QString style = isSystem ? m_systemStyle : QStringLiteral("Fusion");
-    if (QApplication::style()->objectName().compare(style, Qt::CaseInsensitive) != 0)
-        QApplication::setStyle(style);
+    const bool isOwn = QApplication::style()->objectName() == QLatin1String(ownStyle);
+    if (isSystem && isOwn) QApplication::setStyle(m_systemStyle);
+    if (!isSystem && !isOwn) QApplication::setStyle(new OwnStyle);
     QApplication::setPalette(isSystem
                                  ? m_systemPalette
                                  : paletteOf(theme == Theme::Dark ? darkShades() : lightShades()));
