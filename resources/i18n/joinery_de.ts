@@ -589,15 +589,15 @@
     </message>
     <message>
         <source>all columns - click here to choose some</source>
-        <translation>alle Spalten - hier klicken, um welche auszuwählen</translation>
+        <translation>alle Spalten - zum Auswählen klicken</translation>
     </message>
     <message>
         <source>click here to group by a column</source>
-        <translation>hier klicken, um nach einer Spalte zu gruppieren</translation>
+        <translation>zum Gruppieren nach einer Spalte klicken</translation>
     </message>
     <message>
         <source>click here to sort by a column</source>
-        <translation>hier klicken, um nach einer Spalte zu sortieren</translation>
+        <translation>zum Sortieren nach einer Spalte klicken</translation>
     </message>
     <message>
         <source>Leave out rows that are the same. Needs at least one column in the list.</source>

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QEvent>
+#include <QLayout>
 #include <QMenu>
 #include <QScopedValueRollback>
 #include <algorithm>
@@ -18,6 +19,7 @@
 #include "rows/nested_list_dummy_row_widget.h"
 #include "rows/row_interfaces.h"
 #include "tools/validation_scope.h"
+#include "widgets/drawn_icons.h"
 #include "widgets/label.h"
 
 namespace QB {
@@ -86,6 +88,10 @@ void QBColumnListPanelWidget::setupColumns(QBNestedListTableView* view,
             &QBColumnListPanelWidget::dropCurrentRow);
     connect(moveUpButton, &QAbstractButton::clicked, this, [this] { slotMoveUpSelectedRow(); });
     connect(moveDownButton, &QAbstractButton::clicked, this, [this] { slotMoveDownSelectedRow(); });
+    showMoveIcons();
+    // What the layout asks of the panel is the width without words.
+    for (QAbstractButton* button : {moveUpButton, moveDownButton})
+        button->setMinimumWidth(button->sizeHint().width());
     retranslate();
     rowsRefreshed();
 }
@@ -437,17 +443,40 @@ void QBColumnListPanelWidget::showCellContextMenu(const QPoint& position) {
 }
 
 void QBColumnListPanelWidget::retranslate() {
-    const auto name = [](QAbstractButton* button, unsigned text, unsigned hint) {
-        button->setText(Tolk::localize(text));
+    const auto explain = [](QAbstractButton* button, unsigned hint) {
         button->setToolTip(Tolk::localize(hint));
         button->setAccessibleName(Tolk::localize(hint));
     };
-    name(m_moveUpButton, Tolk::TextMoveUp, Tolk::TextMoveUpHint);
-    name(m_moveDownButton, Tolk::TextMoveDown, Tolk::TextMoveDownHint);
+    explain(m_moveUpButton, Tolk::TextMoveUpHint);
+    explain(m_moveDownButton, Tolk::TextMoveDownHint);
+    showMoveTexts();
+}
+
+void QBColumnListPanelWidget::showMoveIcons() {
+    m_moveUpButton->setIcon(
+        iconOrSign(QStringLiteral(":/images/BB_Previous_Record.png"), DrawnSign::Up, palette()));
+    m_moveDownButton->setIcon(
+        iconOrSign(QStringLiteral(":/images/BB_Next_Record.png"), DrawnSign::Down, palette()));
+}
+
+/// In a narrow panel the signs must do without words.
+void QBColumnListPanelWidget::showMoveTexts() {
+    m_moveUpButton->setText(Tolk::localize(Tolk::TextMoveUp));
+    m_moveDownButton->setText(Tolk::localize(Tolk::TextMoveDown));
+    const QWidget* const bar = m_moveUpButton->parentWidget();
+    if (bar->layout()->sizeHint().width() <= width()) return;
+    m_moveUpButton->setText(QString());
+    m_moveDownButton->setText(QString());
+}
+
+void QBColumnListPanelWidget::resizeEvent(QResizeEvent* event) {
+    QBRowListPanelWidget::resizeEvent(event);
+    showMoveTexts();
 }
 
 void QBColumnListPanelWidget::changeEvent(QEvent* event) {
     if (event->type() == QEvent::LanguageChange) retranslate();
+    if (event->type() == QEvent::PaletteChange && m_moveUpButton) showMoveIcons();
     QBRowListPanelWidget::changeEvent(event);
 }
 

@@ -114,6 +114,7 @@ protected:
     QBRowKey popupRow() const override { return m_popupRow; }
 
     void rowsRefreshed() override;
+    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
@@ -133,6 +134,8 @@ private:
     void moveComponent(int row, int target);
     void moveCurrentRow(int offset);
     void dropCurrentRow(int target);
+    void showMoveIcons();
+    void showMoveTexts();
     void keepLostReferences(Tools::Validation::InvalidColumns& found);
 
     PerLayer<Tools::Validation::InvalidColumns> m_invalidComponentsPerLayer;

@@ -27,7 +27,7 @@ namespace {
 
 /// The option of a box; its text has the signs that Qt reads as shortcuts doubled.
 constexpr char optionProperty[] = "option";
-constexpr int narrowestBox = 60;
+constexpr int widestBoxText = 110;
 
 QString optionOf(const QAbstractButton* box) {
     return box->property(optionProperty).toString();
@@ -174,8 +174,10 @@ void QBSourceColumnSelectionPanelWidget::showOptions(const std::vector<QBSelectO
 }
 
 QAbstractButton* QBSourceColumnSelectionPanelWidget::createBox(const QString& option) {
-    auto* const box = new QCheckBox(QString(option).replace(QLatin1Char('&'), QLatin1String("&&")),
-                                    m_ui->extraOptionsContainer);
+    // A long text, which nobody asked for, must not make the whole panel wide.
+    QString text = fontMetrics().elidedText(option, Qt::ElideRight, widestBoxText);
+    text.replace(QLatin1Char('&'), QLatin1String("&&"));
+    auto* const box = new QCheckBox(text, m_ui->extraOptionsContainer);
     box->setProperty(optionProperty, option);
     explainBox(box);
     connect(box, &QCheckBox::clicked, this,
@@ -189,9 +191,8 @@ void QBSourceColumnSelectionPanelWidget::explainBox(QAbstractButton* box) {
     const QString hint =
         Tolk::localize(isKnown ? Tolk::TextDistinctHint : Tolk::TextUnknownOptionHint);
     box->setToolTip(plainToolTip(isKnown ? hint : option + QLatin1Char('\n') + hint));
+    box->setAccessibleName(option);
     box->setAccessibleDescription(hint);
-    // A long text, which nobody asked for, must not make the whole panel wide.
-    box->setMinimumWidth(isKnown ? 0 : narrowestBox);
 }
 
 std::vector<QBSelectOption> QBSourceColumnSelectionPanelWidget::shownOptions() const {
