@@ -151,6 +151,9 @@ const Story stories[] = {
      "SELECT 1 FROM g(2) AS x", "The query cannot be read"},
     {"a table becomes a text and keeps its alias", "SELECT x.a FROM t AS x",
      "click 0 main; tab 1; type f(1); outside", "SELECT x.a FROM f(1) AS x"},
+    {"a table of a tree that has just moved", "SELECT * FROM t, u",
+     "click 0 addLabel; pick v; click 2 main; tab 1; type f(1); outside",
+     "SELECT * FROM t, f(1) INNER JOIN v"},
     {"another table", "SELECT x.a, u.b FROM t AS x, u",
      "click 0 main; outside; click 2 main; pick v", "SELECT x.a, v.b FROM t AS x, v"},
     // aliases
