@@ -85,7 +85,9 @@ void QBInputPopup::Private::fit() {
     if (!screen) return;
     const QRect room = screen->availableGeometry();
     if (isFullWidth) q->setMinimumWidth(qMin(anchorWidth, room.width()));
-    q->adjustSize();
+    // Not adjustSize(), which makes a popup at least 200 by 100 and at most two thirds of a screen.
+    q->layout()->activate();
+    q->resize(q->layout()->totalSizeHint().boundedTo(room.size()));
     place(room);
 }
 

@@ -176,7 +176,6 @@ void QBJoinSelectionPopupWidget::Private::start(int joinType, const QString* cus
     const bool isCustom = customItem && item == customItem;
     if (isCustom && customText) customTextEdit->setText(*customText);
     ui.listWidget->setCurrentItem(item);
-    ui.listWidget->scrollToItem(item);
     if (customTextEdit) customTextEdit->setEnabled(isCustom || customTextEdit->text().isEmpty());
     // What is being edited takes the keys first.
     q->setFocusProxy(isCustom ? static_cast<QWidget*>(customTextEdit) : ui.listWidget);
@@ -307,10 +306,25 @@ QLineEdit* QBJoinSelectionPopupWidget::customTextEdit() const {
     return d->customTextEdit;
 }
 
+/// All kinds without scrolling, where the screen is high enough.
+QSize QBJoinSelectionPopupWidget::sizeHint() const {
+    const QListWidget* list = d->ui.listWidget;
+    int height = 2 * list->frameWidth();
+    for (int row = 0; row < list->count(); ++row)
+        height += list->sizeHintForRow(row);
+    return QSize(list->minimumWidth(), height).expandedTo(minimumSize());
+}
+
 bool QBJoinSelectionPopupWidget::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
     auto* key = static_cast<QKeyEvent*>(event);
     return watched == d->customTextEdit ? d->handleLineKey(key) : d->handleListKey(key);
+}
+
+/// The list has its size only now.
+void QBJoinSelectionPopupWidget::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    d->ui.listWidget->scrollToItem(d->ui.listWidget->currentItem());
 }
 
 void QBJoinSelectionPopupWidget::changeEvent(QEvent* event) {

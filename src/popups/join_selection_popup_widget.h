@@ -36,12 +36,15 @@ public:
     QListWidget* listWidget() const;
     QLineEdit* customTextEdit() const;  ///< null where no custom kind is offered
 
+    QSize sizeHint() const override;
+
 Q_SIGNALS:
     /// A kind was clicked, the custom one excepted, or Return was pressed, and canBeAccepted().
     void chosen();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:

@@ -340,8 +340,8 @@ private Q_SLOTS:
         popup->popup(&window);
         content->setFixedHeight(198);
         QTRY_COMPARE(popup->geometry(), QRect(10, bottom - 351, 200, 200));
-        content->setFixedSize(248, 98);
-        QTRY_COMPARE(popup->geometry(), QRect(10, bottom - 130, 250, 100));
+        content->setFixedSize(98, 18);
+        QTRY_COMPARE(popup->geometry(), QRect(10, bottom - 130, 100, 20));
         content->setMaximumWidth(QWIDGETSIZE_MAX);
         popup->setFullWidth(true);
         QCOMPARE(popup->width(), 350);

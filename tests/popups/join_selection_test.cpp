@@ -169,6 +169,9 @@ private Q_SLOTS:
                     ++descriptions;
                     QVERIFY2(label->heightForWidth(label->width()) <= label->height(),
                              qPrintable(label->text()));
+                    const QPoint end =
+                        label->mapTo(choice.list->viewport(), label->rect().topRight());
+                    QVERIFY(end.x() < choice.list->viewport()->width());
                 }
                 QCOMPARE(descriptions, 6);
             }
