@@ -4,7 +4,6 @@
 #include <QKeyEvent>
 #include <QTimer>
 #include <optional>
-#include <utility>
 
 #include "platform/tolk/tolk.h"
 #include "popups/choice_content.h"
@@ -93,7 +92,6 @@ public:
     QString textAtFirst;
     std::optional<ChoiceRow> editedRow;  ///< while it shows
     bool hasUserSelected = false;
-    bool isSecondClick = false;  ///< the next click ends a double click
 };
 
 QBColumnSelectionPopupWidget::Private::Private(QBColumnSelectionPopupWidget* widget,
@@ -130,8 +128,6 @@ void QBColumnSelectionPopupWidget::Private::connectForm() {
         ui.filterLineEdit, &QLineEdit::textChanged, q, [this] { applyFilter(); },
         Qt::QueuedConnection);
     connect(ui.treeWidget, &QTreeWidget::itemSelectionChanged, q, [this] { selectionChanged(); });
-    connect(ui.treeWidget, &QTreeWidget::itemPressed, q, [this] { isSecondClick = false; });
-    connect(ui.treeWidget, &QTreeWidget::itemDoubleClicked, q, [this] { isSecondClick = true; });
     connect(ui.treeWidget, &QTreeWidget::itemClicked, q,
             [this](QTreeWidgetItem* item) { itemClicked(item); });
     connect(&content, &ChoiceContent::changed, q, [this] { selectEdited(); });
@@ -197,8 +193,8 @@ void QBColumnSelectionPopupWidget::Private::accept() {
     if (q->hasChoice()) Q_EMIT q->chosen();
 }
 
+/// The second half of a double click comes as such, and as no click.
 void QBColumnSelectionPopupWidget::Private::itemClicked(QTreeWidgetItem* item) {
-    if (std::exchange(isSecondClick, false)) return;
     const ChoiceRow* const row = ChoiceTree::rowOf(item);
     if (row && row->canBeChosen() && item->isSelected()) accept();
 }

@@ -61,8 +61,7 @@ private Q_SLOTS:
         PlainPanel plain;
         plain.setEngine(chooser.engine.get());
         const QBColumnSelectionPopupWidget nothing(&plain, nullptr, nullptr, nullptr, nullptr);
-        QCOMPARE(nothing.treeWidget()->topLevelItem(0)->text(0),
-                 "Nothing to choose from");
+        QCOMPARE(nothing.treeWidget()->topLevelItem(0)->text(0), "Nothing to choose from");
     }
 
     void aTableThatIsListedTwiceByTheSameNamesIsOfferedOnce() {
@@ -96,7 +95,6 @@ private Q_SLOTS:
         QVERIFY(chooser.item("archive")->isHidden());
         chooser.refreshAndWait({"archive"});
         QCOMPARE(chooser.shown(), "main [city, country, places]; other [town]; archive [old]");
-        chooser.engine->setCurrentSchema("");
     }
 
     // ---- what is chosen
@@ -317,6 +315,7 @@ private Q_SLOTS:
         chooser.click("s/id");
         QVERIFY(fillColumn(bare, chooser.popup->chosenColumn(), chooser.engine.get()));
         QCOMPARE(bare->source, chooser.derived->value);
+        QCOMPARE(bare->parentPath, std::vector<std::string>{"s"});
     }
 
     void expressionsOpenTheTextAndCtrlReturnAcceptsIt() {
@@ -534,6 +533,17 @@ private Q_SLOTS:
         chooser.refreshAndWait({"main"});
         QCOMPARE(chooser.shown(), "main [anew, country]; other [town]");
         QCOMPARE(chooser.selected(), "main/country");
+        delete chooser.popup;
+        setSource(*chooser.engine.get(), table("city", {}, {"main"}));
+        chooser.server.set("main", {{"city", IdentifierTypeTable}});
+        chooser.server.set("other", {{"city", IdentifierTypeTable}});
+        chooser.server.set("other.city", {{"another", IdentifierTypeField}});
+        chooser.refreshAndWait({"main"});
+        chooser.open(QBColumnChoice::Fields);
+        chooser.settle();
+        chooser.refreshAndWait({});
+        chooser.refreshAndWait({"other", "city"});
+        QCOMPARE(chooser.shown(), "city [id, name]");
     }
 
     void namesThatLookLikeMarkupAreShownAsTheyAre() {
