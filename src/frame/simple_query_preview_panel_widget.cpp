@@ -49,11 +49,15 @@ void QBSimpleQueryPreviewPanelWidget::setPreviewQuery(std::string query) {
     const QString text = QString::fromStdString(query);
     if (text == m_text) return;
     m_text = text;
-    const QTextCursor selection = m_textEdit->textCursor();
+    // Read now: the cursor goes along with the change.
+    const QTextCursor cursor = m_textEdit->textCursor();
+    const int anchor = cursor.anchor();
+    const int position = cursor.position();
+    const QString selected = cursor.selectedText();
     const int horizontal = m_textEdit->horizontalScrollBar()->value();
     const int vertical = m_textEdit->verticalScrollBar()->value();
     m_textEdit->setPlainText(text);
-    selectAgain(m_textEdit, selection.anchor(), selection.position(), selection.selectedText());
+    selectAgain(m_textEdit, anchor, position, selected);
     m_textEdit->horizontalScrollBar()->setValue(horizontal);
     m_textEdit->verticalScrollBar()->setValue(vertical);
 }

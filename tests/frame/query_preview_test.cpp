@@ -2,6 +2,7 @@
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTextEdit>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -332,6 +333,21 @@ private Q_SLOTS:
                               {{0, 6}});
         QCOMPARE(edit->toPlainText(), QString::fromUtf8("SELECT '<b>ä</b>'"));
         QVERIFY(edit->extraSelections().isEmpty());
+
+        // What is selected and scrolled to stays where the next text has it, too.
+        preview.resize(300, 100);
+        preview.show();
+        const std::string lines = "line\n" + std::string(50, '\n') + "more";
+        preview.setPreviewQuery(lines);
+        edit->find("more");
+        edit->verticalScrollBar()->setValue(20);
+        for (const std::string& text : {lines + " and more", lines + " and so on"}) {
+            preview.setPreviewQuery(text);
+            QCOMPARE(edit->textCursor().selectedText(), QString("more"));
+            QCOMPARE(edit->verticalScrollBar()->value(), 20);
+        }
+        preview.setPreviewQuery("other");
+        QVERIFY(!edit->textCursor().hasSelection());
     }
 
     void theHighlightingPanelMarksTheFocusWithItsIndentation() {
