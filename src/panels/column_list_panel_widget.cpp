@@ -35,22 +35,6 @@ int tabOf(const QBChosenColumn& chosen) {
     return chosen.isField() ? FieldTab : ExpressionTab;
 }
 
-bool isBlank(const std::string& text) {
-    return QString::fromStdString(text).trimmed().isEmpty();
-}
-
-/// A column without a text would leave a hole between two commas.
-bool isUsable(const QBChosenColumn& chosen) {
-    if (chosen.kind == QBChosenColumn::Expression) return !isBlank(chosen.expression);
-    return chosen.kind != QBChosenColumn::Nothing;
-}
-
-bool isSameChoice(const QBChosenColumn& a, const QBChosenColumn& b) {
-    return a.kind == b.kind && a.sourceId == b.sourceId && a.fieldName == b.fieldName &&
-           a.selectColumnId == b.selectColumnId && a.editedColumnId == b.editedColumnId &&
-           a.aggregateFunction == b.aggregateFunction && a.expression == b.expression;
-}
-
 bool losesAlias(const SQLAbstractColumnComponent& column, const QBChosenColumn& chosen) {
     const bool isPlainStar =
         chosen.kind == QBChosenColumn::Star && chosen.aggregateFunction.empty();
@@ -299,12 +283,10 @@ void QBColumnListPanelWidget::openChooser(QWidget* anchor, Column* edited, const
     auto* const chooser = new QBColumnSelectionPopupWidget(this, nullptr, edited, nullptr, nullptr);
     chooser->setAggregateVisible(true);
     setupChooser(chooser);
-    // A click outside accepts, too: without a new choice it changes nothing.
-    const QBChosenColumn before = chooser->chosenColumn();
     connect(chooser, &QBColumnSelectionPopupWidget::chosen, this, [this] { m_popup.accept(); });
-    m_popup.open(chooser, anchor, [chooser, before, answer] {
-        const QBChosenColumn chosen = chooser->chosenColumn();
-        if (isUsable(chosen) && !isSameChoice(chosen, before)) answer(chosen);
+    m_popup.open(chooser, anchor, [chooser, answer] {
+        // A click outside accepts, too: without a new choice it changes nothing.
+        if (chooser->hasChoice() && chooser->hasChanged()) answer(chooser->chosenColumn());
     });
 }
 

@@ -471,6 +471,7 @@ private Q_SLOTS:
         Desk desk(static_cast<Delivery>(delivery), O, DatabaseTypeMySQL);
         desk.parse("SELECT t.a FROM t");
         QVERIFY(desk.run("click 0 field; pick t.b; hold; click 0 add; pick t.c; key Ctrl+Up"));
+        QCOMPARE(desk.statement()->orderByExpr->columns.size(), std::size_t(2));
         // The row that was added is the current one, and every column has its direction.
         QCOMPARE(desk.panel->rowView()->currentRow(), 0);
         QCOMPARE(desk.panel->rowCount(), 2);
@@ -495,13 +496,24 @@ private Q_SLOTS:
         QCOMPARE(desk.text(), QString("SELECT t.b FROM t ORDER BY t.b DESC, x ASC"));
         QCOMPARE(reason(desk, 1), 0);
         QVERIFY(!desk.panel->tabIcon().isNull());
-        QVERIFY(desk.run("click 0 order"));
+        QVERIFY(desk.run("click 0 order; click 0 add; pick t.a; key Del"));  // looks at all again
         QCOMPARE(reason(desk, 0), -1);
         QCOMPARE(reason(desk, 1), 0);
         QVERIFY(desk.run("click 1 field; pick t.c"));
         QCOMPARE(reason(desk, 1), -1);
         QVERIFY(!desk.panel->hasInvalidComponents());
         QCOMPARE(desk.text(), QString("SELECT t.b FROM t ORDER BY t.b, t.c ASC"));
+    }
+
+    void noChangeIsAnnouncedWithoutOne() {
+        Desk desk(Delivery::AtOnce, S, DatabaseTypeMySQL);
+        desk.parse("SELECT t.a, 1+1 FROM t");
+        QSignalSpy announced(desk.engine->signalEmitter(),
+                             &QBEngineSignalEmitter::topLevelQueryComponentElementModified);
+        QVERIFY(
+            desk.run("click 0 field; outside; click 1 field; outside; click 0 alias; outside; "
+                     "click 0 add; pick t; outside; click 1 row; key Ctrl+Down; dropped 1"));
+        QCOMPARE(announced.count(), 0);
     }
 
     void aChooserWhoseColumnHasGoneClosesAndChangesNoOther_data() { eachHost(); }
@@ -524,7 +536,7 @@ private Q_SLOTS:
             QVERIFY(desk.run(QString("tick ") + click.box));
             QCOMPARE(desk.statement()->selectColumnExpr->selectOption, std::string(click.after));
             QVERIFY(box->hasFocus());
-            QVERIFY(desk.run("key Ins"));  // to the box, or a list that is refreshed: boxes stay
+            QVERIFY(desk.run("click 0 add; key Esc"));  // the list looks at the statement again
             QCOMPARE(desk.box(click.box), box);
         }
     }
