@@ -87,7 +87,13 @@ void QBInputPopup::Private::fit() {
     if (isFullWidth) q->setMinimumWidth(qMin(anchorWidth, room.width()));
     // Not adjustSize(), which makes a popup at least 200 by 100 and at most two thirds of a screen.
     q->layout()->activate();
-    q->resize(q->layout()->totalSizeHint().boundedTo(room.size()));
+    QSize size = q->layout()->totalSizeHint().boundedTo(room.size());
+    // A content that can do with less does not cover the anchor.
+    const int free = qMax(room.bottom() + 1 - (anchorArea.y() + anchorArea.height()),
+                          anchorArea.y() - room.top() - 1);
+    const int least = q->layout()->totalMinimumSize().height();
+    size.setHeight(qMax(qMin(size.height(), free), least));
+    q->resize(size);
     place(room);
 }
 

@@ -66,7 +66,7 @@ int descriptionHeight(const QLabel* label) {
 
 /// The width at which the longest description fits its three lines in any font.
 int leastWidth(const QWidget* list) {
-    constexpr int characters = 64;
+    constexpr int characters = 50;
     return characters * list->fontMetrics().averageCharWidth();
 }
 

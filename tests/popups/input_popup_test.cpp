@@ -342,7 +342,12 @@ private Q_SLOTS:
         QTRY_COMPARE(popup->geometry(), QRect(10, bottom - 351, 200, 200));
         content->setFixedSize(98, 18);
         QTRY_COMPARE(popup->geometry(), QRect(10, bottom - 130, 100, 20));
-        content->setMaximumWidth(QWIDGETSIZE_MAX);
+        content->setMaximumSize(QWIDGETSIZE_MAX, bottom - 50);
+        content->setMinimumHeight(0);
+        auto* layout = new QVBoxLayout(content);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addSpacerItem(new QSpacerItem(98, bottom, {}, QSizePolicy::Preferred));
+        QTRY_COMPARE(popup->geometry(), QRect(10, 0, 100, bottom - 151));
         popup->setFullWidth(true);
         QCOMPARE(popup->width(), 350);
         popup->close();
