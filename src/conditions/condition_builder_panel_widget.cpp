@@ -54,6 +54,7 @@ QBConditionBuilderPanelWidget::QBConditionBuilderPanelWidget(Condition** root, Q
     , m_popup(this) {
     m_ui->setupUi(this);
     m_ui->tableView->bottomLayout()->addWidget(m_ui->bottomBar);
+    m_ui->tableView->bottomLayout()->addStretch();
     m_ui->tableView->setRowDragEnabled(true);
     setFocusProxy(m_ui->tableView);
     setupRows(m_ui->tableView);

@@ -21,10 +21,9 @@ QBConditionNestedListRowWidget::QBConditionNestedListRowWidget(
     , m_database{info, schema}
     , m_ui(std::make_unique<Ui::QBConditionNestedListRowWidget>()) {
     m_ui->setupUi(this);
-    // What follows must not jump when a dimmed NOT comes and goes.
-    QSizePolicy policy = m_ui->negatorLabel->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    m_ui->negatorLabel->setSizePolicy(policy);
+    // Short words stay whole where the row is narrow; values elide.
+    for (QBLabel* label : {m_ui->negatorLabel, m_ui->operatorLabel, m_ui->logicalLabel})
+        label->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     m_ui->addLabel->setKind(QBRowControl::AddRow);
     m_ui->addBracketLabel->setKind(QBRowControl::AddBracket);
     m_ui->deleteLabel->setKind(QBRowControl::Delete);
@@ -81,7 +80,7 @@ void QBConditionNestedListRowWidget::slotOnComponentChanged() {
         const QSignalBlocker quiet(this);
         const auto* compare = dynamic_cast<const Compare*>(component());
         const auto* value = dynamic_cast<const Value*>(component());
-        showNegation();
+        showNegator();
         m_ui->leftValueLabel->setVisible(compare || value);
         if (compare) showCompare(compare);
         if (value) {
@@ -97,13 +96,10 @@ void QBConditionNestedListRowWidget::slotOnComponentChanged() {
     Q_EMIT accessibleTextChanged();
 }
 
-void QBConditionNestedListRowWidget::showNegation() {
+void QBConditionNestedListRowWidget::showNegator() {
     const auto* condition = dynamic_cast<const SQLAbstractConditionComponent*>(component());
-    const bool isNegated = condition && condition->negated;
-    showRowText(m_ui->negatorLabel, {Tolk::localize(Tolk::TextNotWord),
-                                     isNegated ? LabelColour::Operator : LabelColour::Placeholder,
-                                     Tolk::localize(Tolk::TextNegateCondition)});
-    m_ui->negatorLabel->setVisible(condition && (isNegated || areControlsLit()));
+    showNegation(m_ui->negatorLabel, m_ui->horizontalLayout, m_ui->addBracketLabel,
+                 condition && condition->negated, condition && areControlsLit());
 }
 
 void QBConditionNestedListRowWidget::showCompare(const Compare* compare) {
@@ -134,7 +130,7 @@ void QBConditionNestedListRowWidget::showValue(QBConditionSide::Side side,
 
 void QBConditionNestedListRowWidget::lightControls(bool isLit) {
     QBNestedListRowWidget::lightControls(isLit);
-    showNegation();
+    showNegator();
 }
 
 QBLabel* QBConditionNestedListRowWidget::valueLabel(QBConditionSide::Side side) const {

@@ -75,7 +75,7 @@ protected:
 
 private:
     void connectLabels();
-    void showNegation();
+    void showNegator();
     void showCompare(const Component::SQL::SQLCompareConditionComponent* compare);
     void showGate();
     void showValue(QBConditionSide::Side side, const std::string& text);

@@ -2,6 +2,7 @@
 // logic word and the operator.
 
 #include <QAction>
+#include <QActionGroup>
 #include <QMenu>
 #include <algorithm>
 
@@ -234,10 +235,12 @@ void Panel::slotEditSelectedRowCompareOperator() {
 void Panel::fillOperatorMenu(QMenu* menu, QBRowKey key) {
     const auto* compare = dynamic_cast<const Compare*>(conditionIn(itemAt(findRow(key))));
     const CompareOp current = compare ? compare->compareOp : CompareOpNone;
+    auto* const group = new QActionGroup(menu);  // of which one is on
     for (const CompareOp op : operatorsInOrder()) {
         QAction* const entry = menu->addAction(operatorText(op));
         connect(entry, &QAction::triggered, this, [this, key, op] { chooseOperator(key, op); });
         entry->setCheckable(true);
+        group->addAction(entry);
         if (op != current) continue;
         entry->setChecked(true);
         QFont font = menu->font();

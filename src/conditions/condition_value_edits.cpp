@@ -14,6 +14,7 @@ namespace {
 
 constexpr int leastLineWidth = 200;
 constexpr QSize leastListSize(400, 60);
+constexpr int mostListLines = 8;
 
 QLineEdit* addLine(QFormLayout* layout, const char* name, unsigned caption, const QString& text) {
     auto* line = new QLineEdit(text);
@@ -63,6 +64,7 @@ QBConditionListEdit::QBConditionListEdit(const QString& text, QWidget* parent)
     m_text->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_text->setTabChangesFocus(true);
     m_text->setMinimumSize(leastListSize);
+    m_text->setMaximumHeight(mostListLines * m_text->fontMetrics().lineSpacing());
     m_text->setFont(fixedWidthFont());
     m_text->setAccessibleName(hint);
     m_text->setPlainText(text);

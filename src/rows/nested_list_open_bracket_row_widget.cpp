@@ -15,7 +15,6 @@ QBNestedListOpenBracketRowWidget::QBNestedListOpenBracketRowWidget(
     : QBNestedListRowWidget(component, parent)
     , m_ui(std::make_unique<Ui::QBNestedListOpenBracketRowWidget>()) {
     m_ui->setupUi(this);
-    m_ui->negatorLabel->hide();
     connectClick(m_ui->negatorLabel, this,
                  &QBNestedListOpenBracketRowWidget::negateToggleTriggered);
     connectControls(this);
@@ -32,11 +31,18 @@ QBNestedListRowWidget* QBNestedListOpenBracketRowWidget::clone() {
 
 void QBNestedListOpenBracketRowWidget::slotOnComponentChanged() {
     m_ui->openBracketLabel->setText(QStringLiteral("("));
+    showNegator();
+}
+
+void QBNestedListOpenBracketRowWidget::lightControls(bool isLit) {
+    QBNestedListRowWidget::lightControls(isLit);
+    showNegator();
+}
+
+void QBNestedListOpenBracketRowWidget::showNegator() {
     const auto* condition = ifKind<SQLBracketedConditionComponent>(component());
-    const bool isNegated = condition && condition->negated;
-    showRowText(m_ui->negatorLabel, {Tolk::localize(Tolk::TextNotWord),
-                                     isNegated ? LabelColour::Operator : LabelColour::Placeholder,
-                                     Tolk::localize(Tolk::TextNegateCondition)});
+    showNegation(m_ui->negatorLabel, m_ui->horizontalLayout, m_ui->openBracketLabel,
+                 condition && condition->negated, condition && areControlsLit());
 }
 
 QBLabel* QBNestedListOpenBracketRowWidget::deleteLabel() {
@@ -48,7 +54,8 @@ QBLabel* QBNestedListOpenBracketRowWidget::negatorLabel() {
 }
 
 QBLabel* QBNestedListOpenBracketRowWidget::mainPart() const {
-    return m_ui->negatorLabel->isHidden() ? nullptr : m_ui->negatorLabel;
+    const bool isNegated = m_ui->negatorLabel->colour() == LabelColour::Operator;
+    return isNegated ? m_ui->negatorLabel : nullptr;
 }
 
 }  // namespace QB

@@ -12,7 +12,7 @@ class QBNestedListOpenBracketRowWidget;
 namespace QB {
 
 /// The opening bracket of a group of sources or conditions, and the NOT before a group of
-/// conditions: in full colour if the group is negated, else dimmed.
+/// conditions: in full colour if the group is negated, else dimmed while one can reach for it.
 /// Component: SQLBracketedSourceNodeComponent or SQLBracketedConditionComponent.
 class QBNestedListOpenBracketRowWidget : public QBNestedListRowWidget,
                                          public IQBNestedListRowWidgetDeleteSupported,
@@ -25,7 +25,7 @@ public:
 
     QBNestedListRowWidget* clone() override;
     void slotOnComponentChanged() override;
-    /// The NOT, null where it does not show: a key must not hit a control instead.
+    /// The NOT, null where it is only offered: a key must not hit a control instead.
     QBLabel* mainPart() const override;
 
     QBLabel* deleteLabel() override;
@@ -35,7 +35,12 @@ Q_SIGNALS:
     void deleteButtonClicked();
     void negateToggleTriggered();
 
+protected:
+    void lightControls(bool isLit) override;
+
 private:
+    void showNegator();
+
     const std::unique_ptr<Ui::QBNestedListOpenBracketRowWidget> m_ui;
 };
 

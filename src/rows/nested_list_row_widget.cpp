@@ -106,9 +106,14 @@ void QBNestedListRowWidget::lightControls(bool isLit) {
 }
 
 QString QBNestedListRowWidget::accessibleText() const {
+    auto* negatable = dynamic_cast<IQBNestedListRowWidgetNegateSupported*>(
+        const_cast<QBNestedListRowWidget*>(this));
+    const QBLabel* negator = negatable == nullptr ? nullptr : negatable->negatorLabel();
     QStringList texts;
     for (const QBLabel* label : labelsOf(this)) {
-        if (label->fullText().isEmpty()) continue;
+        // A dimmed NOT is offered; the row does not say it.
+        const bool isOffer = label == negator && label->colour() == LabelColour::Placeholder;
+        if (isOffer || label->fullText().isEmpty()) continue;
         texts << label->fullText();
         // Why it is marked as invalid.
         if (!label->accessibleDescription().isEmpty()) texts << label->accessibleDescription();

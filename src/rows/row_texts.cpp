@@ -1,5 +1,6 @@
 #include "rows/row_texts.h"
 
+#include <QBoxLayout>
 #include <QStringList>
 #include <algorithm>
 
@@ -158,6 +159,19 @@ void showRowText(QBLabel* label, const RowText& text, const QString& why) {
 void showCaptionIfRoom(QBLabel* caption, const QWidget* row) {
     caption->setVisible(row->width() >=
                         charactersForCaption * row->fontMetrics().averageCharWidth());
+}
+
+void showNegation(QBLabel* label, QBoxLayout* layout, QWidget* last, bool isNegated,
+                  bool isOffered) {
+    const bool isInFront = layout->indexOf(label) == 0;
+    if (isNegated != isInFront) {
+        layout->removeWidget(label);
+        layout->insertWidget(isNegated ? 0 : layout->indexOf(last) + 1, label);
+    }
+    showRowText(label, {Tolk::localize(Tolk::TextNotWord),
+                        isNegated ? LabelColour::Operator : LabelColour::Placeholder,
+                        Tolk::localize(Tolk::TextNegateCondition)});
+    label->setVisible(isNegated || isOffered);
 }
 
 void copyVisibility(const QWidget* row, QWidget* other) {

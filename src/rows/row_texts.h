@@ -8,6 +8,7 @@
 #include "rows/row_database.h"
 #include "widgets/label.h"
 
+class QBoxLayout;
 class QWidget;
 
 /// How rows say what they show: a prompt to fill something in stands in angle brackets, in the
@@ -61,6 +62,12 @@ void showRowText(QBLabel* label, const RowText& text, const QString& reason);
 
 /// Leaves out what only says what kind of row it is where the row has no room for it.
 void showCaptionIfRoom(QBLabel* caption, const QWidget* row);
+
+/// Shows the NOT of a row on @p label: before all else in @p layout if the row is negated. Where it
+/// is not but can be, while @p isOffered, dimmed and right behind @p last, so that nothing that can
+/// be clicked moves under the mouse.
+void showNegation(QBLabel* label, QBoxLayout* layout, QWidget* last, bool isNegated,
+                  bool isOffered);
 
 /// Shows the labels of @p other as those of @p row are: what a twin has to copy.
 void copyVisibility(const QWidget* row, QWidget* other);
