@@ -4,6 +4,8 @@
 
 #include "conditions/condition_builder_panel_widget.h"
 #include "conditions/condition_nested_list_row_widget.h"
+#include "model/detached_parts.h"
+#include "parser/query_parser.h"
 #include "rows/nested_list_dummy_row_widget.h"
 #include "rows/row_interfaces.h"
 #include "support/panel_desk.h"
@@ -41,6 +43,10 @@ public:
         return dynamic_cast<SQLJoinSourceNodeComponent*>(statement()->sourceExpr->root->value);
     }
 
+    SQLCompareConditionComponent* compare() const {
+        return dynamic_cast<SQLCompareConditionComponent*>(statement()->whereExpr->root);
+    }
+
     QBConditionNestedListRowWidget* row(int index) const {
         return dynamic_cast<QBConditionNestedListRowWidget*>(view()->rowWidget(index));
     }
@@ -65,6 +71,8 @@ public:
         return condition->valueLabel(name == "right" ? QBConditionSide::Right
                                                      : QBConditionSide::Left);
     }
+
+    TopLevelQueryComponentElementEnum clause() const { return m_clause; }
 
     bool runOwn(const QString& word, const QString& rest) override {
         if (word == "foreign") return parse(rest), true;
@@ -168,8 +176,7 @@ const Story stories[] = {
     // operators
     {"an operator", W, "t WHERE a = 1", "click 0 op; choose <>", "t WHERE a <> 1"},
     {"an operator by key", W, "t WHERE a = 1",
-     "click 0 row; key Right; key Right; key Right; key Return; key Down; key Return",
-     "t WHERE a <> 1"},
+     "click 0 row; key Right; key Right; key Return; key Down; key Return", "t WHERE a <> 1"},
     {"no right side, and back to it", W, "t WHERE a = 1",
      "click 0 op; choose is null; click 0 op; choose <", "t WHERE a < 1"},
     {"no operator leaves the left value", W, "t WHERE NOT a = 1 OR NOT b = 2",
@@ -284,7 +291,124 @@ private Q_SLOTS:
         QCOMPARE(desk.text(), start + told.before);
         QVERIFY(desk.run(told.events));
         QCOMPARE(desk.text(), start + told.after);
+        expectReadBack(desk);
     }
+    void textsWereReadBack() { QVERIFY(m_textsRead > 60); }
+
+    void aFreshConditionIsMarkedWhenTheUserHasLeftIt() {
+        Desk desk(Delivery::AtOnce, W);
+        desk.begin("SELECT * FROM t WHERE t.nope = 1");
+        QVERIFY(desk.run("click 0 add"));
+        const auto colours = [&desk](int row) {
+            return std::pair{desk.part(row, "left")->colour(), desk.part(row, "right")->colour()};
+        };
+        QCOMPARE(colours(0), std::pair(LabelColour::Invalid, LabelColour::Value));
+        QCOMPARE(colours(1), std::pair(LabelColour::Placeholder, LabelColour::Placeholder));
+        QVERIFY(desk.panel->hasInvalidComponents());
+        QVERIFY(desk.run("click 0 delete"));
+        QCOMPARE(colours(0), std::pair(LabelColour::Placeholder, LabelColour::Placeholder));
+        QVERIFY(!desk.panel->hasInvalidComponents());
+        QVERIFY(desk.run("click 0 op; choose in list"));  // keeps its place among the unmarked
+        QVERIFY(!desk.panel->hasInvalidComponents());
+        desk.panel->panelBecomeInactive();
+        QCOMPARE(colours(0), std::pair(LabelColour::Invalid, LabelColour::Invalid));
+        QVERIFY(!desk.panel->tabIcon().isNull());
+        desk.panel->excludeInvalidComponent(&desk.compare()->leftValue);
+        QCOMPARE(colours(0), std::pair(LabelColour::Placeholder, LabelColour::Invalid));
+        SQLAbstractConditionComponent* stranger = nullptr;
+        desk.panel->excludeInvalidComponent(&stranger);
+        desk.panel->excludeInvalidComponent(&desk.compare()->rightValue);
+        QVERIFY(!desk.panel->hasInvalidComponents());
+    }
+
+    void aRemovedTableIsMarked() {
+        Desk desk(Delivery::Later, W);
+        desk.begin("SELECT * FROM t WHERE t.a = 1");
+        QVERIFY(!desk.panel->hasInvalidComponents());
+        desk.engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
+            ElementSource, 0,
+            [&desk](ELEMSQLSourceExpr* sources) {
+                DetachedParts parts;
+                parts.add(std::unique_ptr<SourceNode>(std::exchange(sources->root, nullptr)));
+                desk.engine->retire(std::move(parts));
+                return true;
+            },
+            nullptr);
+        desk.settle();
+        QCOMPARE(desk.part(0, "left")->colour(), LabelColour::Invalid);
+    }
+
+    void boundsKeepTheirFormUntilTheUpperOneChanges() {
+        Desk desk(Delivery::AtOnce, W);
+        desk.begin("SELECT * FROM t WHERE a BETWEEN 1 AND t.b");
+        auto* const right = dynamic_cast<SQLConditionValueComponent*>(desk.compare()->rightValue);
+        const auto* const upper = right->next;
+        QVERIFY(upper);
+        QCOMPARE(desk.part(0, "right")->text(), QString("1 AND t.b"));
+        QVERIFY(desk.run("click 0 right; type 0; key Return"));
+        QCOMPARE(desk.text(), QString("SELECT * FROM t WHERE a BETWEEN 0 AND t.b"));
+        QVERIFY(right->next == upper);
+        QVERIFY(desk.run("click 0 right; key Tab; type 9; key Return"));
+        QCOMPARE(desk.text(), QString("SELECT * FROM t WHERE a BETWEEN 0 AND 9"));
+        QVERIFY(!right->next);
+    }
+
+    void theOperatorMenuListsAllAndMarksTheCurrentOne() {
+        Desk desk(Delivery::AtOnce, W);
+        desk.begin("SELECT * FROM t WHERE a BETWEEN 1 AND 2");
+        QVERIFY(desk.run("click 0 op"));
+        const auto entries = QApplication::activePopupWidget()->actions();
+        QCOMPARE(entries.size(), 23);
+        for (const QAction* entry : entries) {
+            const bool isCurrent = entry->text() == "between";
+            QCOMPARE(entry->font().weight() == QFont::Bold, isCurrent);
+            QCOMPARE(entry->isChecked(), isCurrent);
+        }
+        QCOMPARE(entries.first()->text(), QString("="));
+        QCOMPARE(entries.last()->text(), QString("[no operator]"));
+    }
+
+    void aPanelOfAJoinFollowsItAndTellsWhenItHasGone() {
+        Desk desk(Delivery::AtOnce, F);
+        desk.parse("SELECT * FROM t INNER JOIN u ON t.a = u.a");
+        QBConditionBuilderPanelWidget other(&desk.join()->condition);
+        other.setRelatedComponents({desk.join(), desk.panel->choiceSources().back()});
+        other.setEngine(desk.engine.get());
+        other.refreshUI(true);
+        QCOMPARE(other.rowCount(), 1);
+        QCOMPARE(other.choiceSources().size(), std::size_t(1));
+        QSignalSpy lost(&other, &QBConditionBuilderPanelWidget::rootLost);
+        desk.parse("SELECT * FROM t INNER JOIN u ON t.a = u.a");
+        QCOMPARE(lost.count(), 1);
+        other.refreshUI(true);
+        QCOMPARE(other.rowCount(), 0);
+        QVERIFY(other.choiceSources().empty());
+        QCOMPARE(lost.count(), 1);
+    }
+
+private:
+    /// The server must take the text apart where the rows do. A text of a list that is none, which
+    /// is kept as typed, is the one exception.
+    void expectReadBack(const Desk& desk) {
+        const OwnedStatement read(new SQLSelectStmtComponent);
+        const std::string text = desk.engine->buildQuery();
+        const bool isRead =
+            QBQueryParser::parseStatement(read.get(), text, DatabaseTypeMySQL, "main").isAccepted();
+        const bool isTyped = QString(QTest::currentDataTag()).contains("as typed");
+        const bool isRoot = desk.engine->currentTopLevelQueryComponentLayer() == 0;
+        if (!isRead || !isRoot || isTyped || desk.clause() == F) return;
+        const auto links = [](const SQLAbstractConditionComponent* link) {
+            std::string words;
+            for (; link; link = link->next)
+                words += link->next ? std::to_string(link->next->logicGate) + ' ' : ".";
+            return words;
+        };
+        const auto* clause = static_cast<ELEMSQLConditionExpr*>(read->element(desk.clause()));
+        QCOMPARE(links(clause->root), links(desk.panel->obtainRepresentedExpression()->root));
+        ++m_textsRead;
+    }
+
+    int m_textsRead = 0;
 };
 
 }  // namespace QB
