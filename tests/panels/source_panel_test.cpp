@@ -295,6 +295,8 @@ private Q_SLOTS:
         desk.parse("SELECT * FROM t INNER JOIN (u INNER JOIN v USING (a)), (SELECT 1) AS x, f(1)");
         for (const Row& row : rows)
             QCOMPARE(desk.entries(row.row), QString(row.entries));
+        QVERIFY2(!desk.sources()->shouldShowJoinPanel(3, true), "nothing stands before it");
+        QVERIFY(desk.sources()->shouldShowJoinPanel(5, true));
         QVERIFY(desk.run("click 0 row; click 1 row ctrl"));
         QVERIFY(desk.entries(1).startsWith("-Insert row|-Insert bracket|"));
         desk.parse("SELECT 1");
