@@ -1,6 +1,7 @@
 #include "rows/nested_list_table_view.h"
 
 #include <QAbstractButton>
+#include <QCursor>
 #include <QDrag>
 #include <QDragMoveEvent>
 #include <QHBoxLayout>
@@ -287,11 +288,16 @@ void QBNestedListTableView::startDrag(Qt::DropActions) {
     QBNestedListRowWidget* widget = rowWidget(currentRow());
     if (widget == nullptr) return;
     const std::unique_ptr<QBNestedListRowWidget> picture(widget->clone());
+    picture->setPalette(palette());
+    picture->setFont(font());
+    picture->setLayoutDirection(layoutDirection());
     picture->resize(widget->size());
     d->dragged = shownKey(currentRow());
     auto* drag = new QDrag(this);
     drag->setMimeData(newRowMimeData());
     drag->setPixmap(picture->grab());
+    // The picture hangs where the row was taken hold of.
+    drag->setHotSpot(widget->mapFromGlobal(QCursor::pos()));
     const QPointer<QBNestedListTableView> self(this);
     drag->exec(Qt::MoveAction);  // the drop has done all that is to be done
     if (!self) return;

@@ -373,8 +373,8 @@ void RowListPanelTest::a_burst_of_fetched_fields_is_checked_once() {
 }
 
 void RowListPanelTest::the_focus_is_told_and_taken_without_an_echo() {
+    QStringList heard;  // until the window has gone: hiding is told as well
     Desk desk(Delivery::AtOnce);
-    QStringList heard;
     const auto name = [&](Component::AbstractQueryComponent* component) {
         auto* column = dynamic_cast<SQLAnyExpressionColumnComponent*>(component);
         return column == nullptr ? "?" : QString::fromStdString(column->expression);
