@@ -16,6 +16,7 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -122,7 +123,7 @@ void MainWindow::setUpBuilder() {
     m_builder->setQueryPreviewPanel(new QBHighlightingQueryPreviewPanelWidget);
     // The builder is no dialog here: there is nothing that this button could close.
     if (const auto* box = m_builder->findChild<QDialogButtonBox*>()) {
-        box->button(QDialogButtonBox::Cancel)->hide();
+        hideCancelButton();
         // A style's pictures for "Yes" and "OK" say nothing about building and running.
         for (const auto which : {QDialogButtonBox::Yes, QDialogButtonBox::Ok})
             box->button(which)->setIcon(QIcon());
@@ -131,6 +132,11 @@ void MainWindow::setUpBuilder() {
             [this](const QString&, bool run) { takeQuery(run); });
     connect(objectTree(), &QBDiagramObjectTreePanelWidget::signalTreeSettled, this,
             &MainWindow::showDefaultSchema);
+}
+
+void MainWindow::hideCancelButton() {
+    if (const auto* box = m_builder->findChild<QDialogButtonBox*>())
+        box->button(QDialogButtonBox::Cancel)->hide();
 }
 
 void MainWindow::connectActions() {
@@ -405,6 +411,9 @@ void MainWindow::saveState() {
 void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::LanguageChange) retranslate();
+    // With another style a button box shows all of its buttons again.
+    if (event->type() == QEvent::StyleChange)
+        QTimer::singleShot(0, this, &MainWindow::hideCancelButton);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -89,6 +89,7 @@ private:
     void setUpContent();
     void setUpBuilder();
     void setUpSqlTab();
+    void hideCancelButton();
     void connectActions();
     void connectTextActions();
     void retranslate();

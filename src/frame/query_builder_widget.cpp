@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QTabBar>
+#include <QTimer>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -283,6 +284,7 @@ void QBQueryBuilderWidget::rebuildNavigationBar() {
 }
 
 void QBQueryBuilderWidget::setSupportBuildAndRun(bool isSupported) {
+    m_supportsBuildAndRun = isSupported;
     ui->buttonBox->button(QDialogButtonBox::Yes)->setVisible(isSupported);
 }
 
@@ -318,6 +320,9 @@ bool QBQueryBuilderWidget::event(QEvent* event) {
         localizeControls();
         rebuildNavigationBar();
     }
+    // A button box shows all of its buttons when it takes another style, which may be after this.
+    if (event->type() == QEvent::StyleChange)
+        QTimer::singleShot(0, this, [this] { setSupportBuildAndRun(m_supportsBuildAndRun); });
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
         updateButtonIcons();
     return isHandled;

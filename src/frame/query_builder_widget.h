@@ -118,6 +118,7 @@ private:
     QBEngine_LINUX* m_engine = nullptr;  // not owned: m_emitter tells whether it still lives
     QPointer<QObject> m_emitter;         // not owned: the engine's signal emitter
     QBAbstractQueryPreviewPanelWidget* m_previewPanel = nullptr;  // not owned: a child
+    bool m_supportsBuildAndRun = true;
     QTabWidget* m_diagramTabs = nullptr;     // not owned: a child; null until asked for
     QHash<QWidget*, int> m_shownPaneWidths;  // of panes that were hidden
     const std::vector<ClauseTab> m_clauseTabs;

@@ -362,6 +362,7 @@ private Q_SLOTS:
         trigger("&Dark");
         QVERIFY(QB::Callback::isDarkTheme());
         QVERIFY(desk.window->palette().color(QPalette::Window).lightness() < 80);
+        QTRY_VERIFY(!desk.button(QDialogButtonBox::Cancel)->isVisible());
         trigger("&Light");
         QVERIFY(!QB::Callback::isDarkTheme());
         QVERIFY(desk.window->palette().color(QPalette::Window).lightness() > 180);

@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSplitter>
+#include <QStyleFactory>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QToolButton>
@@ -281,6 +282,10 @@ private Q_SLOTS:
         m_builder->setSupportBuildAndRun(false);
         QVERIFY(!m_builder->button(QDialogButtonBox::Yes)->isVisible());
         QVERIFY(m_builder->button(QDialogButtonBox::Ok)->isVisible());
+        const std::unique_ptr<QStyle> style(QStyleFactory::create("Windows"));
+        m_builder->setStyle(style.get());
+        QTRY_VERIFY(!m_builder->button(QDialogButtonBox::Yes)->isVisible());
+        m_builder->setStyle(nullptr);
         m_builder->setDialogButtonBoxVisible(false);
         QVERIFY(!m_builder->isDialogButtonBoxVisible());
     }
