@@ -1,6 +1,7 @@
 #include "conditions/condition_nested_list_row_widget.h"
 
 #include <QSignalBlocker>
+#include <algorithm>
 
 #include "conditions/condition_operators.h"
 #include "conditions/condition_values.h"
@@ -14,6 +15,9 @@ using namespace Component::SQL;
 using Compare = SQLCompareConditionComponent;
 using Value = SQLConditionValueComponent;
 
+/// In logical pixels; a sign or a short word stays whole in a narrow row.
+constexpr int leastOperatorWidth = 40;
+
 QBConditionNestedListRowWidget::QBConditionNestedListRowWidget(
     Component::AbstractQueryComponent* component, QBDatabaseInfo info, const std::string& schema,
     QWidget* parent)
@@ -22,7 +26,7 @@ QBConditionNestedListRowWidget::QBConditionNestedListRowWidget(
     , m_ui(std::make_unique<Ui::QBConditionNestedListRowWidget>()) {
     m_ui->setupUi(this);
     // Short words stay whole where the row is narrow; values elide.
-    for (QBLabel* label : {m_ui->negatorLabel, m_ui->operatorLabel, m_ui->logicalLabel})
+    for (QBLabel* label : {m_ui->negatorLabel, m_ui->logicalLabel})
         label->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     m_ui->addLabel->setKind(QBRowControl::AddRow);
     m_ui->addBracketLabel->setKind(QBRowControl::AddBracket);
@@ -109,6 +113,8 @@ void QBConditionNestedListRowWidget::showCompare(const Compare* compare) {
     showRowText(m_ui->operatorLabel,
                 {operatorText(compare->compareOp),
                  isOperator ? LabelColour::Operator : LabelColour::Placeholder});
+    const int width = m_ui->operatorLabel->sizeHint().width();
+    m_ui->operatorLabel->setMinimumWidth(std::min(width, leastOperatorWidth));
     const int listMode = listModeOf(compare->compareOp);
     showValue(QBConditionSide::Right, operandText(compare->rightValue, listMode, m_database));
 }
