@@ -206,11 +206,9 @@ void QBNestedListTableView::focusOutEvent(QFocusEvent* event) {
 }
 
 void QBNestedListTableView::keyPressEvent(QKeyEvent* event) {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    // A dialog around the list would take what is left of Return as its own button.
-    if (!Private::isOwnKey(event) && !isReturn) return QTableView::keyPressEvent(event);
+    if (!Private::isOwnKey(event)) return QTableView::keyPressEvent(event);
     event->accept();
-    if (Private::isOwnKey(event)) d->handleKey(event);
+    d->handleKey(event);
 }
 
 void QBNestedListTableView::mousePressEvent(QMouseEvent* event) {

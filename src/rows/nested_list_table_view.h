@@ -41,7 +41,7 @@ public:
 /// Keys: arrows, Home, End, Page keys with Shift and Ctrl choose rows; Left and Right go along the
 /// parts of the current row (mirrored right to left); Return, Enter, F2 and Space click the marked
 /// part, or the row's main part; Insert, Delete, Ctrl+Up, Ctrl+Down and the Menu key ask the panel.
-/// Tab leaves the list. Return and Enter never go on to a dialog around the list.
+/// Tab leaves the list. Return and Enter do not go on to a dialog around the list.
 /// Thread: main.
 class QBNestedListTableView : public QTableView {
     Q_OBJECT

@@ -80,8 +80,8 @@ public:
     void connectEngine();
     void engineGone();
     void changeLayer();
-    void catchUp(int rowToSelect);
-    void check();
+    void catchUp(const std::function<int()>& rowAfter);
+    bool check();
     void renewLayout();
     bool isLayoutCurrent() const;
     void adopt(std::unique_ptr<QBComponentsListLayout::Impl> layout);
@@ -95,7 +95,6 @@ public:
     QBRowListPanelWidget* const q;
     bool isStale = false;  // the rows were let go while the panel was hidden
     bool isChecking = false;
-    bool isTakingFocus = false;
     int rowToSelect = -1;
     QBRowKey focused;  // what tellFocus() told last
     // The statement that the rows are of; compared, never dereferenced.
@@ -119,7 +118,7 @@ void QBRowListPanelWidget::Private::connectEngine() {
     QObject::connect(emitter, &QBEngineSignalEmitter::identifierCandidateChildrenUpdateEnded, q,
                      [this] { candidateTimer.start(0); });
     QObject::connect(emitter, &QBEngineSignalEmitter::currentSchemaChanged, q, [this] {
-        check();
+        if (!check()) return;
         refreshWhenShown(true);
         Q_EMIT q->signalIconNeedsUpdate();
     });
@@ -136,7 +135,7 @@ void QBRowListPanelWidget::Private::engineGone() {
     candidateTimer.stop();
     focused = QBRowKey();
     q->adjustLayers(-1);
-    check();
+    if (!check()) return;
     q->refreshUI(true);
     Q_EMIT q->signalIconNeedsUpdate();
 }
@@ -145,27 +144,35 @@ void QBRowListPanelWidget::Private::changeLayer() {
     q->cancelPopup();
     focused = QBRowKey();
     q->adjustLayers(q->engine()->currentTopLevelQueryComponentLayer());
-    check();
+    if (!check()) return;
     refreshWhenShown(true);
     Q_EMIT q->signalIconNeedsUpdate();
 }
 
-void QBRowListPanelWidget::Private::check() {
-    if (isChecking) return;
-    const QScopedValueRollback<bool> guard(isChecking, true);
+/// A check can repair the statement, and who is told of that destroy the panel: false then.
+bool QBRowListPanelWidget::Private::check() {
+    if (isChecking) return true;
+    const QPointer<QBRowListPanelWidget> self(q);
+    isChecking = true;
     q->renewRoot();
     q->checkInvalidComponents();
+    if (!self) return false;
+    isChecking = false;
+    return true;
 }
 
 /// Shows what an edit of the panel has changed, told of or not.
-void QBRowListPanelWidget::Private::catchUp(int row) {
+void QBRowListPanelWidget::Private::catchUp(const std::function<int()>& rowAfter) {
+    const bool wasNotified = std::exchange(isNotified, false);
+    const bool wasForeign = std::exchange(isForeign, false);
+    const Elements changed = wasNotified ? std::exchange(elements, {}) : Elements{q->element()};
+    const bool needsCheck = q->needsCheck(wasForeign ? nullptr : q, changed);
+    q->m_isModifying = false;
     if (std::exchange(isLayerChanged, false)) return changeLayer();
-    if (!isNotified) elements = {q->element()};
-    void* const sender = isForeign ? nullptr : q;
-    if (q->needsCheck(sender, std::exchange(elements, {}))) check();
-    rowToSelect = row;
-    isNotified = false;
-    q->refreshUI(std::exchange(isForeign, false));
+    if (wasForeign) renewLayout();
+    rowToSelect = rowAfter ? rowAfter() : -1;
+    if (needsCheck && !check()) return;
+    q->refreshUI(false);
     Q_EMIT q->signalIconNeedsUpdate();
 }
 
@@ -220,7 +227,7 @@ AbstractQueryComponent* QBRowListPanelWidget::Private::findComponent(QBRowKey ke
 
 /// Tells that the row has the focus, and which one has not any more. -1: none has.
 void QBRowListPanelWidget::Private::tellFocus(int row) {
-    if (isTakingFocus || q->engine() == nullptr) return;
+    if (q->engine() == nullptr) return;
     const QBRowKey earlier = std::exchange(focused, q->m_view->shownKey(row));
     if (earlier == focused) return;
     tell(findComponent(earlier), false);
@@ -242,10 +249,9 @@ void QBRowListPanelWidget::Private::takeFocus(AbstractQueryComponent* component)
         return component != nullptr && item->component == component;
     });
     if (found == items.end()) return;
-    const QScopedValueRollback<bool> guard(isTakingFocus, true);
     const int row = static_cast<int>(found - items.begin());
     const QBRowKey earlier = std::exchange(focused, q->m_view->shownKey(row));
-    q->m_view->selectOnly(row);
+    q->m_view->selectOnly(row);  // tellFocus() finds nothing new
     if (earlier != focused) tell(findComponent(earlier), false);
 }
 
@@ -260,6 +266,11 @@ QBRowListPanelWidget::QBRowListPanelWidget(QWidget* parent)
 
 QBRowListPanelWidget::~QBRowListPanelWidget() {
     if (m_view != nullptr) m_view->setRowProvider(nullptr);
+    // From within one of its own actions the menu has to outlive the panel.
+    if (!d->menu) return;
+    d->menu->setParent(nullptr, d->menu->windowFlags());
+    d->menu->close();
+    d->menu->deleteLater();
 }
 
 void QBRowListPanelWidget::setupRows(QBNestedListTableView* view) {
@@ -290,7 +301,7 @@ void QBRowListPanelWidget::relatedElementModified(void* sender, const Elements& 
         d->elements |= elements;
         return;
     }
-    if (needsCheck(sender, elements)) d->check();
+    if (needsCheck(sender, elements) && !d->check()) return;
     d->refreshWhenShown(sender != this);
     Q_EMIT signalIconNeedsUpdate();
 }
@@ -307,7 +318,7 @@ void QBRowListPanelWidget::topLevelQueryComponentLayerChanged(
 void QBRowListPanelWidget::panelBecomeInactive() {}
 
 void QBRowListPanelWidget::updateMarks() {
-    d->check();
+    if (!d->check()) return;
     m_view->updateRowWidgets();
     Q_EMIT signalIconNeedsUpdate();
 }
@@ -410,14 +421,16 @@ bool QBRowListPanelWidget::mayAct() {
     return true;
 }
 
-void QBRowListPanelWidget::applyOwnEdit(const std::function<int()>& edit) {
+void QBRowListPanelWidget::applyOwnEdit(const std::function<void()>& edit,
+                                        const std::function<int()>& rowAfter) {
     if (m_isModifying) return;
-    int row = -1;
-    {
-        const QScopedValueRollback<bool> guard(m_isModifying, true);
-        row = edit();
-    }
-    d->catchUp(row);
+    const QPointer<QBRowListPanelWidget> self(this);
+    m_isModifying = true;
+    edit();
+    if (!self) return;
+    if (engine() != nullptr) return d->catchUp(rowAfter);
+    m_isModifying = false;
+    d->engineGone();
 }
 
 void QBRowListPanelWidget::popupMenu(QMenu* menu, const QPoint& position) {

@@ -49,20 +49,19 @@ public:
     }
     void slotAddRow() override {
         if (!mayAct()) return;
-        applyOwnEdit([this] {
-            for (const char* text : {"new1", "new2"}) {
-                auto& layout = editableLayout();
-                layout.addItem(engine(), element(), this, newColumn(text).release(), -1);
-            }
-            return rowCount() - 1;
-        });
+        applyOwnEdit(
+            [this] {
+                for (const char* text : {"new1", "new2"}) {
+                    auto& layout = editableLayout();
+                    layout.addItem(engine(), element(), this, newColumn(text).release(), -1);
+                }
+            },
+            [this] { return rowCount() - 1; });
     }
     void slotRemoveSelectedRow() override {
         if (!mayAct()) return;
-        applyOwnEdit([this] {
-            editableLayout().removeItems(engine(), element(), this, selectedItems());
-            return -1;
-        });
+        applyOwnEdit(
+            [this] { editableLayout().removeItems(engine(), element(), this, selectedItems()); });
     }
     void slotEditSelectedRowAlias() override {
         if (!mayAct()) return;
@@ -248,6 +247,12 @@ void RowListPanelTest::own_edits_show_at_once_whenever_the_host_notifies() {
     QCOMPARE(desk.panel->checks, 2);
     desk.settle();
     QCOMPARE(desk.shown(), QStringLiteral("c0 c2 c3 new1 [new2]"));
+    // By key the control of the current row, though all rows are selected.
+    QTest::keySequence(desk.window.windowHandle(), QKeySequence::SelectAll);
+    for (int i = 0; i < 5; ++i)
+        desk.key(Qt::Key_Right);
+    desk.key(Qt::Key_Return);
+    QCOMPARE(desk.shown(), QStringLiteral("c0 c2 c3 new1"));
     QTest::keySequence(desk.window.windowHandle(), QKeySequence::SelectAll);
     desk.key(Qt::Key_Delete);
     desk.settle();
