@@ -1,13 +1,6 @@
 #pragma once
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QMenu>
-#include <QTabBar>
-#include <QTreeWidget>
 #include <QVBoxLayout>
-#include <QWindow>
-#include <QtTest>
 #include <memory>
 
 #include "diagrampanel/fake_server.h"
@@ -16,6 +9,7 @@
 #include "support/late_host.h"
 #include "support/owned_engine.h"
 #include "support/row_drop.h"
+#include "support/window_events.h"
 #include "widgets/label.h"
 
 namespace QB::Test {
@@ -26,7 +20,7 @@ namespace QB::Test {
 ///     desk.run("click 0 add; pick t.c; key Ctrl+Up")
 ///
 /// A test names the parts of its rows in part().
-class PanelDesk {
+class PanelDesk : public WindowEvents {
 public:
     PanelDesk(Delivery delivery, DatabaseType family) : host(delivery), engine(family) {
         using Objects = FakeServer::Objects;
@@ -130,38 +124,8 @@ public:
         return isHeld || word == "deliver";
     }
 
-    static QWindow* activeWindow(QWidget* fallback) {
-        QWidget* const popup = QApplication::activePopupWidget();
-        return (popup ? popup : fallback)->window()->windowHandle();
-    }
-
-    bool press(const QString& keys) {
-        const int code = QKeySequence(keys)[0];
-        const auto modifiers = Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask));
-        const auto key = Qt::Key(code & ~int(Qt::KeyboardModifierMask));
-        QTest::keyPress(activeWindow(&window), key, modifiers);
-        return true;
-    }
-
-    bool type(const QString& text) {
-        for (const QChar letter : text)
-            QTest::keyClick(activeWindow(&window), letter.toLatin1());
-        return true;
-    }
-
-    static bool clickAt(QWidget* widget, const QPoint& point,
-                        Qt::MouseButton mouseButton = Qt::LeftButton,
-                        Qt::KeyboardModifiers modifiers = {}) {
-        QWidget* const top = widget->window();
-        const QPoint place = widget->mapTo(top, point);
-        QTest::mouseMove(top->windowHandle(), place);
-        QTest::mouseClick(top->windowHandle(), mouseButton, modifiers, place);
-        return true;
-    }
-
-    static bool clickOn(QWidget* widget) {
-        return widget && widget->isVisible() && clickAt(widget, widget->rect().center());
-    }
+    bool press(const QString& keys) { return pressIn(&window, keys); }
+    bool type(const QString& text) { return typeInto(&window, text); }
 
     /// A part of a row, or "row", "row ctrl", "row shift" for the row beside its labels.
     bool clickPart(int row, const QString& name) {
@@ -174,48 +138,8 @@ public:
                        modifiers);
     }
 
-    static QTreeWidgetItem* choice(QTreeWidget* tree, const QString& path) {
-        QTreeWidgetItemIterator item(tree);
-        for (; *item; ++item) {
-            const QString text = (*item)->text(0);
-            const QTreeWidgetItem* const parent = (*item)->parent();
-            if (text == path || text == path + " (*)") return *item;
-            if (parent && parent->text(0) + "." + text == path) return *item;
-        }
-        return nullptr;
-    }
-
-    /// Clicks an item of the chooser: "t.a".
-    static bool pick(const QString& path) {
-        QWidget* const popup = QApplication::activePopupWidget();
-        auto* const tree = popup ? popup->findChild<QTreeWidget*>() : nullptr;
-        QTreeWidgetItem* const item = tree ? choice(tree, path) : nullptr;
-        if (!item) return false;
-        tree->scrollToItem(item);
-        return clickAt(tree->viewport(), tree->visualItemRect(item).center());
-    }
-
-    static bool clickTab(int index) {
-        QWidget* const popup = QApplication::activePopupWidget();
-        auto* const bar = popup ? popup->findChild<QTabBar*>() : nullptr;
-        return bar && clickAt(bar, bar->tabRect(index).center());
-    }
-
     bool openMenu(int row) {
         return clickAt(view()->viewport(), QPoint(3, place(row).center().y()), Qt::RightButton);
-    }
-
-    /// Clicks an entry of the open menu. An entry that cannot be chosen closes it.
-    static bool choose(const QString& text) {
-        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu) return false;
-        const auto entries = menu->actions();
-        for (QAction* entry : entries) {
-            if (entry->text() == text && entry->isEnabled())
-                return clickAt(menu, menu->actionGeometry(entry).center());
-        }
-        menu->close();
-        return false;
     }
 
     /// Drags a row to the upper edge of the row @p target; -1: below the rows.
