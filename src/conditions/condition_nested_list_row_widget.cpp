@@ -6,6 +6,7 @@
 #include "conditions/condition_operators.h"
 #include "conditions/condition_values.h"
 #include "platform/tolk/tolk.h"
+#include "rows/row_control.h"
 #include "rows/row_texts.h"
 #include "ui_condition_nested_list_row_widget.h"
 
@@ -28,9 +29,7 @@ QBConditionNestedListRowWidget::QBConditionNestedListRowWidget(
     // Short words stay whole where the row is narrow; values elide.
     for (QBLabel* label : {m_ui->negatorLabel, m_ui->logicalLabel})
         label->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
-    m_ui->addLabel->setKind(QBRowControl::AddRow);
-    m_ui->addBracketLabel->setKind(QBRowControl::AddBracket);
-    m_ui->deleteLabel->setKind(QBRowControl::Delete);
+    connectControls(this);
     connectLabels();
     slotOnComponentChanged();
 }
@@ -44,9 +43,6 @@ void QBConditionNestedListRowWidget::connectLabels() {
     connectClick(m_ui->rightValueLabel, this, &Row::rightValueLabelClicked);
     connectClick(m_ui->negatorLabel, this, &Row::negateToggleTriggered);
     connectClick(m_ui->logicalLabel, this, &Row::logicGateLabelClicked);
-    connectClick(m_ui->addLabel, this, &Row::addRowButtonClicked);
-    connectClick(m_ui->addBracketLabel, this, &Row::addBracketButtonClicked);
-    connectClick(m_ui->deleteLabel, this, &Row::deleteButtonClicked);
 }
 
 QBNestedListRowWidget* QBConditionNestedListRowWidget::clone() {

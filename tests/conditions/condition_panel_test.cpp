@@ -196,6 +196,9 @@ const Story stories[] = {
      "click 0 op; choose contains; click 0 right; set it's; outside; click 0 op; choose =",
      "t WHERE a = 'it''s'"},
     // BETWEEN
+    {"a string that would be reckoned with gets quotes", W, "t WHERE a = 'x'",
+     "click 0 op; choose starts with; click 0 right; set 2020-01; outside; click 0 op; choose =",
+     "t WHERE a = '2020-01'"},
     {"bounds", W, "t WHERE a BETWEEN 1 AND 2", "click 0 right; type 3; key Tab; type 4; key Return",
      "t WHERE a BETWEEN 3 AND 4"},
     {"one bound, the other stays a field", W, "t WHERE a BETWEEN t.b AND 2",
@@ -348,9 +351,11 @@ private Q_SLOTS:
         QVERIFY(desk.run("click 0 right; type 0; key Return"));
         QCOMPARE(desk.text(), QString("SELECT * FROM t WHERE a BETWEEN 0 AND t.b"));
         QVERIFY(right->next == upper);
+        const auto* const lower = right->values.front();
         QVERIFY(desk.run("click 0 right; key Tab; type 9; key Return"));
         QCOMPARE(desk.text(), QString("SELECT * FROM t WHERE a BETWEEN 0 AND 9"));
         QVERIFY(!right->next);
+        QVERIFY(right->values.front() == lower);
     }
 
     void theOperatorMenuListsAllAndMarksTheCurrentOne() {
