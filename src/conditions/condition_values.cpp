@@ -172,9 +172,12 @@ std::optional<std::string> stringContent(const std::string& text) {
     return content;
 }
 
+/// Digits with at most one point and a sign before them. 2020-01 is none: it would be a difference.
 bool isNumber(const std::string& text) {
+    const std::size_t start = text.find_first_of("+-") == 0 ? 1 : 0;
     const bool hasDigit = text.find_first_of("0123456789") != std::string::npos;
-    return hasDigit && text.find_first_not_of("0123456789.+-") == std::string::npos;
+    const bool isPlain = text.find_first_not_of("0123456789.", start) == std::string::npos;
+    return hasDigit && isPlain && std::count(text.begin(), text.end(), '.') < 2;
 }
 
 /// Moves a string between the quotes of its own and those that the operator writes.
