@@ -4,7 +4,7 @@
 #include "conditions/condition_builder_panel_widget.h"
 
 #include <QEvent>
-#include <QScopedValueRollback>
+#include <QPointer>
 #include <algorithm>
 
 #include "conditions/condition_nested_list_row_widget.h"
@@ -314,21 +314,25 @@ void QBConditionBuilderPanelWidget::rowsRefreshed() {
 
 bool QBConditionBuilderPanelWidget::needsCheck(
     void* sender, const QSet<TopLevelQueryComponentElementEnum>& elements) const {
-    return sender != this && relatedElements().intersects(elements);
+    return isModifying() || (sender != this && relatedElements().intersects(elements));
 }
 
 void QBConditionBuilderPanelWidget::checkInvalidComponents() {
     if (m_isChecking) return;
-    const QScopedValueRollback<bool> guard(m_isChecking, true);
+    const QPointer<QBConditionBuilderPanelWidget> self(this);
+    m_isChecking = true;
     renewRoot();
     Tools::Validation::InvalidConditions& invalid = m_invalidComponentsPerLayer.top();
     if (m_root) {
         auto found = Tools::Validation::invalidateConditionComponents(m_root, element(), engine(),
                                                                       this, &invalid);
+        if (!self) return;
+        renewRoot();  // who was told of a repair may have done anything
         m_invalidComponentsPerLayer.top() = std::move(found);
     } else {
         invalid.clear();
     }
+    m_isChecking = false;
     renewExclusion();
     Q_EMIT signalIconNeedsUpdate();
 }

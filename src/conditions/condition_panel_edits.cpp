@@ -9,6 +9,7 @@
 #include "conditions/condition_builder_panel_widget.h"
 #include "conditions/condition_values.h"
 #include "engine/engine_linux.h"
+#include "layouts/condition_chain_surgery.h"
 #include "layouts/condition_list_layout.h"
 #include "platform/tolk/tolk.h"
 
@@ -69,11 +70,8 @@ void Panel::editCondition(QBRowKey key, const std::function<bool(Condition*)>& c
     const int row = findRow(key);
     Condition* const condition = conditionIn(itemAt(row));
     if (!condition) return;
-    applyOwnEdit([&] {
-        modify([&](DetachedParts&) { return change(condition); });
-        checkInvalidComponents();
-        return row;
-    });
+    applyOwnEdit([&] { modify([&](DetachedParts&) { return change(condition); }); },
+                 [=] { return row; });
 }
 
 // ---- adding and removing ----------------------------------------------------------------------
@@ -103,22 +101,25 @@ void Panel::addCondition(std::unique_ptr<Condition> condition, bool insertBefore
     if (!mayAct()) return;
     const int row = findRow(key);
     if (row < 0) return;
-    applyOwnEdit([&] {
-        QBComponentsListLayout& rows = editableLayout();
-        const Items added = insertBefore
-                                ? rows.insertItem(engine(), element(), this, condition.get(), row)
-                                : rows.addItem(engine(), element(), this, condition.get(), row);
-        if (added.empty()) return -1;
-        const Condition* const link = condition.release();
-        if (dynamic_cast<const Compare*>(link)) {
-            m_excluded.insert({link->id(), QBConditionSide::Left});
-            m_excluded.insert({link->id(), QBConditionSide::Right});
-        }
-        checkInvalidComponents();
+    const long id = condition->id();
+    const bool isBracket = ConditionChain::asBracket(condition.get()) != nullptr;
+    if (dynamic_cast<const Compare*>(condition.get())) {
+        m_excluded.insert({id, QBConditionSide::Left});
+        m_excluded.insert({id, QBConditionSide::Right});
+    }
+    applyOwnEdit(
+        [&] {
+            QBComponentsListLayout& rows = editableLayout();
+            const bool isAdded =
+                !(insertBefore ? rows.insertItem(engine(), element(), this, condition.get(), row)
+                               : rows.addItem(engine(), element(), this, condition.get(), row))
+                     .empty();
+            if (isAdded) condition.release();
+        },
         // Of a bracket the empty place in it, where the user goes on.
-        const Item* const next = added.size() > 1 ? added[1] : added.front();
-        return static_cast<int>(rows.indexOfItem(next));
-    });
+        [=] {
+            return findRow({isBracket ? QBRowKey::Placeholder : QBRowKey::Component, id});
+        });
 }
 
 void Panel::slotAddRow() {
@@ -144,11 +145,8 @@ void Panel::slotRemoveSelectedRow() {
     if (items.empty()) return;
     const int first = static_cast<int>(rowLayout().indexOfItem(items.front()));
     const int place = spanOf(first).first;
-    applyOwnEdit([&] {
-        editableLayout().removeItems(engine(), element(), this, items);
-        checkInvalidComponents();
-        return std::min(place, rowCount() - 1);
-    });
+    applyOwnEdit([&] { editableLayout().removeItems(engine(), element(), this, items); },
+                 [=] { return std::min(place, rowCount() - 1); });
 }
 
 // ---- moving and brackets ----------------------------------------------------------------------
@@ -162,12 +160,12 @@ void Panel::moveRow(QBRowKey key, const std::function<int(int)>& targetOf) {
     const int target = std::max(0, std::min(targetOf(row), rowCount()));
     const std::pair<int, int> span = spanOf(row);
     if (span.first <= target && target <= span.second + 1) return;
-    applyOwnEdit([&] {
-        editableLayout().moveItem(engine(), element(), this, item,
-                                  static_cast<unsigned long>(target));
-        checkInvalidComponents();
-        return findRow(key);
-    });
+    applyOwnEdit(
+        [&] {
+            editableLayout().moveItem(engine(), element(), this, item,
+                                      static_cast<unsigned long>(target));
+        },
+        [=] { return findRow(key); });
 }
 
 void Panel::slotMoveUpSelectedRow() {
@@ -183,12 +181,10 @@ void Panel::group(const std::vector<QBRowKey>& keys) {
     if (!mayAct()) return;
     const Items items = itemsOf(keys);
     if (!rowLayout().canGroupItemsByBracket(items)) return;
-    applyOwnEdit([&] {
-        editableLayout().groupItemsByBracket(engine(), element(), this, items, -1);
-        checkInvalidComponents();
+    applyOwnEdit(
+        [&] { editableLayout().groupItemsByBracket(engine(), element(), this, items, -1); },
         // The bracket's own row stands before the first one in it.
-        return spanOf(findRow(keys.front())).first - 1;
-    });
+        [=] { return spanOf(findRow(keys.front())).first - 1; });
 }
 
 void Panel::ungroup(const std::vector<QBRowKey>& keys) {
@@ -196,11 +192,8 @@ void Panel::ungroup(const std::vector<QBRowKey>& keys) {
     const Items items = itemsOf(keys);
     if (!rowLayout().canUngroupItemsByBracket(items)) return;
     const int open = spanOf(findRow(keys.front())).first;
-    applyOwnEdit([&] {
-        editableLayout().ungroupItemsByBracket(engine(), element(), this, items);
-        checkInvalidComponents();
-        return open;
-    });
+    applyOwnEdit([&] { editableLayout().ungroupItemsByBracket(engine(), element(), this, items); },
+                 [=] { return open; });
 }
 
 // ---- NOT, logic word, operator ----------------------------------------------------------------
@@ -264,13 +257,13 @@ void Panel::performEditCompareOperator(Condition* condition, int operatorValue, 
     auto* const compare = dynamic_cast<Compare*>(condition);
     auto* const value = dynamic_cast<Value*>(condition);
     const bool wantsCompare = op != CompareOpNone;
-    applyOwnEdit([&] {
-        if (compare && wantsCompare) replaceOperator(compare, op);
-        if (compare && !wantsCompare) replaceByValue(item, compare);
-        if (value && wantsCompare) replaceByCompare(item, value, op);
-        checkInvalidComponents();
-        return row;
-    });
+    applyOwnEdit(
+        [&] {
+            if (compare)
+                return wantsCompare ? replaceOperator(compare, op) : replaceByValue(item, compare);
+            if (value && wantsCompare) replaceByCompare(item, value, op);
+        },
+        [=] { return row; });
 }
 
 void Panel::replaceOperator(Compare* compare, CompareOp compareOp) {

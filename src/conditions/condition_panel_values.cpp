@@ -79,14 +79,16 @@ Value* Panel::ensureValue(QBConditionSide side, DetachedParts& removed) {
 
 void Panel::editValue(QBConditionSide side,
                       const std::function<void(Value*, DetachedParts&)>& write) {
-    applyOwnEdit([&] {
-        modify([&](DetachedParts& removed) {
-            write(ensureValue(side, removed), removed);
-            return true;
+    applyOwnEdit(
+        [&] {
+            modify([&](DetachedParts& removed) {
+                write(ensureValue(side, removed), removed);
+                return true;
+            });
+        },
+        [=] {
+            return findRow({QBRowKey::Component, side.conditionId});
         });
-        checkInvalidComponents();
-        return findRow({QBRowKey::Component, side.conditionId});
-    });
 }
 
 // ---- opening ----------------------------------------------------------------------------------

@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QScopedValueRollback>
+#include <QPointer>
 #include <QToolTip>
 #include <algorithm>
 #include <limits>
@@ -219,17 +219,18 @@ void QBRowSelectionLimitPanelWidget::takeText(QBLabel* label, long statementId,
 }
 
 void QBRowSelectionLimitPanelWidget::setValue(const QBLabel* label, int value) {
-    {
-        const QScopedValueRollback<bool> guard(m_isModifying, true);
-        engine()->modifyInTopLevelQueryComponentElement<ELEMSQLLimitExpr*>(
-            ElementLimit, engine()->currentTopLevelQueryComponentLayer(),
-            [this, label, value](ELEMSQLLimitExpr* changed) {
-                if (label == ui->clicklabel_offset) changed->offset = value;
-                if (label == ui->clicklabel_rowCount) changed->rowCount = value;
-                return true;
-            },
-            this);
-    }
+    const QPointer<QBRowSelectionLimitPanelWidget> self(this);
+    m_isModifying = true;
+    engine()->modifyInTopLevelQueryComponentElement<ELEMSQLLimitExpr*>(
+        ElementLimit, engine()->currentTopLevelQueryComponentLayer(),
+        [this, label, value](ELEMSQLLimitExpr* changed) {
+            if (label == ui->clicklabel_offset) changed->offset = value;
+            if (label == ui->clicklabel_rowCount) changed->rowCount = value;
+            return true;
+        },
+        this);
+    if (!self) return;  // who was told may have done anything
+    m_isModifying = false;
     // The notification may have come inside, where it was passed over, or comes later.
     updateDisplay();
 }

@@ -4,7 +4,7 @@
 #include <QEvent>
 #include <QLayout>
 #include <QMenu>
-#include <QScopedValueRollback>
+#include <QPointer>
 #include <algorithm>
 #include <utility>
 
@@ -189,13 +189,15 @@ QBColumnListPanelWidget::Column* QBColumnListPanelWidget::currentColumn() const 
 void QBColumnListPanelWidget::checkInvalidComponents() {
     using namespace Tools::Validation;
     InvalidColumns found;
+    const QPointer<QBColumnListPanelWidget> self(this);
     if (statement()) {
         const InvalidColumns known = m_invalidComponentsPerLayer.top();
         const int which = firstRelatedElement();
         found = which == ElementSelectColumn
                     ? invalidateRefComponents_selectColumn(which, engine(), this, &known)
                     : invalidateRefComponents_column(which, engine(), this, &known);
-        keepLostReferences(found);
+        if (!self) return;  // who was told of a repair may have done anything
+        if (statement()) keepLostReferences(found);
     }
     m_invalidComponentsPerLayer.top() = std::move(found);
 }
@@ -222,7 +224,7 @@ void QBColumnListPanelWidget::keepLostReferences(Tools::Validation::InvalidColum
 bool QBColumnListPanelWidget::needsCheck(
     void* sender, const QSet<TopLevelQueryComponentElementEnum>& elements) const {
     const bool isForeign = sender != this && elements.contains(element());
-    return m_isChangingColumns || isForeign || elements.contains(ElementSource);
+    return isModifying() || isForeign || elements.contains(ElementSource);
 }
 
 void QBColumnListPanelWidget::adjustLayers(int currentLayer) {
@@ -243,12 +245,13 @@ int QBColumnListPanelWidget::invalidReason(const Column* column) const {
 // ---- adding and editing ---------------------------------------------------------------------
 
 void QBColumnListPanelWidget::modifyColumns(int row, const std::function<bool()>& edit) {
-    applyOwnEdit([&] {
-        engine()->modifyInTopLevelQueryComponentElement<ELEMAbstractTopLevelQueryExpr*>(
-            element(), engine()->currentTopLevelQueryComponentLayer(),
-            [&edit](ELEMAbstractTopLevelQueryExpr*) { return edit(); }, this);
-        return row;
-    });
+    applyOwnEdit(
+        [&] {
+            engine()->modifyInTopLevelQueryComponentElement<ELEMAbstractTopLevelQueryExpr*>(
+                element(), engine()->currentTopLevelQueryComponentLayer(),
+                [&edit](ELEMAbstractTopLevelQueryExpr*) { return edit(); }, this);
+        },
+        [row] { return row; });
 }
 
 void QBColumnListPanelWidget::addComponent(bool insert) {
@@ -296,14 +299,16 @@ void QBColumnListPanelWidget::insertColumn(const QBChosenColumn& chosen, QBRowKe
     std::unique_ptr<Column> column(obtainSuitableComponent(nullptr, tabOf(chosen)));
     if (!fillColumn(column.get(), chosen, engine())) return;
     settleExtraData(*column, OrderDirectionNone);
-    const QScopedValueRollback<bool> guard(m_isChangingColumns, true);
-    applyOwnEdit([&] {
-        const Items added =
-            editableLayout().insertItem(engine(), element(), this, column.get(), findRow(before));
-        if (added.empty()) return -1;
-        column.release();
-        return static_cast<int>(rowLayout().indexOfItem(added.front()));
-    });
+    const QBRowKey key{QBRowKey::Component, column->id()};
+    applyOwnEdit(
+        [&] {
+            const bool isAdded =
+                !editableLayout()
+                     .insertItem(engine(), element(), this, column.get(), findRow(before))
+                     .empty();
+            if (isAdded) column.release();
+        },
+        [=] { return findRow(key); });
 }
 
 void QBColumnListPanelWidget::editColumn(QBRowKey key, const QBChosenColumn& chosen) {
@@ -318,7 +323,6 @@ void QBColumnListPanelWidget::editColumn(QBRowKey key, const QBChosenColumn& cho
     Column* const column = obtainSuitableComponent(kept, tabOf(chosen));
     std::unique_ptr<Column> replacement(column == old ? nullptr : column);
     m_invalidComponentsPerLayer.top().erase(old);
-    const QScopedValueRollback<bool> guard(m_isChangingColumns, true);
     modifyColumns(row, [&] {
         if (!fillColumn(column, chosen, engine())) return false;
         if (replacement) replaceColumn(item, std::move(replacement));
@@ -361,10 +365,8 @@ void QBColumnListPanelWidget::slotRemoveSelectedRow() {
     for (const Item* item : going)
         m_invalidComponentsPerLayer.top().erase(static_cast<Column*>(item->component));
     const int row = rowView()->currentRow();
-    applyOwnEdit([&] {
-        editableLayout().removeItems(engine(), element(), this, going);
-        return std::min(std::max(row, 0), rowCount() - 1);
-    });
+    applyOwnEdit([&] { editableLayout().removeItems(engine(), element(), this, going); },
+                 [=] { return std::min(std::max(row, 0), rowCount() - 1); });
 }
 
 // ---- moving ---------------------------------------------------------------------------------
@@ -394,11 +396,13 @@ void QBColumnListPanelWidget::moveComponent(int row, int target) {
     if (!item || item->isPlaceholder) return;
     const int place = target < 0 ? rowCount() : std::min(target, rowCount());
     if (place == row || place == row + 1) return;
-    applyOwnEdit([&] {
-        editableLayout().moveItem(engine(), element(), this, item,
-                                  static_cast<unsigned long>(place));
-        return static_cast<int>(rowLayout().indexOfItem(item));
-    });
+    const QBRowKey key = rowKey(row);
+    applyOwnEdit(
+        [&] {
+            editableLayout().moveItem(engine(), element(), this, item,
+                                      static_cast<unsigned long>(place));
+        },
+        [=] { return findRow(key); });
 }
 
 void QBColumnListPanelWidget::rowsRefreshed() {

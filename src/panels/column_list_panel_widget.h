@@ -143,7 +143,6 @@ private:
     PerLayer<std::set<long>> m_lostReferencesPerLayer;
     RowDatabase m_rowDatabase;
     QBRowKey m_popupRow;
-    bool m_isChangingColumns = false;             // an edit after which validity is to be looked at
     QAbstractButton* m_moveUpButton = nullptr;    // not owned: a child
     QAbstractButton* m_moveDownButton = nullptr;  // not owned: a child
     QBPanelPopup m_popup{this};                   // last, so that it goes first

@@ -412,9 +412,11 @@ void QBSourceSelectionPanelWidget::slotConvertToSubquery() {
     std::unique_ptr<Subquery> subquery = convertExpressionToSubquery(*expression, &error);
     if (!subquery) return showError(error);
     const QBRowKey key{QBRowKey::Component, subquery->id()};
+    const QPointer<QBSourceSelectionPanelWidget> self(this);
     applyTo<Expression>(rowKey(rowView()->currentRow()), [&](SourceEdits& edits, int row, auto*) {
         edits.replace(row, std::move(subquery));
     });
+    if (!self || !mayAct()) return;
     const int row = findRow(key);
     if (auto* made = componentAt<Subquery>(row)) openLayerOf(made, row);
 }
@@ -444,12 +446,14 @@ void QBSourceSelectionPanelWidget::slotOpenSubquery() {
     Subquery* const subquery = currentForAction<Subquery>();
     if (!subquery) return;
     const QBRowKey key = rowKey(rowView()->currentRow());
+    const QPointer<QBSourceSelectionPanelWidget> self(this);
     if (!subquery->subquery) {
         applyTo<Subquery>(key, [this](SourceEdits& edits, int row, Subquery*) {
             auto* statement = engine()->createTopLevelQueryComponentForCurrentDatabase();
             edits.setStatement(row,
                                OwnedStatement(dynamic_cast<SQLSelectStmtComponent*>(statement)));
         });
+        if (!self || !mayAct()) return;
     }
     const int row = findRow(key);
     if (auto* opened = componentAt<Subquery>(row)) openLayerOf(opened, row);

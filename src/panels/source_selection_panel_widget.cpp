@@ -271,8 +271,9 @@ void QBSourceSelectionPanelWidget::apply(const std::function<int(SourceEdits&)>&
     auto* const rows = dynamic_cast<SourceEdits::Rows*>(editableLayout().implementation());
     if (!rows) return;
     SourceEdits edits(engine(), rows, this);
-    applyOwnEdit([&] { return edit(edits); });
-    // Last: the host's window may end all of this.
+    int row = -1;
+    applyOwnEdit([&] { row = edit(edits); }, [&] { return std::min(row, rowCount() - 1); });
+    // Last: the host's window may end all of this, if the edit has not.
     tell(Tolk::TextConditionsRemoved, edits.removedConditions());
     tell(Tolk::TextConditionsBlind, edits.blindConditions());
 }
@@ -288,7 +289,7 @@ void QBSourceSelectionPanelWidget::slotRemoveSelectedRow() {
     const bool isJoin = kindOf(*item) == JoinRow;
     apply([=](SourceEdits& edits) {
         edits.remove(row);
-        return isJoin ? -1 : std::min(row, rowCount() - 1);
+        return isJoin ? -1 : row;
     });
 }
 
@@ -298,7 +299,7 @@ void QBSourceSelectionPanelWidget::changeBrackets(bool isGrouping) {
     const int current = rowView()->currentRow();
     apply([&](SourceEdits& edits) {
         isGrouping ? edits.group(rows) : edits.ungroup(rows);
-        return std::min(current, rowCount() - 1);
+        return current;
     });
 }
 

@@ -111,11 +111,14 @@ protected:
     /// told yet, the rows are brought up to date first, so look rows up afterwards.
     bool mayAct();
 
-    /// Runs @p edit, which makes its modifications with the panel as sender, and shows the result
-    /// also where the host notifies later. @p edit returns the row to select then; -1: the
-    /// selection stays with its rows.
+    /// Runs @p edit, which makes its modification with the panel as sender, and shows the result
+    /// also where the host notifies later. Who is notified may destroy the panel, the engine or the
+    /// statement: @p edit touches none of them after its modification, nor does the caller after
+    /// this. @p rowAfter, called when the rows show the result, returns the row to select; -1 or
+    /// none: the selection stays with its rows. It is not called if another layer is current then.
     /// Cost beside the edit: one pass over the rows.
-    void applyOwnEdit(const std::function<int()>& edit);
+    void applyOwnEdit(const std::function<void()>& edit,
+                      const std::function<int()>& rowAfter = nullptr);
 
     /// Makes the row that shows @p widget the current and only selected one. False if none does any
     /// more: a click that came too late.

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QStyleOption>
 #include <QToolTip>
 #include <algorithm>
@@ -256,7 +257,9 @@ void QBLabel::mouseReleaseEvent(QMouseEvent* event) {
     event->ignore();
     if (event->button() != Qt::LeftButton || !m_isPressed) return;
     m_isPressed = false;
+    const QPointer<QBLabel> self(this);
     if (rect().contains(event->pos())) click();
+    if (!self) event->accept();  // else it goes on to a parent that is not there any more
 }
 
 void QBLabel::keyPressEvent(QKeyEvent* event) {
