@@ -50,6 +50,7 @@ public:
     void fit();
     void place(const QRect& room);
     void takeFocus();
+    bool holdsFocus() const;
     void giveFocusBack();
     void closeWhenHidden();
     bool handleCancelKey(QEvent* event);
@@ -117,11 +118,16 @@ void QBInputPopup::Private::takeFocus() {
     selectText(q->focusWidget() ? q->focusWidget() : endOfFocusProxies(content));
 }
 
-/// Qt gives the focus to the window below, but to what that window has kept for it.
+/// Whether the focus lies in the popup, or nowhere.
+bool QBInputPopup::Private::holdsFocus() const {
+    const QWidget* present = QApplication::focusWidget();
+    return !present || present == q || q->isAncestorOf(present);
+}
+
+/// Qt gives the focus to what the window below has kept for it; where that is gone, to nothing.
 void QBInputPopup::Private::giveFocusBack() {
     QWidget* receiver = focusBefore;
-    if (!receiver && q->parentWidget() && !QApplication::focusWidget())
-        receiver = q->parentWidget();
+    if (!receiver && holdsFocus()) receiver = q->parentWidget();
     if (receiver && receiver->isVisible() && !receiver->hasFocus())
         receiver->setFocus(Qt::PopupFocusReason);
 }
@@ -231,8 +237,7 @@ void QBInputPopup::closeEvent(QCloseEvent* event) {
     QWidget::closeEvent(event);
     if (d->isFinished) return;
     d->isFinished = true;
-    const QWidget* present = QApplication::focusWidget();
-    const bool hadFocus = !present || present == this || isAncestorOf(present);
+    const bool hadFocus = d->holdsFocus();
     hide();
     if (hadFocus) d->giveFocusBack();
     const QPointer<QBInputPopup> self(this);
