@@ -57,6 +57,8 @@ if(TARGET joinery-desk)
     install(FILES resources/desk/joinery-desk.svg
             DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
     install(FILES packaging/joinery-desk.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES packaging/completions/joinery-desk
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 endif()
 if(TARGET joinery-sql)
     install(TARGETS joinery-sql RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
