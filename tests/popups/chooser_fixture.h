@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QLineEdit>
-#include <QPointer>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QTabWidget>
 #include <QTreeWidget>
 #include <QtTest>
