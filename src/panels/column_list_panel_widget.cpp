@@ -12,6 +12,7 @@
 #include "layouts/column_vector_layout.h"
 #include "model/kind_of.h"
 #include "model/tree_walks.h"
+#include "panels/free_text.h"
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
 #include "popups/column_selection_popup_widget.h"
@@ -287,9 +288,12 @@ void QBColumnListPanelWidget::openChooser(QWidget* anchor, Column* edited, const
     chooser->setAggregateVisible(true);
     setupChooser(chooser);
     connect(chooser, &QBColumnSelectionPopupWidget::chosen, this, [this] { m_popup.accept(); });
-    m_popup.open(chooser, anchor, [chooser, answer] {
+    m_popup.open(chooser, anchor, [this, chooser, answer] {
         // A click outside accepts, too: without a new choice it changes nothing.
-        if (chooser->hasChoice() && chooser->hasChanged()) answer(chooser->chosenColumn());
+        if (!chooser->hasChoice() || !chooser->hasChanged() || !engine()) return;
+        QBChosenColumn chosen = chooser->chosenColumn();
+        chosen.expression = withLineEnded(chosen.expression, engine()->databaseType());
+        answer(chosen);
     });
 }
 

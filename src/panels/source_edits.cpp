@@ -177,8 +177,9 @@ void SourceEdits::setTable(int row, const std::vector<std::string>& path, const 
     });
 }
 
-void SourceEdits::setStatement(int row, OwnedStatement statement) {
+void SourceEdits::setStatement(int row, OwnedStatement statement, const std::string& alias) {
     change<SQLSubquerySourceComponent>(row, [&](auto* source) {
+        if (!alias.empty()) source->alias = alias;
         DetachedParts old;
         old.add(std::unique_ptr<AbstractQueryComponent>(
             std::exchange(source->subquery, statement.release())));

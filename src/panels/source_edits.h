@@ -66,7 +66,8 @@ public:
     void setAlias(int row, const std::string& alias);
     void setTable(int row, const std::vector<std::string>& path, const std::string& name);
     void setExpression(int row, const std::string& text);
-    void setStatement(int row, OwnedStatement statement);
+    /// An empty @p alias leaves that of the subquery.
+    void setStatement(int row, OwnedStatement statement, const std::string& alias = {});
     void group(const Items& items);
     void ungroup(const Items& items);
 

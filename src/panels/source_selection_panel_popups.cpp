@@ -11,6 +11,7 @@
 #include "conditions/condition_builder_panel_widget.h"
 #include "engine/engine_linux.h"
 #include "model/callbacks.h"
+#include "panels/free_text.h"
 #include "panels/source_edits.h"
 #include "panels/source_selection_panel_answers.h"
 #include "panels/source_selection_panel_widget.h"
@@ -240,7 +241,8 @@ void QBSourceSelectionPanelWidget::updateComponent(Source* source,
         if (!chosen.catalogOrSchemaName.isEmpty())
             table->path.push_back(chosen.catalogOrSchemaName.toStdString());
     } else if (auto* expression = dynamic_cast<Expression*>(source)) {
-        expression->expression = chooser->expressionText().trimmed().toStdString();
+        const std::string typed = chooser->expressionText().trimmed().toStdString();
+        expression->expression = withLineEnded(typed, engine()->databaseType());
         if (expression->expression.empty()) *errorOut = Tolk::localize(Tolk::TextSourceTextMissing);
     }
 }
@@ -438,7 +440,7 @@ void QBSourceSelectionPanelWidget::acceptSubqueryText(QBRowKey key, const QStrin
     if (!reading.statement)
         return refuse(reading.error, [=] { return editSubqueryAsPlaintext(key, text); });
     applyTo<Subquery>(key, [&](SourceEdits& edits, int row, Subquery*) {
-        edits.setStatement(row, std::move(reading.statement));
+        edits.setStatement(row, std::move(reading.statement), reading.alias);
     });
 }
 

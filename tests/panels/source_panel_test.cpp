@@ -141,6 +141,8 @@ const Story stories[] = {
     {"and takes the alias behind it", "SELECT * FROM t",
      "click 0 addLabel; join 1; tab 1; type (SELECT 1) AS x; outside",
      "SELECT * FROM t, ( SELECT 1 ) AS x"},
+    {"a text keeps its comment to itself", "SELECT y.a FROM t, f(1) AS y",
+     "click 2 main; key Ctrl+A; type f(2) -- two; outside", "SELECT y.a FROM t, f(2) -- two AS y"},
     {"an empty text is told", "SELECT * FROM t", "click 0 addLabel; tab 1; type  ; outside",
      "SELECT * FROM t", "text is empty"},
     {"an edited text becomes a subquery and keeps its alias", "SELECT x.a FROM f(1) AS x",
@@ -234,6 +236,9 @@ const Story stories[] = {
     {"a subquery as text", "SELECT * FROM ( SELECT 1 ) AS x",
      "menu 0 Edit as plain text; key Ctrl+A; type SELECT a FROM t; key Ctrl+Return",
      "SELECT * FROM ( SELECT a FROM t ) AS x"},
+    {"a subquery as text with another alias", "SELECT x.a FROM ( SELECT t.a FROM t ) AS x",
+     "menu 0 Edit as plain text; key Ctrl+A; type (SELECT u.a FROM u) AS y; key Ctrl+Return",
+     "SELECT y.a FROM ( SELECT u.a FROM u ) AS y"},
     {"a refused text changes nothing and can be mended", "SELECT * FROM ( SELECT 1 ) AS x",
      "menu 0 Edit as plain text; key Ctrl+End; type  FROM; key Ctrl+Return; type  t; key "
      "Ctrl+Return",
