@@ -188,7 +188,10 @@ void Panel::applyChosen(QBConditionSide side, QBChosenColumn chosen) {
         obtainComponentFromColumnSelectionPopupInput(chosen);
     if (!column) return;
     editValue(side, [&](Value* value, DetachedParts& removed) {
-        ConditionValues::setItem(value, 0, std::move(column), removed);
+        if (operand->kind == ConditionOperand::Pattern)
+            ConditionValues::setPattern(value, std::move(column), removed);
+        else
+            ConditionValues::setItem(value, 0, std::move(column), removed);
     });
 }
 

@@ -34,6 +34,7 @@ std::string textOf(const AbstractQueryComponent* component, int listMode,
     if (!stringifier || !component) return {};
     stringifier->setCurrentSchema(database.schema);
     stringifier->setParameter(conditionValueListModeKey, QBVariant(listMode));
+    stringifier->setParameter(partLeavesOutSchemaKey, QBVariant(1));
     return stringifier->stringifyQuery(component);
 }
 
@@ -180,6 +181,14 @@ bool isNumber(const std::string& text) {
     return hasDigit && isPlain && std::count(text.begin(), text.end(), '.') < 2;
 }
 
+/// Whether @p item says the same between the quotes of a pattern.
+bool fitsPattern(const SQLAbstractColumnComponent* item) {
+    const auto* expression = ifKind<Expression>(item);
+    if (!expression) return false;
+    const std::string& text = expression->expression;
+    return isBlank(text) || isNumber(text) || !stringContent(text).value_or("").empty();
+}
+
 /// Moves a string between the quotes of its own and those that the operator writes.
 void adaptQuotes(SQLAbstractColumnComponent* item, bool isPattern) {
     auto* expression = dynamic_cast<Expression*>(item);
@@ -189,6 +198,24 @@ void adaptQuotes(SQLAbstractColumnComponent* item, bool isPattern) {
         text = stringContent(text).value_or(text);
     } else if (!isNumber(text)) {
         text = '\'' + insideQuotes(text) + '\'';
+    }
+}
+
+/// True if an empty item stands before those that are no pattern.
+bool holdsBack(const SQLConditionValueComponent* value) {
+    return value->values.size() > 1 && isNothing(value->values.front());
+}
+
+/// A field or an expression waits behind an empty pattern for an operator that can write it.
+void adaptPattern(SQLConditionValueComponent* right, bool isPattern, DetachedParts& removed) {
+    std::vector<SQLAbstractColumnComponent*>& items = right->values;
+    if (isPattern && (!fitsPattern(items.front()) || holdsBack(right))) {
+        items.insert(items.begin(), makeExpression({}).release());
+    } else if (!isPattern && holdsBack(right)) {
+        removed.add(std::unique_ptr<AbstractQueryComponent>(items.front()));
+        items.erase(items.begin());
+    } else {
+        adaptQuotes(items.front(), isPattern);
     }
 }
 
@@ -299,6 +326,12 @@ void setRange(SQLConditionValueComponent* value, const Range& range, const RowDa
     setItem(value, 1, makeExpression(asOnePiece(range.high, Place::Right, database)), removed);
 }
 
+void setPattern(SQLConditionValueComponent* value, std::unique_ptr<SQLAbstractColumnComponent> item,
+                DetachedParts& removed) {
+    if (holdsBack(value)) setList(value, {}, removed);
+    setItem(value, 0, std::move(item), removed);
+}
+
 void setList(SQLConditionValueComponent* value, Columns items, DetachedParts& removed) {
     for (SQLAbstractColumnComponent* old : std::exchange(value->values, {}))
         removed.add(std::unique_ptr<AbstractQueryComponent>(old));
@@ -311,8 +344,7 @@ void adaptOperand(SQLConditionValueComponent* right, ConditionOperand from, Cond
     if (from == ConditionOperand::Range && to != ConditionOperand::Range) unchain(right, removed);
     const bool wasPattern = from == ConditionOperand::Pattern;
     const bool isPattern = to == ConditionOperand::Pattern;
-    if (wasPattern != isPattern && !right->values.empty())
-        adaptQuotes(right->values.front(), isPattern);
+    if (wasPattern != isPattern && !right->values.empty()) adaptPattern(right, isPattern, removed);
 }
 
 }  // namespace QB::ConditionValues

@@ -72,11 +72,16 @@ void setItem(SQLConditionValueComponent* value, std::size_t index,
 void setRange(SQLConditionValueComponent* value, const Range& range, const RowDatabase& database,
               DetachedParts& removed);
 
+/// As the first item; what adaptOperand() kept because it is no pattern goes.
+void setPattern(SQLConditionValueComponent* value, std::unique_ptr<SQLAbstractColumnComponent> item,
+                DetachedParts& removed);
+
 void setList(SQLConditionValueComponent* value, Columns items, DetachedParts& removed);
 
 /// Makes the right operand fit for another operator. Both bounds of a range are items of a list,
 /// and a plain string has its quotes only where the operator writes none. What does not fit stays
-/// in the model, unwritten, until it fits again.
+/// in the model, unwritten, until it fits again: a field or an expression is no pattern, and a
+/// missing value takes its place.
 void adaptOperand(SQLConditionValueComponent* right, ConditionOperand from, ConditionOperand to,
                   DetachedParts& removed);
 

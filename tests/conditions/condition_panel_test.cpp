@@ -196,6 +196,14 @@ const Story stories[] = {
      "click 0 op; choose contains; click 0 right; set it's; outside; click 0 op; choose =",
      "t WHERE a = 'it''s'"},
     // BETWEEN
+    {"what is no pattern waits for an operator that writes it", W,
+     "t WHERE a = t.b AND c = NOW() AND b = ''",
+     "click 0 op; choose contains; click 1 op; choose ends with; click 2 op; choose starts with; "
+     "click 0 op; choose =; click 1 op; choose <; click 2 op; choose =",
+     "t WHERE a = t.b AND c < NOW() AND b = ''"},
+    {"and goes when a pattern is typed", W, "t WHERE a = t.b",
+     "click 0 op; choose contains; click 0 right; set x; outside; click 0 op; choose in list",
+     "t WHERE a IN ('x')"},
     {"a string that would be reckoned with gets quotes", W, "t WHERE a = 'x'",
      "click 0 op; choose starts with; click 0 right; set 2020-01; outside; click 0 op; choose =",
      "t WHERE a = '2020-01'"},
