@@ -70,8 +70,9 @@ RowText qualifiedField(const SQLFieldColumnComponent* field, const RowDatabase& 
 
 RowText fieldText(const SQLFieldColumnComponent* field, const RowDatabase& database) {
     const SQLAbstractColumnComponent* referenced = field->referencedColumn;
-    if (referenced && !referenced->alias.empty()) return {nameText(referenced->alias)};
-    RowText text = qualifiedField(field, database);
+    const bool isNamed = referenced && !referenced->alias.empty();
+    const RowText text =
+        isNamed ? RowText{nameText(referenced->alias)} : qualifiedField(field, database);
     if (field->aggregateFunction.empty()) return text;
     return {nameText(field->aggregateFunction) + QLatin1Char('(') + text.text + QLatin1Char(')')};
 }
@@ -128,6 +129,7 @@ QString textInOneLine(const Component::AbstractQueryComponent* component,
     const auto stringifier = QBQueryComponentStringifier::createStringifier(database.info);
     if (!stringifier) return QString();
     stringifier->setCurrentSchema(database.schema);
+    stringifier->setParameter(partLeavesOutSchemaKey, QBVariant(1));
     return oneLine(stringifier->stringifyQuery(component));
 }
 

@@ -397,6 +397,8 @@ private Q_SLOTS:
             static_cast<SQLFieldColumnComponent*>(part.get());
         static_cast<SQLFieldColumnComponent*>(part.get())->alias = "n";
         QCOMPARE(shown(columnRow(referring, mySQL).get()), QString("n | ~<direction>"));
+        static_cast<SQLFieldColumnComponent*>(referring.get())->aggregateFunction = "MAX";
+        QCOMPARE(shown(columnRow(referring, mySQL).get()), QString("MAX(n) | ~<direction>"));
     }
 
     void bracketsAndPromptsShowWhatThePanelAsksFor() {
