@@ -281,7 +281,7 @@ void QBJoinSelectionPopupWidget::joinSelection(int* type, QString* customText) c
     *type =
         selected.isEmpty() ? int(SQLJoinTypeCustom) : selected.first()->data(joinTypeRole).toInt();
     if (selected.isEmpty() || *type != SQLJoinTypeCustom) return;
-    if (d->customTextEdit->text() == QLatin1String(","))
+    if (d->customTextEdit->text().trimmed() == QLatin1String(","))
         *type = SQLJoinTypeComma;
     else
         *customText = d->customTextEdit->text();

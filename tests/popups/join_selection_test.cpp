@@ -121,8 +121,10 @@ private Q_SLOTS:
         choice.type(",");
         QCOMPARE(choice.current(), int(SQLJoinTypeCustom));
         QCOMPARE(choice.selection(), QString("1 untouched"));
+        choice.type(" ");
+        QCOMPARE(choice.selection(), QString("1 untouched"));
         choice.type("x");
-        QCOMPARE(choice.selection(), QString("0 ,x"));
+        QCOMPARE(choice.selection(), QString("0 , x"));
     }
 
     void aCustomJoinStartsInItsText() {
