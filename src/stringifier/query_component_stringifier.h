@@ -58,7 +58,8 @@ public:
     /// Writes names by @p quote instead of the host's function; an empty one goes back to that.
     void setQuoteName(QuoteName quote);
 
-    /// The first value set under a key stays. Known keys: conditionValueListModeKey.
+    /// The first value set under a key stays. Known keys: conditionValueListModeKey,
+    /// partLeavesOutSchemaKey.
     void setParameter(const std::string& key, const QBVariant& value);
 
     /// The text of @p component, at the left margin also when it stands deep in a statement; ""
@@ -109,5 +110,10 @@ private:
 /// Parameter of type int: how a value list that is not the operand of a comparison is written.
 /// 1 (the default): items separated by commas; 2: two items with AND between; else the first item.
 inline const std::string conditionValueListModeKey = "SQLConditionValueListMode";
+
+/// Parameter, any value: what is no statement, written by itself, leaves the current schema out of
+/// its names as a statement does. Without it a part keeps them, since it does not know how many
+/// schemas its statement has.
+inline const std::string partLeavesOutSchemaKey = "partLeavesOutSchema";
 
 }  // namespace QB

@@ -349,8 +349,9 @@ void QBQueryComponentStringifier_SQL::appendSourceAlias(StringifiedNode& node,
 }
 
 bool QBQueryComponentStringifier_SQL::mayDropSchema(const std::string& schema) const {
-    return !m_multipleSchemaStack.empty() && !m_multipleSchemaStack.back() &&
-           schema == currentSchema();
+    if (schema != currentSchema()) return false;
+    if (m_multipleSchemaStack.empty()) return parameter(partLeavesOutSchemaKey) != nullptr;
+    return !m_multipleSchemaStack.back();
 }
 
 StringifiedNode QBQueryComponentStringifier_SQL::stringifyComponent_SQLIdentifierSourceComponent(
