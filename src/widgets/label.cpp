@@ -5,7 +5,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
-#include <QStyleOption>
 #include <QToolTip>
 #include <algorithm>
 
@@ -181,23 +180,25 @@ void QBLabel::paintText(QPainter& painter) {
     const QRect area = textRect();
     if (m_elidedWidth != area.width()) {
         m_elidedWidth = area.width();
-        m_elided = textWidth() <= area.width()
-                       ? shownText()
-                       : fontMetrics().elidedText(shownText(), Qt::ElideRight, area.width());
+        const bool isWhole = textWidth() <= area.width();
+        m_elided = isWhole ? shownText()
+                           : fontMetrics().elidedText(shownText(), Qt::ElideRight, area.width());
+        m_elidedAdvance = isWhole ? textWidth() : fontMetrics().horizontalAdvance(m_elided);
     }
     const Qt::Alignment sides = QStyle::visualAlignment(layoutDirection(), alignment());
+    const QRect place = QStyle::alignedRect(Qt::LeftToRight, sides,
+                                            QSize(m_elidedAdvance, fontMetrics().height()), area);
     painter.setLayoutDirection(directionOf(text(), layoutDirection()));
     painter.setPen(textColour());
-    painter.drawText(area, static_cast<int>(sides | Qt::AlignAbsolute) | Qt::TextSingleLine,
-                     m_elided);
+    // At a point: in a rectangle the text would be laid out twice, which shows while scrolling.
+    painter.drawText(place.left(), place.top() + fontMetrics().ascent(), m_elided);
 }
 
+/// An outline only: the focus frame of a style may tint the label, which would be harder to read.
 void QBLabel::paintFocusFrame(QPainter& painter) {
-    QStyleOptionFocusRect option;
-    option.initFrom(this);
-    option.state |= QStyle::State_KeyboardFocusChange | QStyle::State_HasFocus;
-    option.backgroundColor = palette().color(QPalette::Base);
-    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+    painter.setPen(palette().color(QPalette::Highlight));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 void QBLabel::paintEvent(QPaintEvent* event) {

@@ -108,6 +108,7 @@ private:
     mutable int m_textWidth = -1;  // -1: to be measured
     QString m_elided;              // shownText() as it fits into m_elidedWidth
     int m_elidedWidth = -1;        // -1: to be elided anew
+    int m_elidedAdvance = 0;       // of m_elided, in pixels
 };
 
 }  // namespace QB
