@@ -140,7 +140,12 @@ void QBSourceColumnSelectionPanelWidget::setAlias(QBRowKey key, const QString& a
 void QBSourceColumnSelectionPanelWidget::setupExtraOptions(DatabaseType family) {
     const SQLSelectStmtComponent* const current = statement();
     const long statementId = current ? current->id() : -1;
-    if (std::exchange(m_optionsOf, statementId) != statementId) m_uncheckedOptions.clear();
+    if (std::exchange(m_optionsOf, statementId) != statementId) {
+        m_uncheckedOptions.clear();
+        // A box that is held down was meant for the statement before.
+        for (QAbstractButton* box : m_extraOptionsGroup->buttons())
+            box->setDown(false);
+    }
     const QString text =
         current ? QString::fromStdString(current->selectColumnExpr->selectOption) : QString();
     std::vector<QBSelectOption> options = selectOptions(selectOptionWords(family), text);
@@ -168,6 +173,7 @@ void QBSourceColumnSelectionPanelWidget::showOptions(const std::vector<QBSelectO
         row->addWidget(box);
     }
     for (QAbstractButton* box : qAsConst(earlier)) {
+        box->hide();  // a layout shows what is new in it later, and would show a window then
         box->setParent(nullptr);
         box->deleteLater();  // this may be its own click
     }
