@@ -437,6 +437,11 @@ QPlainTextEdit* QBSourceSelectionPanelWidget::editSubqueryAsPlaintext(QBRowKey k
 void QBSourceSelectionPanelWidget::acceptSubqueryText(QBRowKey key, const QString& text) {
     if (!mayAct()) return;
     SubqueryReading reading = readSubquery(text.trimmed().toStdString(), language());
+    // An empty text is read as a statement, which would take the place of the old one.
+    if (text.trimmed().isEmpty()) {
+        reading.statement.reset();
+        reading.error = Tolk::localize(Tolk::TextSourceTextMissing);
+    }
     if (!reading.statement)
         return refuse(reading.error, [=] { return editSubqueryAsPlaintext(key, text); });
     applyTo<Subquery>(key, [&](SourceEdits& edits, int row, Subquery*) {
