@@ -1,7 +1,9 @@
 #include "frame/query_builder_widget.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QTabBar>
 #include <QTimer>
@@ -15,6 +17,7 @@
 #include "model/callbacks.h"
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
+#include "rows/row_list_panel_widget.h"
 #include "ui_query_builder_widget.h"
 #include "widgets/invalid_excluder.h"
 #include "widgets/panel_widget.h"
@@ -43,6 +46,29 @@ bool isTabStop(const QWidget* widget) {
     return (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->focusProxy() == nullptr;
 }
 
+bool isReachable(const QWidget* widget) {
+    return isTabStop(widget) && widget->isVisible() && widget->isEnabled();
+}
+
+/// Keys in a popup are for the popup, though it is a child of a panel.
+bool isPopupInFront() {
+    return QApplication::activePopupWidget() != nullptr;
+}
+
+bool hasFocusIn(const QWidget* area) {
+    const QWidget* focus = QApplication::focusWidget();
+    return area != nullptr && focus != nullptr && (area == focus || area->isAncestorOf(focus));
+}
+
+/// The tabs of the popup or the window that the focus is in; null if it is in none.
+QTabWidget* tabsAroundFocus() {
+    for (QWidget* widget = QApplication::focusWidget(); widget; widget = widget->parentWidget()) {
+        if (auto* tabs = qobject_cast<QTabWidget*>(widget)) return tabs;
+        if (widget->isWindow()) return nullptr;
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 QBQueryBuilderWidget::QBQueryBuilderWidget(QWidget* parent)
@@ -66,14 +92,33 @@ void QBQueryBuilderWidget::setupUi() {
     connectDiagram();
     updateButtonIcons();
     connectPaneButtons();
-    connect(ui->tabWidget, &QTabWidget::currentChanged, this,
-            [this] { deactivatePanels(ui->tabWidget->currentWidget()); });
+    connect(ui->tabWidget, &QTabWidget::currentChanged, this, [this] {
+        deactivatePanels(ui->tabWidget->currentWidget());
+        if (hasFocusIn(ui->tabWidget->currentWidget())) focusClause();
+    });
     connect(ui->navigationBar, &QBNavigationBar::layerClicked, this,
             &QBQueryBuilderWidget::goToLayer);
     setQueryPreviewPanel(new QBSimpleQueryPreviewPanelWidget);
     connectDialogButtons();
+    setUpShortcuts();
     rebuildNavigationBar();
     renewPanelsIfNeeded();
+}
+
+void QBQueryBuilderWidget::setUpShortcuts() {
+    const auto add = [this](const QKeySequence& keys, const std::function<void()>& act) {
+        auto* shortcut = new QShortcut(keys, this);
+        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        connect(shortcut, &QShortcut::activated, this, act);
+    };
+    add(Qt::CTRL + Qt::Key_PageDown, [this] { turnTab(1); });
+    add(Qt::CTRL + Qt::Key_PageUp, [this] { turnTab(-1); });
+    add(Qt::Key_F6, [this] { goToPane(1); });
+    add(Qt::SHIFT + Qt::Key_F6, [this] { goToPane(-1); });
+    add(Qt::ALT + Qt::Key_Up, [this] {
+        if (!isPopupInFront() && engine() != nullptr)
+            goToLayer(std::max(0, engine()->currentTopLevelQueryComponentLayer() - 1));
+    });
 }
 
 void QBQueryBuilderWidget::connectDiagram() {
@@ -279,8 +324,59 @@ void QBQueryBuilderWidget::rebuildNavigationBar() {
     QStringList names;
     for (int layer = 0; layer <= current; ++layer)
         names.append(QString::fromStdString(engine()->topLevelQueryComponentLayerName(layer)));
+    const bool hadFocus = hasFocusIn(ui->navigationBar);
     ui->navigationBar->setLayerNames(names);
     ui->navigationBar->setHidden(current <= 0);
+    if (hadFocus) focusClause();
+}
+
+// ---- keyboard
+
+void QBQueryBuilderWidget::focusClause() {
+    QWidget* panel = ui->tabWidget->currentWidget();
+    if (panel == nullptr) return;
+    auto* rows = qobject_cast<QBRowListPanelWidget*>(panel);
+    (rows != nullptr ? rows->rowView() : panel)->setFocus(Qt::ShortcutFocusReason);
+}
+
+/// Turns the tabs that the focus is in; from elsewhere those of the clauses.
+void QBQueryBuilderWidget::turnTab(int step) {
+    QTabWidget* tabs = tabsAroundFocus();
+    if (tabs == nullptr && !isPopupInFront()) tabs = ui->tabWidget;
+    if (tabs == nullptr || tabs->count() == 0) return;
+    tabs->setCurrentIndex((tabs->currentIndex() + step + tabs->count()) % tabs->count());
+    if (tabs == ui->tabWidget) focusClause();
+}
+
+void QBQueryBuilderWidget::goToPane(int step) {
+    if (isPopupInFront()) return;
+    std::vector<QWidget*> panes = {ui->objectTreePanel, ui->diagramPanel, ui->previewContainer,
+                                   ui->tabWidget};
+    if (m_diagramTabs != nullptr) panes[diagramIndex] = m_diagramTabs;
+    const int count = static_cast<int>(panes.size());
+    const auto present = std::find_if(panes.begin(), panes.end(), hasFocusIn);
+    int index = present == panes.end() ? (step > 0 ? -1 : 0)
+                                       : static_cast<int>(std::distance(panes.begin(), present));
+    for (int tried = 0; tried < count; ++tried) {
+        index = (index + step + count) % count;
+        if (focusPane(panes[static_cast<std::size_t>(index)])) return;
+    }
+}
+
+/// Puts the focus where it was last in @p pane. False if nothing in it takes the focus.
+bool QBQueryBuilderWidget::focusPane(QWidget* pane) {
+    if (pane == ui->tabWidget) {
+        focusClause();
+        return hasFocusIn(pane);
+    }
+    QWidget* receiver = pane->focusWidget();
+    if (receiver == nullptr || !isReachable(receiver)) {
+        const auto inside = pane->findChildren<QWidget*>();
+        const auto first = std::find_if(inside.begin(), inside.end(), isReachable);
+        receiver = first == inside.end() ? nullptr : *first;
+    }
+    if (receiver != nullptr) receiver->setFocus(Qt::ShortcutFocusReason);
+    return receiver != nullptr;
 }
 
 void QBQueryBuilderWidget::setSupportBuildAndRun(bool isSupported) {
@@ -337,9 +433,11 @@ bool QBQueryBuilderWidget::focusNextPrevChild(bool next) {
 void QBQueryBuilderWidget::arrangeTabOrder() {
     QWidget* middle = ui->diagramPanel;
     if (m_diagramTabs != nullptr) middle = m_diagramTabs;
-    const std::array<QWidget*, 6> areas = {ui->objectTreePanel, middle,        ui->previewContainer,
-                                           ui->paneBar,         ui->tabWidget, ui->buttonBox};
-    std::array<std::vector<QWidget*>, 6> stops;
+    const std::array<QWidget*, 8> areas = {ui->objectTreePanel,  middle,
+                                           ui->previewContainer, ui->objectTreeButton,
+                                           ui->navigationBar,    ui->previewButton,
+                                           ui->tabWidget,        ui->buttonBox};
+    std::array<std::vector<QWidget*>, 8> stops;
     for (QWidget* widget = nextInFocusChain(); widget != this;
          widget = widget->nextInFocusChain()) {
         if (!isTabStop(widget)) continue;

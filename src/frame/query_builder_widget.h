@@ -31,6 +31,10 @@ class SQLAbstractConditionComponent;
 /// The one widget that a host embeds: object tree, diagram, query preview and clause tabs, bound
 /// to one engine, with the buttons that hand the SQL text to the host. Inert until setEngine().
 ///
+/// Keys: Ctrl+PgDown and Ctrl+PgUp turn the tabs that the focus is in, from elsewhere those of the
+/// clauses; F6 and Shift+F6 go through object tree, diagram, preview and clauses; Alt+Up leaves a
+/// subquery.
+///
 /// The host destroys it before the engine, though it bears the other order.
 /// Texts follow QEvent::LanguageChange, icons a change of palette.
 /// Thread: main.
@@ -96,6 +100,7 @@ protected:
 
 private:
     void setupUi();
+    void setUpShortcuts();
     void connectDiagram();
     void connectPaneButtons();
     void togglePane(QWidget* pane);
@@ -113,6 +118,10 @@ private:
     void rebuildNavigationBar();
     void buildQuery(bool run);
     void arrangeTabOrder();
+    void focusClause();
+    void turnTab(int step);
+    void goToPane(int step);
+    bool focusPane(QWidget* pane);
 
     const std::unique_ptr<Ui::QBQueryBuilderWidget> ui;
     QBEngine_LINUX* m_engine = nullptr;  // not owned: m_emitter tells whether it still lives
