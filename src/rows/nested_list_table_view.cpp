@@ -85,6 +85,8 @@ void QBNestedListTableView::refreshRows(int rowToSelect) {
         d->restoreSelection(memory, rows);
         d->restoreScroll(memory, rows);
         if (rowToSelect >= 0) selectOnly(rowToSelect);
+        // In another row the user begins with its main part.
+        if (rowToSelect >= 0 && shownKey(currentRow()) != memory.current) d->partPlace = -1;
     }
     d->fill();
     d->dressAll();
@@ -161,6 +163,11 @@ void QBNestedListTableView::selectOnly(int row) {
     scrollTo(d->index(row));
 }
 
+void QBNestedListTableView::ensureCurrentRow() {
+    if (!hasFocus() || currentRow() >= 0 || d->count() == 0) return;
+    selectionModel()->setCurrentIndex(d->index(0), QItemSelectionModel::NoUpdate);
+}
+
 void QBNestedListTableView::setRowDragEnabled(bool isEnabled) {
     setDragEnabled(isEnabled);
     setAcceptDrops(isEnabled);
@@ -196,6 +203,7 @@ void QBNestedListTableView::contextMenuEvent(QContextMenuEvent* event) {
 
 void QBNestedListTableView::focusInEvent(QFocusEvent* event) {
     QTableView::focusInEvent(event);
+    ensureCurrentRow();
     d->dressAll();
 }
 

@@ -84,6 +84,9 @@ public:
     std::vector<int> selectedRowNumbers() const;
     /// Makes @p row the current and only selected one; nothing outside the rows.
     void selectOnly(int row);
+    /// Makes the first row the current one, though not a selected one, if the list has the focus
+    /// and no current row: keys shall have a row that they act on.
+    void ensureCurrentRow();
 
     /// Rows can be moved by dragging; rowDropped() says where to.
     void setRowDragEnabled(bool isEnabled);

@@ -14,6 +14,7 @@
 #include "model/notification_names.h"
 #include "rows/nested_list_row_widget.h"
 #include "rows/row_interfaces.h"
+#include "widgets/menu_search.h"
 
 namespace QB {
 namespace {
@@ -146,6 +147,7 @@ void QBRowListPanelWidget::Private::changeLayer() {
     q->adjustLayers(q->engine()->currentTopLevelQueryComponentLayer());
     if (!check()) return;
     refreshWhenShown(true);
+    q->m_view->ensureCurrentRow();
     Q_EMIT q->signalIconNeedsUpdate();
 }
 
@@ -437,6 +439,9 @@ void QBRowListPanelWidget::popupMenu(QMenu* menu, const QPoint& position) {
     if (menu->parentWidget() != this) menu->setParent(this, menu->windowFlags());
     connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
     d->menu = menu;
+    letTypingFindEntries(menu);
+    for (QMenu* inner : menu->findChildren<QMenu*>())
+        letTypingFindEntries(inner);
     menu->popup(m_view->viewport()->mapToGlobal(position));
 }
 
