@@ -57,6 +57,7 @@ QBSqlTextView::QBSqlTextView(QWidget* parent) : QPlainTextEdit(parent) {
     setReadOnly(true);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setLineWrapMode(QPlainTextEdit::NoWrap);
+    setLayoutDirection(Qt::LeftToRight);  // as SQL is in every language
     setFont(fixedWidthFont());
     showTabs();
     updateColors();
