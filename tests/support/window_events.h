@@ -19,11 +19,18 @@ struct WindowEvents {
     }
 
     static bool pressIn(QWidget* window, const QString& keys) {
+        sendKey(QTest::Press, window, keys);
+        return true;
+    }
+    /// The press may have closed the window that got it.
+    static void releaseIn(QWidget* window, const QString& keys) {
+        sendKey(QTest::Release, window, keys);
+    }
+    static void sendKey(QTest::KeyAction action, QWidget* window, const QString& keys) {
         const int code = QKeySequence(keys)[0];
         const auto modifiers = Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask));
         const auto key = Qt::Key(code & ~int(Qt::KeyboardModifierMask));
-        QTest::keyPress(activeWindow(window), key, modifiers);
-        return true;
+        QTest::sendKeyEvent(action, activeWindow(window), key, QString(), modifiers);
     }
 
     static bool typeInto(QWidget* window, const QString& text) {
