@@ -39,11 +39,10 @@ public:
 
     /// Delivers until every dispatched function has returned and nothing waits.
     void finishAll() {
-        while (hasWorkers()) {
-            deliver();
+        do {
+            deliver();  // which may dispatch more
             std::this_thread::yield();
-        }
-        deliver();
+        } while (hasWorkers() || isWaiting());
         finishWorkers();
     }
 
@@ -56,6 +55,11 @@ private:
     void post(std::function<void()> f) {
         const std::lock_guard lock(m_queueMutex);
         m_queue.push_back(std::move(f));
+    }
+
+    bool isWaiting() {
+        const std::lock_guard lock(m_queueMutex);
+        return !m_queue.empty();
     }
 
     std::function<void()> next() {
