@@ -1,9 +1,11 @@
 #include "popups/input_popup.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPointer>
@@ -11,6 +13,7 @@
 #include <QTextCursor>
 
 #include "popups/popup_content.h"
+#include "popups/second_press_guard.h"
 #include "ui_input_popup.h"
 
 namespace QB {
@@ -53,6 +56,8 @@ public:
     bool holdsFocus() const;
     void giveFocusBack();
     void closeWhenHidden();
+    void notePress(const QMouseEvent* event);
+    bool isClosedByClick() const;
     bool handleCancelKey(QEvent* event);
 
     QBInputPopup* const q;
@@ -67,6 +72,8 @@ public:
     bool isFinished = false;
     bool isAnswering = false;
     bool isKeyOfAnother = false;
+    QPoint lastPress;          // on the screen
+    QElapsedTimer sincePress;  // not started before the first press in the popup
 };
 
 /// Notes where the popup belongs, rather than the anchor, which a refresh may destroy.
@@ -135,6 +142,16 @@ void QBInputPopup::Private::giveFocusBack() {
 void QBInputPopup::Private::closeWhenHidden() {
     const QWidget* parent = q->parentWidget();
     if (!q->isVisible() || (parent && !parent->isVisible())) q->closePopup(false);
+}
+
+void QBInputPopup::Private::notePress(const QMouseEvent* event) {
+    if (!q->frameGeometry().contains(event->globalPos())) return;
+    lastPress = event->globalPos();
+    sincePress.start();
+}
+
+bool QBInputPopup::Private::isClosedByClick() const {
+    return sincePress.isValid() && sincePress.elapsed() < QApplication::doubleClickInterval();
 }
 
 /// One press of a key comes as several events. A list that is open over the popup may close with
@@ -221,6 +238,8 @@ bool QBInputPopup::eventFilter(QObject* watched, QEvent* event) {
         QMetaObject::invokeMethod(
             this, [this] { d->closeWhenHidden(); }, Qt::QueuedConnection);
     }
+    if (event->type() == QEvent::MouseButtonPress && watched->isWindowType())
+        d->notePress(static_cast<QMouseEvent*>(event));
     const bool isKey =
         event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
     if (!isKey || !static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel)) return false;
@@ -239,6 +258,7 @@ void QBInputPopup::closeEvent(QCloseEvent* event) {
     d->isFinished = true;
     const bool hadFocus = d->holdsFocus();
     hide();
+    if (d->isClosedByClick()) swallowSecondPress(d->lastPress);
     if (hadFocus) d->giveFocusBack();
     const QPointer<QBInputPopup> self(this);
     d->isAnswering = true;

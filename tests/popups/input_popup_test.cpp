@@ -96,6 +96,30 @@ class InputPopupTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void theSecondPressOfADoubleClickReachesNothingBelowThePopup() {
+        Host host;
+        QVERIFY(host.isReady);
+        auto* const button = new QPushButton("choose");
+        QBInputPopup* const popup = host.panel->popup.open(button, host.panel->anchor, {});
+        connect(button, &QPushButton::clicked, popup, [=] { popup->closePopup(true); });
+        const QPoint place = button->mapToGlobal(button->rect().center());
+        QPushButton below("below", &host.window);
+        below.setGeometry(QRect(host.window.mapFromGlobal(place) - QPoint(20, 10), QSize(40, 20)));
+        below.show();
+        int clicks = 0;
+        connect(&below, &QPushButton::clicked, this, [&] { ++clicks; });
+        const auto clickAt = [&](QWindow* window, const QPoint& point) {
+            QTest::mouseClick(window, Qt::LeftButton, {}, window->mapFromGlobal(point));
+        };
+
+        clickAt(popup->windowHandle(), place);
+        QVERIFY(!host.panel->popup.isOpen());
+        clickAt(host.handle(), place);
+        QCOMPARE(clicks, 0);
+        clickAt(host.handle(), place);
+        QCOMPARE(clicks, 1);
+    }
+
     void aPopupAnswersOnceAndGivesTheFocusBackWhicheverWayItEnds() {
         struct Case {
             const char* name;
