@@ -572,12 +572,12 @@
         <translation>Die Bedingung nennt eine Tabelle, die diese Verbindung nicht sieht.</translation>
     </message>
     <message>
-        <source>Move the column one place up</source>
-        <translation>Die Spalte um einen Platz nach oben schieben</translation>
+        <source>Move the row up</source>
+        <translation>Die Zeile nach oben verschieben</translation>
     </message>
     <message>
-        <source>Move the column one place down</source>
-        <translation>Die Spalte um einen Platz nach unten schieben</translation>
+        <source>Move the row down</source>
+        <translation>Die Zeile nach unten verschieben</translation>
     </message>
     <message>
         <source>No direction</source>

@@ -3,6 +3,7 @@
 
 #include "conditions/condition_builder_panel_widget.h"
 
+#include <QAbstractButton>
 #include <QEvent>
 #include <QPointer>
 #include <algorithm>
@@ -16,10 +17,10 @@
 #include "rows/nested_list_close_bracket_row_widget.h"
 #include "rows/nested_list_dummy_row_widget.h"
 #include "rows/nested_list_open_bracket_row_widget.h"
+#include "rows/row_move_buttons.h"
 #include "tools/join_sight.h"
 #include "tools/validation_scope.h"
 #include "ui_condition_builder_panel_widget.h"
-#include "widgets/drawn_icons.h"
 
 namespace QB {
 
@@ -53,45 +54,29 @@ QBConditionBuilderPanelWidget::QBConditionBuilderPanelWidget(Condition** root, Q
     , m_givenRoot(root)
     , m_popup(this) {
     m_ui->setupUi(this);
-    m_ui->tableView->bottomLayout()->addWidget(m_ui->bottomBar);
-    m_ui->tableView->bottomLayout()->addStretch();
+    m_moveButtons = new QBRowMoveButtons(m_ui->moveUpButton, m_ui->moveDownButton, this);
     m_ui->tableView->setRowDragEnabled(true);
     setFocusProxy(m_ui->tableView);
     setupRows(m_ui->tableView);
-    connect(m_ui->moveUpButton, &QToolButton::clicked, this,
+    connect(m_ui->moveUpButton, &QAbstractButton::clicked, this,
             &QBConditionBuilderPanelWidget::slotMoveUpSelectedRow);
-    connect(m_ui->moveDownButton, &QToolButton::clicked, this,
+    connect(m_ui->moveDownButton, &QAbstractButton::clicked, this,
             &QBConditionBuilderPanelWidget::slotMoveDownSelectedRow);
     connect(m_ui->tableView, &QBNestedListTableView::rowDropped, this, [this](int target) {
         moveRow(currentKey(), [this, target](int) { return target < 0 ? rowCount() : target; });
     });
     if (root) setRelatedElements({ElementSource});
-    updateTexts();
+    retranslate();
 }
 
 QBConditionBuilderPanelWidget::~QBConditionBuilderPanelWidget() = default;
 
-void QBConditionBuilderPanelWidget::updateTexts() {
-    m_ui->moveUpButton->setIcon(
-        iconOrSign(QStringLiteral(":/images/BB_Previous_Record.png"), DrawnSign::Up, palette()));
-    m_ui->moveDownButton->setIcon(
-        iconOrSign(QStringLiteral(":/images/BB_Next_Record.png"), DrawnSign::Down, palette()));
-    const auto name = [](QToolButton* button, unsigned text, const char* shortcut) {
-        button->setAccessibleName(Tolk::localize(text));
-        button->setToolTip(
-            Tolk::localize(text) + QLatin1String(" (") +
-            QKeySequence(QLatin1String(shortcut)).toString(QKeySequence::NativeText) +
-            QLatin1Char(')'));
-    };
-    name(m_ui->moveUpButton, Tolk::TextMoveConditionUp, "Ctrl+Up");
-    name(m_ui->moveDownButton, Tolk::TextMoveConditionDown, "Ctrl+Down");
+void QBConditionBuilderPanelWidget::retranslate() {
     m_ui->tableView->setAccessibleName(Tolk::localize(Tolk::TextConditions));
 }
 
 void QBConditionBuilderPanelWidget::changeEvent(QEvent* event) {
-    const bool concernsTexts =
-        event->type() == QEvent::LanguageChange || event->type() == QEvent::PaletteChange;
-    if (concernsTexts) updateTexts();
+    if (event->type() == QEvent::LanguageChange) retranslate();
     QBRowListPanelWidget::changeEvent(event);
 }
 
@@ -306,8 +291,7 @@ void QBConditionBuilderPanelWidget::rowsRefreshed() {
     const Item* item = currentItem();
     const std::pair<int, int> span = spanOf(rowView()->currentRow());
     const bool canMove = item && !item->isPlaceholder;
-    m_ui->moveUpButton->setEnabled(canMove && span.first > 0);
-    m_ui->moveDownButton->setEnabled(canMove && span.second + 1 < rowCount());
+    m_moveButtons->setEnabled(canMove && span.first > 0, canMove && span.second + 1 < rowCount());
 }
 
 // ---- marks ------------------------------------------------------------------------------------

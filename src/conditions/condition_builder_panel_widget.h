@@ -28,6 +28,8 @@ class QBConditionBuilderPanelWidget;
 
 namespace QB {
 
+class QBRowMoveButtons;
+
 /// Edits one chain of conditions as a list of rows: that of the WHERE clause, of the HAVING clause,
 /// or the ON condition of one join.
 ///
@@ -157,7 +159,7 @@ private:
     std::pair<int, int> spanOf(int row) const;
     std::vector<QBRowKey> selectedKeys() const;
     Items itemsOf(const std::vector<QBRowKey>& keys) const;
-    void updateTexts();
+    void retranslate();
 
     // Edits, each one modification. They find their rows again by key.
     void modify(const std::function<bool(DetachedParts&)>& change);
@@ -194,7 +196,8 @@ private:
     void applyList(QBConditionSide side, const std::string& text);
 
     const std::unique_ptr<Ui::QBConditionBuilderPanelWidget> m_ui;
-    Slot m_givenRoot;       // not owned: compared until the join is known
+    QBRowMoveButtons* m_moveButtons = nullptr;  // not owned: a child
+    Slot m_givenRoot;                           // not owned: compared until the join is known
     Slot m_root = nullptr;  // not owned: part of the model, see rootComponentRef()
     KnownSource m_join{nullptr, -1};
     bool m_isJoinLost = false;

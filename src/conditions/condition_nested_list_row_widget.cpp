@@ -98,7 +98,7 @@ void QBConditionNestedListRowWidget::slotOnComponentChanged() {
 
 void QBConditionNestedListRowWidget::showNegator() {
     const auto* condition = dynamic_cast<const SQLAbstractConditionComponent*>(component());
-    showNegation(m_ui->negatorLabel, m_ui->horizontalLayout, m_ui->addBracketLabel,
+    showNegation(m_ui->negatorLabel, m_ui->horizontalLayout, m_ui->logicalLabel,
                  condition && condition->negated, condition && areControlsLit());
 }
 

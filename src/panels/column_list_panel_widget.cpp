@@ -2,7 +2,6 @@
 
 #include <QAbstractButton>
 #include <QEvent>
-#include <QLayout>
 #include <QMenu>
 #include <QPointer>
 #include <algorithm>
@@ -19,8 +18,8 @@
 #include "rows/nested_list_any_expression_row_widget.h"
 #include "rows/nested_list_dummy_row_widget.h"
 #include "rows/row_interfaces.h"
+#include "rows/row_move_buttons.h"
 #include "tools/validation_scope.h"
-#include "widgets/drawn_icons.h"
 #include "widgets/label.h"
 
 namespace QB {
@@ -65,18 +64,13 @@ QBColumnListPanelWidget::~QBColumnListPanelWidget() = default;
 void QBColumnListPanelWidget::setupColumns(QBNestedListTableView* view,
                                            QAbstractButton* moveUpButton,
                                            QAbstractButton* moveDownButton) {
-    m_moveUpButton = moveUpButton;
-    m_moveDownButton = moveDownButton;
+    m_moveButtons = new QBRowMoveButtons(moveUpButton, moveDownButton, this);
     setupRows(view);
     view->setRowDragEnabled(true);
     connect(view, &QBNestedListTableView::rowDropped, this,
             &QBColumnListPanelWidget::dropCurrentRow);
     connect(moveUpButton, &QAbstractButton::clicked, this, [this] { slotMoveUpSelectedRow(); });
     connect(moveDownButton, &QAbstractButton::clicked, this, [this] { slotMoveDownSelectedRow(); });
-    showMoveIcons();
-    // What the layout asks of the panel is the width without words.
-    for (QAbstractButton* button : {moveUpButton, moveDownButton})
-        button->setMinimumWidth(button->sizeHint().width());
     retranslate();
     rowsRefreshed();
 }
@@ -412,11 +406,10 @@ void QBColumnListPanelWidget::moveComponent(int row, int target) {
 void QBColumnListPanelWidget::rowsRefreshed() {
     const int row = rowView()->currentRow();
     const bool isColumn = columnAt(row) != nullptr;
-    m_moveUpButton->setEnabled(isColumn && row > 0);
-    m_moveDownButton->setEnabled(isColumn && row + 1 < rowCount());
+    m_moveButtons->setEnabled(isColumn && row > 0, isColumn && row + 1 < rowCount());
 }
 
-// ---- menu and texts -------------------------------------------------------------------------
+// ---- menu -------------------------------------------------------------------------
 
 void QBColumnListPanelWidget::showCellContextMenu(const QPoint& position) {
     if (!mayAct()) return;
@@ -432,41 +425,8 @@ void QBColumnListPanelWidget::showCellContextMenu(const QPoint& position) {
     popupMenu(menu, position);
 }
 
-void QBColumnListPanelWidget::retranslate() {
-    const auto explain = [](QAbstractButton* button, unsigned hint) {
-        button->setToolTip(Tolk::localize(hint));
-        button->setAccessibleName(Tolk::localize(hint));
-    };
-    explain(m_moveUpButton, Tolk::TextMoveUpHint);
-    explain(m_moveDownButton, Tolk::TextMoveDownHint);
-    showMoveTexts();
-}
-
-void QBColumnListPanelWidget::showMoveIcons() {
-    m_moveUpButton->setIcon(
-        iconOrSign(QStringLiteral(":/images/BB_Previous_Record.png"), DrawnSign::Up, palette()));
-    m_moveDownButton->setIcon(
-        iconOrSign(QStringLiteral(":/images/BB_Next_Record.png"), DrawnSign::Down, palette()));
-}
-
-/// In a narrow panel the signs must do without words.
-void QBColumnListPanelWidget::showMoveTexts() {
-    m_moveUpButton->setText(Tolk::localize(Tolk::TextMoveUp));
-    m_moveDownButton->setText(Tolk::localize(Tolk::TextMoveDown));
-    const QWidget* const bar = m_moveUpButton->parentWidget();
-    if (bar->layout()->sizeHint().width() <= width()) return;
-    m_moveUpButton->setText(QString());
-    m_moveDownButton->setText(QString());
-}
-
-void QBColumnListPanelWidget::resizeEvent(QResizeEvent* event) {
-    QBRowListPanelWidget::resizeEvent(event);
-    showMoveTexts();
-}
-
 void QBColumnListPanelWidget::changeEvent(QEvent* event) {
     if (event->type() == QEvent::LanguageChange) retranslate();
-    if (event->type() == QEvent::PaletteChange && m_moveUpButton) showMoveIcons();
     QBRowListPanelWidget::changeEvent(event);
 }
 

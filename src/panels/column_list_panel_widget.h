@@ -16,6 +16,7 @@ namespace QB {
 
 class QBColumnSelectionPopupWidget;
 class QBNestedListAnyExpressionRowWidget;
+class QBRowMoveButtons;
 
 /// What the panels of SELECT, GROUP BY and ORDER BY share: a flat list of columns that are added,
 /// edited, removed and moved.
@@ -81,7 +82,8 @@ protected:
     virtual void settleExtraData(Column&, OrderDirection) {}
     virtual OrderDirection directionOf(const Column&) const { return OrderDirectionNone; }
     virtual void addMenuActions(QMenu*) {}
-    virtual void retranslate();
+    /// Names the list for screen readers.
+    virtual void retranslate() = 0;
 
     // What they do alike.
 
@@ -114,7 +116,6 @@ protected:
     QBRowKey popupRow() const override { return m_popupRow; }
 
     void rowsRefreshed() override;
-    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
@@ -134,8 +135,6 @@ private:
     void moveComponent(int row, int target);
     void moveCurrentRow(int offset);
     void dropCurrentRow(int target);
-    void showMoveIcons();
-    void showMoveTexts();
     void keepLostReferences(Tools::Validation::InvalidColumns& found);
 
     PerLayer<Tools::Validation::InvalidColumns> m_invalidComponentsPerLayer;
@@ -143,9 +142,8 @@ private:
     PerLayer<std::set<long>> m_lostReferencesPerLayer;
     RowDatabase m_rowDatabase;
     QBRowKey m_popupRow;
-    QAbstractButton* m_moveUpButton = nullptr;    // not owned: a child
-    QAbstractButton* m_moveDownButton = nullptr;  // not owned: a child
-    QBPanelPopup m_popup{this};                   // last, so that it goes first
+    QBRowMoveButtons* m_moveButtons = nullptr;  // not owned: a child
+    QBPanelPopup m_popup{this};                 // last, so that it goes first
 };
 
 }  // namespace QB

@@ -89,7 +89,6 @@ void QBColumnPickerPanelWidget::setupExpressionRow(QBNestedListAnyExpressionRowW
 }
 
 void QBColumnPickerPanelWidget::retranslate() {
-    QBColumnListPanelWidget::retranslate();
     const char* const clause = isOrderBy() ? "ORDER BY" : "GROUP BY";
     m_ui->tableView->setAccessibleName(Tolk::localizeWithArgs(Tolk::TextColumnsOfClause, clause));
 }

@@ -66,7 +66,6 @@ void QBSourceColumnSelectionPanelWidget::renewRoot() {
 }
 
 void QBSourceColumnSelectionPanelWidget::retranslate() {
-    QBColumnListPanelWidget::retranslate();
     m_ui->tableView->setAccessibleName(Tolk::localizeWithArgs(Tolk::TextColumnsOfClause, "SELECT"));
     for (QAbstractButton* box : m_extraOptionsGroup->buttons())
         explainBox(box);
