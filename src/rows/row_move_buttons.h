@@ -2,8 +2,6 @@
 
 #include <QObject>
 
-#include "model/export.h"
-
 class QAbstractButton;
 class QWidget;
 
@@ -14,7 +12,7 @@ namespace QB {
 /// What they do is the panel's.
 /// Ownership: @p panel owns this and, as descendants, the buttons.
 /// Thread: main.
-class QB_EXPORT QBRowMoveButtons : public QObject {
+class QBRowMoveButtons : public QObject {
     Q_OBJECT
 
 public:
