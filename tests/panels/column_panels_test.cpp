@@ -3,24 +3,18 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPlainTextEdit>
-#include <QTabBar>
 #include <QTabWidget>
-#include <QTreeWidget>
-#include <QVBoxLayout>
 #include <QtTest>
 #include <memory>
 
-#include "diagrampanel/fake_server.h"
 #include "model/detached_parts.h"
 #include "panels/column_picker_panel_widget.h"
 #include "panels/source_column_selection_panel_widget.h"
 #include "rows/column_nested_list_row_widget.h"
 #include "rows/nested_list_any_expression_row_widget.h"
 #include "rows/nested_list_dummy_row_widget.h"
-#include "support/late_host.h"
-#include "support/owned_engine.h"
+#include "support/panel_desk.h"
 #include "widgets/label.h"
 
 namespace QB {
@@ -29,145 +23,25 @@ namespace {
 using namespace Component::SQL;
 using Test::Delivery;
 
-/// A clause panel in a window, over a server with the tables t (a, b, c) and u (a, d). Everything
-/// a user does goes through the windows.
-class Desk {
+QBColumnListPanelWidget* makePanel(TopLevelQueryComponentElementEnum clause) {
+    if (clause == ElementSelectColumn) return new QBSourceColumnSelectionPanelWidget;
+    auto* const picker = new QBColumnPickerPanelWidget;
+    picker->setRelatedElements({clause});
+    return picker;
+}
+
+/// The panel of a clause of columns, driven by its user.
+class Desk : public Test::PanelDesk {
 public:
     Desk(Delivery delivery, TopLevelQueryComponentElementEnum clause, DatabaseType family)
-        : host(delivery), engine(family) {
-        using Objects = Test::FakeServer::Objects;
-        server.set("", Objects{{"main", IdentifierTypeSchema}});
-        server.set("main", Objects{{"t", IdentifierTypeTable}, {"u", IdentifierTypeTable}});
-        server.set("main.t", fields({"a", "b", "c"}));
-        server.set("main.u", fields({"a", "d"}));
-        engine->registerIdentifierCandidateChildrenUpdater(server.updater());
-        engine->setCurrentSchema("main");
-        for (const std::vector<std::string>& path : {std::vector<std::string>{}, {"main"}})
-            engine->addRefreshIdentifierCandidateChildrenRequest(path, true);
-        engine->refreshRequestedIdentifierCandidateChildren(true);
-        host.finishAll();
-        makePanel(clause);
-        new QVBoxLayout(&window);
-        window.layout()->addWidget(panel.get());
-        window.resize(500, 300);
-        window.show();
-        panel->setEngine(engine.get());
+        : PanelDesk(delivery, family), panel(makePanel(clause)) {
+        show(panel);
         window.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&window));
     }
 
-    ~Desk() {
-        panel.reset();
-        host.finishAll();
-    }
-
-    static Test::FakeServer::Objects fields(std::initializer_list<const char*> names) {
-        Test::FakeServer::Objects objects;
-        for (const char* name : names)
-            objects.emplace_back(name, IdentifierTypeField);
-        return objects;
-    }
-
-    void makePanel(TopLevelQueryComponentElementEnum clause) {
-        if (clause == ElementSelectColumn) {
-            panel = std::make_unique<QBSourceColumnSelectionPanelWidget>();
-        } else {
-            panel = std::make_unique<QBColumnPickerPanelWidget>();
-            panel->setRelatedElements({clause});
-        }
-    }
-
-    /// Lets everything arrive that is under way, unless it is held.
-    void settle() {
-        for (int i = 0; i < 3; ++i) {
-            if (!isHeld) host.finishAll();
-            QCoreApplication::processEvents();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        }
-    }
-
-    void parse(const QString& text) {
-        engine->parseQuery(text.toStdString(), {});
-        settle();
-    }
-
-    /// The root statement in one line.
-    QString text() const { return QString::fromStdString(engine->buildQuery()).simplified(); }
-
-    SQLSelectStmtComponent* statement() const {
-        return dynamic_cast<SQLSelectStmtComponent*>(engine->currentTopLevelQueryComponent());
-    }
-
-    // ---- events ---------------------------------------------------------------------------
-
-    /// Events, separated by "; ". False if one cannot be sent.
-    bool run(const QString& events) {
-        const QStringList all = events.split(QStringLiteral("; "), Qt::SkipEmptyParts);
-        for (const QString& event : all) {
-            const QString word = event.section(QLatin1Char(' '), 0, 0);
-            if (!runOne(word, event.section(QLatin1Char(' '), 1))) {
-                qWarning("cannot do: %s", qPrintable(event));
-                return false;
-            }
-            settle();
-        }
-        return true;
-    }
-
-    bool runOne(const QString& word, const QString& rest) {
-        if (word == "key") return press(rest);
-        if (word == "type") return type(rest);
-        if (word == "click")
-            return clickPart(rest.section(' ', 0, 0).toInt(), rest.section(' ', 1));
-        if (word == "pick") return pick(rest);
-        if (word == "tab") return clickTab(rest.toInt());
-        if (word == "aggregate") return setAggregate(rest);
-        if (word == "outside") return clickAt(&window, QPoint(2, 2));
-        if (word == "button") return clickOn(panel->findChild<QAbstractButton*>(rest));
-        if (word == "tick") return clickOn(box(rest));
-        if (word == "menu") return openMenu(rest.section(' ', 0, 0).toInt(), rest.section(' ', 1));
-        // What the list says of a drag that has ended.
-        if (word == "dropped") return Q_EMIT panel->rowView()->rowDropped(rest.toInt()), true;
-        isHeld = word == "hold";
-        return isHeld || word == "deliver";
-    }
-
-    static QWindow* activeWindow(QWidget* fallback) {
-        QWidget* const popup = QApplication::activePopupWidget();
-        return (popup ? popup : fallback)->window()->windowHandle();
-    }
-
-    bool press(const QString& keys) {
-        const int code = QKeySequence(keys)[0];
-        const auto modifiers = Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask));
-        const auto key = Qt::Key(code & ~int(Qt::KeyboardModifierMask));
-        QTest::keyPress(activeWindow(&window), key, modifiers);
-        return true;
-    }
-
-    bool type(const QString& text) {
-        for (const QChar letter : text) {
-            QTest::keyClick(activeWindow(&window), letter.toLatin1());
-        }
-        return true;
-    }
-
-    static bool clickAt(QWidget* widget, const QPoint& place,
-                        Qt::MouseButton mouseButton = Qt::LeftButton,
-                        Qt::KeyboardModifiers modifiers = {}) {
-        QWidget* const top = widget->window();
-        const QPoint point = widget->mapTo(top, place);
-        QTest::mouseMove(top->windowHandle(), point);
-        QTest::mouseClick(top->windowHandle(), mouseButton, modifiers, point);
-        return true;
-    }
-
-    static bool clickOn(QWidget* widget) {
-        return widget && widget->isVisible() && clickAt(widget, widget->rect().center());
-    }
-
-    QBLabel* part(int row, const QString& name) const {
-        QBNestedListRowWidget* const widget = panel->rowView()->rowWidget(row);
+    QBLabel* part(int row, const QString& name) const override {
+        QBNestedListRowWidget* const widget = view()->rowWidget(row);
         if (!widget) return nullptr;
         auto* field = dynamic_cast<QBColumnNestedListRowWidget*>(widget);
         auto* expression = dynamic_cast<QBNestedListAnyExpressionRowWidget*>(widget);
@@ -182,44 +56,11 @@ public:
         return prompt ? prompt->promptLabel() : widget->mainPart();
     }
 
-    bool clickPart(int row, const QString& name) {
-        QBNestedListTableView* const view = panel->rowView();
-        view->scrollTo(view->model()->index(row, 0));
-        if (name.startsWith("row")) {  // beside the labels
-            const auto modifiers = name.endsWith("ctrl")    ? Qt::ControlModifier
-                                   : name.endsWith("shift") ? Qt::ShiftModifier
-                                                            : Qt::NoModifier;
-            const QRect place = view->visualRect(view->model()->index(row, 0));
-            return clickAt(view->viewport(), QPoint(3, place.center().y()), Qt::LeftButton,
-                           modifiers);
-        }
-        return clickOn(part(row, name));
-    }
-
-    QTreeWidgetItem* choice(QTreeWidget* tree, const QString& path) const {
-        QTreeWidgetItemIterator item(tree);
-        for (; *item; ++item) {
-            const QString text = (*item)->text(0);
-            const QTreeWidgetItem* const parent = (*item)->parent();
-            if (text == path || text == path + " (*)") return *item;
-            if (parent && parent->text(0) + "." + text == path) return *item;
-        }
-        return nullptr;
-    }
-
-    bool pick(const QString& path) {
-        QWidget* const popup = QApplication::activePopupWidget();
-        auto* const tree = popup ? popup->findChild<QTreeWidget*>() : nullptr;
-        QTreeWidgetItem* const item = tree ? choice(tree, path) : nullptr;
-        if (!item) return false;
-        tree->scrollToItem(item);
-        return clickAt(tree->viewport(), tree->visualItemRect(item).center());
-    }
-
-    bool clickTab(int index) {
-        QWidget* const popup = QApplication::activePopupWidget();
-        auto* const bar = popup ? popup->findChild<QTabBar*>() : nullptr;
-        return bar && clickAt(bar, bar->tabRect(index).center());
+    bool runOwn(const QString& word, const QString& rest) override {
+        if (word == "aggregate") return setAggregate(rest);
+        if (word == "tick") return clickOn(box(rest));
+        // What the list says of a drag that has ended.
+        return word == "dropped" && (Q_EMIT view()->rowDropped(rest.toInt()), true);
     }
 
     bool setAggregate(const QString& function) {
@@ -238,36 +79,7 @@ public:
         return nullptr;
     }
 
-    bool openMenu(int row, const QString& text) {
-        QBNestedListTableView* const view = panel->rowView();
-        const QPoint place = view->visualRect(view->model()->index(row, 0)).center();
-        clickAt(view->viewport(), QPoint(3, place.y()), Qt::RightButton);
-        QContextMenuEvent event(QContextMenuEvent::Mouse, place,
-                                view->viewport()->mapToGlobal(place));
-        QCoreApplication::sendEvent(view->viewport(), &event);
-        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu) return false;
-        for (QAction* action : menu->actions()) {
-            if (action->text() == text && action->isEnabled()) return chooseByKey(menu, action);
-        }
-        menu->close();
-        return false;
-    }
-
-    static bool chooseByKey(QMenu* menu, const QAction* action) {
-        for (int i = 0; i < menu->actions().size() && menu->activeAction() != action; ++i)
-            QTest::keyClick(menu->windowHandle(), Qt::Key_Down);
-        const bool isThere = menu->activeAction() == action;
-        QTest::keyPress(menu->windowHandle(), isThere ? Qt::Key_Return : Qt::Key_Escape);
-        return isThere;
-    }
-
-    Test::LateHost host;
-    Test::FakeServer server;
-    Test::OwnedEngine<> engine;
-    QWidget window;
-    std::unique_ptr<QBColumnListPanelWidget> panel;
-    bool isHeld = false;
+    QBColumnListPanelWidget* const panel;  // owned by the base
 };
 
 constexpr auto S = ElementSelectColumn;
@@ -513,8 +325,8 @@ private Q_SLOTS:
         desk.parse("SELECT t.a, 1+1 FROM t");
         int announced = 0;
         QObject::connect(desk.engine->signalEmitter(),
-                         &QBEngineSignalEmitter::topLevelQueryComponentElementModified,
-                         desk.panel.get(), [&announced] { ++announced; });
+                         &QBEngineSignalEmitter::topLevelQueryComponentElementModified, desk.panel,
+                         [&announced] { ++announced; });
         QVERIFY(
             desk.run("click 0 field; outside; click 1 field; outside; click 0 alias; outside; "
                      "click 0 add; pick t; outside; click 1 row; key Ctrl+Down; dropped 1"));
