@@ -304,7 +304,8 @@ void QBRowListPanelWidget::relatedElementModified(void* sender, const Elements& 
         return;
     }
     if (needsCheck(sender, elements) && !d->check()) return;
-    d->refreshWhenShown(sender != this);
+    // The repair of a check is announced while what set it off is not shown yet.
+    d->refreshWhenShown(sender != this || d->isChecking);
     Q_EMIT signalIconNeedsUpdate();
 }
 
