@@ -198,6 +198,15 @@ class MonkeyTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void rowsThatAreBehindTheirClauseAreSeen() {
+        Desk desk(Delivery::AtOnce);
+        desk.parse(texts[2]);
+        QCOMPARE(desk.rowFaults(), QString());
+        auto& columns = Desk::statement(desk.live())->selectColumnExpr->columns;
+        std::swap(columns[0], columns[1]);  // and nobody is told
+        QVERIFY(desk.rowFaults().startsWith("layout:"));
+    }
+
     void nothingARandomUserDoesConfusesTheBuilder_data() {
         QTest::addColumn<int>("seed");
         QTest::addColumn<int>("delivery");
@@ -227,7 +236,7 @@ private Q_SLOTS:
             // What is new is marked when its page is left; the first click may close a popup.
             for (int page = 0; page < 7; ++page)
                 desk.openPage(page);
-            if (!desk.builder->needShowBuildWarning())
+            if (!desk.builder->needShowBuildWarning() && !text.contains("( )"))
                 qWarning("unmarked: %s\n    %s", qPrintable(text), qPrintable(monkey.story()));
         }
         desk.isHeld = false;
