@@ -7,6 +7,7 @@
 #include "model/detached_parts.h"
 #include "model/element_expressions.h"
 #include "model/kind_of.h"
+#include "platform/sqlet/lexer.h"
 #include "tools/validation_scope.h"
 
 namespace QB {
@@ -46,6 +47,38 @@ bool nameField(Field& reference, const Field& target) {
     return true;
 }
 
+/// Whether ORDER BY may read @p text as the place of a column, or refuse it as a constant: a number
+/// alone, in any brackets and with any sign.
+bool isReadAsPlace(const std::string& text, DatabaseType family) {
+    const sqlet::TokenList list = sqlet::lex(text, family);
+    int numbers = 0;
+    for (const sqlet::Token& token : list.tokens) {
+        using sqlet::TokenKind;
+        const std::string word = text.substr(token.offset, token.length);
+        const bool isSign =
+            token.kind == TokenKind::Operator && word.find_first_not_of("+-") == word.npos;
+        const bool isBracket =
+            token.kind == TokenKind::LeftParen || token.kind == TokenKind::RightParen;
+        if (token.kind == TokenKind::Number)
+            ++numbers;
+        else if (token.kind == TokenKind::End)
+            break;
+        else if (!isSign && !isBracket)
+            return false;
+    }
+    return numbers == 1;
+}
+
+/// As if the column had gone: @p reference keeps its name, and a check finds that it has lost what
+/// it referred to.
+void loseReference(Field& reference, const std::string& alias, DetachedParts& removed) {
+    auto gone = std::make_unique<SQLAnyExpressionColumnComponent>();
+    gone->alias = alias;
+    reference.referencedColumn = gone.get();
+    reference.fieldName = alias;
+    removed.add(std::move(gone));
+}
+
 /// A column with the text of @p target in the place of @p reference.
 std::unique_ptr<Column> writtenOut(Field& reference,
                                    const SQLAnyExpressionColumnComponent& target) {
@@ -58,11 +91,13 @@ std::unique_ptr<Column> writtenOut(Field& reference,
     return column;
 }
 
-void writeOut(Columns& columns, const Column* target, DetachedParts& removed) {
+void writeOut(Columns& columns, const Column* target, DatabaseType family, DetachedParts& removed) {
     forReferences(columns, target, [&](Column*& slot, Field& reference) {
         if (const auto* field = ifKind<Field>(target)) {
             if (!nameField(reference, *field)) keepName(reference, target->alias);
         } else if (const auto* text = ifKind<SQLAnyExpressionColumnComponent>(target)) {
+            if (reference.aggregateFunction.empty() && isReadAsPlace(text->expression, family))
+                return loseReference(reference, target->alias, removed);
             Column* const column = writtenOut(reference, *text).release();
             removed.add(std::unique_ptr<AbstractQueryComponent>(std::exchange(slot, column)));
         }
@@ -78,7 +113,7 @@ void setColumnAlias(Column* column, const std::string& alias, QBEngine* engine) 
     forReferences(statement->selectColumnExpr->columns, column,
                   [&](Column*&, Field& reference) { keepName(reference, column->alias); });
     for (ELEMSQLColumnExpr* list : {statement->groupByExpr, statement->orderByExpr}) {
-        if (alias.empty()) writeOut(list->columns, column, removed);
+        if (alias.empty()) writeOut(list->columns, column, engine->databaseType(), removed);
         forReferences(list->columns, column,
                       [&](Column*&, Field& reference) { reference.fieldName = alias; });
     }

@@ -11,9 +11,10 @@ namespace QB {
 /// meaning of the columns that refer to it.
 ///
 /// Those of GROUP BY and ORDER BY follow; without an alias there is nothing to refer to, and they
-/// name what the column names. In the SELECT list itself no server knows an alias: there they keep
-/// the name as it was written.
-/// Thread: inside a modification block of the current layer. Cost: linear in the columns.
+/// name what the column names. A number alone would be read there as the place of a column: then
+/// they keep the name that was written, and have lost their reference. In the SELECT list itself no
+/// server knows an alias: there they keep the name as it was written. Thread: inside a modification
+/// block of the current layer. Cost: linear in the columns.
 void setColumnAlias(Component::SQL::SQLAbstractColumnComponent* column, const std::string& alias,
                     QBEngine* engine);
 

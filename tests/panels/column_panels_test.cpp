@@ -9,12 +9,14 @@
 #include <memory>
 
 #include "model/detached_parts.h"
+#include "panels/column_alias.h"
 #include "panels/column_picker_panel_widget.h"
 #include "panels/source_column_selection_panel_widget.h"
 #include "rows/column_nested_list_row_widget.h"
 #include "rows/nested_list_any_expression_row_widget.h"
 #include "rows/nested_list_dummy_row_widget.h"
 #include "support/panel_desk.h"
+#include "tools/validation.h"
 #include "widgets/label.h"
 
 namespace QB {
@@ -148,6 +150,14 @@ const Story stories[] = {
     {"without an alias they repeat the expression", S,
      "SELECT t.a+1 AS x FROM t GROUP BY x ORDER BY x DESC", "click 0 alias; key Del; outside",
      "SELECT t.a+1 FROM t GROUP BY t.a+1 ORDER BY t.a+1 DESC"},
+    {"but not a number, which would be the place of a column", S,
+     "SELECT 2 AS x, t.a FROM t GROUP BY x ORDER BY x DESC, MAX(x) ASC",
+     "click 0 alias; key Del; outside",
+     "SELECT 2, t.a FROM t GROUP BY x ORDER BY x DESC, MAX(2) ASC"},
+    {"however it is dressed", S, "SELECT (-(2)) AS x, t.a FROM t ORDER BY x ASC",
+     "click 0 alias; key Del; outside", "SELECT (-(2)), t.a FROM t ORDER BY x ASC"},
+    {"nor is a sum one", S, "SELECT 2-1 AS x, t.a FROM t ORDER BY x ASC",
+     "click 0 alias; key Del; outside", "SELECT 2-1, t.a FROM t ORDER BY 2-1 ASC"},
     {"escape leaves the alias", S, "SELECT t.a AS x FROM t", "click 0 alias; type y; key Esc",
      "SELECT t.a AS x FROM t"},
     // moving
@@ -318,6 +328,26 @@ private Q_SLOTS:
         QCOMPARE(reason(desk, 1), -1);
         QVERIFY(!desk.panel->hasInvalidComponents());
         QCOMPARE(desk.text(), QString("SELECT t.b FROM t ORDER BY t.b, t.c ASC"));
+    }
+
+    void aColumnThatReferredToANumberIsMarkedWhenTheNumberLosesItsAlias() {
+        for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
+            Desk desk(delivery, O, DatabaseTypeMySQL);
+            desk.parse("SELECT 2 AS x FROM t ORDER BY x, t.a");
+            QCOMPARE(reason(desk, 0), -1);
+            desk.engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
+                S, 0,
+                [&](ELEMSQLSelectColumnExpr* element) {
+                    setColumnAlias(element->columns.front(), {}, desk.engine.get());
+                    return true;
+                },
+                nullptr);
+            desk.settle();
+            QCOMPARE(reason(desk, 0), int(Tools::Validation::InvalidReferencedColumn));
+            QVERIFY(desk.run("click 1 order"));  // looks at all again
+            QCOMPARE(reason(desk, 0), int(Tools::Validation::InvalidReferencedColumn));
+            QCOMPARE(desk.text(), QString("SELECT 2 FROM t ORDER BY x ASC, t.a DESC"));
+        }
     }
 
     void noChangeIsAnnouncedWithoutOne() {
