@@ -126,7 +126,7 @@ void Panel::editSide(QBConditionSide::Side which) {
 
 void Panel::popupForEditValueComponent(QBConditionSide side, QWidget* anchor,
                                        bool preferExpression) {
-    const Condition* const operand = operandAt(side)->component;
+    const auto [operand, kind] = *operandAt(side);
     SQLAbstractColumnComponent* const item = firstItem(operand);
     auto* const chooser = new QBColumnSelectionPopupWidget(this, nullptr, item, nullptr, nullptr);
     chooser->setAggregateVisible(element() == ElementHaving);
@@ -137,6 +137,8 @@ void Panel::popupForEditValueComponent(QBConditionSide side, QWidget* anchor,
     } else if (startsAsText) {
         chooser->setExpression({});
     }
+    // A field in a pattern would be written with its name as the text.
+    if (kind == ConditionOperand::Pattern) chooser->setTextOnly();
     QBInputPopup* const popup = m_popup.open(
         chooser, anchor, [this, side, chooser] { applyChosen(side, chooser->chosenColumn()); });
     connect(chooser, &QBColumnSelectionPopupWidget::chosen, popup,
@@ -176,7 +178,8 @@ void Panel::applyChosen(QBConditionSide side, QBChosenColumn chosen) {
     if (!operand || changesNothing(chosen, firstItem(operand->component))) return;
     switch (operand->kind) {
         case ConditionOperand::Pattern:
-            if (isText) chosen.expression = ConditionValues::insideQuotes(chosen.expression);
+            if (!isText) return;  // the operator was another one
+            chosen.expression = ConditionValues::insideQuotes(chosen.expression);
             break;
         case ConditionOperand::Single:
             if (isText) chosen.expression = asOnePiece(side, chosen.expression);

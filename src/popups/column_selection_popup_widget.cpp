@@ -302,6 +302,11 @@ void QBColumnSelectionPopupWidget::setUseColumnSourceOption(bool isUsed) {
     d->content.setOffersStars(isUsed);
 }
 
+void QBColumnSelectionPopupWidget::setTextOnly() {
+    d->ui.tabWidget->setTabVisible(TreeTab, false);
+    d->ui.tabWidget->setCurrentIndex(TextTab);
+}
+
 void QBColumnSelectionPopupWidget::setExpression(const QString& text) {
     d->textAtFirst = text;
     d->ui.plainTextEdit->setPlainText(text);

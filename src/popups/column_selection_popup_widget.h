@@ -52,6 +52,8 @@ public:
     void setAggregateVisible(bool isVisible);
     /// Offers a star below each source.
     void setUseColumnSourceOption(bool isUsed);
+    /// Only tab 1, for what can be nothing but a text.
+    void setTextOnly();
     /// Goes to tab 1 with @p text in it.
     void setExpression(const QString& text);
 

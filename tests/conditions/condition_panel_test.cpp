@@ -1,6 +1,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QTabWidget>
 
 #include "conditions/condition_builder_panel_widget.h"
 #include "conditions/condition_nested_list_row_widget.h"
@@ -267,6 +268,10 @@ const Story stories[] = {
     {"the condition of a join", F, "t INNER JOIN u ON t.a = u.a",
      "click 0 right; pick u.d; click 0 add; click 1 left; pick t.b",
      "t INNER JOIN u ON t.a = u.d AND t.b ="},
+    {"a pattern is typed, also where fields come first", F, "t INNER JOIN u ON t.a = u.a",
+     "click 0 add; click 1 left; pick t.b; click 1 op; choose contains; click 1 right; set x; "
+     "outside",
+     "t INNER JOIN u ON t.a = u.a AND t.b LIKE '%x%'"},
     // what happens meanwhile
     {"another statement closes the popup", W, "t WHERE a = 1",
      "click 0 right; set 7; foreign SELECT * FROM t WHERE b = 2; outside", "t WHERE b = 2"},
@@ -379,6 +384,28 @@ private Q_SLOTS:
         }
         QCOMPARE(entries.first()->text(), QString("="));
         QCOMPARE(entries.last()->text(), QString("[no operator]"));
+    }
+
+    /// It would be written with its name as the text.
+    void noFieldIsOfferedForAPattern() {
+        Desk desk(Delivery::AtOnce, W);
+        desk.begin("SELECT * FROM t WHERE a = t.b");
+        const auto isFieldOffered = [&desk] {
+            if (!desk.run("click 0 right")) return false;
+            auto* const tabs = QApplication::activePopupWidget()->findChild<QTabWidget*>();
+            const bool isOffered = tabs->isTabVisible(0);
+            desk.run("key Esc");
+            return isOffered;
+        };
+        QVERIFY(isFieldOffered());
+        for (const char* op : {"contains", "does not contain", "starts with", "does not start with",
+                               "ends with", "does not end with"}) {
+            QVERIFY(desk.run(QString("click 0 op; choose ") + op));
+            QVERIFY2(!isFieldOffered(), op);
+        }
+        QVERIFY(desk.run("click 0 op; choose is like"));
+        QVERIFY(isFieldOffered());
+        QCOMPARE(desk.text(), QString("SELECT * FROM t WHERE a LIKE t.b"));
     }
 
     void aPanelOfAJoinFollowsItAndTellsWhenItHasGone() {
