@@ -232,7 +232,7 @@ bool SourceTreeLayout::obtainUngroupItemsByBracket(Items& rows) const {
     const Item* open = rows.front();
     const Item* close = rows.back();
     if (!isOpenRow(open) || close->partnerItem != open) return false;
-    return !rows[1]->isPlaceholder;
+    return !rows[1]->isPlaceholder && sourceOf(open)->alias.empty();
 }
 
 void SourceTreeLayout::ungroupItemsByBracket(const Items& rows) {

@@ -50,8 +50,9 @@ public:
     /// across a join that binds tighter. A single bracket row is widened to its bracket, backwards
     /// when it is the open row.
     virtual bool obtainGroupItemsByBracket(Items& rows) const;
-    /// Whether @p rows are one bracket with content, from its open to its close row. A single
-    /// bracket row is widened to its bracket, in row order.
+    /// Whether @p rows are one bracket with content, from its open to its close row, and without an
+    /// alias, which would be lost to the fields that name it. A single bracket row is widened to
+    /// its bracket, in row order.
     virtual bool obtainUngroupItemsByBracket(Items& rows) const;
 
     /// The slot of the whole tree.

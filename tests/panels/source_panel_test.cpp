@@ -308,6 +308,10 @@ private Q_SLOTS:
         QVERIFY(desk.sources()->shouldShowJoinPanel(5, true));
         QVERIFY(desk.run("click 0 row; click 1 row ctrl"));
         QVERIFY(desk.entries(1).startsWith("-Insert row|-Insert bracket|"));
+        desk.parse("SELECT x.a FROM t INNER JOIN (u INNER JOIN v) AS x");
+        for (const int row : {2, 6})  // what names the alias would be lost with it
+            QVERIFY2(desk.entries(row).endsWith("|Group in brackets|-Ungroup"),
+                     qPrintable(desk.entries(row)));
         desk.parse("SELECT 1");
         QVERIFY(desk.entries(0).startsWith("Insert row|Insert bracket|-Remove|"));
     }
