@@ -11,4 +11,9 @@ namespace QB {
 /// Thread: any.
 std::string withLineEnded(const std::string& text, DatabaseType family);
 
+/// Whether the source @p text is a name, a call or something in brackets, and has nothing behind it
+/// that an alias would have to stand before, such as a hint, or that is an alias.
+/// Thread: any.
+bool isOnePiece(const std::string& text, DatabaseType family);
+
 }  // namespace QB

@@ -6,6 +6,7 @@
 
 #include "layouts/source_tree_surgery.h"
 #include "model/tree_walks.h"
+#include "panels/free_text.h"
 #include "stringifier/query_component_stringifier.h"
 #include "tools/join_edits.h"
 #include "tools/join_sight.h"
@@ -145,10 +146,28 @@ void SourceEdits::replace(int row, std::unique_ptr<Source> replacement) {
     Source* const old = at<Source>(row);
     if (!SourceTree::isLeaf(old) || !SourceTree::isLeaf(replacement.get())) return;
     modify([&](Slot) {
-        if (replacement->alias.empty()) replacement->alias = old->alias;
+        if (replacement->alias.empty()) replacement->alias = aliasAfter(old, replacement.get());
         takeOverFields(old, replacement.get());
         m_rows->replaceItemComponent(m_rows->items()[static_cast<std::size_t>(row)],
                                      replacement.release(), true);
+    });
+}
+
+std::string SourceEdits::aliasAfter(const Source* old, const Source* replacement) const {
+    const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(old);
+    if (!old->alias.empty() || !table || !isNameFree(table->name, old)) return old->alias;
+    const auto* text = dynamic_cast<const SQLAnyExpressionSourceComponent*>(replacement);
+    const bool takesAlias = !text || isOnePiece(text->expression, m_engine->databaseType());
+    return takesAlias ? table->name : std::string();
+}
+
+bool SourceEdits::isNameFree(const std::string& name, const Source* except) const {
+    const Items& items = m_rows->items();
+    return std::none_of(items.begin(), items.end(), [&](const auto* item) {
+        const auto* source = dynamic_cast<const Source*>(item->component);
+        if (!source || source == except) return false;
+        const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
+        return (table && source->alias.empty() ? table->name : source->alias) == name;
     });
 }
 

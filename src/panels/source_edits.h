@@ -54,8 +54,10 @@ public:
     /// Removes a source, or a bracket with all in it, and the join that bound it. Of a join only
     /// what it binds: it becomes a comma.
     void remove(int row);
-    /// Puts another source in the place of a table, free text or subquery. It takes over the alias,
-    /// unless it has one, and the fields. Destroyed where it does not fit.
+    /// Puts another source in the place of a table, free text or subquery. It takes over the fields
+    /// and, unless it has an alias, that of the old source. A table without one gives its name,
+    /// where an alias is sure to be understood and no other source goes by it. Destroyed where it
+    /// does not fit.
     void replace(int row, std::unique_ptr<Source> replacement);
     /// A comma keeps the condition, unwritten, for the case that it becomes another join again.
     void setJoin(int row, const SourceJoinChoice& choice);
@@ -90,6 +92,8 @@ private:
     /// Gives the group of @p component the shape that its text is read in.
     void settleGroup(Slot root, const Source* component);
     void bind(Slot root, Join* join, const SourceJoinChoice& choice);
+    std::string aliasAfter(const Source* old, const Source* replacement) const;
+    bool isNameFree(const std::string& name, const Source* except) const;
     void takeOverFields(const Source* old, Source* replacement) const;
 
     static Conditions blindConditionsOf(Slot root);

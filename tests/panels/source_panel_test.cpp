@@ -156,7 +156,18 @@ const Story stories[] = {
      "SELECT y.a FROM f(1) AS y"},
     {"a table of a tree that has just moved", "SELECT * FROM t, u",
      "click 0 addLabel; pick v; click 2 main; tab 1; type f(1); outside",
-     "SELECT * FROM t, f(1) INNER JOIN v"},
+     "SELECT * FROM t, f(1) AS u INNER JOIN v"},
+    {"what takes a table's place goes by its name", "SELECT t.a, u.a FROM t, u",
+     "click 0 main; tab 1; type (SELECT 1 AS a); outside; click 2 main; tab 1; type s.f(1); "
+     "outside",
+     "SELECT t.a, u.a FROM ( SELECT 1 AS a ) AS t, s.f(1) AS u"},
+    {"but a text with more words has its alias, if any, in it", "SELECT * FROM t, u",
+     "click 0 main; tab 1; type v AS x; outside; click 2 main; tab 1; type u USE INDEX (a); "
+     "outside",
+     "SELECT * FROM v AS x, u USE INDEX (a)"},
+    {"and no two sources get one name", "SELECT * FROM main.t, s.t, main.w AS u, main.u",
+     "click 0 main; tab 1; type f(1); outside; click 6 main; tab 1; type f(1); outside",
+     "SELECT * FROM f(1), s.t, main.w AS u, f(1)"},
     {"another table", "SELECT x.a, u.b FROM t AS x, u",
      "click 0 main; outside; click 2 main; pick v", "SELECT x.a, v.b FROM t AS x, v"},
     // aliases
