@@ -84,6 +84,7 @@ public:
     void catchUp(const std::function<int()>& rowAfter);
     bool check();
     void renewLayout();
+    bool isOfStatement() const;
     bool isLayoutCurrent() const;
     void adopt(std::unique_ptr<QBComponentsListLayout::Impl> layout);
     void refreshWhenShown(bool rebuildLayout);
@@ -191,10 +192,16 @@ void QBRowListPanelWidget::Private::renewLayout() {
     adopt(q->createLayout());
 }
 
+/// Else the components of the rows may have gone with their statement.
+bool QBRowListPanelWidget::Private::isOfStatement() const {
+    const QBEngine* engine = q->engine();
+    const auto* current = engine == nullptr ? nullptr : engine->currentTopLevelQueryComponent();
+    return current != nullptr && statement == current && statementId == current->id();
+}
+
 /// A host that notifies later leaves rows of components that an edit has replaced.
 bool QBRowListPanelWidget::Private::isLayoutCurrent() const {
-    const auto* current = q->engine()->currentTopLevelQueryComponent();
-    if (isStale || statement != current || statementId != current->id()) return false;
+    if (isStale || !isOfStatement()) return false;
     q->renewRoot();
     const auto layout = q->createLayout();
     if (layout == nullptr || !haveSameRows(q->m_layout.items(), layout->items())) return false;
@@ -222,7 +229,9 @@ void QBRowListPanelWidget::Private::closeWhatHasGone() {
 
 // The component that has the focus
 
+/// Null also while an edit of the panel is announced, when its rows are not those of the clause.
 AbstractQueryComponent* QBRowListPanelWidget::Private::findComponent(QBRowKey key) const {
+    if (q->m_isModifying || !isOfStatement()) return nullptr;
     const Item* item = key.part == QBRowKey::Component ? q->itemAt(q->findRow(key)) : nullptr;
     return item == nullptr ? nullptr : item->component;
 }
