@@ -130,8 +130,7 @@ void QBConditionNestedListRowWidget::showValue(QBConditionSide::Side side,
                 isLeft ? m_leftInvalidReason : m_rightInvalidReason);
 }
 
-void QBConditionNestedListRowWidget::lightControls(bool isLit) {
-    QBNestedListRowWidget::lightControls(isLit);
+void QBConditionNestedListRowWidget::showLitControls() {
     showNegator();
 }
 

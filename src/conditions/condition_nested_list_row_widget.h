@@ -71,7 +71,7 @@ Q_SIGNALS:
 
 protected:
     /// A row that is not negated shows its NOT, dimmed, while one can reach for it.
-    void lightControls(bool isLit) override;
+    void showLitControls() override;
 
 private:
     void connectLabels();

@@ -34,8 +34,7 @@ void QBNestedListOpenBracketRowWidget::slotOnComponentChanged() {
     showNegator();
 }
 
-void QBNestedListOpenBracketRowWidget::lightControls(bool isLit) {
-    QBNestedListRowWidget::lightControls(isLit);
+void QBNestedListOpenBracketRowWidget::showLitControls() {
     showNegator();
 }
 

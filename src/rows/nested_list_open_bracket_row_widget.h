@@ -36,7 +36,7 @@ Q_SIGNALS:
     void negateToggleTriggered();
 
 protected:
-    void lightControls(bool isLit) override;
+    void showLitControls() override;
 
 private:
     void showNegator();

@@ -94,15 +94,14 @@ void QBNestedListRowWidget::setCurrentLook(bool isCurrent) {
 }
 
 void QBNestedListRowWidget::updateControls() {
+    // An image fades under the mouse: on a row that is merely the current one it would read as
+    // disabled.
+    auto* deletable = dynamic_cast<IQBNestedListRowWidgetDeleteSupported*>(this);
+    if (deletable != nullptr) deletable->deleteLabel()->setHovered(m_isUnderMouse);
     const bool isLit = m_hasCurrentLook || m_isUnderMouse;
     if (m_areControlsLit == isLit) return;
     m_areControlsLit = isLit;
-    lightControls(isLit);
-}
-
-void QBNestedListRowWidget::lightControls(bool isLit) {
-    auto* deletable = dynamic_cast<IQBNestedListRowWidgetDeleteSupported*>(this);
-    if (deletable != nullptr) deletable->deleteLabel()->setHovered(isLit);
+    showLitControls();
 }
 
 QString QBNestedListRowWidget::accessibleText() const {

@@ -72,9 +72,8 @@ Q_SIGNALS:
     void accessibleTextChanged();
 
 protected:
-    /// The row has become, or is no longer, the current one or the one under the mouse. Lights the
-    /// delete control here; a row that shows more then adds it.
-    virtual void lightControls(bool isLit);
+    /// areControlsLit() has changed. Nothing here; for a row that shows more then.
+    virtual void showLitControls() {}
 
     void enterEvent(QEvent* event) override;
     void leaveEvent(QEvent* event) override;

@@ -300,6 +300,29 @@ private Q_SLOTS:
         QVERIFY(!shown(row.get()).isEmpty());
     }
 
+    /// Fainter than the others it would read as disabled on the row that the keys are on.
+    void theDeleteControlFadesUnderTheMouseOnly() {
+        const Part part = cases().front().part();
+        const Row row = cases().front().make(part, cases().front().info);
+        auto* const deletable = dynamic_cast<IQBNestedListRowWidgetDeleteSupported*>(row.get());
+        QVERIFY(deletable);
+        const auto look = [deletable] {
+            return deletable->deleteLabel()->pixmap(Qt::ReturnByValue).toImage();
+        };
+        const QImage plain = look();
+        row->setCurrentLook(true);
+        QVERIFY(row->areControlsLit());
+        QCOMPARE(look(), plain);
+        QEvent leave(QEvent::Leave);
+        QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
+        QCoreApplication::sendEvent(row.get(), &enter);
+        QVERIFY(look() != plain);
+        row->setCurrentLook(false);
+        QVERIFY(look() != plain);
+        QCoreApplication::sendEvent(row.get(), &leave);
+        QCOMPARE(look(), plain);
+    }
+
     void aClickOnAPartTellsWhatIsWanted_data() {
         QTest::addColumn<int>("index");
         QTest::addColumn<QStringList>("signalsInOrder");
