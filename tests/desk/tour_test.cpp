@@ -56,6 +56,8 @@ QStringList rowsOfSqlite(const QString& file, const QString& sql) {
 ///     layer 0                  click a layer in the path
 ///     keys Ctrl+Tab Return     press keys
 ///     find rental              type into the chooser, and Return when the first match shows
+///     settled                  see that the filter of the tree has done its work
+///     reads FROM rental        see that in the preview
 class TourTest : public QObject {
     Q_OBJECT
 
@@ -128,7 +130,7 @@ private:
     bool runOne(const QString& word, const QString& rest) {
         if (word == "tree") return openInTree(rest);
         if (word == "clause") return clickClause(rest);
-        if (word == "click") return WindowEvents::clickOn(part(rest));
+        if (word == "click") return clickPart(rest);
         if (word == "menu") return openMenu(rest.section(' ', 0, 0).toInt(), rest.section(' ', 1));
         if (word == "choose") return chooseEntry(rest);
         if (word == "pick") return WindowEvents::pick(rest);
@@ -140,7 +142,9 @@ private:
         if (word == "outside") return clickOutside();
         if (word == "layer") return clickLayer(rest.toInt());
         if (word == "keys") return pressKeys(rest);
-        return word == "find" && findChoice(rest);
+        if (word == "find") return findChoice(rest);
+        if (word == "settled") return m_desk->window->objectTree()->isSettled();
+        return word == "reads" && m_desk->preview().contains(rest);
     }
 
     /// The topmost popup, or else the window.
@@ -179,6 +183,16 @@ private:
             if (isThere && widget->isVisible()) return widget;
         }
         return nullptr;
+    }
+    /// Clicks where the part stays: a new row is laid out while events are processed.
+    bool clickPart(const QString& place) const {
+        const auto centre = [&] {
+            const QWidget* found = part(place);
+            return found ? found->mapTo(found->window(), found->rect().center()) : QPoint();
+        };
+        const QPoint earlier = centre();
+        QTest::qWait(1);
+        return centre() == earlier && WindowEvents::clickOn(part(place));
     }
     bool openMenu(int row, const QString& entry) {
         QTableView* const rows = list();
