@@ -87,6 +87,7 @@ public:
     bool isOfStatement() const;
     bool isLayoutCurrent() const;
     void adopt(std::unique_ptr<QBComponentsListLayout::Impl> layout);
+    void letRowsGo();
     void refreshWhenShown(bool rebuildLayout);
     void closeWhatHasGone();
     AbstractQueryComponent* findComponent(QBRowKey key) const;
@@ -211,11 +212,16 @@ bool QBRowListPanelWidget::Private::isLayoutCurrent() const {
     return true;
 }
 
-void QBRowListPanelWidget::Private::refreshWhenShown(bool rebuildLayout) {
-    if (q->isVisible()) return q->refreshUI(rebuildLayout);
+/// Nobody sees them, or their components may have gone; the next refresh brings them back.
+void QBRowListPanelWidget::Private::letRowsGo() {
     isStale = true;
     q->m_view->releaseRows();
     q->m_layout.setImplementation(nullptr);
+}
+
+void QBRowListPanelWidget::Private::refreshWhenShown(bool rebuildLayout) {
+    if (q->isVisible()) return q->refreshUI(rebuildLayout);
+    letRowsGo();
     if (menu && menu->isVisible()) menu->close();
     if (q->isPopupOpen() && q->popupRow().isValid()) q->cancelPopup();
 }
@@ -309,6 +315,7 @@ void QBRowListPanelWidget::relatedElementModified(void* sender, const Elements& 
     if (m_isModifying) {
         d->isNotified = true;
         d->isForeign |= sender != this;
+        if (sender != this) d->letRowsGo();
         d->elements |= elements;
         return;
     }
@@ -322,6 +329,7 @@ void QBRowListPanelWidget::topLevelQueryComponentLayerChanged(
     Component::AbstractTopLevelQueryComponent*) {
     if (m_isModifying) {
         d->isLayerChanged = true;
+        d->letRowsGo();
         return;
     }
     d->changeLayer();
