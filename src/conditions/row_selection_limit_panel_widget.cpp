@@ -174,6 +174,8 @@ void QBRowSelectionLimitPanelWidget::topLevelQueryComponentLayerChanged(
     Component::AbstractTopLevelQueryComponent*) {
     const auto* current = engine() == nullptr ? nullptr : engine()->currentTopLevelQueryComponent();
     if (current == nullptr || current->id() != m_popupStatementId) m_popup.cancel();
+    for (QBLabel* label : {ui->clicklabel_offset, ui->clicklabel_rowCount})
+        label->forgetPress();
     updateDisplay();
 }
 

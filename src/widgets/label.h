@@ -30,6 +30,8 @@ public:
 
     bool isClickable() const { return m_isClickable; }
     void setClickable(bool clickable);
+    /// What is shown belongs to something else now: a press that is held is no click on it.
+    void forgetPress() { m_isPressed = false; }
 
     /// Gives the label the look it has under the mouse, from outside: a row lights up its delete
     /// control while the mouse is anywhere on the row.
