@@ -335,6 +335,8 @@ private:
     }
 
 private Q_SLOTS:
+    void cleanupTestCase() { Test::outliveAnimations(); }
+
     void everyActionWorksByItself() {
         for (int i = 0; i < actionCount; ++i) {
             for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
@@ -391,3 +393,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(QB::InjectionTest)
 #include "injection_test.moc"
+#include "support/qt_animations.h"

@@ -198,6 +198,8 @@ class MonkeyTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanupTestCase() { Test::outliveAnimations(); }
+
     void rowsThatAreBehindTheirClauseAreSeen() {
         Desk desk(Delivery::AtOnce);
         desk.parse(texts[2]);
@@ -248,3 +250,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(QB::MonkeyTest)
 #include "monkey_test.moc"
+#include "support/qt_animations.h"

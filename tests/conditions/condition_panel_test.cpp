@@ -285,6 +285,8 @@ class ConditionPanelTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanupTestCase() { QB::Test::outliveAnimations(); }
+
     void everyEditGivesItsText_data() {
         QTest::addColumn<int>("story");
         QTest::addColumn<int>("delivery");
@@ -455,3 +457,4 @@ private:
 
 QTEST_MAIN(QB::ConditionPanelTest)
 #include "condition_panel_test.moc"
+#include "support/qt_animations.h"

@@ -19,6 +19,8 @@ class ClausesTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanupTestCase() { QB::Test::outliveAnimations(); }
+
     void initTestCase() {
         QStandardPaths::setTestModeEnabled(true);
         QB::HostKit::installCallbacks();
@@ -181,3 +183,4 @@ private:
 
 QTEST_MAIN(ClausesTest)
 #include "clauses_test.moc"
+#include "support/qt_animations.h"

@@ -62,6 +62,8 @@ class TourTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanupTestCase() { QB::Test::outliveAnimations(); }
+
     void initTestCase() {
         QStandardPaths::setTestModeEnabled(true);
         QB::HostKit::installCallbacks();
@@ -270,4 +272,5 @@ private:
 };
 
 QTEST_MAIN(TourTest)
+#include "support/qt_animations.h"
 #include "tour_test.moc"

@@ -1,7 +1,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QPauseAnimation>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTreeWidget>
@@ -95,14 +94,7 @@ class ObjectTreeTest : public QObject {
 private Q_SLOTS:
     void init() { m_desk = std::make_unique<Desk>(); }
     void cleanup() { m_desk.reset(); }
-    /// The clear button of a filter line fades by an animation that nobody owns: it frees itself in
-    /// its next turn after the button has gone, for which the program must still be there.
-    void cleanupTestCase() {
-        QPauseAnimation later(50);
-        later.start();
-        QTRY_COMPARE(later.state(), QAbstractAnimation::Stopped);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    void cleanupTestCase() { QB::Test::outliveAnimations(); }
 
     // ---- rows -------------------------------------------------------------------------------
 
@@ -564,3 +556,4 @@ private:
 
 QTEST_MAIN(QB::ObjectTreeTest)
 #include "object_tree_test.moc"
+#include "support/qt_animations.h"

@@ -267,6 +267,8 @@ private:
     }
 
 private Q_SLOTS:
+    void cleanupTestCase() { QB::Test::outliveAnimations(); }
+
     void everyEditGivesItsText_data() {
         QTest::addColumn<int>("story");
         QTest::addColumn<int>("delivery");
@@ -435,3 +437,4 @@ private:
 
 QTEST_MAIN(QB::ColumnPanelsTest)
 #include "column_panels_test.moc"
+#include "support/qt_animations.h"

@@ -269,6 +269,8 @@ class SourcePanelTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanupTestCase() { QB::Test::outliveAnimations(); }
+
     void everyEditGivesItsText_data() {
         QTest::addColumn<int>("story");
         QTest::addColumn<int>("delivery");
@@ -443,3 +445,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(QB::SourcePanelTest)
 #include "source_panel_test.moc"
+#include "support/qt_animations.h"

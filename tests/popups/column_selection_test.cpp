@@ -26,6 +26,7 @@ class ColumnSelectionTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanupTestCase() { QB::Test::outliveAnimations(); }
 
     // ---- what is offered ------------------------------------------------------------------------
 
@@ -561,3 +562,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(QB::ColumnSelectionTest)
 #include "column_selection_test.moc"
+#include "support/qt_animations.h"
