@@ -5,6 +5,7 @@
 #include "model/notification_names.h"
 #include "support/dice.h"
 #include "support/long_runs.h"
+#include "support/qt_animations.h"
 
 namespace QB {
 namespace {
@@ -393,4 +394,3 @@ private Q_SLOTS:
 
 QTEST_MAIN(QB::InjectionTest)
 #include "injection_test.moc"
-#include "support/qt_animations.h"

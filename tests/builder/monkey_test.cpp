@@ -7,6 +7,7 @@
 #include "parser/query_parser.h"
 #include "support/dice.h"
 #include "support/long_runs.h"
+#include "support/qt_animations.h"
 
 namespace QB {
 namespace {
@@ -250,4 +251,3 @@ private Q_SLOTS:
 
 QTEST_MAIN(QB::MonkeyTest)
 #include "monkey_test.moc"
-#include "support/qt_animations.h"

@@ -10,6 +10,7 @@
 #include "rows/nested_list_dummy_row_widget.h"
 #include "rows/row_interfaces.h"
 #include "support/panel_desk.h"
+#include "support/qt_animations.h"
 
 namespace QB {
 namespace {
@@ -457,4 +458,3 @@ private:
 
 QTEST_MAIN(QB::ConditionPanelTest)
 #include "condition_panel_test.moc"
-#include "support/qt_animations.h"

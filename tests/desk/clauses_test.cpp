@@ -9,6 +9,7 @@
 #include "frame/query_builder_widget.h"
 #include "hostkit/sqlite_file.h"
 #include "hostkit/threads.h"
+#include "support/qt_animations.h"
 #include "widgets/panel_widget.h"
 
 using QB::Test::DeskFixture;
@@ -183,4 +184,3 @@ private:
 
 QTEST_MAIN(ClausesTest)
 #include "clauses_test.moc"
-#include "support/qt_animations.h"

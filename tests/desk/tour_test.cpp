@@ -7,6 +7,7 @@
 
 #include "desk/desk_fixture.h"
 #include "hostkit/threads.h"
+#include "support/qt_animations.h"
 #include "support/window_events.h"
 
 using QB::Test::DeskFixture;
@@ -272,5 +273,4 @@ private:
 };
 
 QTEST_MAIN(TourTest)
-#include "support/qt_animations.h"
 #include "tour_test.moc"

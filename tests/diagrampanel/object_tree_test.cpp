@@ -11,6 +11,7 @@
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
 #include "diagrampanel/diagram_panel_widget.h"
 #include "diagrampanel/fake_server.h"
+#include "support/qt_animations.h"
 #include "widgets/loading_indicator_widget.h"
 
 namespace QB {
@@ -556,4 +557,3 @@ private:
 
 QTEST_MAIN(QB::ObjectTreeTest)
 #include "object_tree_test.moc"
-#include "support/qt_animations.h"

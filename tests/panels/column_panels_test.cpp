@@ -16,6 +16,7 @@
 #include "rows/nested_list_any_expression_row_widget.h"
 #include "rows/nested_list_dummy_row_widget.h"
 #include "support/panel_desk.h"
+#include "support/qt_animations.h"
 #include "tools/validation.h"
 #include "widgets/label.h"
 
@@ -437,4 +438,3 @@ private:
 
 QTEST_MAIN(QB::ColumnPanelsTest)
 #include "column_panels_test.moc"
-#include "support/qt_animations.h"

@@ -4,6 +4,7 @@
 
 #include "support/from_clause.h"
 #include "support/panel_desk.h"
+#include "support/qt_animations.h"
 #include "support/text_check.h"
 
 namespace QB {
@@ -445,4 +446,3 @@ private Q_SLOTS:
 
 QTEST_MAIN(QB::SourcePanelTest)
 #include "source_panel_test.moc"
-#include "support/qt_animations.h"

@@ -4,6 +4,7 @@
 
 #include "popups/chooser_fixture.h"
 #include "popups/input_popup.h"
+#include "support/qt_animations.h"
 #include "support/text_check.h"
 
 namespace QB {
@@ -562,4 +563,3 @@ private Q_SLOTS:
 
 QTEST_MAIN(QB::ColumnSelectionTest)
 #include "column_selection_test.moc"
-#include "support/qt_animations.h"
