@@ -77,7 +77,8 @@ public:
     void setupRootComponentRef();
 
     /// Adds a comparison, or with @p bareValue a value that is a condition by itself: before the
-    /// current row, or at the end of its group. Its missing values stay unmarked for now. Does
+    /// current row, or at the end of its group. Its missing values stay unmarked until the panel
+    /// becomes inactive or the layer changes, since a row that was just begun is no fault. Does
     /// nothing without a current row.
     void addValueComponent(bool insertBefore, bool bareValue);
     void addBracketComponent(bool insertBefore);
