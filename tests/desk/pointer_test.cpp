@@ -56,6 +56,18 @@ private Q_SLOTS:
     }
 };
 
+// Asked by the sanitizers only. libxkbcommon-x11 (1.5) copies a name out of the server's reply by
+// `strndup` with its length, where the byte after it counts as read; Qt's plugin for X and the bus
+// that it opens keep memory to the end. drag_test looks for our own leaks in the same drags.
+extern "C" const char* __asan_default_suppressions();
+extern "C" const char* __asan_default_suppressions() {
+    return "interceptor_via_lib:libxkbcommon-x11";
+}
+extern "C" int __lsan_is_turned_off();
+extern "C" int __lsan_is_turned_off() {
+    return 1;
+}
+
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("JOINERY_X_SERVER")) {
         for (const char* tool : {"xvfb-run", "xauth", "xdotool"})
