@@ -56,7 +56,7 @@ set(JOINERY_ROOMS "" CACHE INTERNAL "")
 # below; what those use comes along.
 function(joinery_room name)
     cmake_parse_arguments(ROOM "CORE;STDONLY" "" "USES" ${ARGN})
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp
          ${CMAKE_CURRENT_SOURCE_DIR}/*.h ${CMAKE_CURRENT_SOURCE_DIR}/*.ui)
     set(target room_${name})
     if(NOT sources MATCHES "\\.cpp")
@@ -125,7 +125,7 @@ endfunction()
 # One GoogleTest program of all *_test.cpp in the current folder.
 function(joinery_gtest name)
     cmake_parse_arguments(TEST "" "" "ROOMS;LIBS;LABELS" ${ARGN})
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
     if(NOT sources)
         return()
     endif()
@@ -144,7 +144,7 @@ endfunction()
 # One Qt Test program for each *_test.cpp in the current folder, run offscreen.
 function(joinery_qtest name)
     cmake_parse_arguments(TEST "" "" "ROOMS;LIBS;LABELS" ${ARGN})
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
     foreach(source ${sources})
         get_filename_component(stem ${source} NAME_WE)
         set(target test_${name}_${stem})
