@@ -1,0 +1,34 @@
+#pragma once
+
+#include "canvas/base/margin_constraint.h"
+#include "engine/event_trigger.h"
+#include "platform/lumo/lumo_object.h"
+
+namespace QB::DiagramLumo {
+
+/// Base of the objects of the diagram: paints its background, tells when its rectangle changes,
+/// keeps the margins of its children.
+class QBLumoObject : public LumoObject, public QBLumoObjectMarginConstraintAddOn {
+public:
+    QBLumoObject();
+    ~QBLumoObject() override;
+
+    /// Fired with this object and the rectangle that it had.
+    QBEventTrigger<QBLumoObject*, LumoRect>* rectChanged() { return &m_rectChanged; }
+
+    using LumoObject::addChild;
+    void setRect(const LumoRect& rect) override;
+    void paint(LumoPaintConfig* config, LumoRect rect) override;
+    void setBackgroundColor(const LumoColor& color) override;
+
+    /// Called when this object or an ancestor is about to leave the diagram, children first.
+    virtual void removedFromDiagram();
+
+protected:
+    void customLayout() override;
+
+private:
+    QBEventTrigger<QBLumoObject*, LumoRect> m_rectChanged;
+};
+
+}  // namespace QB::DiagramLumo

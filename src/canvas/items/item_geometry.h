@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/lumo/lumo_types.h"
+
+namespace QB::DiagramLumo {
+
+/// The numbers of an item; pure. An item is its body with an inset of 9 left and right, 4 above and
+/// below.
+inline constexpr int itemInsetX = 9;
+inline constexpr int itemInsetY = 4;
+
+enum HoverEdge : int32_t { EdgeTop = 1, EdgeBottom = 2, EdgeLeft = 4, EdgeRight = 8 };
+
+LumoRect bodyRectOf(LumoSize item);
+LumoSize itemSizeFor(LumoSize body);
+/// Which edges of @p body (item space) the pointer would drag.
+int32_t hoverEdgesAt(const LumoRect& body, LumoPoint point);
+/// The cursor for a mask of edges, 0 for none.
+int cursorForEdges(int32_t edges);
+
+/// Everything that a move or a resize depends on, in the diagram's space.
+struct ItemDrag {
+    LumoRect start;  // the item's rectangle at the press
+    LumoPoint startPoint;
+    int32_t edges = 0;       // 0: a move
+    bool keepShape = false;  // move along one axis only; resize with the ratio of the start
+    LumoSize minimum;        // of the item
+    LumoRect bounds;         // of the diagram
+};
+/// The rectangle of the item with the pointer at @p point. It stays inside the bounds: a move stops
+/// at the edge, a resize stops with the dragged edge.
+LumoRect draggedRect(const ItemDrag& drag, LumoPoint point);
+
+/// Default sizes of bodies: a table's with title and 10 rows, a text's.
+LumoSize defaultTableBodySize();  // 200 x 237
+LumoSize defaultTextBodySize();   // 240 x 120
+/// The height of a table body with @p fields rows that nobody has resized: for at most 10 rows, at
+/// least 3.
+int tableBodyHeightFor(int fields);
+
+}  // namespace QB::DiagramLumo

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/lumo/lumo_types.h"
+
+class LumoControl;
+class LumoDiagram;
+class LumoMessageRightClickParam;
+class LumoObject;
+
+/// Turns raw mouse and key events of one control into what the objects of its diagram get.
+///
+/// Hit list: every visible object under the point, topmost first, children before parents, then
+/// what lies below. Points are local to the receiver.
+/// Phases: the responders down the list until one returns false; then the custom hooks down the
+/// same list until one stops it. Consuming by a responder does not keep the hooks from it.
+/// Wheel: the diagram's customMouseWheel is asked first whether the items get it at all.
+/// Grab: a press keeps the hit objects whose shouldTriggerMouseDown passed; Dragging, Up and Drop
+/// go to them, wherever the pointer is. Enter, Over and Leave of a drag come from what lies under
+/// the pointer. A release gives Up, then Drop.
+/// Drag: begins when the pointer is startDistance() away; the first Dragging carries the point of
+/// the press. Every drag ends with exactly one Drop and every Enter with one Leave, also by
+/// cancel() and when the object goes.
+/// The dispatcher copes with objects that are removed or destroyed by what it calls.
+class LumoDispatcher {
+public:
+    explicit LumoDispatcher(LumoControl* control);
+    ~LumoDispatcher();
+    LumoDispatcher(const LumoDispatcher&) = delete;
+    LumoDispatcher& operator=(const LumoDispatcher&) = delete;
+
+    // Raw events. @p keys holds modifiers and buttons as LumoEventKey bits; of a release with the
+    // released button. Points in control space.
+    void mousePress(LumoControlPoint point, int32_t keys);
+    void mouseMove(LumoControlPoint point, int32_t keys);
+    void mouseRelease(LumoControlPoint point, int32_t keys);
+    void mouseDoubleClick(LumoControlPoint point, int32_t keys);
+    /// @p pixels to scroll, positive shows more below. True if an object of the diagram took it.
+    bool mouseWheel(LumoControlPoint point, LumoPoint pixels, int32_t keys);
+    void mouseLeave();
+    /// True if an object took it. Objects of the grab are asked first, then the diagram.
+    bool keyDown(int32_t keyCode, int32_t keys);
+
+    /// Ends the gesture as if released outside of everything: a Drop if it dragged, Leaves.
+    void cancel();
+    /// Asks again what lies under the still pointer, after the canvas moved below it.
+    void pointerStaysWhileCanvasMoves();
+    /// @p object and its descendants leave the tree or die: they get their Drop and Leave if they
+    /// only leave, and are never called again.
+    void forget(LumoObject* object, bool dying);
+
+    bool isGrabbing() const;
+    bool isDragging() const;
+    bool isOver(const LumoObject* object) const;
+    bool isPressed(const LumoObject* object) const;
+    /// QStyleHints::startDragDistance.
+    static int startDistance();
+
+    /// The objects under @p point (diagram space) in the order of delivery.
+    static std::vector<LumoObject*> hitList(LumoDiagram* diagram, LumoPoint point);
+
+    // Of the delivery that runs; used by the context.
+    void proposeCursor(int code);
+    void setRightClick(const LumoMessageRightClickParam& param, LumoPoint point);
+
+private:
+    struct State;
+    const std::unique_ptr<State> m_state;
+};
