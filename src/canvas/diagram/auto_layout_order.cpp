@@ -24,11 +24,11 @@ std::pair<std::vector<Index>, std::vector<Index>> walk(const Neighbours& neighbo
     return {std::move(distance), std::move(met)};
 }
 
-/// How many pairs stand the wrong way round, less those that stand right: what is won when the owner
-/// of @p upper and that of @p lower, just below it, change places.
+/// How many pairs stand the wrong way round, less those that stand right: what is won when the
+/// owner of @p upper and that of @p lower, just below it, change places.
 int64_t wonBySwap(const std::vector<Index>& upper, const std::vector<Index>& lower) {
     int64_t won = 0;
-    Index above = 0;    // of lower, those above the place of upper
+    Index above = 0;  // of lower, those above the place of upper
     Index notBelow = 0;
     for (Index place : upper) {
         while (above < lower.size() && lower[above] < place)
@@ -279,9 +279,8 @@ namespace {
 std::vector<Index> rootsByLinks(const Neighbours& neighbours) {
     std::vector<Index> roots(neighbours.size());
     std::iota(roots.begin(), roots.end(), Index{0});
-    std::stable_sort(roots.begin(), roots.end(), [&](Index a, Index b) {
-        return neighbours[a].size() > neighbours[b].size();
-    });
+    std::stable_sort(roots.begin(), roots.end(),
+                     [&](Index a, Index b) { return neighbours[a].size() > neighbours[b].size(); });
     return roots;
 }
 
@@ -326,7 +325,8 @@ std::vector<LayerOrder> bestOrders(const Neighbours& neighbours, Index count, Ef
     std::stable_sort(best.begin(), best.end(), [](const LayerOrder& a, const LayerOrder& b) {
         return a.crossings() < b.crossings();
     });
-    best.erase(best.begin() + static_cast<std::ptrdiff_t>(std::min(count, best.size())), best.end());
+    best.erase(best.begin() + static_cast<std::ptrdiff_t>(std::min(count, best.size())),
+               best.end());
     for (LayerOrder& order : best)
         search(order, 200, effort);
     return best;

@@ -9,9 +9,9 @@
 /// Sugiyama, Tagawa and Toda (1981): sweeps by the mean place of the neighbours, then every box is
 /// tried at every place of its layer (sifting; Matuszewski, Schönfeld and Molitor 1999).
 ///
-/// Layers by distance from the root leave no link that spans two layers, so that no line runs behind
-/// a box. Links inside a layer run down its right side: they cross what leaves the boxes between
-/// their ends to the right.
+/// Layers by distance from the root leave no link that spans two layers, so that no line runs
+/// behind a box. Links inside a layer run down its right side: they cross what leaves the boxes
+/// between their ends to the right.
 namespace QB::DiagramLumo::AutoLayout {
 
 using Index = std::size_t;

@@ -10,7 +10,8 @@ namespace {
 /// Tops of the boxes of one part, moved layer by layer towards where their links are level.
 class LevelLinks {
 public:
-    LevelLinks(const Part& part, const Layers& layers, const std::vector<LumoSize>& sizes, int below)
+    LevelLinks(const Part& part, const Layers& layers, const std::vector<LumoSize>& sizes,
+               int below)
         : m_neighbours(part.neighbours)
         , m_layers(layers)
         , m_sizes(sizes)
@@ -44,8 +45,8 @@ private:
         double mean() const { return sum / weight; }
     };
 
-    /// The tops of a layer that are nearest to what its boxes wish for and keep the order. Wishes are
-    /// compared less the heights above, so that keeping apart means not falling.
+    /// The tops of a layer that are nearest to what its boxes wish for and keep the order. Wishes
+    /// are compared less the heights above, so that keeping apart means not falling.
     void settle(Index layer, bool onlyBefore) {
         std::vector<Pool> pools;
         double above = 0;
@@ -154,7 +155,9 @@ Block placeLayers(const Part& part, const Layers& layers, const std::vector<Lumo
 std::vector<LumoPoint> packInRows(const std::vector<Block>& blocks, const LayoutSpacing& spacing) {
     std::vector<Index> order(blocks.size());
     std::iota(order.begin(), order.end(), Index{0});
-    const auto isSingle = [&](Index block) { return blocks[block].boxes.size() == 1; };
+    const auto isSingle = [&](Index block) {
+        return blocks[block].boxes.size() == 1;
+    };
     std::stable_sort(order.begin(), order.end(), [&](Index a, Index b) {
         if (isSingle(a) || isSingle(b)) return isSingle(a) < isSingle(b);
         return blocks[a].size.height > blocks[b].size.height;

@@ -20,8 +20,8 @@ struct Block {
 Block placeLayers(const Part& part, const Layers& layers, const std::vector<LumoSize>& sizes,
                   const LayoutSpacing& spacing);
 
-/// Corners for the blocks in rows from left to right, about as wide as a screen in proportion to its
-/// height. Boxes without links come last and start a row of their own.
+/// Corners for the blocks in rows from left to right, about as wide as a screen in proportion to
+/// its height. Boxes without links come last and start a row of their own.
 std::vector<LumoPoint> packInRows(const std::vector<Block>& blocks, const LayoutSpacing& spacing);
 
 }  // namespace QB::DiagramLumo::AutoLayout
