@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <set>
@@ -50,10 +51,12 @@ public:
     void playAnimation(QBLumoAnimation* animation);
     void stopAnimation(QBLumoAnimation* animation);
     bool isTicking() const;
+    /// What a tick does after @p seconds: all that run advance, those at their end stop.
+    void step(double seconds);
 
 private:
     void tick();
-    void step(double seconds);
+    static void callUpdate(QBLumoAnimation* animation);
 
     LumoControl* const m_control;  // not owned
     const std::unique_ptr<LumoTimer> m_timer;

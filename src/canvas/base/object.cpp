@@ -1,0 +1,41 @@
+#include "canvas/base/object.h"
+
+#include "platform/lumo/lumo_paint.h"
+
+namespace QB::DiagramLumo {
+
+QBLumoObject::QBLumoObject() = default;
+QBLumoObject::~QBLumoObject() = default;
+
+void QBLumoObject::setRect(const LumoRect& rect) {
+    const LumoRect before = getRect();
+    if (before == rect) return;
+    captureMargins(this);
+    LumoObject::setRect(rect);
+    m_rectChanged.fire(this, before);
+}
+
+void QBLumoObject::customLayout() {
+    LumoObject::customLayout();
+    applyMargins(this);
+}
+
+void QBLumoObject::paint(LumoPaintConfig* config, LumoRect rect) {
+    const LumoColor color = getBackgroundColor();
+    if (color.alpha > 0.0) {
+        LumoPainter painter(config, this);
+        painter.setColor(color);
+        painter.addRect(LumoDoubleRect(getBoundingRect()));
+        painter.fill();
+    }
+    LumoObject::paint(config, rect);
+}
+
+void QBLumoObject::setBackgroundColor(const LumoColor& color) {
+    LumoObject::setBackgroundColor(color);
+    invalidate();
+}
+
+void QBLumoObject::removedFromDiagram() {}
+
+}  // namespace QB::DiagramLumo
