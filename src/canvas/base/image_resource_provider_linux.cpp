@@ -12,6 +12,8 @@ namespace {
 
 QString pathOf(const std::string& name) {
     if (name == "ResID_BtnSubqueryEdit") return QStringLiteral(":/images/TB_Subquery_Edit.png");
+    if (name == "ResID_BtnSubqueryEdit@2x")
+        return QStringLiteral(":/images/TB_Subquery_Edit@2x.png");
     return QString::fromStdString(name);
 }
 
