@@ -10,18 +10,14 @@ namespace {
 /// Tops of the boxes of one part, moved layer by layer towards where their links are level.
 class LevelLinks {
 public:
-    LevelLinks(const Part& part, const Layers& layers, const std::vector<LumoSize>& sizes,
-               int below)
+    LevelLinks(const Part& part, const Layers& layers, const std::vector<Index>& layerOf,
+               const std::vector<LumoSize>& sizes, int below)
         : m_neighbours(part.neighbours)
         , m_layers(layers)
+        , m_layerOf(layerOf)
         , m_sizes(sizes)
         , m_below(below)
-        , m_layerOf(sizes.size())
-        , m_tops(sizes.size()) {
-        for (Index layer = 0; layer < layers.size(); ++layer)
-            for (Index box : layers[layer])
-                m_layerOf[box] = layer;
-    }
+        , m_tops(sizes.size()) {}
 
     /// Enough rounds that a further one moves nothing by a pixel a user would see.
     std::vector<int> tops() {
@@ -75,7 +71,7 @@ private:
             wish.sum += m_tops[other] - above;
             wish.weight += 1;
         }
-        if (wish.count == 1 && wish.weight > 0) return wish;
+        if (wish.weight > 0) return wish;
         wish.sum = m_tops[box] - above;
         wish.weight = 1;
         return wish;
@@ -105,17 +101,37 @@ private:
 
     const Neighbours& m_neighbours;
     const Layers& m_layers;
+    const std::vector<Index>& m_layerOf;
     const std::vector<LumoSize>& m_sizes;
     const int m_below;
-    std::vector<Index> m_layerOf;
     std::vector<double> m_tops;
 };
+
+std::vector<Index> layersByBox(const Layers& layers, Index boxes) {
+    std::vector<Index> layerOf(boxes);
+    for (Index layer = 0; layer < layers.size(); ++layer)
+        for (Index box : layers[layer])
+            layerOf[box] = layer;
+    return layerOf;
+}
 
 int widest(const std::vector<Index>& layer, const std::vector<LumoSize>& sizes) {
     int width = 0;
     for (Index box : layer)
         width = std::max(width, sizes[box].width);
     return width;
+}
+
+/// From the layer before. Where links fan out far up and down it grows, up to three times, so that
+/// they do not run side by side.
+int gapBefore(const std::vector<Index>& layer, const Part& part, const std::vector<Index>& layerOf,
+              const std::vector<int>& tops, int between) {
+    int steepest = 0;
+    for (Index box : layer)
+        for (Index other : part.neighbours[box])
+            if (layerOf[other] < layerOf[box])
+                steepest = std::max(steepest, std::abs(tops[other] - tops[box]));
+    return std::clamp(steepest / 4, between, 3 * between);
 }
 
 /// A screen is about this much wider than high.
@@ -137,17 +153,20 @@ int rowWidth(const std::vector<Block>& blocks, const LayoutSpacing& spacing) {
 Block placeLayers(const Part& part, const Layers& layers, const std::vector<LumoSize>& sizes,
                   const LayoutSpacing& spacing) {
     Block block{part.boxes, std::vector<LumoPoint>(sizes.size()), {}};
-    const std::vector<int> tops = LevelLinks(part, layers, sizes, spacing.below).tops();
+    const std::vector<Index> layerOf = layersByBox(layers, sizes.size());
+    const std::vector<int> tops = LevelLinks(part, layers, layerOf, sizes, spacing.below).tops();
     int left = 0;
     for (const std::vector<Index>& layer : layers) {
+        if (&layer != &layers.front())
+            left += gapBefore(layer, part, layerOf, tops, spacing.between);
         const int width = widest(layer, sizes);
         for (Index box : layer) {
             // From the middle line: what two boxes round is then the same.
             block.origins[box] = {left + width / 2 - sizes[box].width / 2, tops[box]};
             block.size.height = std::max(block.size.height, tops[box] + sizes[box].height);
         }
-        block.size.width = left + width;
-        left += width + spacing.between;
+        left += width;
+        block.size.width = left;
     }
     return block;
 }
