@@ -16,6 +16,9 @@ public:
     /// Ownership: @p parent's, or the caller's if null. @p context is not owned.
     [[nodiscard]] static QBLumoUIView* create(QBLumoContext* context, QWidget* parent);
 
+    /// A new cursor for one of the codes 32 to 37, else null. The caller owns it.
+    static QCursor* cursorForCode(int code);
+
     /// Null until a QBLumoDiagram is active.
     QBLumoDiagram* lumoDiagram() const;
     /// After the host's theme changed: bodies and caches take the new colours.
@@ -24,6 +27,7 @@ public:
 protected:
     QBLumoUIView(QBLumoContext* context, QWidget* parent);
     QString toolTipAt(LumoPoint diagramPoint) const override;
+    void paintOverlay(QPainter* painter) override;
     void changeEvent(QEvent* event) override;
 };
 

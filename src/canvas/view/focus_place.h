@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/lumo/lumo_types.h"
+
+namespace QB::DiagramLumo {
+
+class QBLumoDiagram;
+
+/// Where the object or row with the keyboard focus lies, in the diagram's space: what the focus
+/// ring surrounds and what must be scrolled into view. A default rectangle if nothing has the
+/// focus.
+LumoRect focusPlace(const QBLumoDiagram* diagram);
+
+}  // namespace QB::DiagramLumo
