@@ -42,6 +42,7 @@ public:
 
     // What the context hands on.
     virtual void diagramChanged() = 0;  // another diagram, or its size
+    virtual void layoutWanted() {}       // an object of the diagram was marked
     virtual void updateRegion(const LumoRect& diagramRect) = 0;
     virtual void cursorChanged(int code) = 0;
     virtual void rightClicked(const LumoMessageRightClickParam& param, LumoPoint point) = 0;

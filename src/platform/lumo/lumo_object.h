@@ -128,12 +128,17 @@ public:
 
     // ---- events: see LumoDispatcher for order and phases ----
 
-    /// Asked with a point in own space before the object is hit by that kind of event; by default
-    /// whether the point lies in the bounding rectangle.
+    // Asked with a point in own space before the object is hit by that kind of event; by default
+    // whether the point lies in the bounding rectangle. Move stands for all that lies under the
+    // pointer: Enter, Leave, wheel and what is dragged over. Up is asked of objects that hold the
+    // press, wherever the pointer is, and is true by default.
     virtual bool shouldTriggerMouseDown(LumoEvent event);
     virtual bool shouldTriggerMouseMove(LumoEvent event);
     virtual bool shouldTriggerMouseUp(LumoEvent event);
     virtual bool shouldTriggerMouseDoubleClick(LumoEvent event);
+    /// Asked of an object that an event hits: false keeps the event from the siblings below it, as
+    /// if it covered them; parents still get it.
+    virtual bool shouldForwardEventToNeighbors(LumoEvent) { return true; }
     /// Adds to the functions of a type, which are called in the order of adding until one returns
     /// false.
     void registerEventResponder(LumoEventResponderType type, LumoEventResponder responder);
