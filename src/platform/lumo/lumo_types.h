@@ -145,6 +145,12 @@ enum LumoEventKey : int32_t {
 /// The codes of the keys that the canvas knows. Every other key is 0.
 enum LumoKeyCode : int32_t {
     LumoKeyEscape = 3,
+    LumoKeyTab = 4,
+    LumoKeyBackTab = 5,
+    LumoKeyReturn = 6,  // and Enter
+    LumoKeySpace = 7,
+    LumoKeyF2 = 8,
+    LumoKeyMenu = 9,
     LumoKeyLeft = 10,
     LumoKeyRight = 11,
     LumoKeyUp = 12,
@@ -157,6 +163,13 @@ enum LumoKeyCode : int32_t {
     LumoKeyEqual = 84,
     LumoKeyPlusPad = 85,
     LumoKeyMinusPad = 86,
+    LumoKeyHome = 87,
+    LumoKeyEnd = 88,
+    LumoKeyPageUp = 89,
+    LumoKeyPageDown = 90,
+    LumoKeyA = 97,
+    LumoKeyL = 108,
+    LumoKeyR = 114,
 };
 
 /// Codes of mouse cursors, see LumoContext::notifyCursorChange.
@@ -185,6 +198,9 @@ enum LumoEventResponderType : int32_t {
     LumoDragOver = 11,
     LumoDragLeave = 12,
 };
+
+/// What one notch of a wheel is in LumoEvent::wheel.
+inline constexpr int32_t lumoWheelNotch = 60;
 
 /// An event as one object sees it: a value, passed by copy.
 class LumoEvent {
@@ -220,6 +236,9 @@ bool lumoIntersectsRect(const LumoRect& a, const LumoRect& b);
 LumoRect lumoUnionRect(const LumoRect& a, const LumoRect& b);
 /// Negative values shrink; a size that would turn negative is 0.
 LumoRect lumoInflateRect(const LumoRect& rect, int32_t dx, int32_t dy);
+/// What both cover; a default rectangle if they do not intersect.
+LumoRect lumoIntersectedRect(const LumoRect& a, const LumoRect& b);
+LumoRect lumoMovedRect(const LumoRect& rect, LumoPoint by);
 int32_t lumoWidth(const LumoRect& rect);
 int32_t lumoHeight(const LumoRect& rect);
 int32_t lumoMinX(const LumoRect& rect);
