@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+
+#include <QWidget>
+
+#include "model/export.h"
+
+namespace QB {
+
+class QBCanvasCommands;
+
+/// A diagram without a query: items and links that can be dragged, resized, selected, linked and
+/// deleted. Shows what the canvas can do and how fast it is; tests and measurements use it.
+class QB_EXPORT QBCanvasPlayground : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Always the same diagram for the same numbers. @p items and @p links from 0 to 10,000.
+    QBCanvasPlayground(int items, int links, QWidget* parent = nullptr);
+    ~QBCanvasPlayground() override;
+
+    /// Owned by the playground.
+    QBCanvasCommands* commands() const;
+
+private:
+    struct State;
+    const std::unique_ptr<State> m_state;
+};
+
+}  // namespace QB
