@@ -11,7 +11,7 @@ class LumoMessageRightClickParam;
 /// What shows a diagram: the part of it that the user sees, zoomed, and the road of events into it.
 /// LumoUIScrollView has one; tests may have their own.
 ///
-/// Spaces: control = (diagram - display origin) * zoom.
+/// Spaces: control = diagram * zoom - scroll origin.
 class LumoControl {
 public:
     explicit LumoControl(LumoContext* context);
@@ -19,6 +19,7 @@ public:
     LumoControl(const LumoControl&) = delete;
     LumoControl& operator=(const LumoControl&) = delete;
 
+    /// Null after the context has gone.
     LumoContext* getContext() const { return m_context; }
     LumoDispatcher* dispatcher() const { return m_dispatcher.get(); }
 
@@ -37,17 +38,22 @@ public:
     /// Scrolls as little as needed; with @p centre the middle of @p rect comes to the middle.
     virtual void scrollToVisible(const LumoRect& rect, bool centre) = 0;
 
+    /// The pixel of the diagram that @p point lies on, and the first point of the control on a
+    /// pixel of the diagram: there and back is the same from zoom 1 upwards.
     LumoPoint controlSpaceToDiagramSpace(LumoControlPoint point) const;
     LumoControlPoint diagramSpaceToControlSpace(LumoPoint point) const;
 
     // What the context hands on.
-    virtual void diagramChanged() = 0;  // another diagram, or its size
-    virtual void layoutWanted() {}       // an object of the diagram was marked
-    virtual void updateRegion(const LumoRect& diagramRect) = 0;
+    virtual void diagramChanged() = 0;                           // another diagram, or its size
+    virtual void updateRegion(const LumoRect& diagramRect) = 0;  // asynchronous
+    /// Marks or dirty rectangles have appeared: lay out and flush the diagram before the next
+    /// paint, once for however many calls. Called often, also while that runs.
+    virtual void layoutWanted();
     virtual void cursorChanged(int code) = 0;
     virtual void rightClicked(const LumoMessageRightClickParam& param, LumoPoint point) = 0;
 
 private:
-    LumoContext* const m_context;  // not owned
+    friend class LumoContext;
+    LumoContext* m_context;  // not owned
     std::unique_ptr<LumoDispatcher> m_dispatcher;
 };
