@@ -198,7 +198,8 @@ TEST(AutoLayout, SiftingNeverMakesAnOrderWorse) {
             AutoLayout::Effort effort(200 + 100 * seed);
             order.sift(effort);
             EXPECT_LE(order.cost(), before) << "seed " << seed;
-            order.shake(random);
+            EXPECT_EQ(order.cost(), order.countedCost()) << "seed " << seed;
+            order.shake(random, effort);
         }
     }
 }

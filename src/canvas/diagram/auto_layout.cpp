@@ -12,8 +12,8 @@ namespace {
 
 using namespace AutoLayout;
 
-/// Spent on the orders of one layout; a tenth of a second, about.
-constexpr int64_t searchEffort = 20'000'000;
+/// Spent on the orders of one layout: below a tenth of a second for 100 boxes, and linear.
+constexpr int64_t effortPerBox = 150'000;
 
 /// Above this many links the crossings of a part are taken from its order, which counts them for
 /// boxes of one width, and not from its lines.
@@ -56,7 +56,7 @@ std::vector<LumoSize> sizesOf(const Part& part, const LayoutGraph& graph) {
 
 /// From (0, 0).
 std::vector<LumoPoint> placeAll(const LayoutGraph& graph, const LayoutSpacing& spacing) {
-    Effort effort(searchEffort);
+    Effort effort(effortPerBox * static_cast<int64_t>(graph.boxes.size()));
     std::vector<Block> blocks;
     for (const Part& part : connectedParts(graph))
         blocks.push_back(placePart(part, sizesOf(part, graph), spacing, effort));

@@ -61,9 +61,10 @@ LayerOrder::LayerOrder(const Neighbours& neighbours, Index root)
     , m_placesBehind(neighbours.size()) {
     std::vector<Index> met;
     std::tie(m_layerOf, met) = walk(neighbours, root);
-    m_layers.resize(m_layerOf[met.back()] + 1);
+    m_state.layers.resize(m_layerOf[met.back()] + 1);
+    m_isChanged.resize(m_state.layers.size());
     for (Index box : met) {
-        m_layers[m_layerOf[box]].push_back(box);
+        m_state.layers[m_layerOf[box]].push_back(box);
         for (Index other : neighbours[box]) {
             Neighbours& side = m_layerOf[other] < m_layerOf[box]   ? m_before
                                : m_layerOf[other] > m_layerOf[box] ? m_behind
@@ -71,18 +72,33 @@ LayerOrder::LayerOrder(const Neighbours& neighbours, Index root)
             side[box].push_back(other);
         }
     }
-    for (Index layer = 0; layer < m_layers.size(); ++layer)
+    for (Index layer = 0; layer < m_state.layers.size(); ++layer)
+        number(layer);
+    m_state.cost = countedCost();
+}
+
+void LayerOrder::restore(const State& state) {
+    m_state = state;
+    for (Index layer = 0; layer < m_state.layers.size(); ++layer)
         number(layer);
 }
 
+/// Boxes of the layer stand at other places than before.
 void LayerOrder::number(Index layer) {
-    for (Index place = 0; place < m_layers[layer].size(); ++place)
-        m_place[m_layers[layer][place]] = place;
+    for (Index place = 0; place < m_state.layers[layer].size(); ++place)
+        m_place[m_state.layers[layer][place]] = place;
+    markChanged(layer);
 }
 
-int64_t LayerOrder::cost() const {
+void LayerOrder::markChanged(Index layer) {
+    m_isChanged[layer] = true;
+    if (layer > 0) m_isChanged[layer - 1] = true;
+    if (layer + 1 < m_isChanged.size()) m_isChanged[layer + 1] = true;
+}
+
+int64_t LayerOrder::countedCost() const {
     int64_t sum = 0;
-    for (Index layer = 0; layer < m_layers.size(); ++layer)
+    for (Index layer = 0; layer < m_state.layers.size(); ++layer)
         sum += betweenLayers(layer) + insideLayer(layer);
     return sum;
 }
@@ -91,10 +107,10 @@ int64_t LayerOrder::cost() const {
 /// of sums (Fenwick 1994).
 int64_t LayerOrder::betweenLayers(Index layer) const {
     if (layer == 0) return 0;
-    std::vector<int64_t> sums(m_layers[layer - 1].size() + 1);
+    std::vector<int64_t> sums(m_state.layers[layer - 1].size() + 1);
     int64_t crossings = 0;
     int64_t seen = 0;
-    for (Index box : m_layers[layer]) {
+    for (Index box : m_state.layers[layer]) {
         for (Index other : m_before[box]) {
             crossings += seen;
             for (Index i = m_place[other] + 1; i > 0; i &= i - 1)
@@ -110,7 +126,7 @@ int64_t LayerOrder::betweenLayers(Index layer) const {
 }
 
 int64_t LayerOrder::insideLayer(Index layer) const {
-    const std::vector<Index>& boxes = m_layers[layer];
+    const std::vector<Index>& boxes = m_state.layers[layer];
     std::vector<int64_t> leaving(boxes.size() + 1);  // to the right, from the boxes above a place
     std::vector<int64_t> begun(boxes.size() + 1);
     for (Index place = 0; place < boxes.size(); ++place)
@@ -135,17 +151,19 @@ int64_t LayerOrder::insideLayer(Index layer) const {
     return crossings * crossingCost + apart;
 }
 
-void LayerOrder::sweep() {
-    for (Index layer = 1; layer < m_layers.size(); ++layer)
+void LayerOrder::sweep(Effort& effort) {
+    for (Index layer = 1; layer < m_state.layers.size(); ++layer)
         sortByMeans(layer, m_before);
-    for (Index layer = m_layers.size(); layer-- > 0;)
+    for (Index layer = m_state.layers.size(); layer-- > 0;)
         sortByMeans(layer, m_behind);
+    m_state.cost = countedCost();
+    effort.spend(20 * m_place.size());
 }
 
 /// Boxes without a neighbour on that side keep their places among the others.
 void LayerOrder::sortByMeans(Index layer, const Neighbours& side) {
     std::vector<std::pair<double, Index>> keys;
-    for (Index box : m_layers[layer]) {
+    for (Index box : m_state.layers[layer]) {
         double sum = 0;
         for (Index other : side[box])
             sum += static_cast<double>(m_place[other]);
@@ -154,7 +172,7 @@ void LayerOrder::sortByMeans(Index layer, const Neighbours& side) {
     std::stable_sort(keys.begin(), keys.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     auto next = keys.begin();
-    for (Index& box : m_layers[layer])
+    for (Index& box : m_state.layers[layer])
         if (!side[box].empty()) box = (next++)->second;
     number(layer);
 }
@@ -163,18 +181,21 @@ void LayerOrder::sift(Effort& effort) {
     bool isBetter = true;
     while (isBetter && !effort.isSpent()) {
         isBetter = false;
-        for (Index layer = 0; layer < m_layers.size(); ++layer)
-            isBetter |= siftLayer(layer, effort);
+        for (Index layer = 0; layer < m_state.layers.size(); ++layer)
+            isBetter |= m_isChanged[layer] && siftLayer(layer, effort);
     }
 }
 
 bool LayerOrder::siftLayer(Index layer, Effort& effort) {
-    if (m_layers[layer].size() < 2) return false;
+    m_isChanged[layer] = false;
+    if (m_state.layers[layer].size() < 2) return false;
     prepare(layer);
-    int64_t won = 0;
-    for (Index box : std::vector<Index>(m_layers[layer]))
-        if (!effort.isSpent()) won += siftBox(layer, box, effort);
-    return won > 0;
+    effort.spend(5 * m_state.layers[layer].size());
+    bool isBetter = false;
+    for (Index box : std::vector<Index>(m_state.layers[layer]))
+        isBetter |= !effort.isSpent() && siftBox(layer, box, effort);
+    if (isBetter) markChanged(layer);
+    return isBetter;
 }
 
 void LayerOrder::prepare(Index layer) {
@@ -184,8 +205,8 @@ void LayerOrder::prepare(Index layer) {
             result.push_back(m_place[box]);
         std::sort(result.begin(), result.end());
     };
-    m_cover.assign(m_layers[layer].size(), 0);
-    for (Index box : m_layers[layer]) {
+    m_cover.assign(m_state.layers[layer].size(), 0);
+    for (Index box : m_state.layers[layer]) {
         places(m_before[box], m_placesBefore[box]);
         places(m_behind[box], m_placesBehind[box]);
         for (Index other : m_beside[box])
@@ -195,43 +216,47 @@ void LayerOrder::prepare(Index layer) {
 }
 
 /// Walks the box to the nearer end of its layer, to the other end, and back to the best place.
-int64_t LayerOrder::siftBox(Index layer, Index box, Effort& effort) {
+bool LayerOrder::siftBox(Index layer, Index box, Effort& effort) {
     const Index start = m_place[box];
-    const Index last = m_layers[layer].size() - 1;
-    int64_t won = 0;
-    int64_t best = 0;
-    Index bestPlace = start;
-    const auto walkTo = [&](Index goal) {
+    const Index last = m_state.layers[layer].size() - 1;
+    const int64_t costAtStart = m_state.cost;
+    int64_t least = costAtStart;
+    Index best = start;
+    const auto walkAndWatch = [&](Index goal) {
         while (m_place[box] != goal) {
-            const Index place = m_place[box];
-            won += swap(layer, goal > place ? place : place - 1);
-            effort.spend(4 + m_beside[box].size() + m_before[box].size() + m_behind[box].size());
-            if (won <= best) continue;
-            best = won;
-            bestPlace = m_place[box];
+            walkTo(layer, box, goal > m_place[box] ? m_place[box] + 1 : m_place[box] - 1, effort);
+            if (m_state.cost >= least) continue;
+            least = m_state.cost;
+            best = m_place[box];
         }
     };
-    walkTo(start > last / 2 ? last : 0);
-    walkTo(start > last / 2 ? 0 : last);
-    walkTo(bestPlace);
-    return best;
+    walkAndWatch(start > last / 2 ? last : 0);
+    walkAndWatch(start > last / 2 ? 0 : last);
+    walkTo(layer, box, best, effort);
+    return least < costAtStart;
 }
 
-/// Changes @p place and the next. Returns what is won.
-int64_t LayerOrder::swap(Index layer, Index place) {
-    std::vector<Index>& boxes = m_layers[layer];
+void LayerOrder::walkTo(Index layer, Index box, Index goal, Effort& effort) {
+    while (m_place[box] != goal) {
+        swap(layer, goal > m_place[box] ? m_place[box] : m_place[box] - 1);
+        effort.spend(4 + m_beside[box].size() + m_before[box].size() + m_behind[box].size());
+    }
+}
+
+/// Changes @p place and the next. The layer is prepared.
+void LayerOrder::swap(Index layer, Index place) {
+    std::vector<Index>& boxes = m_state.layers[layer];
     const Index upper = boxes[place];
     const Index lower = boxes[place + 1];
-    int64_t won = crossingCost * (wonBySwap(m_placesBefore[upper], m_placesBefore[lower]) +
-                                  wonBySwap(m_placesBehind[upper], m_placesBehind[lower]));
+    m_state.cost -= crossingCost * (wonBySwap(m_placesBefore[upper], m_placesBefore[lower]) +
+                                    wonBySwap(m_placesBehind[upper], m_placesBehind[lower]));
     if (!m_beside[upper].empty() || !m_beside[lower].empty()) {
-        won -= besideChange(upper, lower, true) + besideChange(lower, upper, false);
-        won -= overlapChange(layer, place);
+        m_state.cost += besideChange(upper, lower, true) + besideChange(lower, upper, false) +
+                        overlapChange(layer, place);
     }
     std::swap(boxes[place], boxes[place + 1]);
     m_place[upper] = place + 1;
     m_place[lower] = place;
-    return won;
 }
 
 /// What the links inside the layer of @p moved cost more when it changes places with @p passed.
@@ -249,7 +274,7 @@ int64_t LayerOrder::besideChange(Index moved, Index passed, bool isMovedDown) co
 /// What overlapping links inside the layer cost more; of those only what passes between the two
 /// places changes.
 int64_t LayerOrder::overlapChange(Index layer, Index place) {
-    const std::vector<Index>& boxes = m_layers[layer];
+    const std::vector<Index>& boxes = m_state.layers[layer];
     int64_t turned = 0;
     for (Index other : m_beside[boxes[place]])
         if (other != boxes[place + 1]) turned += m_place[other] < place ? 1 : -1;
@@ -260,76 +285,96 @@ int64_t LayerOrder::overlapChange(Index layer, Index place) {
     return (pairs(m_cover[place]) - pairs(old)) * crossingCost;
 }
 
-void LayerOrder::shake(uint32_t& seed) {
-    for (Index moves = 2 + pick(seed, 3); moves > 0; --moves) {
-        std::vector<Index>& boxes = m_layers[pick(seed, m_layers.size())];
-        const auto from = boxes.begin() + static_cast<std::ptrdiff_t>(pick(seed, boxes.size()));
-        const auto to = boxes.begin() + static_cast<std::ptrdiff_t>(pick(seed, boxes.size()));
-        if (from < to) {
-            std::rotate(from, from + 1, to + 1);
-        } else {
-            std::rotate(to, from, from + 1);
-        }
-        number(m_layerOf[boxes.front()]);
-    }
+void LayerOrder::shake(uint32_t& seed, Effort& effort) {
+    const Index layer = m_layerOf[pick(seed, m_place.size())];
+    const std::vector<Index>& boxes = m_state.layers[layer];
+    prepare(layer);
+    for (Index moves = 1 + pick(seed, 3); moves > 0; --moves)
+        walkTo(layer, boxes[pick(seed, boxes.size())], pick(seed, boxes.size()), effort);
+    effort.spend(10 * boxes.size());
+    markChanged(layer);
 }
 
 namespace {
+
+/// More are not tried in a large part, where each takes long.
+constexpr Index triedRoots = 128;
 
 std::vector<Index> rootsByLinks(const Neighbours& neighbours) {
     std::vector<Index> roots(neighbours.size());
     std::iota(roots.begin(), roots.end(), Index{0});
     std::stable_sort(roots.begin(), roots.end(),
                      [&](Index a, Index b) { return neighbours[a].size() > neighbours[b].size(); });
+    roots.resize(std::min(roots.size(), triedRoots));
     return roots;
 }
 
-LayerOrder sweptOrder(const Neighbours& neighbours, Index root, Effort& effort) {
+LayerOrder firstOrder(const Neighbours& neighbours, Index root, Effort& effort) {
     LayerOrder order(neighbours, root);
-    LayerOrder best = order;
-    for (int sweeps = 0; sweeps < 4; ++sweeps) {
-        order.sweep();
-        effort.spend(neighbours.size());
-        if (order.cost() < best.cost()) best = order;
+    LayerOrder::State best = order.state();
+    for (int sweeps = 0; sweeps < 4 && best.crossings() > 0; ++sweeps) {
+        order.sweep(effort);
+        if (order.cost() < best.cost) best = order.state();
     }
-    best.sift(effort);
-    return best;
+    order.restore(best);
+    order.sift(effort);
+    return order;
 }
 
-/// Shakes and sifts until nothing crosses or the effort is spent.
-void search(LayerOrder& best, int rounds, Effort& effort) {
+/// Keeps the best @p count.
+void sortAndCut(std::vector<LayerOrder>& orders, Index count) {
+    std::stable_sort(orders.begin(), orders.end(), [](const LayerOrder& a, const LayerOrder& b) {
+        return a.crossings() < b.crossings();
+    });
+    while (orders.size() > count)
+        orders.pop_back();
+}
+
+/// Shakes and sifts until nothing crosses, nothing has become better for long, or the effort is
+/// spent.
+void search(LayerOrder& order, Effort& effort) {
+    constexpr int patience = 2000;
     uint32_t seed = 1;
-    LayerOrder current = best;
-    int64_t cost = best.cost();
-    for (int round = 0; round < rounds && !effort.isSpent() && best.crossings() > 0; ++round) {
-        current.shake(seed);
-        current.sift(effort);
-        const int64_t now = current.cost();
-        if (now <= cost) {
-            best = current;
-            cost = now;
-        } else {
-            current = best;
+    LayerOrder::State best = order.state();
+    for (int idle = 0; idle < patience && !effort.isSpent() && best.crossings() > 0; ++idle) {
+        order.shake(seed, effort);
+        order.sift(effort);
+        if (order.cost() > best.cost) {
+            order.restore(best);
+            continue;
         }
+        if (order.cost() < best.cost) idle = 0;
+        best = order.state();
     }
+    order.restore(best);
+}
+
+/// Lets @p work spend a part of the effort.
+template <typename Work>
+void withShare(Effort& effort, int64_t units, Work work) {
+    Effort share(units);
+    work(share);
+    effort.spend(static_cast<Index>(units - share.left()));
 }
 
 }  // namespace
 
 std::vector<LayerOrder> bestOrders(const Neighbours& neighbours, Index count, Effort& effort) {
-    std::vector<LayerOrder> best;
-    for (Index root : rootsByLinks(neighbours)) {
-        best.push_back(sweptOrder(neighbours, root, effort));
-        if (best.back().crossings() == 0 || effort.isSpent()) break;
+    const std::vector<Index> roots = rootsByLinks(neighbours);
+    const int64_t perRoot = effort.left() / static_cast<int64_t>(3 * roots.size());
+    std::vector<LayerOrder> orders;
+    for (Index root : roots) {
+        withShare(effort, perRoot,
+                  [&](Effort& share) { orders.push_back(firstOrder(neighbours, root, share)); });
+        if (orders.back().crossings() == 0) return {orders.back()};
+        sortAndCut(orders, count);
     }
-    std::stable_sort(best.begin(), best.end(), [](const LayerOrder& a, const LayerOrder& b) {
-        return a.crossings() < b.crossings();
-    });
-    best.erase(best.begin() + static_cast<std::ptrdiff_t>(std::min(count, best.size())),
-               best.end());
-    for (LayerOrder& order : best)
-        search(order, 200, effort);
-    return best;
+    const int64_t perOrder = effort.left() / static_cast<int64_t>(2 * orders.size());
+    for (LayerOrder& order : orders)
+        withShare(effort, perOrder, [&](Effort& share) { search(order, share); });
+    sortAndCut(orders, count);
+    search(orders.front(), effort);
+    return orders;
 }
 
 }  // namespace QB::DiagramLumo::AutoLayout

@@ -28,6 +28,7 @@ public:
     explicit Effort(int64_t units) : m_left(units) {}
     void spend(Index units) { m_left -= static_cast<int64_t>(units); }
     bool isSpent() const { return m_left <= 0; }
+    int64_t left() const { return m_left; }
 
 private:
     int64_t m_left;
@@ -36,42 +37,55 @@ private:
 /// One order that is made better step by step.
 class LayerOrder {
 public:
+    struct State {
+        Layers layers;
+        int64_t cost = 0;  // crossings first, then how far links inside a layer reach
+        int64_t crossings() const { return cost / crossingCost; }
+    };
+
     /// Layers by distance from @p root, in the order in which a walk meets the boxes. All boxes are
-    /// connected. @p neighbours must outlive this.
+    /// connected.
     LayerOrder(const Neighbours& neighbours, Index root);
 
-    Index root() const { return m_layers.front().front(); }
-    const Layers& layers() const { return m_layers; }
+    const Layers& layers() const { return m_state.layers; }
+    const State& state() const { return m_state; }
+    void restore(const State& state);
+
     /// As counted between boxes of one width.
-    int64_t crossings() const { return cost() / crossingCost; }
-    /// Crossings first, then how far apart the ends of links inside a layer stand.
-    int64_t cost() const;
+    int64_t crossings() const { return m_state.crossings(); }
+    int64_t cost() const { return m_state.cost; }
+    /// The cost counted anew; cost() is kept up to date by what each change wins.
+    int64_t countedCost() const;
 
     /// Sorts each layer by the mean place of the neighbours before it, then of those behind it.
-    void sweep();
-    /// Tries every box at every place of its layer until nothing becomes better.
+    void sweep(Effort& effort);
+    /// Tries every box at every place of its layer until nothing becomes better. Layers around
+    /// which nothing has changed since are left out.
     void sift(Effort& effort);
-    /// Moves a few boxes to places picked by @p seed, which is changed.
-    void shake(uint32_t& seed);
+    /// Moves a few boxes of one layer to places picked by @p seed, which is changed.
+    void shake(uint32_t& seed, Effort& effort);
 
 private:
     static constexpr int64_t crossingCost = 4096;
 
     void number(Index layer);
+    void markChanged(Index layer);
     void sortByMeans(Index layer, const Neighbours& side);
     int64_t betweenLayers(Index layer) const;
     int64_t insideLayer(Index layer) const;
     bool siftLayer(Index layer, Effort& effort);
     void prepare(Index layer);
-    int64_t siftBox(Index layer, Index box, Effort& effort);
-    int64_t swap(Index layer, Index place);
+    bool siftBox(Index layer, Index box, Effort& effort);
+    void walkTo(Index layer, Index box, Index goal, Effort& effort);
+    void swap(Index layer, Index place);
     int64_t besideChange(Index moved, Index passed, bool isMovedDown) const;
     int64_t overlapChange(Index layer, Index place);
 
     Neighbours m_before;  // neighbours in the layer before
     Neighbours m_behind;
     Neighbours m_beside;
-    Layers m_layers;
+    State m_state;
+    std::vector<bool> m_isChanged;  // by layer: it or one beside it, since it was sifted
     std::vector<Index> m_layerOf;
     std::vector<Index> m_place;  // in the layer
     // Of the layer being sifted:
@@ -80,8 +94,8 @@ private:
     std::vector<int64_t> m_cover;  // links inside the layer that pass from a place to the next
 };
 
-/// The best orders found, the best first, from the roots that promise most: never empty, at most
-/// @p count. Among orders with the same crossings the root with more links comes first.
+/// The best orders found, the best first: never empty, at most @p count, each from another root. Of
+/// orders that are equally good that whose root has more links comes first.
 std::vector<LayerOrder> bestOrders(const Neighbours& neighbours, Index count, Effort& effort);
 
 }  // namespace QB::DiagramLumo::AutoLayout
