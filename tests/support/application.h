@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QApplication>
+
+namespace QB::Test {
+
+/// The application of a GoogleTest program that paints text or shows windows, made for the first
+/// test that needs it. Offscreen unless QT_QPA_PLATFORM says otherwise; kept to the end.
+inline void needApplication() {
+    if (QCoreApplication::instance()) return;
+    static int count = 1;
+    static char name[] = "test";
+    static char* arguments[] = {name, nullptr};
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    static QApplication application(count, arguments);
+}
+
+}  // namespace QB::Test
