@@ -3,13 +3,11 @@
 #include <QCheckBox>
 #include <QPointer>
 
-#include "conditions/condition_nested_list_row_widget.h"
 #include "frame/query_builder_widget.h"
 #include "layouts/column_vector_layout.h"
 #include "layouts/condition_list_layout.h"
 #include "layouts/row_dump.h"
 #include "layouts/source_tree_layout.h"
-#include "rows/row_interfaces.h"
 #include "support/panel_desk.h"
 
 namespace QB::Test {
@@ -25,13 +23,7 @@ class BuilderDesk : public PanelDesk {
 public:
     using Layout = QBComponentsListLayout;
 
-    explicit BuilderDesk(Delivery delivery) : PanelDesk(delivery, DatabaseTypeMySQL) {
-        auto tables = FakeServer::Objects{};
-        for (const char* name : {"t", "u", "v"})
-            tables.emplace_back(name, IdentifierTypeTable);
-        server.set("main", tables);
-        server.set("main.v", fields({"a"}));
-        fetchTables();
+    explicit BuilderDesk(Delivery delivery) : PanelDesk(delivery, DatabaseTypeMySQL, {"v"}) {
         builder = new QBQueryBuilderWidget;
         new QVBoxLayout(&window);
         window.layout()->addWidget(builder);
@@ -52,16 +44,8 @@ public:
     /// Gives the builder another engine, in place of one that has gone.
     void revive() {
         m_second = std::make_unique<OwnedEngine<>>(DatabaseTypeMySQL);
-        live()->registerIdentifierCandidateChildrenUpdater(server.updater());
-        live()->setCurrentSchema("main");
-        live()->addRefreshRootIdentifierCandidateChildrenRequest(true);
-        fetchTables();
+        connectServer(live());
         builder->setEngine(live());
-    }
-    void fetchTables() {
-        live()->addRefreshIdentifierCandidateChildrenRequest({"main"}, true);
-        live()->refreshRequestedIdentifierCandidateChildren(true);
-        host.finishAll();
     }
 
     void parse(const QString& text) {
@@ -139,27 +123,6 @@ public:
 
     // ---- events -------------------------------------------------------------------------------
 
-    QBLabel* part(int row, const QString& name) const override {
-        QBNestedListRowWidget* const widget = view()->rowWidget(row);
-        if (!widget) return nullptr;
-        if (name == "main") return widget->mainPart();
-        if (name == "add") return as<IQBNestedListRowWidgetAddRowSupported>(widget)->addRowLabel();
-        if (name == "bracket")
-            return as<IQBNestedListRowWidgetAddBracketSupported>(widget)->addBracketLabel();
-        if (name == "delete")
-            return as<IQBNestedListRowWidgetDeleteSupported>(widget)->deleteLabel();
-        if (name == "alias")
-            return as<IQBNestedListRowWidgetEditAliasSupported>(widget)->aliasLabel();
-        if (name == "gate")
-            return as<IQBNestedListRowWidgetEditLogicGateSupported>(widget)->logicGateLabel();
-        if (name == "not") return as<IQBNestedListRowWidgetNegateSupported>(widget)->negatorLabel();
-        auto* const condition = dynamic_cast<QBConditionNestedListRowWidget*>(widget);
-        if (condition && name == "op") return condition->operatorLabel();
-        if (condition && name == "left") return condition->valueLabel(QBConditionSide::Left);
-        if (condition && name == "right") return condition->valueLabel(QBConditionSide::Right);
-        return widget->findChild<QBLabel*>(name);
-    }
-
     /// What the event clicks; null if it clicks nothing that is to be seen.
     QWidget* target(const QString& event) {
         const QString word = event.section(' ', 0, 0);
@@ -203,11 +166,6 @@ private:
     struct Peek : QBRowListPanelWidget {
         using QBRowListPanelWidget::mayAct;
     };
-    template <typename Capability>
-    static Capability* as(QBNestedListRowWidget* widget) {
-        return dynamic_cast<Capability*>(widget);
-    }
-
     std::unique_ptr<OwnedEngine<>> m_second;
 };
 

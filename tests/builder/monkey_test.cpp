@@ -1,10 +1,10 @@
 #include <QRegularExpression>
 #include <QScrollBar>
-#include <QTranslator>
 
 #include "builder/builder_desk.h"
 #include "model/detached_parts.h"
 #include "parser/query_parser.h"
+#include "support/capitals.h"
 #include "support/dice.h"
 #include "support/long_runs.h"
 #include "support/qt_animations.h"
@@ -33,15 +33,6 @@ const char* const keys[] = {"Up",         "Down",        "Left",    "Right", "Re
                             "Shift+Down", "Ctrl+Return", "Backtab", "Ctrl+A"};
 const int clauses[] = {ElementSelectColumn, ElementSource, ElementWhere,
                        ElementGroupBy,      ElementHaving, ElementOrderBy};
-
-/// Every text of the library in capitals.
-class Capitals : public QTranslator {
-public:
-    bool isEmpty() const override { return false; }
-    QString translate(const char* context, const char* source, const char*, int) const override {
-        return qstrcmp(context, "Tolk") == 0 ? QString::fromUtf8(source).toUpper() : QString();
-    }
-};
 
 /// Acts on the desk at random, and remembers what it did.
 class Monkey {
@@ -179,7 +170,7 @@ private:
     Desk& m_desk;
     Test::Dice m_dice;
     QStringList m_story;
-    Capitals m_capitals;
+    Test::Capitals m_capitals;
     const QPalette m_palette = QApplication::palette();
 };
 

@@ -1,5 +1,3 @@
-#include <QComboBox>
-#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTabWidget>
 
@@ -7,10 +5,11 @@
 #include "conditions/condition_nested_list_row_widget.h"
 #include "model/detached_parts.h"
 #include "parser/query_parser.h"
-#include "rows/nested_list_dummy_row_widget.h"
-#include "rows/row_interfaces.h"
+#include "rows/invalid_reason.h"
+#include "support/from_clause.h"
 #include "support/panel_desk.h"
 #include "support/qt_animations.h"
+#include "tools/validation.h"
 
 namespace QB {
 namespace {
@@ -22,9 +21,16 @@ constexpr auto W = ElementWhere;
 constexpr auto H = ElementHaving;
 constexpr auto F = ElementSource;  // the condition of the first join
 
-template <typename Capability>
-Capability* capability(QBNestedListRowWidget* widget) {
-    return dynamic_cast<Capability*>(widget);
+/// The texts of the labels that show, a dimmed one in braces.
+QString readRow(const QBConditionNestedListRowWidget& row) {
+    QStringList texts;
+    for (const char* name :
+         {"negatorLabel", "leftValueLabel", "operatorLabel", "rightValueLabel", "logicalLabel"}) {
+        const auto* label = row.findChild<QBLabel*>(QLatin1String(name));
+        const bool isDim = label->colour() == LabelColour::Placeholder;
+        if (!label->isHidden()) texts << (isDim ? '{' + label->text() + '}' : label->text());
+    }
+    return texts.join(' ');
 }
 
 class Desk : public Test::PanelDesk {
@@ -36,8 +42,8 @@ public:
         show(panel);
     }
 
-    void begin(const QString& text) {
-        parse(text);
+    void begin(const QString& text) override {
+        PanelDesk::begin(text);
         if (m_clause == ElementSource) panel->setJoin(join());
     }
 
@@ -49,29 +55,15 @@ public:
         return dynamic_cast<SQLCompareConditionComponent*>(statement()->whereExpr->root);
     }
 
-    QBConditionNestedListRowWidget* row(int index) const {
-        return dynamic_cast<QBConditionNestedListRowWidget*>(view()->rowWidget(index));
-    }
-
-    QBLabel* part(int index, const QString& name) const override {
-        QBNestedListRowWidget* const widget = view()->rowWidget(index);
-        if (!widget) return nullptr;
-        using Add = IQBNestedListRowWidgetAddRowSupported;
-        using AddBracket = IQBNestedListRowWidgetAddBracketSupported;
-        using Delete = IQBNestedListRowWidgetDeleteSupported;
-        using Negate = IQBNestedListRowWidgetNegateSupported;
-        using Gate = IQBNestedListRowWidgetEditLogicGateSupported;
-        if (name == "add") return capability<Add>(widget)->addRowLabel();
-        if (name == "bracket") return capability<AddBracket>(widget)->addBracketLabel();
-        if (name == "delete") return capability<Delete>(widget)->deleteLabel();
-        if (name == "not") return capability<Negate>(widget)->negatorLabel();
-        if (name == "gate") return capability<Gate>(widget)->logicGateLabel();
-        auto* const condition = row(index);
-        auto* const dummy = dynamic_cast<QBNestedListDummyRowWidget*>(widget);
-        if (!condition) return dummy ? dummy->promptLabel() : widget->mainPart();
-        if (name == "op") return condition->operatorLabel();
-        return condition->valueLabel(name == "right" ? QBConditionSide::Right
-                                                     : QBConditionSide::Left);
+    /// What the rows of all conditions say.
+    QStringList shownConditions() const {
+        QStringList rows;
+        for (int row = 0; row < panel->rowCount(); ++row) {
+            using Row = QBConditionNestedListRowWidget;
+            if (auto* condition = dynamic_cast<Row*>(view()->rowWidget(row)))
+                rows << readRow(*condition);
+        }
+        return rows;
     }
 
     TopLevelQueryComponentElementEnum clause() const { return m_clause; }
@@ -80,7 +72,6 @@ public:
         if (word == "foreign") return parse(rest), true;
         if (word == "layer") return pushLayer();
         if (word == "set") return setText(rest);
-        if (word == "aggregate") return setAggregate(rest);
         if (word == "operator")
             return openMenu(rest.section(' ', 0, 0).toInt()) &&
                    chooseOperator(rest.section(' ', 1));
@@ -97,14 +88,6 @@ public:
         if (line) line->setText(text);
         if (edit) edit->setPlainText(text);
         return line || edit;
-    }
-
-    static bool setAggregate(const QString& function) {
-        QWidget* const popup = QApplication::activePopupWidget();
-        auto* const list = popup ? popup->findChild<QComboBox*>() : nullptr;
-        if (!list || !clickOn(list->lineEdit())) return false;
-        list->setEditText(function);
-        return true;
     }
 
     static bool chooseOperator(const QString& text) {
@@ -288,31 +271,72 @@ class ConditionPanelTest : public QObject {
 private Q_SLOTS:
     void cleanupTestCase() { QB::Test::outliveAnimations(); }
 
-    void everyEditGivesItsText_data() {
-        QTest::addColumn<int>("story");
-        QTest::addColumn<int>("delivery");
-        int i = 0;
-        for (const Story& story : stories) {
-            for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
-                const char* const host = delivery == Delivery::AtOnce ? "at once" : "later";
-                QTest::addRow("%s, %s", story.name, host) << i << static_cast<int>(delivery);
-            }
-            ++i;
-        }
-    }
+    void everyEditGivesItsText_data() { Test::addStories(stories); }
     void everyEditGivesItsText() {
-        QFETCH(int, story);
-        QFETCH(int, delivery);
-        const Story& told = stories[story];
-        Desk desk(static_cast<Delivery>(delivery), told.clause);
+        const Story& told = Test::storyOfTest(stories);
+        Desk desk(Test::hostOfTest(), told.clause);
         const QString start = QStringLiteral("SELECT * FROM ");
-        desk.begin(start + told.before);
-        QCOMPARE(desk.text(), start + told.before);
-        QVERIFY(desk.run(told.events));
-        QCOMPARE(desk.text(), start + told.after);
+        desk.tell(start + told.before, told.events, start + told.after);
         expectReadBack(desk);
     }
     void textsWereReadBack() { QVERIFY(m_textsRead > 60); }
+
+    void aRowReadsLikeItsCondition() {
+        const struct {
+            const char* conditions;
+            QStringList rows;
+        } cases[] = {
+            {"a = 1", {"a = 1"}},
+            {"NOT t.a >= 'x' OR b <> 2", {"NOT t.a >= 'x' OR", "b <> 2"}},
+            {"f(a) AND b OR c", {"f(a) AND", "b OR", "c"}},
+            {"a IN (1, 2) AND b NOT BETWEEN 1 AND 2",
+             {"a in list 1,2 AND", "b not between 1 AND 2"}},
+            {"a IS NULL OR (b IS NOT NULL AND c LIKE 'x')",
+             {"a is null OR", "b is not null AND", "c is like 'x'"}},
+            {"NOT a", {"NOT a"}},
+        };
+        Desk desk(Delivery::AtOnce, W);
+        for (const auto& each : cases) {
+            desk.begin(QString("SELECT * FROM t WHERE ") + each.conditions);
+            QCOMPARE(desk.shownConditions(), each.rows);
+        }
+        desk.begin("SELECT * FROM t WHERE f(a) AND g(b)");
+        QVERIFY(desk.run("click 0 row; click 0 not"));
+        QCOMPARE(desk.shownConditions(), QStringList({"NOT f(a) AND", "g(b)"}));
+    }
+
+    void whatIsMissingShowsAPrompt() {
+        const Test::LateHost host(Test::Delivery::AtOnce);
+        SQLCompareConditionComponent compare;
+        QBConditionNestedListRowWidget row(&compare, {DatabaseTypeMySQL, 0}, "", nullptr);
+        QCOMPARE(readRow(row), QString("{<value>} = {<value>}"));
+        QCOMPARE(row.mainPart(), row.valueLabel(QBConditionSide::Left));
+        compare.compareOp = CompareOpNone;
+        compare.negated = true;
+        row.refreshFromComponent();
+        QCOMPARE(readRow(row), QString("NOT {<value>} {[no operator]}"));
+        row.setCurrentLook(true);
+        compare.negated = false;
+        row.refreshFromComponent();
+        QCOMPARE(readRow(row), QString("{NOT} {<value>} {[no operator]}"));
+        QVERIFY(!row.accessibleText().contains("NOT"));
+    }
+
+    void marksAreToldInWords() {
+        Desk desk(Delivery::AtOnce, W);
+        desk.begin("SELECT * FROM t WHERE t.a = t.b");
+        auto* const compare = desk.compare();
+        QBConditionNestedListRowWidget row(compare, {DatabaseTypeMySQL, 0}, "main", nullptr);
+        const QString reason = invalidReasonText(Tools::Validation::InvalidField);
+        row.setRightInvalidReason(Tools::Validation::InvalidField);
+        QCOMPARE(row.valueLabel(QBConditionSide::Left)->colour(), LabelColour::Value);
+        QCOMPARE(row.valueLabel(QBConditionSide::Right)->colour(), LabelColour::Invalid);
+        QVERIFY(row.valueLabel(QBConditionSide::Right)->toolTipText().contains(reason));
+        QVERIFY(row.accessibleText().contains(reason));
+        compare->compareOp = CompareOpIsNull;
+        row.refreshFromComponent();
+        QVERIFY(!row.accessibleText().contains(reason));  // there is no right side any more
+    }
 
     void aFreshConditionIsMarkedWhenTheUserHasLeftIt() {
         Desk desk(Delivery::AtOnce, W);
@@ -344,15 +368,7 @@ private Q_SLOTS:
         Desk desk(Delivery::Later, W);
         desk.begin("SELECT * FROM t WHERE t.a = 1");
         QVERIFY(!desk.panel->hasInvalidComponents());
-        desk.engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-            ElementSource, 0,
-            [&desk](ELEMSQLSourceExpr* sources) {
-                DetachedParts parts;
-                parts.add(std::unique_ptr<SourceNode>(std::exchange(sources->root, nullptr)));
-                desk.engine->retire(std::move(parts));
-                return true;
-            },
-            nullptr);
+        Test::emptyFromClause(desk.engine.get());
         desk.settle();
         QCOMPARE(desk.part(0, "left")->colour(), LabelColour::Invalid);
     }

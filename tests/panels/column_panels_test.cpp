@@ -1,24 +1,13 @@
 #include <QAbstractButton>
-#include <QApplication>
 #include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QTabWidget>
-#include <QtTest>
-#include <memory>
 
-#include "model/detached_parts.h"
 #include "panels/column_alias.h"
 #include "panels/column_picker_panel_widget.h"
 #include "panels/source_column_selection_panel_widget.h"
 #include "rows/column_nested_list_row_widget.h"
-#include "rows/nested_list_any_expression_row_widget.h"
-#include "rows/nested_list_dummy_row_widget.h"
 #include "support/panel_desk.h"
 #include "support/qt_animations.h"
 #include "tools/validation.h"
-#include "widgets/label.h"
 
 namespace QB {
 namespace {
@@ -39,39 +28,12 @@ public:
     Desk(Delivery delivery, TopLevelQueryComponentElementEnum clause, DatabaseType family)
         : PanelDesk(delivery, family), panel(makePanel(clause)) {
         show(panel);
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-    }
-
-    QBLabel* part(int row, const QString& name) const override {
-        QBNestedListRowWidget* const widget = view()->rowWidget(row);
-        if (!widget) return nullptr;
-        auto* field = dynamic_cast<QBColumnNestedListRowWidget*>(widget);
-        auto* expression = dynamic_cast<QBNestedListAnyExpressionRowWidget*>(widget);
-        auto* prompt = dynamic_cast<QBNestedListDummyRowWidget*>(widget);
-        if (name == "order") return field ? field->orderLabel() : expression->orderLabel();
-        if (name == "alias")
-            return dynamic_cast<IQBNestedListRowWidgetEditAliasSupported*>(widget)->aliasLabel();
-        if (name == "add")
-            return dynamic_cast<IQBNestedListRowWidgetAddRowSupported*>(widget)->addRowLabel();
-        if (name == "delete")
-            return dynamic_cast<IQBNestedListRowWidgetDeleteSupported*>(widget)->deleteLabel();
-        return prompt ? prompt->promptLabel() : widget->mainPart();
     }
 
     bool runOwn(const QString& word, const QString& rest) override {
-        if (word == "aggregate") return setAggregate(rest);
         if (word == "tick") return clickOn(box(rest));
         // What the list says of a drag that has ended.
         return word == "dropped" && (Q_EMIT view()->rowDropped(rest.toInt()), true);
-    }
-
-    bool setAggregate(const QString& function) {
-        QWidget* const popup = QApplication::activePopupWidget();
-        auto* const list = popup ? popup->findChild<QComboBox*>() : nullptr;
-        if (!list || !clickOn(list->lineEdit())) return false;
-        list->lineEdit()->selectAll();
-        return function.isEmpty() ? press("Del") : type(function);
     }
 
     QCheckBox* box(const QString& option) const {
@@ -105,6 +67,8 @@ const Story stories[] = {
      "menu 1 Insert row; pick t.c", "SELECT t.a, t.c, t.b FROM t"},
     {"a typed expression", S, "SELECT t.a FROM t", "click 0 add; tab 1; type 1+1; key Ctrl+Return",
      "SELECT t.a, 1+1 FROM t"},
+    {"Return breaks the line of an expression", S, "SELECT 1+1 FROM t",
+     "click 0 field; key Ctrl+End; key Return; type +2; key Ctrl+Return", "SELECT 1+1 +2 FROM t"},
     {"an expression keeps its comment to itself", S, "SELECT t.a, t.b FROM t",
      "click 0 field; tab 1; type 1 -- one; key Ctrl+Return; click 0 alias; type x; key Return",
      "SELECT 1 -- one AS x, t.b FROM t"},
@@ -246,21 +210,6 @@ private:
             texts << (box->isChecked() ? "[x] " : "[ ] ") + box->text();
         return texts;
     }
-    /// Takes a column out of the SELECT list from elsewhere.
-    static void dropSelectColumn(Desk& desk) {
-        desk.engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
-            S, 0,
-            [&](ELEMSQLSelectColumnExpr* element) {
-                DetachedParts parts;
-                parts.add(
-                    std::unique_ptr<Component::AbstractQueryComponent>(element->columns.front()));
-                element->columns.erase(element->columns.begin());
-                desk.engine->retire(std::move(parts));
-                return true;
-            },
-            nullptr);
-        desk.settle();
-    }
     static int reason(const Desk& desk, int row) {
         auto* const widget =
             dynamic_cast<QBColumnNestedListRowWidget*>(desk.panel->rowView()->rowWidget(row));
@@ -270,33 +219,16 @@ private:
 private Q_SLOTS:
     void cleanupTestCase() { QB::Test::outliveAnimations(); }
 
-    void everyEditGivesItsText_data() {
-        QTest::addColumn<int>("story");
-        QTest::addColumn<int>("delivery");
-        int i = 0;
-        for (const Story& story : stories) {
-            for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
-                const char* const host = delivery == Delivery::AtOnce ? "at once" : "later";
-                QTest::addRow("%s, %s", story.name, host) << i << static_cast<int>(delivery);
-            }
-            ++i;
-        }
-    }
+    void everyEditGivesItsText_data() { Test::addStories(stories); }
     void everyEditGivesItsText() {
-        QFETCH(int, story);
-        QFETCH(int, delivery);
-        const Story& told = stories[story];
-        Desk desk(static_cast<Delivery>(delivery), told.clause, DatabaseTypeMySQL);
-        desk.parse(told.before);
-        QCOMPARE(desk.text(), QString(told.before));
-        QVERIFY(desk.run(told.events));
-        QCOMPARE(desk.text(), QString(told.after));
+        const Story& told = Test::storyOfTest(stories);
+        Desk desk(Test::hostOfTest(), told.clause, DatabaseTypeMySQL);
+        desk.tell(told.before, told.events, told.after);
     }
 
-    void theOrderOfEventsAndRefreshesLeavesRowsAndModelInStep_data() { eachHost(); }
+    void theOrderOfEventsAndRefreshesLeavesRowsAndModelInStep_data() { Test::addHosts(); }
     void theOrderOfEventsAndRefreshesLeavesRowsAndModelInStep() {
-        QFETCH(int, delivery);
-        Desk desk(static_cast<Delivery>(delivery), O, DatabaseTypeMySQL);
+        Desk desk(Test::hostOfTest(), O, DatabaseTypeMySQL);
         desk.parse("SELECT t.a FROM t");
         QVERIFY(desk.run("click 0 field; pick t.b; hold; click 0 add; pick t.c; key Ctrl+Up"));
         QCOMPARE(desk.statement()->orderByExpr->columns.size(), std::size_t(2));
@@ -311,15 +243,14 @@ private Q_SLOTS:
         QCOMPARE(desk.panel->rowView()->currentRow(), 0);
     }
 
-    void aColumnWhoseSelectColumnHasGoneStaysMarkedUntilItIsEdited_data() { eachHost(); }
+    void aColumnWhoseSelectColumnHasGoneStaysMarkedUntilItIsEdited_data() { Test::addHosts(); }
     void aColumnWhoseSelectColumnHasGoneStaysMarkedUntilItIsEdited() {
-        QFETCH(int, delivery);
-        Desk desk(static_cast<Delivery>(delivery), O, DatabaseTypeMySQL);
+        Desk desk(Test::hostOfTest(), O, DatabaseTypeMySQL);
         desk.parse("SELECT t.a+1 AS x, t.b FROM t ORDER BY t.b DESC, x ASC");
         QCOMPARE(reason(desk, 1), -1);
         QVERIFY(!desk.panel->hasInvalidComponents());
         QVERIFY(desk.run("click 1 field"));  // the popup outlives what it offers
-        dropSelectColumn(desk);
+        desk.dropSelectColumn();
         QVERIFY(desk.run("key Esc"));
         QCOMPARE(desk.text(), QString("SELECT t.b FROM t ORDER BY t.b DESC, x ASC"));
         QCOMPARE(reason(desk, 1), 0);
@@ -366,13 +297,12 @@ private Q_SLOTS:
         QCOMPARE(announced, 0);
     }
 
-    void aChooserWhoseColumnHasGoneClosesAndChangesNoOther_data() { eachHost(); }
+    void aChooserWhoseColumnHasGoneClosesAndChangesNoOther_data() { Test::addHosts(); }
     void aChooserWhoseColumnHasGoneClosesAndChangesNoOther() {
-        QFETCH(int, delivery);
-        Desk desk(static_cast<Delivery>(delivery), S, DatabaseTypeMySQL);
+        Desk desk(Test::hostOfTest(), S, DatabaseTypeMySQL);
         desk.parse("SELECT t.a, t.b FROM t");
         QVERIFY(desk.run("click 0 field; tab 1; type 1+1"));
-        dropSelectColumn(desk);
+        desk.dropSelectColumn();
         QVERIFY(!QApplication::activePopupWidget());
         QCOMPARE(desk.text(), QString("SELECT t.b FROM t"));
     }
@@ -424,13 +354,6 @@ private Q_SLOTS:
         QVERIFY(up->isEnabled() && !down->isEnabled());
         QVERIFY(!desk.part(0, "order")->isVisible());
         QVERIFY(!desk.run("click 0 order"));
-    }
-
-private:
-    static void eachHost() {
-        QTest::addColumn<int>("delivery");
-        QTest::newRow("at once") << static_cast<int>(Delivery::AtOnce);
-        QTest::newRow("later") << static_cast<int>(Delivery::Later);
     }
 };
 

@@ -21,16 +21,7 @@ using Test::Delivery;
 class Desk : public Test::PanelDesk {
 public:
     explicit Desk(Delivery delivery, DatabaseType family = DatabaseTypeMySQL)
-        : PanelDesk(delivery, family) {
-        Test::FakeServer::Objects tables;
-        for (const char* name : {"t", "u", "v", "w"})
-            tables.emplace_back(name, IdentifierTypeTable);
-        server.set("main", tables);
-        for (const char* name : {"main.v", "main.w"})
-            server.set(name, fields({"a"}));
-        engine->addRefreshIdentifierCandidateChildrenRequest({"main"}, true);
-        engine->refreshRequestedIdentifierCandidateChildren(true);
-        host.finishAll();
+        : PanelDesk(delivery, family, {"v", "w"}) {
         show(new QBSourceSelectionPanelWidget);
     }
 
@@ -42,12 +33,6 @@ public:
         for (const std::string& error : host.errors)
             all.append(QString::fromStdString(error));
         return all.join('|');
-    }
-
-    QBLabel* part(int row, const QString& name) const override {
-        QBNestedListRowWidget* const widget = view()->rowWidget(row);
-        if (!widget) return nullptr;
-        return name == "main" ? widget->mainPart() : widget->findChild<QBLabel*>(name);
     }
 
     /// The entries of a row's menu.
@@ -272,28 +257,12 @@ class SourcePanelTest : public QObject {
 private Q_SLOTS:
     void cleanupTestCase() { QB::Test::outliveAnimations(); }
 
-    void everyEditGivesItsText_data() {
-        QTest::addColumn<int>("story");
-        QTest::addColumn<int>("delivery");
-        int i = 0;
-        for (const Story& story : stories) {
-            for (const Delivery delivery : {Delivery::AtOnce, Delivery::Later}) {
-                const char* const host = delivery == Delivery::AtOnce ? "at once" : "later";
-                QTest::addRow("%s, %s", story.name, host) << i << static_cast<int>(delivery);
-            }
-            ++i;
-        }
-    }
+    void everyEditGivesItsText_data() { Test::addStories(stories); }
     void everyEditGivesItsText() {
-        QFETCH(int, story);
-        QFETCH(int, delivery);
-        const Story& told = stories[story];
+        const Story& told = Test::storyOfTest(stories);
         const Test::TextCheck textCheck;
-        Desk desk(static_cast<Delivery>(delivery));
-        desk.parse(told.before);
-        QCOMPARE(desk.text(), QString(told.before));
-        QVERIFY(desk.run(told.events));
-        QCOMPARE(desk.text(), QString(told.after));
+        Desk desk(Test::hostOfTest());
+        desk.tell(told.before, told.events, told.after);
         const bool isQuiet = QString(told.error).isEmpty();
         QVERIFY2(isQuiet ? desk.errors().isEmpty() : desk.errors().contains(told.error),
                  qPrintable(desk.errors()));

@@ -1,6 +1,6 @@
 #include <QSignalSpy>
 #include <QtTest>
-#include <functional>
+#include <algorithm>
 #include <memory>
 
 #include "model/element_expressions.h"
@@ -15,6 +15,8 @@
 #include "rows/nested_list_open_bracket_row_widget.h"
 #include "rows/nested_list_subquery_row_widget.h"
 #include "rows/source_selection_join_row_widget.h"
+#include "stringifier/statement_builder.h"
+#include "support/capitals.h"
 #include "support/host_callbacks.h"
 #include "widgets/label.h"
 
@@ -25,7 +27,7 @@ using namespace Component;
 using namespace Component::SQL;
 
 using Row = std::unique_ptr<QBNestedListRowWidget>;
-using Part = std::unique_ptr<AbstractQueryComponent>;
+using Part = std::shared_ptr<AbstractQueryComponent>;
 
 constexpr QBDatabaseInfo mySQL{DatabaseTypeMySQL, 80036};
 constexpr QBDatabaseInfo sqlServer{DatabaseTypeSQLServer, 11000000};
@@ -42,106 +44,73 @@ QString shown(const QWidget* row) {
     return texts.join(" | ");
 }
 
-template <typename Source>
-std::unique_ptr<Source> aliased(const std::string& alias) {
-    auto source = std::make_unique<Source>();
-    source->alias = alias;
-    return source;
+template <typename Kind>
+Kind* aliased(const std::string& alias) {
+    auto* part = new Kind;
+    part->alias = alias;
+    return part;
 }
 
-std::unique_ptr<SQLIdentifierSourceComponent> table(std::vector<std::string> path,
-                                                    const std::string& name,
-                                                    const std::string& alias = {}) {
-    auto source = aliased<SQLIdentifierSourceComponent>(alias);
+SQLIdentifierSourceComponent* table(std::vector<std::string> path, const std::string& name,
+                                    const std::string& alias = {}) {
+    auto* source = aliased<SQLIdentifierSourceComponent>(alias);
     source->path = std::move(path);
     source->name = name;
     return source;
 }
 
-std::unique_ptr<SQLFieldColumnComponent> field(std::vector<std::string> path,
-                                               const std::string& name,
-                                               const std::string& alias = {}) {
-    auto column = aliased<SQLFieldColumnComponent>(alias);
+SQLAnyExpressionSourceComponent* sourceText(const std::string& text, const std::string& alias) {
+    auto* source = aliased<SQLAnyExpressionSourceComponent>(alias);
+    source->expression = text;
+    return source;
+}
+
+SQLFieldColumnComponent* field(std::vector<std::string> path, const std::string& name,
+                               const std::string& alias = {}) {
+    auto* column = Test::field(nullptr, name, alias);
     column->parentPath = std::move(path);
-    column->fieldName = name;
-    column->isAsterisk = name.empty();
     return column;
 }
 
-template <typename Kind>
-std::unique_ptr<Kind> freeText(const std::string& expression, const std::string& alias = {}) {
-    auto part = aliased<Kind>(alias);
-    part->expression = expression;
-    return part;
-}
-
-std::unique_ptr<SQLConditionValueComponent> value(SQLAbstractColumnComponent* column) {
-    auto part = std::make_unique<SQLConditionValueComponent>();
-    part->values = {column};
-    return part;
-}
-
-std::unique_ptr<SQLJoinSourceNodeComponent> join(SQLJoinType type) {
-    auto part = std::make_unique<SQLJoinSourceNodeComponent>();
+SQLJoinSourceNodeComponent* join(SQLJoinType type) {
+    auto* part = new SQLJoinSourceNodeComponent;
     part->joinType = type;
     return part;
 }
 
-std::unique_ptr<SQLJoinSourceNodeComponent> usingJoin(const std::string& columns) {
-    auto part = join(SQLJoinTypeInner);
+SQLJoinSourceNodeComponent* usingJoin(const std::string& columns) {
+    auto* part = join(SQLJoinTypeInner);
     part->isUsing = true;
-    part->condition = value(freeText<SQLAnyExpressionColumnComponent>(columns).release()).release();
+    part->condition = Test::value({Test::expression(columns)});
     return part;
 }
 
 /// ON a.id = b.id AND a.n > 1
-std::unique_ptr<SQLJoinSourceNodeComponent> joinOn(SQLJoinType type) {
-    const auto compare = [](SQLAbstractColumnComponent* left, CompareOp op,
-                            SQLAbstractColumnComponent* right) {
-        auto condition = std::make_unique<SQLCompareConditionComponent>();
-        condition->leftValue = value(left).release();
-        condition->compareOp = op;
-        condition->rightValue = value(right).release();
-        return condition;
-    };
-    auto first =
-        compare(field({"a"}, "id").release(), CompareOpEqual, field({"b"}, "id").release());
-    auto second = compare(field({"a"}, "n").release(), CompareOpGreater,
-                          freeText<SQLAnyExpressionColumnComponent>("1").release());
-    second->logicGate = SQLLogicGateAnd;
-    first->next = second.release();
-    auto part = join(type);
-    part->condition = first.release();
+SQLJoinSourceNodeComponent* joinOn(SQLJoinType type) {
+    auto* part = join(type);
+    part->condition =
+        Test::chain(SQLLogicGateAnd,
+                    {Test::compare(field({"a"}, "id"), CompareOpEqual, {field({"b"}, "id")}),
+                     Test::compare(field({"a"}, "n"), CompareOpGreater, {Test::expression("1")})});
     return part;
 }
 
-std::unique_ptr<SQLSubquerySourceComponent> subquery(bool isEmpty, const std::string& alias = {}) {
-    auto statement = std::make_unique<SQLSelectStmtComponent>();
+SQLSubquerySourceComponent* subquery(bool isEmpty, const std::string& alias = {}) {
+    Test::Statement statement = Test::newStatement();
     if (!isEmpty) {
-        statement->selectColumnExpr->columns = {field({}, "id").release()};
-        statement->sourceExpr->root = new SourceNode;
-        statement->sourceExpr->root->value = table({"shop"}, "film").release();
-        statement->sourceExpr->root->ownsValue = true;
+        statement->selectColumnExpr->columns = {field({}, "id")};
+        statement->sourceExpr->root = Test::table("film", {}, {"shop"});
     }
-    auto source = aliased<SQLSubquerySourceComponent>(alias);
+    auto* source = aliased<SQLSubquerySourceComponent>(alias);
     source->subquery = statement.release();
     return source;
 }
 
-std::unique_ptr<SQLBracketedConditionComponent> bracket(SQLLogicGate nextGate) {
-    auto next = std::make_unique<SQLConditionValueComponent>();
-    next->logicGate = nextGate;
-    auto part = std::make_unique<SQLBracketedConditionComponent>();
-    part->next = next.release();
+SQLBracketedConditionComponent* bracket(SQLLogicGate nextGate) {
+    auto* part = Test::bracketed(nullptr);
+    part->next = new SQLConditionValueComponent;
+    part->next->logicGate = nextGate;
     return part;
-}
-
-template <typename Column>
-std::unique_ptr<Column> ordered(std::unique_ptr<Column> column, OrderDirection direction) {
-    auto* extra = new SQLAbstractColumnComponent::ExtraDataOrderDirection;
-    extra->direction = direction;
-    column->extraData = extra;
-    return column;
 }
 
 template <typename Widget>
@@ -169,108 +138,70 @@ constexpr MakeRow openRow = plain<QBNestedListOpenBracketRowWidget>;
 constexpr MakeRow subqueryRow = on<QBNestedListSubqueryRowWidget>;
 
 struct Case {
+    Case(const char* called, MakeRow maker, AbstractQueryComponent* component, QString texts,
+         QBDatabaseInfo database = mySQL)
+        : name(called), make(maker), part(component), expected(std::move(texts)), info(database) {}
+
     const char* name;
     MakeRow make;
-    std::function<Part()> part;
+    Part part;
     QString expected;
-    QBDatabaseInfo info = mySQL;
+    QBDatabaseInfo info;
 };
 
-template <typename Column>
-std::unique_ptr<Column> aggregated(std::unique_ptr<Column> column, const std::string& function) {
-    column->aggregateFunction = function;
-    return column;
-}
+std::vector<Case> cases() {
+    return {
+        {"current schema", sourceRow, table({"shop"}, "film", "f"), "film | (f)"},
+        {"other schema", sourceRow, table({"x", "y"}, "film"), "x.y.film | ~<alias>"},
+        {"catalogue", sourceRow, table({"shop", "x"}, "film"), "shop.x.film | ~<alias>"},
+        {"SQL Server", sourceRow, table({"shop"}, "film"), "shop.film | ~<alias>", sqlServer},
+        {"placeholder", sourceRow, table({"shop"}, ""), "~<table> | ~<alias>"},
+        {"no such source", sourceRow, join(SQLJoinTypeInner), "~<table> | ~<alias>"},
 
-const std::vector<Case>& cases() {
-    using Text = SQLAnyExpressionColumnComponent;
-    static const std::vector<Case> all = {
-        {"current schema", sourceRow, [] { return table({"shop"}, "film", "f"); }, "film | (f)"},
-        {"other schema", sourceRow,
-         [] {
-             return table({"x", "y"}, "film");
-         },
-         "x.y.film | ~<alias>"},
-        {"catalogue", sourceRow,
-         [] {
-             return table({"shop", "x"}, "film");
-         },
-         "shop.x.film | ~<alias>"},
-        {"SQL Server", sourceRow, [] { return table({"shop"}, "film"); }, "shop.film | ~<alias>",
-         sqlServer},
-        {"placeholder", sourceRow, [] { return table({"shop"}, ""); }, "~<table> | ~<alias>"},
-        {"no such source", sourceRow, [] { return join(SQLJoinTypeInner); }, "~<table> | ~<alias>"},
-
-        {"no condition", joinRow, [] { return join(SQLJoinTypeLeft); },
-         "LEFT JOIN | ~<condition...>"},
-        {"no kind", joinRow, [] { return join(SQLJoinTypeCustom); },
-         "~<join type> | ~<condition...>"},
-        {"comma", joinRow, [] { return joinOn(SQLJoinTypeComma); }, "Comma Seperated"},
-        {"cross", joinRow, [] { return join(SQLJoinTypeCross); }, "CROSS JOIN"},
-        {"using", joinRow, [] { return usingJoin("id,\n  \"x\""); },
-         "INNER JOIN | USING: id, \"x\""},
-        {"empty using", joinRow, [] { return usingJoin(""); },
-         "INNER JOIN | ~<columns of the same name...>"},
-        {"on", joinRow, [] { return joinOn(SQLJoinTypeFullOuter); },
+        {"no condition", joinRow, join(SQLJoinTypeLeft), "LEFT JOIN | ~<condition...>"},
+        {"no kind", joinRow, join(SQLJoinTypeCustom), "~<join type> | ~<condition...>"},
+        {"comma", joinRow, joinOn(SQLJoinTypeComma), "Comma Seperated"},
+        {"cross", joinRow, join(SQLJoinTypeCross), "CROSS JOIN"},
+        {"using", joinRow, usingJoin("id,\n  \"x\""), "INNER JOIN | USING: id, \"x\""},
+        {"empty using", joinRow, usingJoin(""), "INNER JOIN | ~<columns of the same name...>"},
+        {"on", joinRow, joinOn(SQLJoinTypeFullOuter),
          "FULL OUTER JOIN | [`a`.`id` = `b`.`id` AND `a`.`n` > 1]"},
 
         {"ascending", columnRow,
-         [] {
-             return ordered(field({"shop", "film"}, "id", "n"), OrderDirectionAscending);
-         },
+         Test::directed(field({"shop", "film"}, "id", "n"), OrderDirectionAscending),
          "film.id (n) | Ascending"},
-        {"no direction", columnRow, [] { return freeText<Text>("a +\n\t1"); },
-         "a + 1 | ~<direction>"},
-        {"table like the schema", columnRow, [] { return field({"shop"}, "id"); },
-         "shop.id | ~<direction>"},
-        {"no table", columnRow, [] { return field({}, "id"); }, "<table>.id | ~<direction>"},
+        {"no direction", columnRow, Test::expression("a +\n\t1"), "a + 1 | ~<direction>"},
+        {"table like the schema", columnRow, field({"shop"}, "id"), "shop.id | ~<direction>"},
+        {"no table", columnRow, field({}, "id"), "<table>.id | ~<direction>"},
 
-        {"aggregate", fieldRow, [] { return aggregated(field({"film"}, "id", "n"), "MAX"); },
+        {"aggregate", fieldRow, Test::aggregate("MAX", field({"film"}, "id", "n")),
          "MAX(film.id) | (n)"},
-        {"count", fieldRow, [] { return aggregated(field({}, ""), "COUNT"); },
-         "COUNT(*) | ~<alias>"},
-        {"wildcard", fieldRow, [] { return field({"film"}, ""); }, "film.*"},
-        {"expression", fieldRow, [] { return freeText<Text>("1", "one"); }, "1 | (one)"},
-        {"new column", fieldRow, [] { return std::make_unique<SQLFieldColumnComponent>(); },
-         "~<column> | ~<alias>"},
+        {"count", fieldRow, Test::aggregate("COUNT", field({}, "")), "COUNT(*) | ~<alias>"},
+        {"wildcard", fieldRow, field({"film"}, ""), "film.*"},
+        {"expression", fieldRow, Test::expression("1", "one"), "1 | (one)"},
+        {"new column", fieldRow, new SQLFieldColumnComponent, "~<column> | ~<alias>"},
 
-        {"source text", expressionRow,
-         [] { return freeText<SQLAnyExpressionSourceComponent>("f(1)\n", "t"); },
-         "Expression: | f(1) | (t)"},
-        {"empty column", expressionRow, [] { return freeText<Text>(""); },
+        {"source text", expressionRow, sourceText("f(1)\n", "t"), "Expression: | f(1) | (t)"},
+        {"empty column", expressionRow, Test::expression(""),
          "Expression: | ~<expression> | ~<alias>"},
 
-        {"open", openRow, [] { return bracket(SQLLogicGateAnd); }, "("},
-        {"close", closing, [] { return bracket(SQLLogicGateOr); }, ") | #OR"},
-        {"close and", closing, [] { return bracket(SQLLogicGateAnd); }, ") | #AND"},
-        {"close no word", closing, [] { return bracket(SQLLogicGateNone); }, ") | ~<AND or OR>"},
-        {"close last", closing, [] { return std::make_unique<SQLBracketedConditionComponent>(); },
-         ")"},
-        {"close source", closing,
-         [] { return std::make_unique<SQLBracketedSourceNodeComponent>(); }, ")"},
-        {"close named source", closing,
-         [] { return aliased<SQLBracketedSourceNodeComponent>("x"); }, ") (x)"},
+        {"open", openRow, bracket(SQLLogicGateAnd), "("},
+        {"close", closing, bracket(SQLLogicGateOr), ") | #OR"},
+        {"close and", closing, bracket(SQLLogicGateAnd), ") | #AND"},
+        {"close no word", closing, bracket(SQLLogicGateNone), ") | ~<AND or OR>"},
+        {"close last", closing, new SQLBracketedConditionComponent, ")"},
+        {"close source", closing, new SQLBracketedSourceNodeComponent, ")"},
+        {"close named source", closing, aliased<SQLBracketedSourceNodeComponent>("x"), ") (x)"},
 
-        {"subquery", subqueryRow, [] { return subquery(false, "s"); },
+        {"subquery", subqueryRow, subquery(false, "s"),
          "Subquery: | SELECT `id` FROM `film` | (s)"},
-        {"empty subquery", subqueryRow, [] { return subquery(true); },
-         "Subquery: | ~<empty subquery> | ~<alias>"},
-        {"no statement", subqueryRow, [] { return std::make_unique<SQLSubquerySourceComponent>(); },
+        {"empty subquery", subqueryRow, subquery(true), "Subquery: | ~<empty subquery> | ~<alias>"},
+        {"no statement", subqueryRow, new SQLSubquerySourceComponent,
          "Subquery: | ~<empty subquery> | ~<alias>"},
     };
-    return all;
 }
 
 }  // namespace
-
-/// Any language.
-class Translator : public QTranslator {
-public:
-    QString translate(const char*, const char* source, const char*, int) const override {
-        return "x " + QString::fromLatin1(source);
-    }
-    bool isEmpty() const override { return false; }
-};
 
 class RowWidgetsTest : public QObject {
     Q_OBJECT
@@ -278,15 +209,15 @@ class RowWidgetsTest : public QObject {
 private Q_SLOTS:
     void everyKindShowsItsComponent_data() {
         QTest::addColumn<int>("index");
-        for (std::size_t i = 0; i < cases().size(); ++i)
-            QTest::newRow(cases()[i].name) << static_cast<int>(i);
+        int index = 0;
+        for (const Case& c : cases())
+            QTest::newRow(c.name) << index++;
     }
 
     void everyKindShowsItsComponent() {
         QFETCH(int, index);
-        const Case& c = cases()[static_cast<std::size_t>(index)];
-        const Part part = c.part();
-        const Row row = c.make(part, c.info);
+        const Case c = cases()[static_cast<std::size_t>(index)];
+        const Row row = c.make(c.part, c.info);
         QCOMPARE(shown(row.get()), c.expected);
         QVERIFY2(row->styleSheet().isEmpty(), "colours come from the palette");
         for (const QBLabel* label : row->parts()) {
@@ -302,8 +233,8 @@ private Q_SLOTS:
 
     /// Fainter than the others it would read as disabled on the row that the keys are on.
     void theDeleteControlFadesUnderTheMouseOnly() {
-        const Part part = cases().front().part();
-        const Row row = cases().front().make(part, cases().front().info);
+        const Part part(table({"shop"}, "film"));
+        const Row row = sourceRow(part, mySQL);
         auto* const deletable = dynamic_cast<IQBNestedListRowWidgetDeleteSupported*>(row.get());
         QVERIFY(deletable);
         const auto look = [deletable] {
@@ -331,9 +262,11 @@ private Q_SLOTS:
         const QString remove = "deleteButtonClicked";
         const QString alias = "aliasLabelClicked";
         const auto row = [](const char* name, const QStringList& expected) {
-            for (std::size_t i = 0; i < cases().size(); ++i)
-                if (QLatin1String(cases()[i].name) == QLatin1String(name))
-                    QTest::newRow(name) << static_cast<int>(i) << expected;
+            const std::vector<Case> all = cases();
+            const auto found = std::find_if(all.begin(), all.end(), [&](const Case& c) {
+                return QLatin1String(c.name) == QLatin1String(name);
+            });
+            QTest::newRow(name) << static_cast<int>(found - all.begin()) << expected;
         };
         row("current schema", {"signalEditIdentifierRequested", alias, add, bracketed, remove});
         row("on", {"signalEditJoinTypeRequested", "signalEditConditionRequested", remove});
@@ -350,9 +283,8 @@ private Q_SLOTS:
     void aClickOnAPartTellsWhatIsWanted() {
         QFETCH(int, index);
         QFETCH(QStringList, signalsInOrder);
-        const Case& c = cases()[static_cast<std::size_t>(index)];
-        const Part part = c.part();
-        const Row row = c.make(part, c.info);
+        const Case c = cases()[static_cast<std::size_t>(index)];
+        const Row row = c.make(c.part, c.info);
         if (auto* text = dynamic_cast<QBNestedListAnyExpressionRowWidget*>(row.get()))
             text->setOrderVisible(true);
         if (auto* bracket = dynamic_cast<SQLBracketedConditionComponent*>(row->component())) {
@@ -374,7 +306,7 @@ private Q_SLOTS:
     }
 
     void theCaptionOfASubqueryOpensItToo() {
-        const Part part = subquery(false);
+        const Part part(subquery(false));
         const Row row = subqueryRow(part, mySQL);
         row->resize(700, 23);
         row->show();
@@ -385,8 +317,8 @@ private Q_SLOTS:
     }
 
     void aRowIsUsedAgainForAnotherComponent() {
-        const Part first = field({"shop", "film"}, "id", "n");
-        const Part second = field({"shop", "actor"}, "name");
+        const Part first(field({"shop", "film"}, "id", "n"));
+        const Part second(field({"shop", "actor"}, "name"));
         QBColumnPanelFieldRowWidget row(first.get(), mySQL, "shop", nullptr);
         QCOMPARE(row.fieldLabel()->toolTipText(), QString("film.id - n"));
         row.setComponent(second.get());
@@ -408,8 +340,8 @@ private Q_SLOTS:
 
     /// As the text of the statement names it.
     void aFieldIsNamedByItsSource() {
-        const auto source = table({"shop"}, "film", "f");
-        const Part part = field({"shop", "film"}, "id");
+        const std::unique_ptr<SQLIdentifierSourceComponent> source(table({"shop"}, "film", "f"));
+        const Part part(field({"shop", "film"}, "id"));
         static_cast<SQLFieldColumnComponent*>(part.get())->source = source.get();
         const Row row = fieldRow(part, mySQL);
         QCOMPARE(shown(row.get()), QString("f.id | ~<alias>"));
@@ -417,7 +349,7 @@ private Q_SLOTS:
         source->name = "film2";  // written with a name that has gone
         row->slotOnComponentChanged();
         QCOMPARE(shown(row.get()), QString("film2.id | ~<alias>"));
-        const Part referring = field({}, "n");
+        const Part referring(field({}, "n"));
         static_cast<SQLFieldColumnComponent*>(referring.get())->referencedColumn =
             static_cast<SQLFieldColumnComponent*>(part.get());
         static_cast<SQLFieldColumnComponent*>(part.get())->alias = "n";
@@ -427,7 +359,7 @@ private Q_SLOTS:
     }
 
     void bracketsAndPromptsShowWhatThePanelAsksFor() {
-        const Part part = bracket(SQLLogicGateAnd);
+        const Part part(bracket(SQLLogicGateAnd));
         QBNestedListOpenBracketRowWidget open(part.get(), nullptr);
         QVERIFY2(!open.mainPart(), "Return would remove the bracket");
         open.setNegateVisible(true);
@@ -449,7 +381,7 @@ private Q_SLOTS:
     }
 
     void aNarrowRowKeepsItsShortTexts() {
-        const Part part = subquery(false, "longest");
+        const Part part(subquery(false, "longest"));
         const Row row = subqueryRow(part, mySQL);
         row->resize(300, 23);
         row->show();
@@ -461,16 +393,16 @@ private Q_SLOTS:
     }
 
     void allTextsFollowTheLanguage() {
-        const Part part = subquery(true);
+        const Part part(subquery(true));
         QBNestedListSubqueryRowWidget row(part.get(), mySQL, "shop", nullptr);
         row.setInvalidReason(5);
         const QString english = row.addRowLabel()->toolTipText();
-        Translator translator;
+        Test::Capitals translator;
         QCoreApplication::installTranslator(&translator);
         QCoreApplication::processEvents();
-        QCOMPARE(shown(&row), QString("x Subquery: | !<x empty subquery> | !<x alias>"));
-        QCOMPARE(row.addRowLabel()->toolTipText(), "x " + english);
-        QCOMPARE(row.addRowLabel()->accessibleName(), "x " + english);
+        QCOMPARE(shown(&row), QString("SUBQUERY: | !<EMPTY SUBQUERY> | !<ALIAS>"));
+        QCOMPARE(row.addRowLabel()->toolTipText(), english.toUpper());
+        QCOMPARE(row.addRowLabel()->accessibleName(), english.toUpper());
     }
 
     void everyFaultHasAWordAndASchemaIsLeftOutOnlyIfThereIsOne() {
@@ -481,17 +413,12 @@ private Q_SLOTS:
         QVERIFY(!texts.contains(QString()));
         QVERIFY(invalidReasonText(-1).isEmpty() && invalidReasonText(7).isEmpty());
 
-        const auto source = subquery(false);
+        const std::unique_ptr<SQLSubquerySourceComponent> source(subquery(false));
         auto* statement = static_cast<SQLSelectStmtComponent*>(source->subquery);
         QCOMPARE(schemaLeftOut(statement, "shop"), std::string("shop"));
         QCOMPARE(schemaLeftOut(nullptr, "shop"), std::string());
         SourceNode*& root = statement->sourceExpr->root;
-        auto* joined = new SourceNode;
-        joined->value = join(SQLJoinTypeComma).release();
-        joined->left = root;
-        joined->right = new SourceNode;
-        joined->right->value = table({"other"}, "t").release();
-        root = joined;
+        root = Test::join(root, SQLJoinTypeComma, Test::table("t", {}, {"other"}));
         QCOMPARE(schemaLeftOut(statement, "shop"), std::string());
     }
 

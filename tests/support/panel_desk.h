@@ -1,9 +1,13 @@
 #pragma once
 
+#include <QComboBox>
+#include <QHash>
+#include <QLineEdit>
 #include <QVBoxLayout>
 #include <memory>
 
 #include "diagrampanel/fake_server.h"
+#include "model/detached_parts.h"
 #include "rows/nested_list_row_widget.h"
 #include "rows/row_list_panel_widget.h"
 #include "support/late_host.h"
@@ -14,26 +18,58 @@
 
 namespace QB::Test {
 
+constexpr Delivery bothDeliveries[] = {Delivery::AtOnce, Delivery::Later};
+
+/// For a test of each kind of host.
+inline void addHosts() {
+    QTest::addColumn<int>("delivery");
+    QTest::newRow("at once") << static_cast<int>(Delivery::AtOnce);
+    QTest::newRow("later") << static_cast<int>(Delivery::Later);
+}
+inline Delivery hostOfTest() {
+    QFETCH(int, delivery);
+    return static_cast<Delivery>(delivery);
+}
+
+/// For a test of each of @p stories, which have names, with each kind of host.
+template <typename Story, std::size_t count>
+void addStories(const Story (&stories)[count]) {
+    QTest::addColumn<int>("story");
+    QTest::addColumn<int>("delivery");
+    for (std::size_t i = 0; i < count; ++i) {
+        for (const Delivery delivery : bothDeliveries) {
+            const char* const host = delivery == Delivery::AtOnce ? "at once" : "later";
+            QTest::addRow("%s, %s", stories[i].name, host)
+                << static_cast<int>(i) << static_cast<int>(delivery);
+        }
+    }
+}
+template <typename Story, std::size_t count>
+const Story& storyOfTest(const Story (&stories)[count]) {
+    QFETCH(int, story);
+    return stories[story];
+}
+
 /// A clause panel in a window, over a server with the tables t (a, b, c) and u (a, d) in the schema
-/// main. All that a user does goes through the windows, told as text:
+/// main, and more with the field a. All that a user does goes through the windows, told as text:
 ///
 ///     desk.run("click 0 add; pick t.c; key Ctrl+Up")
-///
-/// A test names the parts of its rows in part().
 class PanelDesk : public WindowEvents {
 public:
-    PanelDesk(Delivery delivery, DatabaseType family) : host(delivery), engine(family) {
+    PanelDesk(Delivery delivery, DatabaseType family,
+              std::initializer_list<const char*> moreTables = {})
+        : host(delivery), engine(family) {
         using Objects = FakeServer::Objects;
+        Objects tables = {{"t", IdentifierTypeTable}, {"u", IdentifierTypeTable}};
+        for (const std::string name : moreTables) {
+            tables.emplace_back(name, IdentifierTypeTable);
+            server.set("main." + name, fields({"a"}));
+        }
         server.set("", Objects{{"main", IdentifierTypeSchema}});
-        server.set("main", Objects{{"t", IdentifierTypeTable}, {"u", IdentifierTypeTable}});
+        server.set("main", tables);
         server.set("main.t", fields({"a", "b", "c"}));
         server.set("main.u", fields({"a", "d"}));
-        engine->registerIdentifierCandidateChildrenUpdater(server.updater());
-        engine->setCurrentSchema("main");
-        for (const std::vector<std::string>& path : {std::vector<std::string>{}, {"main"}})
-            engine->addRefreshIdentifierCandidateChildrenRequest(path, true);
-        engine->refreshRequestedIdentifierCandidateChildren(true);
-        host.finishAll();
+        connectServer(engine.get());
     }
 
     virtual ~PanelDesk() {
@@ -48,6 +84,15 @@ public:
         return objects;
     }
 
+    void connectServer(QBEngine_LINUX* client) {
+        client->registerIdentifierCandidateChildrenUpdater(server.updater());
+        client->setCurrentSchema("main");
+        for (const std::vector<std::string>& path : {std::vector<std::string>{}, {"main"}})
+            client->addRefreshIdentifierCandidateChildrenRequest(path, true);
+        client->refreshRequestedIdentifierCandidateChildren(true);
+        host.finishAll();
+    }
+
     /// Ownership: takes @p panel.
     void show(QBRowListPanelWidget* panel) {
         listPanel.reset(panel);
@@ -56,7 +101,8 @@ public:
         window.resize(500, 300);
         window.show();
         panel->setEngine(engine.get());
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
     }
 
     /// Lets everything arrive that is under way, unless it is held.
@@ -81,11 +127,37 @@ public:
             engine->currentTopLevelQueryComponent());
     }
 
+    /// Takes the first column out of the SELECT list, and not through the panel.
+    void dropSelectColumn() {
+        engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
+            ElementSelectColumn, engine->currentTopLevelQueryComponentLayer(),
+            [this](ELEMSQLSelectColumnExpr* element) {
+                DetachedParts parts;
+                parts.add(
+                    std::unique_ptr<Component::AbstractQueryComponent>(element->columns.front()));
+                element->columns.erase(element->columns.begin());
+                engine->retire(std::move(parts));
+                return true;
+            },
+            nullptr);
+        settle();
+    }
+
     QBNestedListTableView* view() const { return listPanel->rowView(); }
     QRect place(int row) const { return view()->visualRect(view()->model()->index(row, 0)); }
 
-    /// Null if the row has no such part.
-    virtual QBLabel* part(int row, const QString& name) const = 0;
+    /// A label of a row by its name in the form, or by a shorter one. Null if there is none.
+    QBLabel* part(int row, const QString& name) const {
+        static const QHash<QString, QString> names = {
+            {"add", "addLabel"},         {"bracket", "addBracketLabel"}, {"delete", "deleteLabel"},
+            {"alias", "aliasLabel"},     {"order", "orderLabel"},        {"not", "negatorLabel"},
+            {"gate", "logicalLabel"},    {"op", "operatorLabel"},        {"left", "leftValueLabel"},
+            {"right", "rightValueLabel"}};
+        const QBNestedListRowWidget* const widget = view()->rowWidget(row);
+        if (!widget) return nullptr;
+        if (name == "main" || name == "field" || name == "prompt") return widget->mainPart();
+        return widget->findChild<QBLabel*>(names.value(name, name));
+    }
 
     // ---- events -------------------------------------------------------------------------------
 
@@ -104,6 +176,17 @@ public:
         return true;
     }
 
+    /// Shows a statement.
+    virtual void begin(const QString& before) { parse(before); }
+
+    /// The statement @p before, the events, and what it is then.
+    void tell(const QString& before, const QString& events, const QString& after) {
+        begin(before);
+        QCOMPARE(text(), before);
+        QVERIFY(run(events));
+        QCOMPARE(text(), after);
+    }
+
     /// The events that only the test has.
     virtual bool runOwn(const QString&, const QString&) { return false; }
 
@@ -114,6 +197,7 @@ public:
         if (word == "type") return type(rest);
         if (word == "click") return clickPart(row, what);
         if (word == "pick") return pick(rest);
+        if (word == "aggregate") return setAggregate(rest);
         if (word == "tab") return clickTab(rest.toInt());
         if (word == "outside") return clickAt(&window, QPoint(2, 2));
         if (word == "button") return clickOn(listPanel->findChild<QAbstractButton*>(rest));
@@ -136,6 +220,15 @@ public:
                                                         : Qt::NoModifier;
         return clickAt(view()->viewport(), QPoint(3, place(row).center().y()), Qt::LeftButton,
                        modifiers);
+    }
+
+    /// In the chooser; empty: none.
+    bool setAggregate(const QString& function) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        auto* const list = popup ? popup->findChild<QComboBox*>() : nullptr;
+        if (!list || !clickOn(list->lineEdit())) return false;
+        list->lineEdit()->selectAll();
+        return function.isEmpty() ? press("Del") : type(function);
     }
 
     bool openMenu(int row) {
