@@ -1,19 +1,12 @@
 #include <QApplication>
-#include <QStandardPaths>
 #include <QTabWidget>
 
 #include "apps/joinery-desk/sql_editor.h"
 #include "apps/joinery-desk/sql_tab.h"
-#include "apps/joinery-desk/workspace.h"
 #include "desk/desk_fixture.h"
-#include "frame/query_builder_widget.h"
-#include "hostkit/sqlite_file.h"
-#include "hostkit/threads.h"
 #include "support/qt_animations.h"
-#include "widgets/panel_widget.h"
 
 using QB::Test::DeskFixture;
-using QB::Test::SqliteFile;
 
 /// The tabs with the clauses in the real window.
 class ClausesTest : public QObject {
@@ -22,21 +15,13 @@ class ClausesTest : public QObject {
 private Q_SLOTS:
     void cleanupTestCase() { QB::Test::outliveAnimations(); }
 
-    void initTestCase() {
-        QStandardPaths::setTestModeEnabled(true);
-        QB::HostKit::installCallbacks();
-    }
     void init() {
         m_desk = std::make_unique<DeskFixture>();
-        m_file = std::make_unique<SqliteFile>(
-            "CREATE TABLE city (id INTEGER PRIMARY KEY, name TEXT);"
-            "INSERT INTO city VALUES (1, 'Köln'), (2, 'Paris');");
-        QVERIFY(m_desk->open(m_file->path()));
+        QVERIFY(
+            m_desk->start("CREATE TABLE city (id INTEGER PRIMARY KEY, name TEXT);"
+                          "INSERT INTO city VALUES (1, 'Köln'), (2, 'Paris');"));
     }
-    void cleanup() {
-        m_desk.reset();
-        m_file.reset();
-    }
+    void cleanup() { m_desk.reset(); }
 
     void aTextThatIsAppliedFillsTheClausesInEveryThemeAndLanguage() {
         apply(
@@ -93,24 +78,6 @@ private Q_SLOTS:
         QTRY_COMPARE(m_desk->model()->rowCount(), 2);
     }
 
-    void aSubqueryOpensAsALayerAndThePathLeadsBack() {
-        apply("SELECT s.id FROM (SELECT id FROM city WHERE id < 2) s");
-        auto* path = m_desk->window->builder()->findChild<QWidget*>("navigationBar");
-        QVERIFY(!path->isVisible());
-        click(label("FROM", "SELECT id FROM city WHERE id < 2"));
-        QTRY_VERIFY(path->isVisible());
-        const auto buttons = path->findChildren<QAbstractButton*>();
-        QCOMPARE(buttons.size(), 2);
-        QCOMPARE(buttons[1]->text(), QString("s"));
-        QVERIFY(label("WHERE", "id") != nullptr);
-        QCOMPARE(list("FROM")->model()->rowCount(), 1);
-        click(buttons[0]);
-        QTRY_VERIFY(!path->isVisible());
-        QVERIFY(label("FROM", "SELECT id FROM city WHERE id < 2") != nullptr);
-        QCOMPARE(list("WHERE")->model()->rowCount(), 1);
-        QVERIFY(label("WHERE", "id") == nullptr);
-    }
-
     void theClausesFitASmallWindow() {
         m_desk->window->resize(800, 600);
         QCOMPARE(m_desk->window->size(), QSize(800, 600));
@@ -133,20 +100,11 @@ private:
     QTableView* list(const QString& clause) const {
         return panel(clause)->findChild<QTableView*>();
     }
-    /// Null if none shows that text.
-    QLabel* label(const QString& clause, const QString& text) const {
-        const auto labels = panel(clause)->findChildren<QLabel*>();
-        for (QLabel* found : labels)
-            if (found->isVisible() && found->text() == text) return found;
-        return nullptr;
-    }
     bool shows(const QString& clause, const QString& text) const {
-        return label(clause, text) != nullptr;
-    }
-    void click(QWidget* widget) const {
-        QVERIFY(widget != nullptr);
-        QTest::mouseClick(m_desk->window->windowHandle(), Qt::LeftButton, {},
-                          widget->mapTo(m_desk->window.get(), QPoint(8, widget->height() / 2)));
+        const auto labels = panel(clause)->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+            return label->isVisible() && label->text() == text;
+        });
     }
     /// Clauses with a warning at their tab.
     QStringList marked() const {
@@ -179,7 +137,6 @@ private:
     }
 
     std::unique_ptr<DeskFixture> m_desk;
-    std::unique_ptr<SqliteFile> m_file;
 };
 
 QTEST_MAIN(ClausesTest)

@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
@@ -24,6 +25,8 @@
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
 #include "frame/abstract_query_preview_panel_widget.h"
 #include "frame/query_builder_widget.h"
+#include "hostkit/sqlite_file.h"
+#include "hostkit/threads.h"
 
 namespace QB::Test {
 
@@ -53,9 +56,11 @@ inline void sendDrop(QWidget* target, const QMimeData& data) {
 class DeskFixture {
 public:
     explicit DeskFixture(const Desk::QueryParsing& parsing = Desk::libraryParsing())
-        : settings(folder.filePath("settings.ini"), QSettings::IniFormat)
-        , window(std::make_unique<Desk::MainWindow>(&settings, folder.filePath("sample.sqlite"),
-                                                    parsing)) {
+        : settings(folder.filePath("settings.ini"), QSettings::IniFormat) {
+        QStandardPaths::setTestModeEnabled(true);
+        HostKit::installCallbacks();
+        window = std::make_unique<Desk::MainWindow>(&settings, folder.filePath("sample.sqlite"),
+                                                    parsing);
         window->setLanguage("en");
         window->show();
     }
@@ -72,6 +77,12 @@ public:
         if (!open(file)) return false;
         doubleClick(row(table));
         return QTest::qWaitFor([&] { return preview() == "SELECT * FROM " + table; });
+    }
+
+    /// The same with a new file of those tables; empty: no table is added.
+    bool start(const std::string& sql, const QString& table = {}) {
+        database = std::make_unique<SqliteFile>(sql);
+        return table.isEmpty() ? open(database->path()) : openAndAdd(database->path(), table);
     }
 
     QTreeWidget* tree() const { return window->objectTree()->findChild<QTreeWidget*>(); }
@@ -117,6 +128,7 @@ public:
 
     QTemporaryDir folder;
     QSettings settings;
+    std::unique_ptr<SqliteFile> database;  // that start() made
     std::unique_ptr<Desk::MainWindow> window;
 };
 

@@ -1,12 +1,9 @@
 #include <QApplication>
 #include <QDrag>
-#include <QStandardPaths>
 #include <QTimer>
 #include <QWindow>
 
 #include "desk/desk_fixture.h"
-#include "hostkit/sqlite_file.h"
-#include "hostkit/threads.h"
 
 /// A drag with the mouse from the tree to the diagram of the real window. It runs on the platform
 /// "minimal", since "offscreen" lets no drag begin.
@@ -15,13 +12,8 @@ class DragTest : public QObject {
 
 private Q_SLOTS:
     void aTableDraggedOntoTheDiagramJoinsTheQuery() {
-        QStandardPaths::setTestModeEnabled(true);
-        QB::HostKit::installCallbacks();
         QB::Test::DeskFixture desk;
-        const QB::Test::SqliteFile file("CREATE TABLE city (id); CREATE TABLE country (code);");
-        QVERIFY(desk.open(file.path()));
-        desk.doubleClick(desk.row("city"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM city"));
+        QVERIFY(desk.start("CREATE TABLE city (id); CREATE TABLE country (code);", "city"));
 
         auto* diagram = desk.window->builder()->findChild<QWidget*>("diagramPanel");
         QWindow* handle = desk.window->windowHandle();

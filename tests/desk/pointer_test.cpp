@@ -6,8 +6,6 @@
 #include "apps/joinery-desk/sql_editor.h"
 #include "apps/joinery-desk/sql_tab.h"
 #include "desk/desk_fixture.h"
-#include "hostkit/sqlite_file.h"
-#include "hostkit/threads.h"
 
 /// Rows dragged in the real window by the pointer of a real X server, which starts with the test.
 class PointerTest : public QObject {
@@ -17,21 +15,18 @@ private Q_SLOTS:
     void aRowDraggedBelowTheOthersComesLast_data() {
         QTest::addColumn<int>("tab");
         QTest::addColumn<QString>("end");
-        QTest::newRow("SELECT") << 0
-                                << "SELECT b, a FROM t WHERE a = 1 AND b = 2 ORDER BY a ASC, b ASC";
-        QTest::newRow("WHERE") << 2
-                               << "SELECT a, b FROM t WHERE b = 2 AND a = 1 ORDER BY a ASC, b ASC";
-        QTest::newRow("ORDER BY")
-            << 5 << "SELECT a, b FROM t WHERE a = 1 AND b = 2 ORDER BY b ASC, a ASC";
+        const auto row = [](const char* clause, int tab, const char* end) {
+            QTest::newRow(clause) << tab << QString(end);
+        };
+        row("SELECT", 0, "SELECT b, a FROM t WHERE a = 1 AND b = 2 ORDER BY a ASC, b ASC");
+        row("WHERE", 2, "SELECT a, b FROM t WHERE b = 2 AND a = 1 ORDER BY a ASC, b ASC");
+        row("ORDER BY", 5, "SELECT a, b FROM t WHERE a = 1 AND b = 2 ORDER BY b ASC, a ASC");
     }
     void aRowDraggedBelowTheOthersComesLast() {
         QFETCH(int, tab);
         QFETCH(QString, end);
-        QStandardPaths::setTestModeEnabled(true);
-        QB::HostKit::installCallbacks();
         QB::Test::DeskFixture desk;
-        const QB::Test::SqliteFile file("CREATE TABLE t (a, b);");
-        QVERIFY(desk.open(file.path()));
+        QVERIFY(desk.start("CREATE TABLE t (a, b);"));
         auto* const sql = desk.window->sqlTab();
         sql->editor()->insertPlainText(
             "SELECT a, b FROM t WHERE a = 1 AND b = 2 ORDER BY a ASC, b ASC");

@@ -30,23 +30,18 @@ private Q_SLOTS:
         QTest::addColumn<QVariant>("value");
         QTest::addColumn<QString>("shown");
         QTest::addColumn<QString>("copied");
-        QTest::newRow("NULL") << QVariant() << "NULL"
-                              << "";
-        QTest::newRow("empty") << QVariant("") << ""
-                               << "";
-        QTest::newRow("lines") << QVariant("a\r\nb\tc") << "a↵b→c"
-                               << "a\r\nb\tc";
-        QTest::newRow("tenth") << QVariant(0.1) << "0.1"
-                               << "0.1";
-        QTest::newRow("sum") << QVariant(0.1 + 0.2) << "0.30000000000000004"
-                             << "0.30000000000000004";
-        QTest::newRow("large") << QVariant(Q_INT64_C(9223372036854775807)) << "9223372036854775807"
-                               << "9223372036854775807";
-        QTest::newRow("blob") << QVariant(QByteArray::fromHex("00ff10"))
-                              << "3 bytes, binary: 00 ff 10"
-                              << "0x00ff10";
-        QTest::newRow("empty blob") << QVariant(QByteArray("")) << "0 bytes, binary"
-                                    << "0x";
+        const auto row = [](const char* name, const QVariant& value, const char* shown,
+                            const char* copied) {
+            QTest::newRow(name) << value << QString(shown) << QString(copied);
+        };
+        row("NULL", {}, "NULL", "");
+        row("empty", "", "", "");
+        row("lines", "a\r\nb\tc", "a↵b→c", "a\r\nb\tc");
+        row("tenth", 0.1, "0.1", "0.1");
+        row("sum", 0.1 + 0.2, "0.30000000000000004", "0.30000000000000004");
+        row("large", Q_INT64_C(9223372036854775807), "9223372036854775807", "9223372036854775807");
+        row("blob", QByteArray::fromHex("00ff10"), "3 bytes, binary: 00 ff 10", "0x00ff10");
+        row("empty blob", QByteArray(""), "0 bytes, binary", "0x");
     }
     void aCellShowsItsValueOnOneLine() {
         QFETCH(QVariant, value);

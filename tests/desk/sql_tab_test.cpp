@@ -1,7 +1,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QMenuBar>
-#include <QStandardPaths>
 #include <QTabWidget>
 #include <QUrl>
 #include <condition_variable>
@@ -13,8 +12,6 @@
 #include "apps/joinery-desk/sql_tab.h"
 #include "apps/joinery-desk/workspace.h"
 #include "desk/desk_fixture.h"
-#include "hostkit/sqlite_file.h"
-#include "hostkit/threads.h"
 #include "model/components.h"
 
 using QB::Desk::SqlTab;
@@ -82,17 +79,10 @@ class SqlTabTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() {
-        QStandardPaths::setTestModeEnabled(true);
-        QB::HostKit::installCallbacks();
-    }
     void init() {
         m_parser = std::make_unique<GatedParser>();
         m_desk = std::make_unique<DeskFixture>(m_parser->parsing());
-        m_file = std::make_unique<SqliteFile>(cities);
-        QVERIFY(m_desk->open(m_file->path()));
-        m_desk->doubleClick(m_desk->row("country"));
-        QTRY_COMPARE(m_desk->preview(), QString("SELECT * FROM country"));
+        QVERIFY(m_desk->start(cities, "country"));
         m_desk->press(Qt::Key_T, Qt::ControlModifier);
         QTRY_COMPARE(tab()->state(), SqlTab::State::Held);
         QCOMPARE(editor()->text().simplified(), QString("SELECT * FROM country"));
@@ -100,7 +90,6 @@ private Q_SLOTS:
     void cleanup() {
         m_parser->release();
         m_desk.reset();
-        m_file.reset();
     }
 
     // ---- typing and applying ----------------------------------------------------------------
@@ -165,21 +154,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("wrong");
         QTest::addColumn<QString>("place");
-        QTest::newRow("a line below") << "SELECT id\nFORM\ncity x y"
-                                      << "city"
-                                      << "3:1";
-        QTest::newRow("behind wide characters")
-            << QString("SELECT 'Köln 🚲' AS a, 🚲 AS b\nFROM city )") << ")"
-            << "2:11";
-        QTest::newRow("at the end") << "SELECT id FROM city WHERE"
-                                    << "E"
-                                    << "1:26";
-        QTest::newRow("second statement") << "SELECT 1 FROM city; SELECT 2"
-                                          << "SELECT"
-                                          << "1:21";
-        QTest::newRow("no query") << "UPDATE city SET id = 1"
-                                  << "UPDATE"
-                                  << "1:1";
+        const auto row = [](const char* name, const char* text, const char* wrong,
+                            const char* place) {
+            QTest::newRow(name) << QString(text) << QString(wrong) << QString(place);
+        };
+        row("a line below", "SELECT id\nFORM\ncity x y", "city", "3:1");
+        row("behind wide characters", "SELECT 'Köln 🚲' AS a, 🚲 AS b\nFROM city )", ")", "2:11");
+        row("at the end", "SELECT id FROM city WHERE", "E", "1:26");
+        row("second statement", "SELECT 1 FROM city; SELECT 2", "SELECT", "1:21");
+        row("no query", "UPDATE city SET id = 1", "UPDATE", "1:1");
     }
     void aRefusedTextIsUnderlinedWhereItIsWrongAndChangesNothing() {
         QFETCH(QString, text);
@@ -238,7 +221,7 @@ private Q_SLOTS:
         m_desk.reset();
         m_parser->release();
         m_desk = std::make_unique<DeskFixture>(m_parser->parsing());
-        QVERIFY(m_desk->open(m_file->path()));
+        QVERIFY(m_desk->start(cities));
     }
 
     void aQueryThatCannotBeBroughtBackIsOnlyReplacedWhenTheUserSaysSo() {
@@ -536,7 +519,6 @@ private:
 
     std::unique_ptr<GatedParser> m_parser;  // outlives the window, whose workers use it
     std::unique_ptr<DeskFixture> m_desk;
-    std::unique_ptr<SqliteFile> m_file;
 };
 
 QTEST_MAIN(SqlTabTest)

@@ -2,11 +2,9 @@
 #include <QApplication>
 #include <QFile>
 #include <QListWidget>
-#include <QStandardPaths>
 #include <QTabWidget>
 
 #include "desk/desk_fixture.h"
-#include "hostkit/threads.h"
 #include "support/qt_animations.h"
 #include "support/window_events.h"
 
@@ -65,10 +63,6 @@ class TourTest : public QObject {
 private Q_SLOTS:
     void cleanupTestCase() { QB::Test::outliveAnimations(); }
 
-    void initTestCase() {
-        QStandardPaths::setTestModeEnabled(true);
-        QB::HostKit::installCallbacks();
-    }
     void init() {
         m_desk = std::make_unique<DeskFixture>();
         m_desk->window->resize(1280, 1500);

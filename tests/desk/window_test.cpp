@@ -1,12 +1,9 @@
 #include <QClipboard>
 #include <QMenuBar>
-#include <QStandardPaths>
 #include <QUrl>
 
 #include "apps/joinery-desk/workspace.h"
 #include "desk/desk_fixture.h"
-#include "hostkit/sqlite_file.h"
-#include "hostkit/threads.h"
 #include "model/callbacks.h"
 
 using QB::Test::answerNextBox;
@@ -34,10 +31,6 @@ class WindowTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() {
-        QStandardPaths::setTestModeEnabled(true);
-        QB::HostKit::installCallbacks();
-    }
     void init() { m_desk = std::make_unique<DeskFixture>(); }
     void cleanup() { m_desk.reset(); }
 
@@ -45,8 +38,7 @@ private Q_SLOTS:
 
     void aDoubleClickAddsATableAndBuildAndRunShowsItsRows() {
         DeskFixture& desk = *m_desk;
-        const SqliteFile file(cities);
-        QVERIFY(desk.open(file.path()));
+        QVERIFY(desk.start(cities));
         QCOMPARE(desk.schema()->text(0), QString("main"));
         QVERIFY(desk.schema()->isExpanded());
         QCOMPARE(desk.schema()->childCount(), 2);
@@ -71,8 +63,7 @@ private Q_SLOTS:
 
     void keysAloneOpenTheSchemaAddATableAndRun() {
         DeskFixture& desk = *m_desk;
-        const SqliteFile file(cities);
-        QVERIFY(desk.open(file.path()));
+        QVERIFY(desk.start(cities));
         desk.tree()->setFocus();
         desk.tree()->setCurrentItem(desk.schema());
         QTest::keyClick(desk.tree(), Qt::Key_Left);
@@ -93,26 +84,9 @@ private Q_SLOTS:
         QTRY_COMPARE(desk.model()->rowCount(), 2);
     }
 
-    void theMouseOpensASchemaAndTwoTablesMakeAProduct() {
-        DeskFixture& desk = *m_desk;
-        const SqliteFile file(cities);
-        QVERIFY(desk.open(file.path()));
-        desk.schema()->setExpanded(false);
-        const QRect schema = desk.tree()->visualItemRect(desk.schema());
-        QTest::mouseClick(desk.tree()->viewport(), Qt::LeftButton, {},
-                          {schema.left() - desk.tree()->indentation() / 2, schema.center().y()});
-        QVERIFY(desk.schema()->isExpanded());
-        desk.doubleClick(desk.row("city"));
-        desk.doubleClick(desk.row("country"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM city, country"));
-        desk.buildAndRun();
-        QTRY_COMPARE(desk.model()->rowCount(), 6);
-    }
-
     void buildPutsTheTextOnTheClipboard() {
         DeskFixture& desk = *m_desk;
-        const SqliteFile file(cities);
-        QVERIFY(desk.openAndAdd(file.path(), "city"));
+        QVERIFY(desk.start(cities, "city"));
         QTest::mouseClick(desk.button(QDialogButtonBox::Ok), Qt::LeftButton);
         QCOMPARE(QApplication::clipboard()->text().simplified(), QString("SELECT * FROM city"));
         QCOMPARE(desk.model()->columnCount(), 0);
@@ -129,10 +103,9 @@ private Q_SLOTS:
         QFETCH(QString, name);
         DeskFixture& desk = *m_desk;
         const QString quoted = '"' + QString(name).replace('"', "\"\"") + '"';
-        const SqliteFile file(QString("CREATE TABLE %1 (%1 TEXT); INSERT INTO %1 VALUES ('here')")
-                                  .replace("%1", quoted)
-                                  .toStdString());
-        QVERIFY(desk.open(file.path()));
+        QVERIFY(desk.start(QString("CREATE TABLE %1 (%1 TEXT); INSERT INTO %1 VALUES ('here')")
+                               .replace("%1", quoted)
+                               .toStdString()));
         QCOMPARE(desk.schema()->child(0)->text(0), name);
         desk.doubleClick(desk.schema()->child(0));
         QTRY_VERIFY2(desk.preview().contains("FROM"), qPrintable(desk.preview()));
@@ -146,11 +119,8 @@ private Q_SLOTS:
 
     void rowsShowWhileTheQueryRunsAndEscapeStopsIt() {
         DeskFixture& desk = *m_desk;
-        const SqliteFile file(endless);
-        QVERIFY(desk.open(file.path()));
+        QVERIFY(desk.start(endless, "stream"));
         desk.grid()->setRowLimit(0);
-        desk.doubleClick(desk.row("stream"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM stream"));
         desk.buildAndRun();
         QTRY_VERIFY(desk.model()->rowCount() > 1000);
         QVERIFY(desk.grid()->isRunning());
@@ -163,12 +133,9 @@ private Q_SLOTS:
 
     void theStopButtonStopsAQueryThatGivesNoRow() {
         DeskFixture& desk = *m_desk;
-        const SqliteFile file(endless);
-        QVERIFY(desk.open(file.path()));
+        QVERIFY(desk.start(endless, "silent"));
         auto* stop = desk.window->findChild<QPushButton*>("cancelButton");
         QVERIFY(!stop->isVisible());
-        desk.doubleClick(desk.row("silent"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM silent"));
         desk.buildAndRun();
         QTRY_COMPARE(desk.model()->columnCount(), 1);
         QVERIFY(stop->isVisible());
@@ -180,11 +147,8 @@ private Q_SLOTS:
 
     void theRowLimitIsTold() {
         DeskFixture& desk = *m_desk;
-        const SqliteFile file(endless);
-        QVERIFY(desk.open(file.path()));
+        QVERIFY(desk.start(endless, "stream"));
         desk.grid()->setRowLimit(100);
-        desk.doubleClick(desk.row("stream"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM stream"));
         desk.buildAndRun();
         QTRY_VERIFY2(desk.status().startsWith("The first 100 rows in "), qPrintable(desk.status()));
         QCOMPARE(desk.model()->rowCount(), 100);
@@ -192,16 +156,15 @@ private Q_SLOTS:
 
     void anErrorOfTheServerStandsAboveTheRows() {
         DeskFixture& desk = *m_desk;
-        SqliteFile file(cities);
-        QVERIFY(desk.openAndAdd(file.path(), "country"));
-        file.execute("DROP TABLE country");
+        QVERIFY(desk.start(cities, "country"));
+        desk.database->execute("DROP TABLE country");
         desk.buildAndRun();
         QTRY_VERIFY2(desk.grid()->messageBar()->text().contains("no such table: country"),
                      qPrintable(desk.grid()->messageBar()->text()));
         auto* text = desk.grid()->messageBar()->findChild<QLabel*>("messageText");
         QVERIFY(text->isVisible() && (text->textInteractionFlags() & Qt::TextSelectableByMouse));
         QVERIFY(!QApplication::activeModalWidget());
-        file.execute("CREATE TABLE country (code TEXT)");
+        desk.database->execute("CREATE TABLE country (code TEXT)");
         desk.buildAndRun();
         QTRY_COMPARE(desk.status().section(' ', 0, 1), QString("0 rows"));
         QCOMPARE(desk.grid()->messageBar()->text(), QString());
@@ -212,14 +175,13 @@ private Q_SLOTS:
     void aFileThatCannotBeOpenedIsToldAndWhatWasOpenStays_data() {
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("told");
-        QTest::newRow("missing") << "missing"
-                                 << "There is no file";
-        QTest::newRow("folder") << "folder"
-                                << "is a folder";
-        QTest::newRow("text") << "text"
-                              << "file is not a database";
-        QTest::newRow("locked") << "locked"
-                                << "database is locked";
+        const auto row = [](const char* kind, const char* told) {
+            QTest::newRow(kind) << QString(kind) << QString(told);
+        };
+        row("missing", "There is no file");
+        row("folder", "is a folder");
+        row("text", "file is not a database");
+        row("locked", "database is locked");
     }
     void aFileThatCannotBeOpenedIsToldAndWhatWasOpenStays() {
         QFETCH(QString, kind);
@@ -237,10 +199,8 @@ private Q_SLOTS:
                                               {"locked", locked.path()}};
         QVERIFY(!desk.button(QDialogButtonBox::Yes)->isEnabled());
         QVERIFY(!desk.button(QDialogButtonBox::Ok)->isEnabled());
-        QVERIFY(desk.open(good.path()));
+        QVERIFY(desk.openAndAdd(good.path(), "city"));
         QVERIFY(desk.button(QDialogButtonBox::Ok)->isEnabled());
-        desk.doubleClick(desk.row("city"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM city"));
         desk.buildAndRun();
         QTRY_COMPARE(desk.model()->rowCount(), 3);
 
@@ -260,8 +220,7 @@ private Q_SLOTS:
 
     void aDatabaseWithoutTablesOpensAndRunsToAnError() {
         DeskFixture& desk = *m_desk;
-        const SqliteFile file("CREATE TABLE gone (x); DROP TABLE gone;");
-        QVERIFY(desk.open(file.path()));
+        QVERIFY(desk.start("CREATE TABLE gone (x); DROP TABLE gone;"));
         QCOMPARE(desk.schema()->childCount(), 0);
         desk.buildAndRun();
         QTRY_VERIFY(!desk.grid()->messageBar()->text().isEmpty());
@@ -312,8 +271,7 @@ private Q_SLOTS:
 
     void aChangedQueryIsOnlyGivenUpWhenTheUserSaysSo() {
         DeskFixture& desk = *m_desk;
-        const SqliteFile file(cities);
-        QVERIFY(desk.openAndAdd(file.path(), "city"));
+        QVERIFY(desk.start(cities, "city"));
         int boxes = 0;
         answerNextBox(QMessageBox::Cancel, &boxes);
         QVERIFY(!desk.window->close());
