@@ -63,6 +63,16 @@ int runHeldWork() {
     return int(work.size());
 }
 
+/// A preview of an engine whose work is held.
+struct Held {
+    Held() {
+        holdWork();
+        preview.setEngine(engine.get());
+    }
+    Test::OwnedEngine<> engine{DatabaseTypeSQLite};
+    RecordingPreview preview;
+};
+
 /// A worker inside the text generation waits here until it is let go.
 struct Gate {
     std::mutex mutex;
@@ -107,10 +117,8 @@ private Q_SLOTS:
     }
 
     void manyModificationsMakeOneGenerationInTheTimersTime() {
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
-        holdWork();
-        RecordingPreview preview;
-        preview.setEngine(engine.get());
+        Held held;
+        auto& [engine, preview] = held;
         QVERIFY2(heldWork().empty(), "a hidden preview generates nothing");
         preview.show();
         for (int i = 0; i < 20; ++i)
@@ -127,10 +135,8 @@ private Q_SLOTS:
     }
 
     void aChangeDuringARunStartsTheNextOneAfterIt() {
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
-        holdWork();
-        RecordingPreview preview;
-        preview.setEngine(engine.get());
+        Held held;
+        auto& [engine, preview] = held;
         preview.updatePreviewQuery();
         Test::addColumn(*engine.get(), Test::expression("1"));
         preview.updatePreviewQuery();
@@ -143,10 +149,8 @@ private Q_SLOTS:
     }
 
     void theWholeStatementShowsWhileASubqueryIsEditedUnlessTheLayerIsWanted() {
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
-        holdWork();
-        RecordingPreview preview;
-        preview.setEngine(engine.get());
+        Held held;
+        auto& [engine, preview] = held;
         Test::Statement inner = Test::newStatement();
         inner->selectColumnExpr->columns.push_back(Test::expression("inner_column"));
         Test::SourceNode* source = Test::subquery(std::move(inner), "sub");
@@ -169,10 +173,9 @@ private Q_SLOTS:
     }
 
     void focusIsMarkedByTheRangesOfTheLastTextAndForgottenWithTheLayer() {
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
-        holdWork();
-        RecordingPreview preview;
-        preview.setEngine(engine.get());
+        Held held;
+        auto& engine = held.engine;
+        auto& preview = held.preview;
         auto* column = Test::expression("focused");
         Test::addColumn(*engine.get(), column);
         preview.markFocusedComponent(column, true);
@@ -244,17 +247,21 @@ private Q_SLOTS:
         QVERIFY2(preview.isEnabled(), "nothing to read from");
     }
 
-    void aStatementReplacedBeforeTheRunIsNotRead() {
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
-        holdWork();
-        RecordingPreview preview;
-        preview.setEngine(engine.get());
-        preview.updatePreviewQuery();
-        engine->setDatabaseInfo(DatabaseTypeMySQL, 80036);
-        runHeldWork();
-        QVERIFY(preview.texts.isEmpty());
-        QVERIFY(preview.isEnabled());
-        QVERIFY(preview.needsUpdateQuery());
+    void aTextThatIsOvertakenIsNotShown() {
+        const Test::OwnedEngine<> other(DatabaseTypeSQLite);
+        for (const bool isOtherEngine : {false, true}) {
+            Held held;
+            auto& [engine, preview] = held;
+            preview.updatePreviewQuery();
+            if (isOtherEngine)
+                preview.setEngine(other.get());
+            else
+                engine->setDatabaseInfo(DatabaseTypeMySQL, 80036);  // replaces the statement
+            runHeldWork();
+            QVERIFY(preview.texts.isEmpty());
+            QVERIFY(preview.isEnabled());
+            QVERIFY(preview.needsUpdateQuery());
+        }
     }
 
     void thePanelMayGoDuringTheRun() {
@@ -266,28 +273,12 @@ private Q_SLOTS:
         m_host->finishWorkers();
     }
 
-    void aTextOfAnEarlierEngineIsNotShown() {
-        Test::OwnedEngine<> first(DatabaseTypeSQLite);
-        Test::OwnedEngine<> second(DatabaseTypeSQLite);
-        holdWork();
-        RecordingPreview preview;
-        preview.setEngine(first.get());
-        preview.updatePreviewQuery();
-        preview.setEngine(second.get());
-        runHeldWork();
-        QVERIFY(preview.texts.isEmpty());
-        QVERIFY(preview.isEnabled());
-        QVERIFY(preview.needsUpdateQuery());
-    }
-
     void quotingThatThrowsLeavesThePanelUsable() {
         Callback::formatIdentifier = [](const std::string&, DatabaseType, int) -> std::string {
             throw std::runtime_error("no connection");
         };
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
-        holdWork();
-        RecordingPreview preview;
-        preview.setEngine(engine.get());
+        Held held;
+        auto& [engine, preview] = held;
         Test::setSource(*engine.get(), Test::table("t"));
         preview.updatePreviewQuery();
         QVERIFY_EXCEPTION_THROWN(runHeldWork(), std::runtime_error);

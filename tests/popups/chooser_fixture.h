@@ -13,7 +13,6 @@
 #include "frame/query_helpers.h"
 #include "popups/column_choice_host.h"
 #include "popups/column_selection_popup_widget.h"
-#include "popups/panel_popup.h"
 #include "widgets/panel_widget.h"
 
 namespace QB::Test {

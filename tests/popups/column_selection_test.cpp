@@ -3,7 +3,7 @@
 #include <QSignalSpy>
 
 #include "popups/chooser_fixture.h"
-#include "popups/input_popup.h"
+#include "support/from_clause.h"
 #include "support/qt_animations.h"
 #include "support/text_check.h"
 
@@ -99,8 +99,7 @@ private Q_SLOTS:
         QCOMPARE(chooser.shown(), "main [city, country, places]; other [town]; archive [old]");
     }
 
-    // ---- what is chosen
-    // ---------------------------------------------------------------------------
+    // ---- what is chosen -----------------------------------------------------------------------
 
     void whatIsChosenIsWrittenAndReadAsThatInAllFamilies() {
         struct Case {
@@ -283,16 +282,8 @@ private Q_SLOTS:
         addColumn(*chooser.engine.get(), column);
         const SourceNode* earlier = chooser.cityA;
         column->source = earlier->value;
-        chooser.engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-            ElementSource, 0,
-            [&](ELEMSQLSourceExpr* from) {
-                DetachedParts parts;
-                parts.add(std::unique_ptr<SourceNode>(from->root));
-                from->root = table("country", {}, {"main"});
-                chooser.engine->retire(std::move(parts));
-                return true;
-            },
-            nullptr);
+        emptyFromClause(chooser.engine.get());
+        setSource(*chooser.engine.get(), table("country", {}, {"main"}));
         chooser.open(QBColumnChoice::SelectFields, column);
         QCOMPARE(chooser.selected(), QString());
         QVERIFY(!chooser.popup->hasChoice());
@@ -318,27 +309,6 @@ private Q_SLOTS:
         QVERIFY(fillColumn(bare, chooser.popup->chosenColumn(), chooser.engine.get()));
         QCOMPARE(bare->source, chooser.derived->value);
         QCOMPARE(bare->parentPath, std::vector<std::string>{"s"});
-    }
-
-    void expressionsOpenTheTextAndCtrlReturnAcceptsIt() {
-        Chooser chooser;
-        chooser.setSources();
-        const std::unique_ptr<SQLAnyExpressionColumnComponent> edited(expression("price * 2"));
-        chooser.open(QBColumnChoice::SelectFields, edited.get());
-        QCOMPARE(chooser.popup->tabWidget()->currentIndex(), 1);
-        QVERIFY(chooser.popup->plainTextEdit()->hasFocus() && !chooser.popup->hasChanged());
-        QSignalSpy chosen(chooser.popup, &QBColumnSelectionPopupWidget::chosen);
-        chooser.press(Qt::Key_End);
-        chooser.type(" + 1");
-        chooser.press(Qt::Key_Return);
-        QCOMPARE(chosen.count(), 0);
-        chooser.press(Qt::Key_Return, Qt::ControlModifier);
-        QCOMPARE(chosen.count(), 1);
-        QCOMPARE(chooser.popup->chosenColumn().expression, std::string("price * 2 + 1\n"));
-        chooser.popup->plainTextEdit()->setPlainText("  ");
-        chooser.press(Qt::Key_Return, Qt::ControlModifier);
-        QCOMPARE(chosen.count(), 1);
-        QCOMPARE(chooser.popup->chosenColumn().kind, QBChosenColumn::Nothing);
     }
 
     // ---- mouse and keys ------------------------------------------------------------------------
@@ -432,41 +402,6 @@ private Q_SLOTS:
         QVERIFY(chooser.tree->hasFocus());
         QVERIFY(!chooser.tree->currentItem());
         QVERIFY(!chooser.popup->hasChoice());
-    }
-
-    void inAPopupTheChoiceIsAppliedByClickAndNothingByAClickOutside() {
-        for (const bool isLate : {false, true}) {
-            Chooser chooser;
-            chooser.loadAll();
-            chooser.setSources();
-            const auto lateHost = isLate ? std::make_unique<LateHost>() : nullptr;
-            QBPanelPopup carrier(&chooser.panel);
-            chooser.panel.resize(600, 40);
-            const auto open = [&] {
-                chooser.panel.choice = QBColumnChoice::SelectFields;
-                chooser.popup = new QBColumnSelectionPopupWidget(&chooser.panel, nullptr, nullptr,
-                                                                 nullptr, nullptr);
-                chooser.tree = chooser.popup->treeWidget();
-                connect(chooser.popup, &QBColumnSelectionPopupWidget::chosen, &chooser.panel,
-                        [&carrier] { carrier.accept(); });
-                carrier.open(chooser.popup, &chooser.panel,
-                             [&] { chooser.textWithChoice(ElementSelectColumn); });
-                QTRY_VERIFY(chooser.tree->hasFocus());
-            };
-            open();
-            QTest::mouseClick(chooser.panel.windowHandle(), Qt::LeftButton, {}, QPoint(590, 5));
-            QTRY_VERIFY(!carrier.isOpen());
-            QVERIFY(QString::fromStdString(chooser.engine->buildQuery())
-                        .simplified()
-                        .startsWith("SELECT * FROM"));
-            open();
-            chooser.click("b/name");
-            QVERIFY(!carrier.isOpen());
-            QTRY_VERIFY(QString::fromStdString(chooser.engine->buildQuery())
-                            .simplified()
-                            .startsWith("SELECT b.\"name\" FROM"));
-            chooser.popup = nullptr;
-        }
     }
 
     // ---- what comes late ----------------------------------------------------------------------

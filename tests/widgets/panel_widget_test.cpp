@@ -23,11 +23,9 @@ public:
         Component::AbstractTopLevelQueryComponent* popped) override {
         poppedLayers.append(popped);
     }
-    bool hasInvalidComponents() const override { return isInvalid; }
 
     QVector<void*> senders;
     QVector<Component::AbstractTopLevelQueryComponent*> poppedLayers;
-    bool isInvalid = false;
 };
 
 }  // namespace
@@ -36,22 +34,16 @@ class PanelWidgetTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void nullLeavesTheEarlierEngine() {
+    void thePanelHasItsEngineUntilAnotherIsSetOrItGoes() {
         QBPanelWidget panel;
         const QSignalSpy spy(&panel, &QBPanelWidget::engineSet);
         panel.setEngine(nullptr);
         QCOMPARE(panel.engine(), nullptr);
-        const Test::OwnedEngine<> engine(DatabaseTypeMySQL);
+        Test::OwnedEngine<> engine(DatabaseTypeMySQL);
         panel.setEngine(engine.get());
         panel.setEngine(nullptr);
         QCOMPARE(panel.engine(), engine.get());
         QCOMPARE(spy.count(), 1);
-    }
-
-    void anEngineThatIsGoneIsNoLongerHandedOut() {
-        QBPanelWidget panel;
-        Test::OwnedEngine<> engine(DatabaseTypeMySQL);
-        panel.setEngine(engine.get());
         engine.destroy();
         QCOMPARE(panel.engine(), nullptr);
     }
@@ -92,31 +84,6 @@ private Q_SLOTS:
         other->pushNewLayerTopLevelQueryComponent(root, "sub");
         const QVector<Component::AbstractTopLevelQueryComponent*> expected = {nullptr, root};
         QCOMPARE(panel.poppedLayers, expected);
-    }
-
-    void aSecondEngineOrTheSameAgainDoublesNothing() {
-        const Test::OwnedEngine<> first(DatabaseTypeMySQL);
-        const Test::OwnedEngine<> second(DatabaseTypeMySQL);
-        ClausePanel panel;
-        panel.setEngine(first.get());
-        panel.setEngine(first.get());
-        first->modify_notify(ElementWhere, 0, nullptr);
-        QCOMPARE(panel.senders.size(), 1);
-        panel.setEngine(second.get());
-        first->modify_notify(ElementWhere, 0, nullptr);
-        QCOMPARE(panel.senders.size(), 1);
-        second->modify_notify(ElementWhere, 0, nullptr);
-        QCOMPARE(panel.senders.size(), 2);
-    }
-
-    void theFirstElementAndTheWarningSignIdentifyThePanel() {
-        ClausePanel panel;
-        QCOMPARE(panel.firstRelatedElement(), int(ElementWhere));
-        panel.setRelatedElements({});
-        QCOMPARE(panel.firstRelatedElement(), -1);
-        QVERIFY(panel.tabIcon().isNull());
-        panel.isInvalid = true;
-        QVERIFY(!panel.tabIcon().isNull());
     }
 
 private:
