@@ -42,8 +42,14 @@ LumoRect unitedRect(const std::vector<LumoRect>& rects) {
 LumoContext::LumoContext() = default;
 
 LumoContext::~LumoContext() {
-    for (LumoControl* control : m_controls)
+    for (LumoControl* control : std::vector<LumoControl*>(m_controls)) {
+        LumoDiagram* const shown = getActiveDiagram(control);
         control->m_context = nullptr;
+        if (!shown) continue;
+        // Its objects may go without anybody who could tell the control.
+        control->dispatcher()->forget(shown, true);
+        control->diagramChanged();
+    }
     for (LumoDiagram* diagram : m_diagrams)
         diagram->m_context = nullptr;
 }
