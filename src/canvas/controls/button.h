@@ -16,7 +16,8 @@ public:
     QBLumoButton();
     ~QBLumoButton() override;
 
-    /// The button takes the size of the image, at (0, 0).
+    /// The button takes the size of the image, at (0, 0). A name that nobody knows gives an empty
+    /// button.
     void setImage(const std::string& name);
     void setImage(LumoImage* image);  // takes ownership
     void setClickHandler(std::function<void(QBLumoButton*)> handler);

@@ -4,6 +4,8 @@
 
 #include "canvas/base/object.h"
 
+class LumoPainter;
+
 namespace QB::DiagramLumo {
 
 /// Where handle and panes of a splitter lie; pure.
@@ -17,7 +19,7 @@ struct SplitterGeometry {
     /// Along the split axis: position and length.
     int32_t firstLength() const;
     int32_t secondLength() const;
-    /// The ratio for a handle dragged to @p point, from 0 to 1.
+    /// The ratio for a handle dragged to @p point, from 0 to 1; 0 without room for any pane.
     double ratioAt(LumoPoint point) const;
 };
 
@@ -44,6 +46,7 @@ protected:
 
 private:
     SplitterGeometry geometry() const;
+    void paintHandle(LumoPainter* painter) const;
 
     QBLumoObject* m_first = nullptr;   // owned as a child
     QBLumoObject* m_second = nullptr;  // owned as a child

@@ -203,12 +203,16 @@ void LumoPainter::closePath() {
     path().closeSubpath();
 }
 
+void LumoPainter::clearPath() {
+    m_rectangle.reset();
+    if (m_path.elementCount() != 0) m_path = QPainterPath();
+}
+
 // ---- drawing ----
 
 void LumoPainter::fill() {
     fillPreserve();
-    m_rectangle.reset();
-    m_path = QPainterPath();
+    clearPath();
 }
 
 void LumoPainter::fillPreserve() {
@@ -256,7 +260,7 @@ void LumoPainter::stroke() {
         strokeSegments();
     else
         begin()->strokePath(m_path, qtPen());
-    m_path = QPainterPath();
+    clearPath();
 }
 
 void LumoPainter::drawLine(double x0, double y0, double x1, double y1) {
@@ -273,8 +277,7 @@ void LumoPainter::clip() {
         painter->setClipRect(*m_rectangle, Qt::IntersectClip);
     else
         painter->setClipPath(m_path, Qt::IntersectClip);
-    m_rectangle.reset();
-    m_path = QPainterPath();
+    clearPath();
 }
 
 void LumoPainter::drawText(const std::string& text, const LumoFont& font, int align,
@@ -294,12 +297,15 @@ void LumoPainter::drawText(const std::string& text, const LumoFont& font, int al
 }
 
 void LumoPainter::drawImage(const LumoImage& image, double alpha, const LumoDoubleRect& rect) {
-    const QImage& pixels = image.image(m_config->scale());
-    if (pixels.isNull() || alpha <= 0) return;
+    drawImage(image.image(m_config->scale()), alpha, rect);
+}
+
+void LumoPainter::drawImage(const QImage& image, double alpha, const LumoDoubleRect& rect) {
+    if (image.isNull() || alpha <= 0) return;
     QPainter* const painter = begin();
     const double opacity = painter->opacity();
     painter->setOpacity(opacity * alpha);
-    painter->drawImage(qtRect(rect), pixels);
+    painter->drawImage(qtRect(rect), image);
     painter->setOpacity(opacity);
 }
 

@@ -167,6 +167,7 @@ public:
     void addRoundedRect(const LumoDoubleRect& rect, double radius);
     void addPath(const QPainterPath& path);
     void closePath();
+    void clearPath();
 
     /// A rectangle alone in the path is laid on whole device pixels, at least one: neighbours meet
     /// without a seam at any zoom.
@@ -183,6 +184,7 @@ public:
     void drawText(const std::string& text, const LumoFont& font, int align,
                   const LumoDoubleRect& rect, LumoDrawTextResult* result = nullptr);
     void drawImage(const LumoImage& image, double alpha, const LumoDoubleRect& rect);
+    void drawImage(const QImage& image, double alpha, const LumoDoubleRect& rect);
     void drawPicture(const LumoPicture& picture, LumoDoublePoint point, double alpha);
     void drawPictureInRect(const LumoPicture& picture, double alpha, const LumoDoubleRect& rect);
     /// Both are scaled into @p rect and combined at the resolution of the device, see
