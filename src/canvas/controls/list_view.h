@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,10 @@
 namespace QB::DiagramLumo {
 
 /// Cells of one height, one below the other, filled by a delegate from rows of data.
+///
+/// A cell is made when its row shows first or is asked for, and then lives until the rows shrink: a
+/// table of 1,600 columns opens with the cells of a dozen. A list that was not told what shows
+/// (setShownRect) shows all.
 class QBLumoListView : public QBLumoObject {
 public:
     using Row = std::map<std::string, QBVariant>;
@@ -49,12 +54,23 @@ public:
     int32_t getRowHeight() const { return m_rowHeight; }
     void setCellDelegate(ICellDelegate* delegate);  // not owned
     ICellDelegate* getCellDelegate() const { return m_delegate; }
-    std::vector<Cell*> cells() const { return m_cells; }
+    /// One for each row: makes those that are missing.
+    std::vector<Cell*> cells();
+    /// Those that were made so far, in the order of rows.
+    std::vector<Cell*> existingCells() const;
+    /// Makes the cell if it is missing; its rectangle is final. Null past the end.
+    Cell* cellAt(size_t index);
     const Row& getRowData(size_t index) const;
     std::vector<Row>& rows() { return m_rows; }
-    /// Keeps the cells that remain and fills them anew; others are destroyed or made.
+    /// Keeps the cells that remain and fills them anew; those of rows that go are destroyed, after
+    /// they got what ends a drag from them.
     void setRowData(std::vector<Row> rows);
+    /// Fills the cell of a row anew, if it was made.
     void updateRow(size_t index);
+    /// The part of the list, in its own space, that can be seen.
+    void setShownRect(const LumoRect& rect);
+    /// In own space; also of a row whose cell was not made.
+    LumoRect rowRect(size_t index) const;
 
     void autoResize() override;
 
@@ -62,10 +78,15 @@ protected:
     void customLayout() override;
 
 private:
+    Cell* makeCell(size_t index);
+    void destroyLastCell();
+    void makeShownCells();
+
     int32_t m_rowHeight = 20;
-    std::vector<Cell*> m_cells;  // owned as children
+    std::vector<Cell*> m_cells;  // owned as children; null where none was made yet
     std::vector<Row> m_rows;
     ICellDelegate* m_delegate = nullptr;  // not owned
+    std::optional<LumoRect> m_shown;      // without: everything
 };
 
 }  // namespace QB::DiagramLumo

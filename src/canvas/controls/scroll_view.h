@@ -37,7 +37,6 @@ public:
 
 protected:
     void customLayout() override;
-    void contentOffsetChanged() override;
 
 private:
     QBEventTrigger<QBLumoScrollView*> m_offsetChanged;

@@ -2,16 +2,19 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "canvas/base/object.h"
 #include "canvas/controls/list_view.h"
+#include "canvas/items/item_look.h"
 #include "engine/event_listener.h"
 
 namespace QB::DiagramLumo {
 
-class FieldCellDelegate;
+class QBLumoDiagram;
 class QBLumoFieldJoinLinkAdaptor;
 class QBLumoItem;
 class QBLumoScrollView;
@@ -20,30 +23,44 @@ class QBLumoScrollView;
 /// dock at fields, and the presses that select the item.
 class QBLumoBaseItemBody : public QBLumoObject, public QBEventListener {
 public:
+    class FieldCellDelegate;              // these three: field_list.h
+    class FieldCellBackground;            //
+    class ScrollViewExtraActionReceiver;  //
+
     QBLumoBaseItemBody();
     ~QBLumoBaseItemBody() override;
 
     const std::string& getAlias() const { return m_alias; }
     void setAlias(const std::string& alias);
-    /// Rows for the wildcard and each field, in order. Adaptors dock again at the rows of their
-    /// fields, their links are laid out anew; ticks of fields that stay are kept.
+    /// Rows for the wildcard and each field, in order; without fields there are no rows at all.
+    /// Adaptors dock again at the rows of their fields, their links are laid out anew. Ticks belong
+    /// to names: they stay when rows come and go.
     void setFields(const std::vector<std::string>& fields);
-    std::vector<std::string> fieldNames() const;  // without the wildcard
-    /// Tell nobody.
+    const std::vector<std::string>& fieldNames() const { return m_fields; }  // no wildcard
+    /// These tell nobody. Rows of one name are ticked together.
     void setFieldSelected(const std::string& name, bool selected);
     void setWildcardSelected(bool selected);
     void clearFieldSelection();
-    bool isFieldSelected(const std::string& name) const;
-    bool isWildcardSelected() const;
+    /// Ticks just these; touches only the rows that change.
+    void setFieldSelection(const std::set<std::string>& names, bool wildcard);
+    bool isFieldSelected(const std::string& name) const { return m_ticked.count(name) > 0; }
+    bool isWildcardSelected() const { return m_wildcardTicked; }
+    /// As a click on the box of a row (0 is the wildcard): ticks it and tells the item's handler.
+    void tickRowByUser(size_t row, bool selected);
+    /// Scrolls as little as needed to show a row.
+    void scrollToRow(size_t row);
     /// The adaptor for links at @p name, made on first use; docked at the title while there is no
     /// such field. Owned by this body.
     QBLumoFieldJoinLinkAdaptor* adaptorForField(const std::string& name);
     QBLumoListView* listView() const { return m_list; }
     QBLumoScrollView* scrollView() const { return m_scroll; }
     QBLumoItem* item() const;
+    QBLumoDiagram* lumoDiagram() const;
+    /// The strip at the top, in own space.
+    LumoRect titleRect() const;
     /// One line that names the source: the title as shown, not cut.
-    virtual std::string titleText() const = 0;
-    virtual bool isTitleElided() const = 0;
+    std::string titleText() const { return title().whole(); }
+    bool isTitleElided() const;
 
     virtual bool isItemSelected() const;
     virtual LumoSize minimumSize() const;  // 30 x 30
@@ -52,17 +69,43 @@ public:
     virtual bool responderMouseDoubleClick(LumoEvent event);
     /// Takes the colours of the theme in force.
     virtual void themeChanged();
+    /// Frame and title, then the children.
+    void paint(LumoPaintConfig* config, LumoRect rect) override;
 
 protected:
+    virtual TitleText title() const = 0;
+    /// Where the title's text may stand, in own space.
+    virtual LumoRect titleTextRect() const;
+    /// The dashes of the border; empty for a solid one.
+    virtual const std::vector<double>& borderDash() const;
+    /// There are other fields now.
+    virtual void fieldsChanged();
     void customLayout() override;
 
     QBLumoScrollView* m_scroll = nullptr;  // owned as a child
     QBLumoListView* m_list = nullptr;      // owned as a child of the scroll view's content
 
 private:
+    void buildFieldList();
+    void syncList();
+    void setRowsForFields();
+    void dockAdaptors();
+    void undockAdaptors();
+    void markAdaptors();
+    QBLumoListView::Cell* cellOf(const std::string& name) const;
+    void showTick(size_t row, bool ticked);
+    void showTicksOf(const std::string& name);
+
     std::string m_alias;
     std::unique_ptr<FieldCellDelegate> m_delegate;
+    ScrollViewExtraActionReceiver* m_overlay = nullptr;             // owned by the scroll view
     std::map<std::string, QBLumoFieldJoinLinkAdaptor*> m_adaptors;  // owned as children
+    std::vector<std::string> m_fields;
+    std::unordered_multimap<std::string, size_t> m_rowOf;
+    std::set<std::string> m_ticked;
+    bool m_wildcardTicked = false;
+    ItemColors m_colors;
+    ItemColors m_selectedColors;
 };
 
 }  // namespace QB::DiagramLumo

@@ -4,7 +4,7 @@
 
 namespace QB::DiagramLumo {
 
-/// A table or view: name, alias and fields.
+/// A table or view: name, alias and fields. As high as its fields need, until the user resizes it.
 class QBLumoDatabaseItemBody : public QBLumoBaseItemBody {
 public:
     QBLumoDatabaseItemBody();
@@ -13,20 +13,17 @@ public:
     void setTableName(const std::string& name);
     const std::string& getSchema() const { return m_schema; }
     void setSchema(const std::string& schema);
+    /// Dashes of the border, in widths of the line; empty for a solid one.
+    void setLineDash(std::vector<double> dash);
 
-    std::string titleText() const override;
-    bool isTitleElided() const override;
-    void paint(LumoPaintConfig* config, LumoRect rect) override;
-    void themeChanged() override;
+protected:
+    TitleText title() const override;
+    const std::vector<double>& borderDash() const override;
+    void fieldsChanged() override;
 
 private:
     std::string m_tableName;
     std::string m_schema;
-    LumoColor m_titleColor;
-    LumoColor m_bodyColor;
-    LumoColor m_selectedTitleColor;
-    LumoColor m_selectedBodyColor;
-    LumoColor m_titleTextColor;
     std::vector<double> m_lineDash;
 };
 

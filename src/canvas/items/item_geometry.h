@@ -28,14 +28,19 @@ struct ItemDrag {
     LumoRect bounds;         // of the diagram
 };
 /// The rectangle of the item with the pointer at @p point. It stays inside the bounds: a move stops
-/// at the edge, a resize stops with the dragged edge.
+/// at the edge, a resize stops with the dragged edge. The minimum wins over the bounds.
 LumoRect draggedRect(const ItemDrag& drag, LumoPoint point);
 
-/// Default sizes of bodies: a table's with title and 10 rows, a text's.
-LumoSize defaultTableBodySize();  // 200 x 237
+/// What the list of fields keeps free of its body: the title above, and so much at the other sides
+/// that the edges for resizing lie outside of the bar.
+inline constexpr LumoPadding fieldListInsets{31, 6, 1, 6};  // top, bottom, left, right
+inline constexpr int fieldRowHeight = 20;
+
+/// Default sizes of bodies: a table's and a text's.
+LumoSize defaultTableBodySize();  // 200 x 230
 LumoSize defaultTextBodySize();   // 240 x 120
-/// The height of a table body with @p fields rows that nobody has resized: for at most 10 rows, at
-/// least 3.
-int tableBodyHeightFor(int fields);
+/// The height of a table body with @p rows rows that nobody has resized: what they need, for at
+/// least 3, at most the default.
+int tableBodyHeightFor(int rows);
 
 }  // namespace QB::DiagramLumo
