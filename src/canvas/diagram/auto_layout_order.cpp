@@ -62,7 +62,6 @@ LayerOrder::LayerOrder(const Neighbours& neighbours, Index root)
     std::vector<Index> met;
     std::tie(m_layerOf, met) = walk(neighbours, root);
     m_state.layers.resize(m_layerOf[met.back()] + 1);
-    m_isChanged.resize(m_state.layers.size());
     for (Index box : met) {
         m_state.layers[m_layerOf[box]].push_back(box);
         for (Index other : neighbours[box]) {
@@ -74,6 +73,7 @@ LayerOrder::LayerOrder(const Neighbours& neighbours, Index root)
     }
     for (Index layer = 0; layer < m_state.layers.size(); ++layer)
         number(layer);
+    m_state.isChanged.assign(m_state.layers.size(), true);
     m_state.cost = countedCost();
 }
 
@@ -83,17 +83,15 @@ void LayerOrder::restore(const State& state) {
         number(layer);
 }
 
-/// Boxes of the layer stand at other places than before.
 void LayerOrder::number(Index layer) {
     for (Index place = 0; place < m_state.layers[layer].size(); ++place)
         m_place[m_state.layers[layer][place]] = place;
-    markChanged(layer);
 }
 
 void LayerOrder::markChanged(Index layer) {
-    m_isChanged[layer] = true;
-    if (layer > 0) m_isChanged[layer - 1] = true;
-    if (layer + 1 < m_isChanged.size()) m_isChanged[layer + 1] = true;
+    m_state.isChanged[layer] = true;
+    if (layer > 0) m_state.isChanged[layer - 1] = true;
+    if (layer + 1 < m_state.isChanged.size()) m_state.isChanged[layer + 1] = true;
 }
 
 int64_t LayerOrder::countedCost() const {
@@ -128,7 +126,6 @@ int64_t LayerOrder::betweenLayers(Index layer) const {
 int64_t LayerOrder::insideLayer(Index layer) const {
     const std::vector<Index>& boxes = m_state.layers[layer];
     std::vector<int64_t> leaving(boxes.size() + 1);  // to the right, from the boxes above a place
-    std::vector<int64_t> begun(boxes.size() + 1);
     for (Index place = 0; place < boxes.size(); ++place)
         leaving[place + 1] = leaving[place] + static_cast<int64_t>(m_behind[boxes[place]].size());
     int64_t crossings = 0;
@@ -139,16 +136,21 @@ int64_t LayerOrder::insideLayer(Index layer) const {
             if (lower < upper) continue;
             crossings += leaving[lower] - leaving[upper + 1];
             apart += static_cast<int64_t>(lower - upper) - 1;
-            ++begun[upper];
-            --begun[lower];
         }
     }
-    int64_t cover = 0;
-    for (int64_t change : begun) {
-        cover += change;
+    for (int64_t cover : covers(layer))
         crossings += pairs(cover);
-    }
     return crossings * crossingCost + apart;
+}
+
+/// How many links inside the layer pass from each place to the next.
+std::vector<int64_t> LayerOrder::covers(Index layer) const {
+    std::vector<int64_t> result(m_state.layers[layer].size());
+    for (Index box : m_state.layers[layer])
+        for (Index other : m_beside[box])
+            result[m_place[box]] += m_place[box] < m_place[other] ? 1 : -1;
+    std::partial_sum(result.begin(), result.end(), result.begin());
+    return result;
 }
 
 void LayerOrder::sweep(Effort& effort) {
@@ -175,6 +177,7 @@ void LayerOrder::sortByMeans(Index layer, const Neighbours& side) {
     for (Index& box : m_state.layers[layer])
         if (!side[box].empty()) box = (next++)->second;
     number(layer);
+    markChanged(layer);
 }
 
 void LayerOrder::sift(Effort& effort) {
@@ -182,12 +185,12 @@ void LayerOrder::sift(Effort& effort) {
     while (isBetter && !effort.isSpent()) {
         isBetter = false;
         for (Index layer = 0; layer < m_state.layers.size(); ++layer)
-            isBetter |= m_isChanged[layer] && siftLayer(layer, effort);
+            isBetter |= m_state.isChanged[layer] && siftLayer(layer, effort);
     }
 }
 
 bool LayerOrder::siftLayer(Index layer, Effort& effort) {
-    m_isChanged[layer] = false;
+    m_state.isChanged[layer] = false;
     if (m_state.layers[layer].size() < 2) return false;
     prepare(layer);
     effort.spend(5 * m_state.layers[layer].size());
@@ -205,13 +208,10 @@ void LayerOrder::prepare(Index layer) {
             result.push_back(m_place[box]);
         std::sort(result.begin(), result.end());
     };
-    m_cover.assign(m_state.layers[layer].size(), 0);
+    m_cover = covers(layer);
     for (Index box : m_state.layers[layer]) {
         places(m_before[box], m_placesBefore[box]);
         places(m_behind[box], m_placesBehind[box]);
-        for (Index other : m_beside[box])
-            for (Index place = m_place[box]; place < m_place[other]; ++place)
-                ++m_cover[place];
     }
 }
 

@@ -39,7 +39,8 @@ class LayerOrder {
 public:
     struct State {
         Layers layers;
-        int64_t cost = 0;  // crossings first, then how far links inside a layer reach
+        std::vector<bool> isChanged;  // by layer: it or one beside it, since it was sifted
+        int64_t cost = 0;             // crossings first, then how far links inside a layer reach
         int64_t crossings() const { return cost / crossingCost; }
     };
 
@@ -66,13 +67,14 @@ public:
     void shake(uint32_t& seed, Effort& effort);
 
 private:
-    static constexpr int64_t crossingCost = 4096;
+    static constexpr int64_t crossingCost = int64_t{1} << 20;
 
     void number(Index layer);
     void markChanged(Index layer);
     void sortByMeans(Index layer, const Neighbours& side);
     int64_t betweenLayers(Index layer) const;
     int64_t insideLayer(Index layer) const;
+    std::vector<int64_t> covers(Index layer) const;
     bool siftLayer(Index layer, Effort& effort);
     void prepare(Index layer);
     bool siftBox(Index layer, Index box, Effort& effort);
@@ -85,7 +87,6 @@ private:
     Neighbours m_behind;
     Neighbours m_beside;
     State m_state;
-    std::vector<bool> m_isChanged;  // by layer: it or one beside it, since it was sifted
     std::vector<Index> m_layerOf;
     std::vector<Index> m_place;  // in the layer
     // Of the layer being sifted:
