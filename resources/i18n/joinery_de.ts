@@ -679,5 +679,29 @@
         <source>Fields unknown: use Expression</source>
         <translation>Felder unbekannt: Ausdruck eingeben</translation>
     </message>
+    <message>
+        <source>Overview of the diagram</source>
+        <translation>Übersicht des Diagramms</translation>
+    </message>
+    <message>
+        <source>Click or drag to move the view</source>
+        <translation>Klicken oder Ziehen bewegt die Ansicht</translation>
+    </message>
+    <message>
+        <source>Diagram</source>
+        <translation>Diagramm</translation>
+    </message>
+    <message>
+        <source>The diagram is empty: there is nothing to save</source>
+        <translation>Das Diagramm ist leer: es gibt nichts zu speichern</translation>
+    </message>
+    <message>
+        <source>The picture would be too large: choose a smaller scale</source>
+        <translation>Das Bild würde zu groß: bitte einen kleineren Maßstab wählen</translation>
+    </message>
+    <message>
+        <source>The picture could not be written to %s</source>
+        <translation>Das Bild konnte nicht nach %s geschrieben werden</translation>
+    </message>
 </context>
 </TS>

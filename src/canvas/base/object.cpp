@@ -4,7 +4,16 @@
 
 namespace QB::DiagramLumo {
 
-QBLumoObject::QBLumoObject() = default;
+namespace {
+
+uint64_t nextSerial() {
+    static uint64_t last = 0;
+    return ++last;
+}
+
+}  // namespace
+
+QBLumoObject::QBLumoObject() : m_serial(nextSerial()) {}
 QBLumoObject::~QBLumoObject() = default;
 
 void QBLumoObject::setRect(const LumoRect& rect) {

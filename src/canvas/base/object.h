@@ -13,6 +13,10 @@ public:
     QBLumoObject();
     ~QBLumoObject() override;
 
+    /// Grows with each object made: a stable order, and what tells an object from a later one at its
+    /// address.
+    uint64_t serial() const { return m_serial; }
+
     /// Fired with this object and the rectangle that it had.
     QBEventTrigger<QBLumoObject*, LumoRect>* rectChanged() { return &m_rectChanged; }
 
@@ -28,6 +32,7 @@ protected:
     void customLayout() override;
 
 private:
+    const uint64_t m_serial;
     QBEventTrigger<QBLumoObject*, LumoRect> m_rectChanged;
 };
 

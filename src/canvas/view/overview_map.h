@@ -1,6 +1,12 @@
 #pragma once
 
+#include <vector>
+
+#include <QLineF>
+#include <QTransform>
 #include <QWidget>
+
+#include "platform/lumo/lumo_types.h"
 
 namespace QB::DiagramLumo {
 
@@ -18,19 +24,44 @@ public:
     /// What the user wants; it may be hidden all the same, see above.
     void setWanted(bool wanted);
     bool isWanted() const { return m_wanted; }
-    QSize sizeHint() const override;
+    /// From the diagram's space to this widget's.
+    QTransform diagramToMap() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    struct Box {
+        LumoRect rect;
+        bool selected = false;
+        bool operator==(const Box& other) const {
+            return rect == other.rect && selected == other.selected;
+        }
+    };
+    /// All that the map shows: it is painted anew when this changes.
+    struct Content {
+        LumoRect extent;
+        LumoRect display;
+        std::vector<Box> boxes;
+        std::vector<QLineF> lines;
+        bool operator==(const Content& other) const {
+            return extent == other.extent && display == other.display && boxes == other.boxes &&
+                   lines == other.lines;
+        }
+    };
+    Content currentContent() const;
+    void refresh();
     void place();
+    void centreViewOn(const QPoint& point);
+    void translateTexts();
 
     QBLumoUIView* const m_view;  // not owned: the parent
+    Content m_content;
     bool m_wanted = true;
 };
 

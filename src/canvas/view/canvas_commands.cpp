@@ -1,0 +1,175 @@
+#include "canvas/view/canvas_commands.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSaveFile>
+
+#include "canvas/diagram/canvas_dump.h"
+#include "canvas/diagram/diagram.h"
+#include "canvas/items/item.h"
+#include "canvas/view/canvas_extent.h"
+#include "canvas/view/overview_map.h"
+#include "canvas/view/ui_view.h"
+#include "platform/lumo/lumo_control.h"
+#include "platform/tolk/text_ids.h"
+#include "platform/tolk/tolk.h"
+
+namespace QB {
+
+using namespace DiagramLumo;
+
+namespace {
+
+constexpr int pictureMargin = 20;
+constexpr int largestSide = 16384;  // pixels of an image: 1 GB at most
+constexpr int pdfDotsPerInch = 96;  // a pixel of the diagram is a pixel of the page
+
+QString notWritten(const QString& file) {
+    return Tolk::localizeWithArgs(Tolk::TextCanvasPictureNotWritten, file.toUtf8().constData());
+}
+
+}  // namespace
+
+struct QBCanvasCommands::State {
+    QBLumoUIView* view = nullptr;     // not owned: the parent
+    OverviewMap* overview = nullptr;  // owned by the view
+    double lastZoom = 1;
+    struct Move {
+        uint64_t item = 0;  // serial
+        LumoRect before;
+        LumoRect after;
+    };
+    std::vector<Move> arranged;
+
+    LumoRect extent() const {
+        const QBLumoDiagram* const diagram = view->lumoDiagram();
+        return diagram ? contentExtent(diagram) : LumoRect();
+    }
+};
+
+QBCanvasCommands::QBCanvasCommands(QBLumoUIView* view)
+    : QObject(view), m_state(std::make_unique<State>()) {
+    m_state->view = view;
+    m_state->overview = new OverviewMap(view);
+    m_state->lastZoom = zoom();
+    connect(view, &LumoUIScrollView::displayChanged, this, [this] {
+        if (qFuzzyCompare(m_state->lastZoom, zoom())) return;
+        m_state->lastZoom = zoom();
+        Q_EMIT zoomChanged(zoom());
+    });
+}
+
+QBCanvasCommands::~QBCanvasCommands() = default;
+
+double QBCanvasCommands::zoom() const {
+    return m_state->view->getControl()->getZoom();
+}
+
+bool QBCanvasCommands::isOverviewVisible() const {
+    return m_state->overview->isWanted();
+}
+
+bool QBCanvasCommands::canUndoArrange() const {
+    return !m_state->arranged.empty();
+}
+
+void QBCanvasCommands::zoomIn() {
+    m_state->view->zoomIn();
+}
+
+void QBCanvasCommands::zoomOut() {
+    m_state->view->zoomOut();
+}
+
+void QBCanvasCommands::zoomReset() {
+    m_state->view->zoomReset();
+}
+
+void QBCanvasCommands::fitToView() {
+    m_state->view->fitToView();
+}
+
+void QBCanvasCommands::setOverviewVisible(bool visible) {
+    m_state->overview->setWanted(visible);
+}
+
+void QBCanvasCommands::arrange() {
+    QBLumoDiagram* const diagram = m_state->view->lumoDiagram();
+    if (!diagram) return;
+    const auto moved = diagram->autoLayout();
+    if (moved.empty()) return;
+    m_state->arranged.clear();
+    for (const auto& [item, before] : moved)
+        m_state->arranged.push_back({item->serial(), before, item->getRect()});
+    Q_EMIT undoArrangeAvailable(true);
+}
+
+void QBCanvasCommands::undoArrange() {
+    const std::vector<State::Move> moves = std::move(m_state->arranged);
+    m_state->arranged.clear();
+    Q_EMIT undoArrangeAvailable(false);
+    QBLumoDiagram* const diagram = m_state->view->lumoDiagram();
+    if (!diagram) return;
+    for (QBLumoItem* item : diagram->items())
+        for (const State::Move& move : moves)
+            if (move.item == item->serial() && move.after == item->getRect())
+                item->setRect(move.before);
+    diagram->repaint();
+}
+
+QRectF QBCanvasCommands::pictureRect() const {
+    const LumoRect extent = m_state->extent();
+    if (lumoWidth(extent) == 0) return {};
+    const LumoRect shown = lumoInflateRect(extent, pictureMargin, pictureMargin);
+    return {double(lumoMinX(shown)), double(lumoMinY(shown)), double(lumoWidth(shown)),
+            double(lumoHeight(shown))};
+}
+
+void QBCanvasCommands::renderTo(QPainter* painter, const QRectF& target) const {
+    const QRect rect = pictureRect().toRect();
+    if (rect.isEmpty()) return;
+    LumoUIScrollView::renderTo(painter, m_state->view->lumoDiagram(),
+                               {rect.x(), rect.y(), rect.width(), rect.height()}, target);
+}
+
+QString QBCanvasCommands::exportPng(const QString& file, double scale) const {
+    const QSizeF size = pictureRect().size() * scale;
+    if (pictureRect().isEmpty()) return Tolk::localize(Tolk::TextCanvasNothingToExport);
+    if (!(scale > 0) || size.width() > largestSide || size.height() > largestSide)
+        return Tolk::localize(Tolk::TextCanvasPictureTooLarge);
+    QImage image(size.toSize().expandedTo({1, 1}), QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull()) return Tolk::localize(Tolk::TextCanvasPictureTooLarge);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    renderTo(&painter, {{0, 0}, QSizeF(image.size())});
+    painter.end();
+    QSaveFile target(file);
+    if (!target.open(QIODevice::WriteOnly) || !image.save(&target, "PNG") || !target.commit())
+        return notWritten(file);
+    return {};
+}
+
+QString QBCanvasCommands::exportPdf(const QString& file) const {
+    const QRectF rect = pictureRect();
+    if (rect.isEmpty()) return Tolk::localize(Tolk::TextCanvasNothingToExport);
+    QSaveFile target(file);
+    if (!target.open(QIODevice::WriteOnly)) return notWritten(file);
+    QPdfWriter writer(&target);
+    writer.setResolution(pdfDotsPerInch);
+    writer.setPageSize(QPageSize(rect.size() * 72.0 / pdfDotsPerInch, QPageSize::Point, QString(),
+                                 QPageSize::ExactMatch));
+    writer.setPageMargins({0, 0, 0, 0});
+    QPainter painter;
+    if (!painter.begin(&writer)) return notWritten(file);
+    renderTo(&painter, {{0, 0}, rect.size()});
+    painter.end();
+    return target.commit() ? QString() : notWritten(file);
+}
+
+QString QBCanvasCommands::dump() const {
+    const QBLumoDiagram* const diagram = m_state->view->lumoDiagram();
+    return diagram ? QString::fromStdString(dumpCanvas(diagram)) : QString();
+}
+
+}  // namespace QB

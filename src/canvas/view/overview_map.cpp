@@ -1,0 +1,180 @@
+#include "canvas/view/overview_map.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "canvas/base/canvas_style.h"
+#include "canvas/diagram/diagram.h"
+#include "canvas/items/item.h"
+#include "canvas/items/item_geometry.h"
+#include "canvas/links/join_link.h"
+#include "canvas/view/canvas_extent.h"
+#include "canvas/view/ui_view.h"
+#include "platform/lumo/lumo_control.h"
+#include "platform/tolk/text_ids.h"
+#include "platform/tolk/tolk.h"
+
+namespace QB::DiagramLumo {
+
+namespace {
+
+constexpr int distanceToEdge = 8;
+constexpr int largestWidth = 220;
+constexpr int largestHeight = 150;
+constexpr int shareOfView = 3;  // at most a third of the view either way
+constexpr int extentMargin = 40;
+
+QRectF toQt(const LumoRect& rect) {
+    return {double(rect.origin.x), double(rect.origin.y), double(rect.size.width),
+            double(rect.size.height)};
+}
+
+QColor toQt(const LumoColor& color) {
+    QColor result(color.red, color.green, color.blue);
+    result.setAlphaF(color.alpha);
+    return result;
+}
+
+QLineF lineOf(const QBLumoJoinLink* link, const QBLumoDiagram* diagram) {
+    const Route& route = link->routes().front();
+    const LumoPoint start = link->translatePoint(route.start, diagram);
+    const LumoPoint end = link->translatePoint(route.end, diagram);
+    return {double(start.x), double(start.y), double(end.x), double(end.y)};
+}
+
+}  // namespace
+
+OverviewMap::OverviewMap(QBLumoUIView* view) : QWidget(view), m_view(view) {
+    setObjectName(QStringLiteral("canvasOverview"));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setCursor(Qt::PointingHandCursor);
+    translateTexts();
+    hide();
+    // Everything that changes the diagram makes the view paint.
+    view->viewport()->installEventFilter(this);
+    connect(view, &LumoUIScrollView::displayChanged, this, &OverviewMap::refresh);
+}
+
+void OverviewMap::translateTexts() {
+    setAccessibleName(Tolk::localize(Tolk::TextCanvasOverview));
+    setToolTip(Tolk::localize(Tolk::TextCanvasOverviewHint));
+}
+
+void OverviewMap::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LanguageChange) translateTexts();
+}
+
+void OverviewMap::setWanted(bool wanted) {
+    m_wanted = wanted;
+    refresh();
+}
+
+bool OverviewMap::eventFilter(QObject* watched, QEvent* event) {
+    // Not within the painting: what it shows may hide or move this widget.
+    if (event->type() == QEvent::Paint)
+        QMetaObject::invokeMethod(this, &OverviewMap::refresh, Qt::QueuedConnection);
+    if (event->type() == QEvent::Resize) refresh();
+    return QWidget::eventFilter(watched, event);
+}
+
+OverviewMap::Content OverviewMap::currentContent() const {
+    Content content;
+    const QBLumoDiagram* const diagram = m_view->lumoDiagram();
+    if (!diagram) return content;
+    content.display = m_view->getControl()->getDisplayRect();
+    for (const QBLumoItem* item : diagram->items())
+        if (item->getVisible())
+            content.boxes.push_back(
+                {lumoInflateRect(item->getRect(), -itemInsetX, -itemInsetY), item->getSelected()});
+    for (const QBLumoJoinLink* link : diagram->joinLinks())
+        if (link->isShown()) content.lines.push_back(lineOf(link, diagram));
+    content.extent = lumoUnionRect(
+        lumoInflateRect(contentExtent(diagram), extentMargin, extentMargin), content.display);
+    return content;
+}
+
+void OverviewMap::refresh() {
+    Content content = currentContent();
+    const bool useful = !content.boxes.empty() &&
+                        !lumoContainsRect(content.display, contentExtent(m_view->lumoDiagram()));
+    if (!m_wanted || !useful) {
+        hide();
+        return;
+    }
+    if (isVisible() && content == m_content) return;
+    m_content = std::move(content);
+    place();
+    show();
+    raise();
+    update();
+}
+
+void OverviewMap::place() {
+    const QRect room = m_view->viewport()->geometry();
+    const QSize largest(std::min(largestWidth, room.width() / shareOfView),
+                        std::min(largestHeight, room.height() / shareOfView));
+    const QSize size = toQt(m_content.extent)
+                           .size()
+                           .scaled(largest, Qt::KeepAspectRatio)
+                           .toSize()
+                           .expandedTo({1, 1});
+    setGeometry(room.right() - distanceToEdge - size.width(),
+                room.bottom() - distanceToEdge - size.height(), size.width(), size.height());
+}
+
+QTransform OverviewMap::diagramToMap() const {
+    const QRectF extent = toQt(m_content.extent);
+    if (extent.isEmpty()) return {};
+    return QTransform::fromTranslate(-extent.x(), -extent.y()) *
+           QTransform::fromScale(width() / extent.width(), height() / extent.height());
+}
+
+void OverviewMap::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const ThemePalette& colors = themePalette();
+    painter.fillRect(rect(), toQt(colors.canvas));
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QTransform map = diagramToMap();
+
+    painter.setPen(toQt(Style::linkGrey));
+    for (const QLineF& line : m_content.lines)
+        painter.drawLine(map.map(line));
+    for (const Box& box : m_content.boxes) {
+        painter.setPen(QPen(toQt(Style::linkGrey), 0.5));
+        painter.setBrush(toQt(box.selected ? Style::accentStrong : colors.itemBackground));
+        painter.drawRect(map.mapRect(toQt(box.rect)));
+    }
+    painter.setPen(QPen(toQt(Style::symbolAccent), 1.5));
+    painter.setBrush(toQt(Style::hover));
+    const QRectF inner = QRectF(rect()).adjusted(1, 1, -1, -1);
+    painter.drawRect(map.mapRect(toQt(m_content.display)).intersected(inner));
+    painter.setPen(toQt(Style::linkGrey));
+    painter.setBrush(Qt::NoBrush);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+void OverviewMap::centreViewOn(const QPoint& point) {
+    const QPointF target = diagramToMap().inverted().map(QPointF(point));
+    const double zoom = m_view->getControl()->getZoom();
+    const QSizeF view = m_view->viewport()->size();
+    m_view->getControl()->setScrollOrigin(
+        {int(target.x() * zoom - view.width() / 2), int(target.y() * zoom - view.height() / 2)});
+}
+
+void OverviewMap::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) centreViewOn(event->pos());
+}
+
+void OverviewMap::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons() & Qt::LeftButton) centreViewOn(event->pos());
+}
+
+void OverviewMap::wheelEvent(QWheelEvent* event) {
+    // Over the map the wheel means the diagram's size, with Ctrl or without.
+    if (event->angleDelta().y() == 0) return;
+    event->angleDelta().y() > 0 ? m_view->zoomIn() : m_view->zoomOut();
+}
+
+}  // namespace QB::DiagramLumo
