@@ -180,41 +180,6 @@ private Q_SLOTS:
         }
     }
 
-    void aReplacementIsWhatOthersReferToUnlessItHasNoName() {
-        Chooser chooser;
-        chooser.loadAll();
-        chooser.setSources();
-        auto* old = field(chooser.cityA, "id", "key");
-        addColumn(*chooser.engine.get(), old);
-        chooser.open(QBColumnChoice::PickedFields);
-        chooser.click("Columns of the SELECT list/id (key)");
-        chooser.textWithChoice(ElementOrderBy);
-        const auto replace = [&](SQLAbstractColumnComponent* replacement) {
-            chooser.engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
-                ElementSelectColumn, 0,
-                [&](ELEMSQLSelectColumnExpr* select) {
-                    SQLAbstractColumnComponent* gone = select->columns[0];
-                    takeOverColumn(gone, replacement, chooser.engine.get());
-                    select->columns[0] = replacement;
-                    DetachedParts parts;
-                    parts.add(std::unique_ptr<Component::AbstractQueryComponent>(gone));
-                    chooser.engine->retire(std::move(parts));
-                    return true;
-                },
-                nullptr);
-        };
-        auto* const sorted = dynamic_cast<SQLFieldColumnComponent*>(
-            dynamic_cast<ELEMSQLColumnExpr*>(
-                chooser.engine->modify_obtainElement(ElementOrderBy, 0))
-                ->columns[0]);
-        auto* const replacement = expression("1 + 1");
-        replace(replacement);
-        QCOMPARE(sorted->referencedColumn, replacement);
-        QCOMPARE(replacement->alias, std::string("key"));
-        replace(field(nullptr, ""));
-        QCOMPARE(sorted->referencedColumn, replacement);
-    }
-
     // ---- what is edited -----------------------------------------------------------------------
 
     void theEditedComponentIsSelectedWhereItIs() {
@@ -292,23 +257,6 @@ private Q_SLOTS:
         QVERIFY(fillColumn(column, chooser.popup->chosenColumn(), chooser.engine.get()));
         QCOMPARE(column->aggregateFunction, std::string("MIN"));
         QCOMPARE(column->source, earlier->value);
-    }
-
-    void aFieldWrittenWithoutItsTableStaysSoUntilAnotherIsChosen() {
-        Chooser chooser;
-        chooser.loadAll();
-        chooser.setSources();
-        auto* bare = field(nullptr, "total");
-        addColumn(*chooser.engine.get(), bare);
-        chooser.open(QBColumnChoice::SelectFields, bare);
-        QCOMPARE(chooser.selected(), "s/total");
-        QVERIFY(fillColumn(bare, chooser.popup->chosenColumn(), chooser.engine.get()));
-        QCOMPARE(bare->source, nullptr);
-        QVERIFY(chooser.textWithChoice(ElementSelectColumn).contains("\"total\", \"total\""));
-        chooser.click("s/id");
-        QVERIFY(fillColumn(bare, chooser.popup->chosenColumn(), chooser.engine.get()));
-        QCOMPARE(bare->source, chooser.derived->value);
-        QCOMPARE(bare->parentPath, std::vector<std::string>{"s"});
     }
 
     // ---- mouse and keys ------------------------------------------------------------------------

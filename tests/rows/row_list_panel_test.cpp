@@ -106,6 +106,7 @@ private Q_SLOTS:
 
     void aMenuStandsAtItsRowAndGoesWhenTheRowsChange() {
         Desk desk(Delivery::AtOnce);
+        desk.window.move(60, 90);
         QVERIFY(desk.run("click 1 row; key Menu"));
         const QPointer<QWidget> menu = QApplication::activePopupWidget();
         QVERIFY(menu);
