@@ -22,6 +22,13 @@ public:
 
     /// Owned by the playground.
     QBCanvasCommands* commands() const;
+    /// Shows links between tables, or between fields.
+    void setShowsFieldRelations(bool fields);
+    bool showsFieldRelations() const;
+
+Q_SIGNALS:
+    /// What the user has just done, for a status bar.
+    void messageChanged(const QString& message);
 
 private:
     struct State;
