@@ -5,6 +5,11 @@
 #include "platform/lumo/lumo_context.h"
 #include "platform/lumo/lumo_dispatch.h"
 
+namespace {
+/// Of a quotient or product that is a whole number.
+constexpr double noise = 1e-6;
+}  // namespace
+
 LumoControl::LumoControl(LumoContext* context)
     : m_context(nullptr), m_dispatcher(std::make_unique<LumoDispatcher>(this)) {
     if (context) context->addControl(this);
@@ -17,14 +22,13 @@ LumoControl::~LumoControl() {
 LumoPoint LumoControl::controlSpaceToDiagramSpace(LumoControlPoint point) const {
     const LumoControlPoint origin = getScrollOrigin();
     const double zoom = getZoom();
-    return {int32_t(std::floor((double(point.x) + origin.x) / zoom)),
-            int32_t(std::floor((double(point.y) + origin.y) / zoom))};
+    return {int32_t(std::floor((double(point.x) + origin.x) / zoom + noise)),
+            int32_t(std::floor((double(point.y) + origin.y) / zoom + noise))};
 }
 
 LumoControlPoint LumoControl::diagramSpaceToControlSpace(LumoPoint point) const {
     const LumoControlPoint origin = getScrollOrigin();
     const double zoom = getZoom();
-    constexpr double noise = 1e-6;  // of a product that is a whole number
     return {int32_t(std::ceil(point.x * zoom - origin.x - noise)),
             int32_t(std::ceil(point.y * zoom - origin.y - noise))};
 }

@@ -23,7 +23,7 @@ void LumoLabel::setColor(const LumoColor& color) {
 }
 
 bool LumoLabel::isElided() const {
-    return lumoLayoutHelper().elide(m_text, m_font, getRect().size.width) != m_text;
+    return lumoLayoutHelper().measureText(m_text, m_font).width > getRect().size.width;
 }
 
 void LumoLabel::paint(LumoPaintConfig* config, LumoRect rect) {

@@ -1,0 +1,425 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <memory>
+#include <string>
+
+#include "fake_control.h"
+#include "support/application.h"
+#include "support/dice.h"
+
+namespace Lumo::Test {
+namespace {
+
+using Names = std::vector<std::string>;
+using Rects = std::vector<LumoRect>;
+
+/// Writes down what becomes of it.
+class Logged : public LumoObject {
+public:
+    Logged(std::string name, Names* log) : m_name(std::move(name)), m_log(log) {}
+    ~Logged() override { m_log->push_back("~" + m_name + (getParent() ? " with parent" : "")); }
+
+    int order = 0;
+    bool hidden = false;
+    std::function<void(Logged*)> onLayout;
+
+    bool getVisible() const override { return !hidden && LumoObject::getVisible(); }
+    void customLayout() override {
+        m_log->push_back(m_name);
+        if (onLayout) onLayout(this);
+    }
+    int layoutOrder() const override { return order; }
+
+private:
+    const std::string m_name;
+    Names* const m_log;  // not owned
+};
+
+struct Story {
+    Names log;
+    Scene scene;
+
+    Logged* add(const std::string& name, LumoObject* parent,
+                const LumoRect& rect = {0, 0, 10, 10}) {
+        return added(parent, new Logged(name, &log), rect);
+    }
+    Logged* add(const std::string& name) { return add(name, &scene.diagram); }
+    Names take() { return std::exchange(log, {}); }
+    Names layout() {
+        scene.diagram.layout();
+        return take();
+    }
+};
+
+// ---- values ----
+
+TEST(LumoRect, KnowsWhatTouchesIntersectsAndContains) {
+    const LumoRect rect(10, 10, 20, 20);
+    EXPECT_TRUE(lumoPointInRect({10, 29}, rect));
+    EXPECT_FALSE(lumoPointInRect({30, 10}, rect));
+    EXPECT_TRUE(lumoIntersectsRect(rect, {29, 29, 5, 5}));
+    EXPECT_FALSE(lumoIntersectsRect(rect, {30, 10, 5, 5}));
+    EXPECT_FALSE(lumoIntersectsRect(rect, {15, 15, 0, 5}));
+    EXPECT_TRUE(lumoContainsRect(rect, rect));
+    EXPECT_FALSE(lumoContainsRect(rect, {10, 10, 21, 20}));
+    EXPECT_EQ(lumoUnionRect(rect, LumoRect()), rect);
+    EXPECT_EQ(lumoUnionRect({0, 0, 5, 5}, rect), LumoRect(0, 0, 30, 30));
+    EXPECT_EQ(lumoIntersectedRect(rect, {0, 20, 100, 100}), LumoRect(10, 20, 20, 10));
+    EXPECT_EQ(lumoInflateRect(rect, -11, 2), LumoRect(21, 8, 0, 24));
+    EXPECT_EQ(lumoMaxX({INT_MAX - 5, 0, 20, 20}), INT_MAX);
+}
+
+TEST(LumoEvent, TellsWhetherExactlySomeKeysAreHeld) {
+    LumoEvent event;
+    event.keys = LumoKeyShift | LumoButtonLeft;
+    EXPECT_TRUE(event.containsEventKey(LumoKeyShift));
+    EXPECT_FALSE(event.containsOnlyEventKeys({LumoButtonLeft}));
+    EXPECT_TRUE(event.containsOnlyEventKeys({LumoButtonLeft, LumoKeyShift}));
+}
+
+// ---- tree ----
+
+TEST(LumoObjectTree, DestroysTheLastChildFirstAndEachWithoutAParent) {
+    Names log;
+    {
+        LumoObject root;
+        auto* const a = added(&root, new Logged("a", &log), {});
+        added(a, new Logged("inner", &log), {});
+        added(&root, new Logged("b", &log), {});
+        std::unique_ptr<LumoObject> kept(added(&root, new Logged("kept", &log), {}));
+        root.removeChild(kept.get());
+        root.removeChild(kept.get());  // no child any more
+        EXPECT_EQ(root.getChildren().size(), 2u);
+    }
+    EXPECT_EQ(log, (Names{"~kept", "~b", "~a", "~inner"}));
+}
+
+TEST(LumoObjectTree, KeepsTheOrderThatIsAskedFor) {
+    LumoObject root, other;
+    LumoObject* const top = addObject(&root, {});
+    auto* const bottom = new LumoObject;
+    root.addChild(bottom, -1);
+    LumoObject* const moved = addObject(&other, {});
+    root.addChild(moved, 1);
+    EXPECT_TRUE(other.getChildren().empty());
+    EXPECT_EQ(root.getChildren(), (std::vector<LumoObject*>{bottom, moved, top}));
+    root.bringChildToFront(bottom);
+    EXPECT_EQ(root.getChildren(), (std::vector<LumoObject*>{moved, top, bottom}));
+    EXPECT_EQ(root.findChildren<LumoDiagram>(true).size(), 0u);
+    EXPECT_EQ(moved->findParent<LumoObject>(), &root);
+    root.removeChild(1);
+    delete top;
+    delete moved;  // leaves by itself
+    EXPECT_EQ(root.getChildren(), (std::vector<LumoObject*>{bottom}));
+}
+
+TEST(LumoObjectTree, SurvivesAResponderThatDestroysItsObject) {
+    LumoObject root;
+    LumoObject* const object = addObject(&root, {});
+    int calls = 0;
+    object->registerEventResponder(LumoMouseDown, [&](const LumoEvent&) {
+        ++calls;
+        object->registerEventResponder(LumoMouseDown, [](const LumoEvent&) { return true; });
+        root.clearChildren();
+        return true;
+    });
+    object->registerEventResponder(LumoMouseDown, [&](const LumoEvent&) { return ++calls > 0; });
+    EXPECT_FALSE(object->triggerEventResponder(LumoMouseDown, {}));
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(LumoObjectTree, GivesADraggedObjectItsDropBeforeItLeaves) {
+    QB::Test::needApplication();
+    Scene scene;
+    LumoObject* const object = addObject(&scene.diagram, {0, 0, 100, 100});
+    LumoObject* parentAtDrop = nullptr;
+    object->registerEventResponder(LumoMouseDrop, [&](const LumoEvent&) {
+        parentAtDrop = object->getParent();
+        return true;
+    });
+    scene.control.dispatcher()->mousePress({10, 10}, LumoButtonLeft);
+    EXPECT_TRUE(object->isMousePressed());
+    EXPECT_TRUE(object->isMouseOver());
+    scene.control.dispatcher()->mouseMove({60, 60}, LumoButtonLeft);
+    scene.diagram.clearChildren();
+    EXPECT_EQ(parentAtDrop, &scene.diagram);
+    scene.control.dispatcher()->mouseRelease({60, 60}, LumoButtonLeft);
+}
+
+// ---- geometry ----
+
+TEST(LumoObjectGeometry, TranslatesBetweenAnyTwoObjectsOfADeepTree) {
+    QB::Test::Dice dice(7);
+    LumoObject root;
+    std::vector<LumoObject*> objects{&root};
+    std::vector<LumoPoint> origins{{0, 0}};
+    for (int i = 0; i < 300; ++i) {
+        const size_t parent =
+            size_t(dice.isOneIn(3) ? dice.pick(int(objects.size())) : int(objects.size()) - 1);
+        const LumoPoint at{dice.pick(200) - 100, dice.pick(200) - 100};
+        objects.push_back(addObject(objects[parent], {at, {5, 5}}));
+        origins.push_back(origins[parent] + at);
+    }
+    for (int i = 0; i < 300; ++i) {
+        const size_t from = size_t(dice.pick(301)), to = size_t(dice.pick(301));
+        const LumoPoint expected = LumoPoint{3, 4} + origins[from] - origins[to];
+        ASSERT_EQ(objects[from]->translatePoint({3, 4}, objects[to]), expected);
+    }
+    EXPECT_EQ(objects[300]->translateRect({1, 2, 3, 4}, nullptr).origin,
+              origins[300] + LumoPoint({1, 2}));
+}
+
+TEST(LumoControl, FindsEveryPixelOfTheDiagramAgain) {
+    Scene scene;
+    scene.control.origin = {37, 1001};
+    for (const double zoom : {1.0, 1.1, 1.21, 2.5, 4.0}) {
+        scene.control.zoom = zoom;
+        for (int x = -50; x < 500; ++x) {
+            const LumoPoint point{x, 2 * x};
+            const LumoControlPoint shown = scene.control.diagramSpaceToControlSpace(point);
+            ASSERT_EQ(scene.control.controlSpaceToDiagramSpace(shown), point) << zoom;
+        }
+    }
+    scene.control.zoom = 2;
+    LumoObject* const object = addObject(&scene.diagram, {100, 600, 10, 10});
+    EXPECT_EQ(scene.context.translateRectToControlSpace({1, 2, 3, 4}, object, &scene.control),
+              LumoRect(165, 203, 6, 8));
+    scene.control.zoom = 0.25;
+    scene.context.notifyDiagramMove(&scene.diagram, nullptr, {1, -8});
+    EXPECT_EQ(scene.control.origin, (LumoControlPoint{36, 1003}));  // a small step still moves
+}
+
+// ---- layout ----
+
+TEST(LumoObjectLayout, GoesFromParentsToChildrenAndLaysOutWhatDocksAtTheEnd) {
+    Story story;
+    Logged* const link = story.add("link");
+    link->order = 1;
+    Logged* const item = story.add("item");
+    Logged* const body = story.add("body", item);
+    EXPECT_EQ(story.layout(), (Names{"item", "body", "link"}));
+    EXPECT_EQ(story.layout(), Names());
+    EXPECT_FALSE(story.scene.diagram.requireLayout());
+
+    // The body moves when its item is laid out, and the link docks at it, once.
+    item->onLayout = [&](Logged*) {
+        body->setRect({5, 5, 20, 20});
+    };
+    body->onLayout = [&](Logged*) {
+        link->setRequireToVerifyLayout(true, true);
+    };
+    link->onLayout = [&](Logged* self) {
+        self->setRect({body->getRect().origin, {99, 1}});
+    };
+    item->setRequireToVerifyLayout(true);
+    EXPECT_EQ(story.layout(), (Names{"item", "body", "link"}));
+    EXPECT_EQ(link->getRect(), LumoRect(5, 5, 99, 1));
+    item->setRect(item->getRect());
+    EXPECT_EQ(story.layout(), Names());
+}
+
+TEST(LumoObjectLayout, EndsAfterFourRoundsWhereObjectsFeedEachOther) {
+    Story story;
+    Logged* const a = story.add("a");
+    Logged* const b = story.add("b");
+    story.layout();
+    a->onLayout = [&](Logged*) {
+        b->setRequireToVerifyLayout(true);
+    };
+    b->onLayout = [&](Logged*) {
+        a->setRequireToVerifyLayout(true);
+    };
+    a->setRequireToVerifyLayout(true);
+    EXPECT_EQ(story.layout(), (Names{"a", "b", "a", "b", "a", "b", "a", "b"}));
+    EXPECT_TRUE(story.scene.diagram.requireLayout());
+    a->onLayout = b->onLayout = nullptr;
+    EXPECT_EQ(story.layout(), (Names{"a"}));
+}
+
+TEST(LumoObjectLayout, KeepsTheMarksOfWhatIsHidden) {
+    Story story;
+    Logged* const item = story.add("item");
+    Logged* const inner = story.add("inner", item);
+    story.layout();
+    item->setVisible(false);
+    inner->setRequireToVerifyLayout(true);
+    EXPECT_EQ(story.layout(), Names());
+    item->setVisible(true);
+    EXPECT_EQ(story.layout(), (Names{"item", "inner"}));
+    // Hidden by its own rule, which tells nobody: the next mark finds the way up nevertheless.
+    item->hidden = true;
+    inner->setRequireToVerifyLayout(true);
+    EXPECT_EQ(story.layout(), Names());
+    item->hidden = false;
+    inner->setRequireToVerifyLayout(true);
+    EXPECT_EQ(story.layout(), (Names{"inner"}));
+}
+
+TEST(LumoObjectLayout, ReachesWhatAHookAddsOrResizes) {
+    Story story;
+    Logged* const list = story.add("list");
+    story.layout();
+    list->onLayout = [&](Logged* self) {
+        if (self->getChildren().size() < 2) story.add("row", self);
+        self->setRect({0, 0, 10, 20});
+    };
+    list->setRequireToVerifyLayout(true);
+    // Each row that is added marks the list again; the last time only the size is new.
+    EXPECT_EQ(story.layout(), (Names{"list", "row", "list", "row", "list"}));
+    EXPECT_FALSE(story.scene.diagram.requireLayout());
+}
+
+class CountingDiagram : public LumoDiagram {
+public:
+    using LumoDiagram::LumoDiagram;
+    std::vector<size_t> childrenAtMark;
+
+protected:
+    void requireLayoutMarked() override { childrenAtMark.push_back(getChildren().size()); }
+};
+
+TEST(LumoObjectLayout, TellsADiagramOfEachChildThatComesOrGoes) {
+    Scene scene;
+    CountingDiagram diagram(&scene.context);
+    LumoObject* const child = addObject(&diagram, {});
+    addObject(&diagram, {});
+    diagram.removeChild(child);
+    diagram.clearChildren();
+    EXPECT_EQ(diagram.childrenAtMark, (std::vector<size_t>{1, 2, 1, 0}));
+    delete child;
+}
+
+// ---- dirty rectangles and pictures ----
+
+struct DirtyCase {
+    const char* name;
+    std::function<void(LumoObject* item, LumoObject* inner)> change;
+    Rects dirty;
+    bool newPicture;  // of the item
+};
+
+class LumoObjectDirt : public testing::TestWithParam<DirtyCase> {};
+
+/// An item at (100, 100) of 50 x 50, and in it an object at (10, 10) of 5 x 5.
+TEST_P(LumoObjectDirt, IsExactlyWhereSomethingLooksDifferent) {
+    Scene scene;
+    LumoObject* const item = addObject(&scene.diagram, {100, 100, 50, 50});
+    LumoObject* const inner = addObject(item, {10, 10, 5, 5});
+    item->setCachedAsPicture(true);
+    scene.settle();
+    scene.control.layoutsWanted = 0;
+    const uint64_t before = item->pictureSerial();
+    GetParam().change(item, inner);
+    EXPECT_TRUE(scene.control.updated.empty()) << "only collected until it is flushed";
+    EXPECT_EQ(scene.control.layoutsWanted > 0, !GetParam().dirty.empty());
+    EXPECT_EQ(scene.settle(), GetParam().dirty);
+    EXPECT_EQ(item->pictureSerial() != before, GetParam().newPicture);
+}
+
+INSTANTIATE_TEST_SUITE_P(Changes, LumoObjectDirt,
+                         testing::Values(DirtyCase{"Move",
+                                                   [](auto* item, auto*) {
+                                                       item->setRect({200, 100, 50, 50});
+                                                   },
+                                                   {{100, 100, 50, 50}, {200, 100, 50, 50}},
+                                                   false},
+                                         DirtyCase{"Resize",
+                                                   [](auto* item, auto*) {
+                                                       item->setRect({100, 100, 60, 50});
+                                                   },
+                                                   {{100, 100, 50, 50}, {100, 100, 60, 50}},
+                                                   true},
+                                         DirtyCase{"SameRect",
+                                                   [](auto* item, auto*) {
+                                                       item->setRect({100, 100, 50, 50});
+                                                   },
+                                                   {},
+                                                   false},
+                                         DirtyCase{"InnerMove",
+                                                   [](auto*, auto* inner) {
+                                                       inner->setRect({20, 10, 5, 5});
+                                                   },
+                                                   {{110, 110, 5, 5}, {120, 110, 5, 5}},
+                                                   true},
+                                         DirtyCase{
+                                             "InnerSelected",
+                                             [](auto*, auto* inner) { inner->setSelected(true); },
+                                             {{110, 110, 5, 5}},
+                                             true},
+                                         DirtyCase{"NothingNew",
+                                                   [](auto* item, auto* inner) {
+                                                       inner->setSelected(false);
+                                                       inner->setBackgroundColor({});
+                                                       item->setHighlighted(false);
+                                                   },
+                                                   {},
+                                                   false},
+                                         DirtyCase{"InnerHides",
+                                                   [](auto*, auto* inner) {
+                                                       inner->setVisible(false);
+                                                       inner->setBackgroundColor({1, 2, 3, 1});
+                                                   },
+                                                   {{110, 110, 5, 5}},
+                                                   true},
+                                         DirtyCase{"InnerGoes",
+                                                   [](auto* item, auto* inner) {
+                                                       item->removeChild(inner);
+                                                       inner->setSelected(true);
+                                                       delete inner;
+                                                   },
+                                                   {{110, 110, 5, 5}},
+                                                   true},
+                                         DirtyCase{"InnerDies",
+                                                   [](auto*, auto* inner) { delete inner; },
+                                                   {{100, 100, 50, 50}, {0, 0, 1000, 1000}},
+                                                   true},
+                                         DirtyCase{"PicturesDropped",
+                                                   [](auto* item, auto*) {
+                                                       item->getParent()->dropPictures();
+                                                       item->invalidate();
+                                                   },
+                                                   {{100, 100, 50, 50}},
+                                                   true}),
+                         [](const auto& testInfo) { return std::string(testInfo.param.name); });
+
+TEST(LumoContext, UnitesWhatWouldBeTooManyRectangles) {
+    Scene scene;
+    scene.settle();
+    for (int i = 0; i < 300; ++i)
+        scene.diagram.addDirtyRect({i, i, 1, 1});
+    const Rects dirty = scene.settle();
+    EXPECT_LT(dirty.size(), 100u);
+    LumoRect all;
+    for (const LumoRect& rect : dirty)
+        all = lumoUnionRect(all, rect);
+    EXPECT_EQ(all, LumoRect(0, 0, 300, 300));
+}
+
+TEST(LumoContext, ShowsADiagramInOneControlAndOutlivesNobodyByForce) {
+    auto context = std::make_unique<LumoContext>();
+    auto first = std::make_unique<FakeControl>(context.get());
+    FakeControl second(context.get());
+    auto diagram = std::make_unique<LumoDiagram>(context.get());
+    context->setActiveDiagram(first.get(), diagram.get());
+    context->setActiveDiagram(&second, diagram.get());
+    EXPECT_EQ(context->getActiveDiagram(first.get()), nullptr);
+    EXPECT_EQ(context->getControlWithDiagram(diagram.get()), &second);
+    const int changes = second.changes;
+    diagram->setRect({50, 50, 20, 20});
+    EXPECT_EQ(diagram->getRect(), LumoRect(0, 0, 20, 20));
+    EXPECT_EQ(second.changes, changes + 1);
+    first.reset();
+    diagram->repaint();
+    EXPECT_EQ(second.takeUpdated(), (Rects{{0, 0, 20, 20}}));  // once for both
+    diagram.reset();
+    EXPECT_EQ(context->getActiveDiagram(&second), nullptr);
+    LumoDiagram last(context.get());
+    context->setActiveDiagram(&second, &last);
+    context.reset();
+    last.repaint();
+    EXPECT_EQ(second.getContext(), nullptr);
+}
+
+}  // namespace
+}  // namespace Lumo::Test
