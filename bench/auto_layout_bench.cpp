@@ -36,16 +36,20 @@ void layOut(benchmark::State& state, LayoutGraph (*graphOf)(int)) {
         benchmark::DoNotOptimize(places = layoutInLayers(graph));
     state.counters["crossings"] = countCrossings(graph, places);
 }
+// The number of runs is fixed, for counting instructions.
 BENCHMARK_CAPTURE(layOut, schema, schemaOf)
     ->Arg(20)
     ->Arg(100)
+    ->Arg(200)
     ->Arg(500)
     ->Arg(2000)
+    ->Iterations(2)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(layOut, star, starOf)
     ->Arg(100)
     ->Arg(500)
     ->Arg(2000)
+    ->Iterations(2)
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace

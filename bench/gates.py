@@ -52,6 +52,8 @@ GATES = [
            13000, bytes=n) for n in (10000, 20000)],
     *[Gate(f"link and unlink across {n} tables", "join_bench", f"^linkAcrossCommas/{n}$",
            "*Necessary*", 2300, bytes=n) for n in (10000, 100000)],
+    *[Gate(f"lay out a diagram of {n} boxes", "auto_layout_bench", f"^layOut/schema/{n}/",
+           "*layoutInLayers*", 8_000_000, bytes=n) for n in (100, 200)],
     # Widgets for 10,000 rows take ten times those for 1,000, at least.
     *[Gate(f"refresh {n} rows, of a widget for each of 1000", "row_list_bench",
            f"^refreshOnDemand/{n}/", "*measuredRefresh*", 0.05, 0.1, 1, "^refreshWidgets/1000/")
