@@ -36,6 +36,7 @@ void layOut(benchmark::State& state, LayoutGraph (*graphOf)(int)) {
         benchmark::DoNotOptimize(places = layoutInLayers(graph));
     state.counters["crossings"] = countCrossings(graph, places);
 }
+
 // The number of runs is fixed, for counting instructions.
 BENCHMARK_CAPTURE(layOut, schema, schemaOf)
     ->Arg(20)
