@@ -105,6 +105,15 @@ std::vector<QBLumoJoinLink*> QBLumoJoinLinkAdaptor::links() const {
     return all;
 }
 
+std::pair<bool, bool> QBLumoJoinLinkAdaptor::usedSides() const {
+    std::pair<bool, bool> used;
+    for (const auto& entry : m_links) {
+        used.first = used.first || entry.second.left;
+        used.second = used.second || entry.second.right;
+    }
+    return used;
+}
+
 void QBLumoJoinLinkAdaptor::requireLayoutMarked() {
     QBLumoObject::requireLayoutMarked();
     for (QBLumoJoinLink* link : links())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "canvas/base/object.h"
@@ -39,6 +40,8 @@ public:
     LumoRect customDirtyRect() const override;
     void paint(LumoPaintConfig* config, LumoRect rect) override;
     std::vector<QBLumoJoinLink*> links() const;
+    /// Whether a link docks at the left side (first) and at the right side.
+    std::pair<bool, bool> usedSides() const;
 
 protected:
     void requireLayoutMarked() override;
