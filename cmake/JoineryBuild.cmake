@@ -13,7 +13,7 @@ set(CMAKE_AUTORCC ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
-find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Sql Test LinguistTools)
+find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Sql Svg Test LinguistTools)
 find_package(Threads REQUIRED)
 
 find_program(CCACHE ccache)

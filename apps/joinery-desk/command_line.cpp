@@ -27,8 +27,8 @@ public:
                                                               "A SQLite database, or SQL text in "
                                                               "a file named *.sql, or both.")),
                                        QStringLiteral("[FILE...]"));
-        m_parser.addOptions({m_sample, m_sql, m_add, m_run, m_tab, m_screenshot, m_part, m_size,
-                             m_scale, m_theme, m_language, m_settings, m_deadline});
+        m_parser.addOptions({m_sample, m_sql, m_add, m_run, m_tab, m_canvasDemo, m_screenshot,
+                             m_part, m_size, m_scale, m_theme, m_language, m_settings, m_deadline});
         m_help.append(m_parser.addHelpOption().names());
         m_version.append(m_parser.addVersionOption().names());
     }
@@ -80,6 +80,7 @@ private:
         options.tables = m_parser.values(m_add);
         options.run = m_parser.isSet(m_run);
         options.tab = m_parser.value(m_tab);
+        options.canvasDemo = m_parser.isSet(m_canvasDemo);
         options.screenshot = m_parser.value(m_screenshot);
         options.part = m_parser.value(m_part);
         options.theme = m_parser.value(m_theme);
@@ -148,6 +149,11 @@ private:
         QStringLiteral("tab"),
         text(QT_TRANSLATE_NOOP("CommandLine", "Bring up a clause, such as WHERE or \"GROUP BY\".")),
         QStringLiteral("NAME")};
+    const QCommandLineOption m_canvasDemo{
+        QStringLiteral("canvas-demo"),
+        text(QT_TRANSLATE_NOOP("CommandLine",
+                               "Instead of a database show a diagram of 200 items and 300 links to "
+                               "play with."))};
     const QCommandLineOption m_screenshot{
         QStringLiteral("screenshot"),
         text(QT_TRANSLATE_NOOP("CommandLine",

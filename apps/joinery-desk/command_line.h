@@ -24,7 +24,8 @@ struct CommandLine {
     bool wantsSample = false;
     QStringList tables;  ///< to add: "table" or "schema.table"
     bool run = false;
-    QString tab;         ///< the text of a clause tab to bring up
+    QString tab;  ///< the text of a clause tab to bring up
+    bool canvasDemo = false;
     QString screenshot;  ///< empty: an ordinary start
     QString part;        ///< the object name of the widget to picture; empty: the window
     QSize size;          ///< empty: as the window was left

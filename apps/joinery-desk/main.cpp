@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "apps/joinery-desk/canvas_demo_window.h"
 #include "apps/joinery-desk/command_line.h"
 #include "apps/joinery-desk/language.h"
 #include "apps/joinery-desk/main_window.h"
@@ -119,6 +120,7 @@ int main(int argc, char* argv[]) {
     const CommandLine& options = commandLine.options;
     QApplication::setWindowIcon(programIcon());
     QB::HostKit::installCallbacks();
+    if (options.canvasDemo) return runCanvasDemo(options);
     const std::unique_ptr<QSettings> settings = openSettings(options.settingsFile);
     MainWindow window(settings.get(), sampleDatabaseFile(options.settingsFile));
     applyLooks(window, options);

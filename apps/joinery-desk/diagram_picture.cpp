@@ -1,0 +1,49 @@
+#include "apps/joinery-desk/diagram_picture.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QPainter>
+#include <QSaveFile>
+#include <QSvgGenerator>
+
+#include "canvas/view/canvas_commands.h"
+
+namespace QB::Desk {
+namespace {
+
+constexpr double pngScale = 2.0;
+
+QByteArray svgOf(const QBCanvasCommands& commands) {
+    QBuffer text;
+    QSvgGenerator generator;
+    generator.setOutputDevice(&text);
+    generator.setResolution(96);  // so that fonts keep their size
+    const QSizeF size = commands.pictureRect().size();
+    generator.setSize(size.toSize());
+    generator.setViewBox(QRectF({0, 0}, size));
+    QPainter painter(&generator);
+    commands.renderTo(&painter, {{0, 0}, size});
+    painter.end();
+    return text.data();
+}
+
+QString saveSvg(const QBCanvasCommands& commands, const QString& file) {
+    if (commands.pictureRect().isEmpty())
+        return QCoreApplication::translate("DiagramPicture", "The diagram is empty.");
+    QSaveFile target(file);
+    const QByteArray text = svgOf(commands);
+    if (target.open(QIODevice::WriteOnly) && target.write(text) == text.size() && target.commit())
+        return QString();
+    return QCoreApplication::translate("DiagramPicture", "The picture could not be written to %1.")
+        .arg(file);
+}
+
+}  // namespace
+
+QString saveDiagramPicture(const QBCanvasCommands& commands, const QString& file) {
+    if (file.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive)) return saveSvg(commands, file);
+    if (file.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) return commands.exportPdf(file);
+    return commands.exportPng(file, pngScale);
+}
+
+}  // namespace QB::Desk
