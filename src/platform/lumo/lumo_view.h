@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <QAbstractScrollArea>
@@ -9,6 +10,8 @@
 class LumoControl;
 class LumoDiagram;
 class QCursor;
+class QGestureEvent;
+class QHelpEvent;
 class QPainter;
 
 /// What signalRightClickMenu delivers.
@@ -40,16 +43,20 @@ public:
 
     /// Called once after construction.
     virtual void init();
+    /// Never null.
     LumoControl* getControl() const;
+    /// The one that is active, or null.
     LumoDiagram* diagram() const;
-    /// @p handler gives a new cursor for a code, which the view takes over, or null for its own.
+    /// @p handler gives a new cursor for a code other than 0, which the view takes over, or null
+    /// for the view's own.
     void setLumoCursorToCursorHandler(std::function<QCursor*(int)> handler);
 
-    /// Paints @p diagramRect of the diagram into @p target (device space of @p painter), without
-    /// this widget: for images, documents and tests.
+    /// Lays out and paints @p diagramRect of the diagram into @p target (logical space of
+    /// @p painter), as large as fits without distortion, from the top left: for images, documents
+    /// and tests. Needs no view and keeps no pictures.
     static void renderTo(QPainter* painter, LumoDiagram* diagram, const LumoRect& diagramRect,
                          const QRectF& target);
-    /// For measurements: paint passes so far, objects painted by the last one.
+    /// For measurements: paint events so far, objects painted by the last one.
     int paintPasses() const;
     int objectsInLastPass() const;
 
@@ -79,14 +86,30 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
+
     /// The full text at a place where it was cut, or empty: shown as tool tip.
     virtual QString toolTipAt(LumoPoint diagramPoint) const;
     /// After the diagram was painted, in control space: what lies over it without being part of it.
+    /// It moves with the canvas when that is scrolled.
     virtual void paintOverlay(QPainter* painter);
+    /// Where the Menu key clicks, in the diagram's space: the pointer, or the middle of what shows.
+    virtual LumoPoint contextMenuPoint();
+    /// Whether the canvas wants a key before the shortcuts of the host: arrows, Delete, Escape, the
+    /// keys of zoom and menu.
+    virtual bool ownsKey(const QKeyEvent* event) const;
 
 private:
     class Control;
     struct State;
+
+    void paintRect(QPainter* painter, const QRect& rect);
+    void showCursor(int code);
+    void showToolTip(const QHelpEvent* event);
+    bool pinch(const QGestureEvent* event);
+    bool zoomKey(const QKeyEvent* event);
+    void clickByKeyboard();
+
     const std::unique_ptr<State> m_state;
 };
