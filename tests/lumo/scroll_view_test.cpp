@@ -1,0 +1,289 @@
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QPainter>
+
+#include "fake_control.h"
+#include "platform/lumo/lumo_label.h"
+#include "platform/lumo/lumo_paint.h"
+#include "platform/lumo/lumo_scroll_bar.h"
+#include "platform/lumo/lumo_virtual_scroll_view.h"
+#include "support/application.h"
+
+namespace Lumo::Test {
+namespace {
+
+constexpr LumoColor red{200, 0, 0, 1};
+
+/// Fills its rectangle and counts what it gets.
+class Block : public LumoObject {
+public:
+    Block() {
+        registerEventResponder(LumoMouseDown, [this](const LumoEvent&) { return ++presses > 0; });
+        registerEventResponder(LumoMouseWheel, [this](const LumoEvent&) { return ++wheels > 0; });
+    }
+    void paint(LumoPaintConfig* config, LumoRect) override {
+        LumoPainter painter(config, this);
+        painter.setColor(red);
+        painter.addRect(LumoDoubleRect(getBoundingRect()));
+        painter.fill();
+    }
+
+    int presses = 0;
+    int wheels = 0;
+};
+
+class Delegate : public LumoVirtualScrollViewDelegate {
+public:
+    void scrollViewContentOffsetChanged(LumoVirtualScrollView*) override { ++changes; }
+    bool scrollViewShouldScroll(LumoVirtualScrollView*, bool vertical) override {
+        return vertical && allowed;
+    }
+    bool allowed = true;
+    int changes = 0;
+};
+
+/// A view of 100 x 200 at (50, 50) of the canvas, on a block that tells what came through, with
+/// content of 100 x 1000.
+class ScrollView : public testing::Test {
+protected:
+    ScrollView() {
+        QB::Test::needApplication();
+        view->setEnableVerticalScrollBar(true, false);
+        view->setContentWidth(100);
+        view->setContentHeight(1000);
+        scene.diagram.layout();
+        content = added(view->contentObject(), new Block, {0, 0, 100, 1000});
+    }
+
+    bool wheel(int notches) {
+        return scene.control.dispatcher()->mouseWheel({60, 60}, {0, notches * lumoWheelNotch}, 0);
+    }
+    QImage rendered(int scale) {
+        QImage image(QSize(300, 300) * scale, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.scale(scale, scale);
+        scene.diagram.layout();
+        LumoPaintConfig config(&painter);
+        scene.diagram.paint(&config, {0, 0, 300, 300});
+        return image;
+    }
+
+    Scene scene;
+    Block* const below = added(&scene.diagram, new Block, {0, 0, 300, 300});
+    LumoVirtualScrollView* const view =
+        added(&scene.diagram, new LumoVirtualScrollView, {50, 50, 100, 200});
+    Block* content = nullptr;
+};
+
+/// The mean of 3 x 3 pixels around a place of the canvas.
+QColor meanAt(const QImage& image, int scale, QPoint at) {
+    int sums[3] = {};
+    for (int dx = -1; dx <= 1; ++dx)
+        for (int dy = -1; dy <= 1; ++dy) {
+            const QColor color = image.pixelColor(at * scale + QPoint(dx, dy));
+            sums[0] += color.red();
+            sums[1] += color.green();
+            sums[2] += color.blue();
+        }
+    return QColor(sums[0] / 9, sums[1] / 9, sums[2] / 9);
+}
+
+TEST(ScrollThumb, StandsForThePartThatShows) {
+    const struct {
+        LumoScrollRange range;
+        int groove;
+        double start, length;
+    } cases[] = {
+        {{1000, 200, 0}, 200, 0, 40},
+        {{1000, 200, 800}, 200, 160, 40},
+        {{1000, 200, 400}, 200, 80, 40},
+        {{100000, 200, 99800}, 200, 180, 20},  // not too short to be held
+        {{1000, 200, 800}, 10, 0, 10},         // nor longer than its groove
+        {{100, 200, 0}, 200, 0, 200},
+    };
+    for (const auto& [range, groove, start, length] : cases) {
+        const LumoScrollThumb thumb = lumoScrollThumb(range, groove);
+        EXPECT_DOUBLE_EQ(thumb.start, start);
+        EXPECT_DOUBLE_EQ(thumb.length, length);
+        EXPECT_EQ(lumoScrollOffsetAt(range, groove, thumb.start), range.offset);
+    }
+    EXPECT_EQ(lumoScrollOffsetAt({1000, 200, 0}, 200, 1e6), 800);
+    EXPECT_EQ(lumoScrollOffsetAt({1000, 200, 800}, 200, -5), 0);
+}
+
+TEST_F(ScrollView, KeepsItsOffsetWithinTheContent) {
+    view->setContentOffsetY(5000);
+    EXPECT_EQ(view->getContentOffsetY(), 800);
+    EXPECT_EQ(content->getRect().origin, (LumoPoint{0, -800}));
+    view->setContentHeight(900);
+    EXPECT_EQ(view->getContentOffsetY(), 700);
+    view->setRect({50, 50, 100, 500});
+    scene.diagram.layout();
+    EXPECT_EQ(view->getContentOffsetY(), 400);
+    view->setContentOffsetY(-1);
+    EXPECT_EQ(content->getRect().origin, (LumoPoint{0, 0}));
+}
+
+TEST_F(ScrollView, GivesRoomToPaddingAndBars) {
+    view->setScrollPadding({10, 20, 1, 2});
+    EXPECT_EQ(view->getContentRect(), LumoRect(1, 10, 97, 170));
+    view->setEnableVerticalScrollBar(true, true);
+    EXPECT_EQ(view->getContentRect(), LumoRect(1, 10, 89, 170));
+    // Content of the full width needs a bar only because the other one took its room.
+    view->setContentWidth(97);
+    view->setEnableHorizontalScrollBar(true, true);
+    EXPECT_EQ(view->getContentRect(), LumoRect(1, 10, 89, 162));
+    view->setContentHeight(100);
+    EXPECT_EQ(view->getContentRect(), LumoRect(1, 10, 97, 170));
+    view->setAlwaysShowScrollBar(true);
+    EXPECT_EQ(view->getContentRect(), LumoRect(1, 10, 89, 162));
+    scene.diagram.layout();
+    EXPECT_EQ(view->contentObject()->getRect(), view->getContentRect());
+    view->setRect({0, 0, 5, 5});
+    EXPECT_EQ(view->getContentRect().size, (LumoSize{0, 0}));
+}
+
+struct WheelCase {
+    const char* name;
+    bool jumpOut, allowed, enabled;
+    long contentHeight, offset;
+    int notches;
+    long offsetAfter;
+    bool reachesBelow;
+};
+class ScrollViewWheel : public ScrollView, public testing::WithParamInterface<WheelCase> {};
+
+TEST_P(ScrollViewWheel, ScrollsOrGoesOn) {
+    const WheelCase& wheelCase = GetParam();
+    Delegate delegate;
+    view->setScrollViewDelegate(&delegate);
+    view->setAutoJumpOut(wheelCase.jumpOut);
+    view->setEnableVerticalScrollBar(wheelCase.enabled, false);
+    view->setContentHeight(wheelCase.contentHeight);
+    view->setContentOffsetY(wheelCase.offset);
+    delegate.allowed = wheelCase.allowed;
+    delegate.changes = 0;
+    EXPECT_EQ(wheel(wheelCase.notches), !wheelCase.reachesBelow);
+    EXPECT_EQ(view->getContentOffsetY(), wheelCase.offsetAfter);
+    EXPECT_EQ(below->wheels, wheelCase.reachesBelow ? 1 : 0);
+    EXPECT_EQ(delegate.changes, wheelCase.offsetAfter != wheelCase.offset ? 1 : 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ScrollViewWheel,
+    testing::Values(WheelCase{"AFifthOfTheView", true, true, true, 1000, 0, 1, 40, false},
+                    WheelCase{"Back", true, true, true, 1000, 100, -2, 20, false},
+                    WheelCase{"UpToTheEnd", true, true, true, 1000, 790, 1, 800, false},
+                    WheelCase{"JumpsOutAtTheEnd", true, true, true, 1000, 800, 1, 800, true},
+                    WheelCase{"StaysAtTheEnd", false, true, true, 1000, 800, 1, 800, false},
+                    WheelCase{"StaysAtTheStart", false, true, true, 1000, 0, -1, 0, false},
+                    WheelCase{"Refused", false, false, true, 1000, 0, 1, 0, true},
+                    WheelCase{"WithoutABar", false, true, false, 1000, 0, 1, 0, true},
+                    WheelCase{"AllShows", false, true, true, 150, 0, 1, 0, true}),
+    [](const auto& testInfo) { return std::string(testInfo.param.name); });
+
+TEST_F(ScrollView, AddsUpTheSmallStepsOfATouchpad) {
+    for (int i = 0; i < 30; ++i)
+        scene.control.dispatcher()->mouseWheel({60, 60}, {0, 1}, 0);
+    EXPECT_NEAR(double(view->getContentOffsetY()), 20, 1);
+}
+
+TEST_F(ScrollView, IsScrolledByItsBar) {
+    // The bar is at x = 142 to 150 of the canvas, its thumb 40 long.
+    scene.drag({146, 60}, {146, 100});
+    EXPECT_EQ(view->getContentOffsetY(), 200);
+    scene.drag({146, 100}, {400, 1000});  // wherever the pointer is
+    EXPECT_EQ(view->getContentOffsetY(), 800);
+    scene.click({146, 60});
+    EXPECT_EQ(view->getContentOffsetY(), 800 - 180);
+    scene.control.dispatcher()->mouseDoubleClick({146, 60}, LumoButtonLeft);
+    scene.control.dispatcher()->mouseRelease({146, 60}, LumoButtonLeft);
+    EXPECT_EQ(view->getContentOffsetY(), 800 - 360);
+    scene.drag({146, 60}, {146, 240});  // from the groove nothing is dragged
+    EXPECT_EQ(view->getContentOffsetY(), 800 - 540);
+    Delegate delegate;
+    delegate.allowed = false;
+    view->setScrollViewDelegate(&delegate);
+    scene.click({146, 240});
+    EXPECT_EQ(view->getContentOffsetY(), 800 - 540);
+    EXPECT_EQ(content->presses + below->presses, 0);
+    // A right click is for what the view lies on, not for the row below the bar.
+    scene.control.dispatcher()->mousePress({146, 60}, LumoButtonRight);
+    EXPECT_EQ(content->presses, 0);
+    EXPECT_EQ(below->presses, 1);
+}
+
+TEST_F(ScrollView, ShowsAndHitsItsContentOnlyWithinItself) {
+    view->setScrollPadding({31, 0, 0, 0});
+    view->setContentOffsetY(100);
+    scene.settle();
+    scene.click({60, 60});  // in the padding
+    EXPECT_EQ(content->presses, 0);
+    scene.click({60, 90});
+    EXPECT_EQ(content->presses, 1);
+    below->setVisible(false);
+    for (const int scale : {1, 2}) {
+        const QImage image = rendered(scale);
+        const auto seen = [&](int x, int y) {
+            return meanAt(image, scale, {x, y}).name().toStdString();
+        };
+        EXPECT_EQ(seen(60, 78), "#ffffff") << "above the view's content";
+        EXPECT_EQ(seen(60, 84), "#c80000");
+        EXPECT_EQ(seen(60, 247), "#c80000");
+        EXPECT_EQ(seen(60, 253), "#ffffff");
+    }
+}
+
+TEST_F(ScrollView, DirtiesNoMoreThanShows) {
+    scene.settle();
+    content->invalidate();
+    EXPECT_EQ(scene.settle(), (std::vector<LumoRect>{{50, 50, 100, 200}}));
+    LumoObject* const row = addObject(content, {0, 500, 100, 20});
+    scene.settle();
+    row->setSelected(true);
+    EXPECT_TRUE(scene.settle().empty());
+}
+
+TEST_F(ScrollView, PaintsABarThatLightsUpUnderThePointer) {
+    below->setVisible(false);
+    content->setVisible(false);
+    scene.settle();
+    const auto greyAt = [&](int scale, QPoint at) {
+        return meanAt(rendered(scale), scale, at).red();
+    };
+    for (const int scale : {1, 2}) {
+        scene.control.dispatcher()->mouseMove({10, 10}, 0);
+        EXPECT_NEAR(greyAt(scale, {146, 70}), 185, 24);  // thumb
+        EXPECT_NEAR(greyAt(scale, {146, 200}), 255, 0);  // groove
+        scene.control.dispatcher()->mouseMove({146, 200}, 0);
+        EXPECT_NEAR(greyAt(scale, {146, 70}), 155, 12);
+        EXPECT_NEAR(greyAt(scale, {146, 200}), 236, 12);
+    }
+}
+
+TEST(LumoLabel, TellsWhetherItIsCut) {
+    QB::Test::needApplication();
+    Scene scene;
+    auto* const label = added(&scene.diagram, new LumoLabel, {0, 0, 300, 20});
+    label->setFont(LumoFont("Sans Serif", 11));
+    label->setText("customer_address");
+    EXPECT_FALSE(label->isElided());
+    const int width = int(lumoLayoutHelper().measureText(label->getText(), label->getFont()).width);
+    label->setRect({0, 0, width - 5, 20});
+    EXPECT_TRUE(label->isElided());
+    scene.settle();
+    label->setText("customer_address");
+    EXPECT_TRUE(scene.settle().empty());
+    label->setText("id");
+    EXPECT_FALSE(label->isElided());
+    EXPECT_EQ(scene.settle().size(), 1u);
+    int presses = 0;
+    label->registerEventResponder(LumoMouseDown, [&](const LumoEvent&) { return ++presses > 0; });
+    scene.click({5, 5});
+    EXPECT_EQ(presses, 0);
+}
+
+}  // namespace
+}  // namespace Lumo::Test
