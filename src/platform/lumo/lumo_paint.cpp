@@ -29,8 +29,21 @@ bool isEvenScale(const QTransform& transform) {
            qFuzzyCompare(transform.m11(), transform.m22());
 }
 
+/// The noise of a transform must not decide between two pixels.
+double wholePixel(double place) {
+    constexpr double noise = 1e-6;
+    return std::floor(place + 0.5 + noise);
+}
+
 QPointF wholePixels(QPointF point) {
-    return {std::floor(point.x() + 0.5), std::floor(point.y() + 0.5)};
+    return {wholePixel(point.x()), wholePixel(point.y())};
+}
+
+/// Each edge is rounded for itself, so that what lies side by side meets.
+QRectF wholePixels(const QRectF& rect) {
+    const QPointF from = wholePixels(rect.topLeft());
+    const QPointF to = wholePixels(rect.bottomRight());
+    return {from, QPointF(std::max(to.x(), from.x() + 1), std::max(to.y(), from.y() + 1))};
 }
 
 QRectF qtRect(const LumoDoubleRect& rect) {
@@ -228,11 +241,10 @@ void LumoPainter::fillRectangle(const QRectF& rect) {
     const QTransform device = painter->deviceTransform();
     if (!hasPixels(*painter) || device.type() > QTransform::TxScale)
         return painter->fillRect(rect, qtColor(m_pen.color));
-    // Without antialiasing, the edges are rounded each for itself: what lies side by side meets.
-    const double least = 1 / std::abs(device.m11());
+    // By its corners: mapRect would find the far edge through the width, with other noise.
+    const QRectF onDevice = QRectF(device.map(rect.topLeft()), device.map(rect.bottomRight()));
     painter->setRenderHint(QPainter::Antialiasing, false);
-    painter->fillRect(QRectF(rect.x(), rect.y(), std::max(rect.width(), least),
-                             std::max(rect.height(), 1 / std::abs(device.m22()))),
+    painter->fillRect(device.inverted().mapRect(wholePixels(onDevice.normalized())),
                       qtColor(m_pen.color));
     painter->setRenderHint(QPainter::Antialiasing, true);
 }
