@@ -94,10 +94,7 @@ protected:
     /// After the diagram was painted, in control space: what lies over it without being part of it.
     /// It moves with the canvas when that is scrolled.
     virtual void paintOverlay(QPainter* painter);
-    /// Where the Menu key clicks, in the diagram's space: the pointer, or the middle of what shows.
-    virtual LumoPoint contextMenuPoint();
-    /// Whether the canvas wants a key before the shortcuts of the host: arrows, Delete, Escape, the
-    /// keys of zoom and menu.
+    /// Whether the canvas wants a key before the shortcuts of the host while it has the focus.
     virtual bool ownsKey(const QKeyEvent* event) const;
 
 private:
@@ -109,7 +106,8 @@ private:
     void showToolTip(const QHelpEvent* event);
     bool pinch(const QGestureEvent* event);
     bool zoomKey(const QKeyEvent* event);
-    void clickByKeyboard();
+    bool takesKey(const QKeyEvent* event);
+    void askForMenu();
 
     const std::unique_ptr<State> m_state;
 };

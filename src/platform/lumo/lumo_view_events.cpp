@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QGestureEvent>
+#include <QHash>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QNativeGestureEvent>
@@ -59,23 +60,56 @@ int32_t zoomKeyCode(const QKeyEvent* event) {
     }
 }
 
-int32_t keyCodeOf(const QKeyEvent* event) {
+int32_t letterCode(const QKeyEvent* event) {
     switch (event->key()) {
-        case Qt::Key_Escape:
-            return LumoKeyEscape;
-        case Qt::Key_Left:
-            return LumoKeyLeft;
-        case Qt::Key_Right:
-            return LumoKeyRight;
-        case Qt::Key_Up:
-            return LumoKeyUp;
-        case Qt::Key_Down:
-            return LumoKeyDown;
-        case Qt::Key_Delete:
-            return LumoKeyDelete;
+        case Qt::Key_A:
+            return LumoKeyA;
+        case Qt::Key_L:
+            return LumoKeyL;
+        case Qt::Key_R:
+            return LumoKeyR;
         default:
-            return zoomKeyCode(event);
+            return 0;
     }
+}
+
+bool isTab(const QKeyEvent* event) {
+    return event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab;
+}
+
+bool isMenuKey(const QKeyEvent* event) {
+    return event->key() == Qt::Key_Menu ||
+           (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
+}
+
+/// Of a key that stands for itself, whatever the keyboard's language.
+int32_t fixedKeyCode(const QKeyEvent* event) {
+    static const QHash<int, LumoKeyCode> codes = {
+        {Qt::Key_Escape, LumoKeyEscape},
+        {Qt::Key_Backtab, LumoKeyBackTab},
+        {Qt::Key_Return, LumoKeyReturn},
+        {Qt::Key_Enter, LumoKeyReturn},
+        {Qt::Key_Space, LumoKeySpace},
+        {Qt::Key_F2, LumoKeyF2},
+        {Qt::Key_Left, LumoKeyLeft},
+        {Qt::Key_Right, LumoKeyRight},
+        {Qt::Key_Up, LumoKeyUp},
+        {Qt::Key_Down, LumoKeyDown},
+        {Qt::Key_Delete, LumoKeyDelete},
+        {Qt::Key_Home, LumoKeyHome},
+        {Qt::Key_End, LumoKeyEnd},
+        {Qt::Key_PageUp, LumoKeyPageUp},
+        {Qt::Key_PageDown, LumoKeyPageDown},
+    };
+    if (event->key() == Qt::Key_Tab)
+        return event->modifiers() & Qt::ShiftModifier ? LumoKeyBackTab : LumoKeyTab;
+    return codes.value(event->key(), LumoKeyCode(0));
+}
+
+int32_t keyCodeOf(const QKeyEvent* event) {
+    if (const int32_t code = fixedKeyCode(event)) return code;
+    if (const int32_t code = letterCode(event)) return code;
+    return zoomKeyCode(event);
 }
 
 /// Shift only writes a sign or digit that stands with it on some keyboards.
@@ -86,11 +120,6 @@ int32_t heldWith(const QKeyEvent* event) {
 
 Qt::KeyboardModifiers modifiersBut(Qt::KeyboardModifiers ignored, const QKeyEvent* event) {
     return event->modifiers() & ~ignored;
-}
-
-bool isMenuKey(const QKeyEvent* event) {
-    return event->key() == Qt::Key_Menu ||
-           (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
 }
 
 Qt::CursorShape shapeOf(int code) {
@@ -173,21 +202,27 @@ bool LumoUIScrollView::ownsKey(const QKeyEvent* event) const {
     if (isMenuKey(event)) return true;
     const auto modifiers = modifiersBut(Qt::KeypadModifier | Qt::ShiftModifier, event);
     if (modifiers == Qt::ControlModifier)
-        return zoomKeyCode(event) != 0 || event->key() == Qt::Key_9;
-    return modifiers == Qt::NoModifier && zoomKeyCode(event) == 0 && keyCodeOf(event) != 0;
+        return keyCodeOf(event) != 0 ? event->key() != Qt::Key_L : event->key() == Qt::Key_9;
+    if (modifiers != Qt::NoModifier) return false;
+    const bool isPlainLetter = letterCode(event) != 0 && event->modifiers() == Qt::NoModifier;
+    return fixedKeyCode(event) != 0 || isPlainLetter;
 }
 
 void LumoUIScrollView::keyPressEvent(QKeyEvent* event) {
     if (isMenuKey(event)) {
         // Where the system makes an event for menus of the key, that came first.
-        if (!std::exchange(m_state->menuKeyIsHandled, false)) clickByKeyboard();
+        if (!std::exchange(m_state->menuKeyIsHandled, false)) askForMenu();
         return;
     }
     const QPointer<LumoUIScrollView> alive(this);
     const double zoom = m_state->control.getZoom();
-    if (m_state->control.dispatcher()->keyDown(keyCodeOf(event), heldWith(event)) || !alive) return;
+    if (takesKey(event) || !alive) return;
     if (std::abs(m_state->control.getZoom() - zoom) > 0 || zoomKey(event)) return;
     QAbstractScrollArea::keyPressEvent(event);
+}
+
+bool LumoUIScrollView::takesKey(const QKeyEvent* event) {
+    return m_state->control.dispatcher()->keyDown(keyCodeOf(event), heldWith(event));
 }
 
 /// The keys of the zoom where no diagram takes them.
@@ -215,23 +250,22 @@ bool LumoUIScrollView::zoomKey(const QKeyEvent* event) {
 
 // ---- menus by key ----
 
-LumoPoint LumoUIScrollView::contextMenuPoint() {
+/// The diagram knows where its focus is; else a click by the right button where the pointer is, or
+/// in the middle of what shows.
+void LumoUIScrollView::askForMenu() {
+    LumoDispatcher* const dispatcher = m_state->control.dispatcher();
+    const QPointer<LumoUIScrollView> alive(this);
+    if (dispatcher->keyDown(LumoKeyMenu, 0) || !alive) return;
     const QPoint pointer = viewport()->mapFromGlobal(QCursor::pos());
-    const QPoint place =
-        viewport()->rect().contains(pointer) ? pointer : viewport()->rect().center();
-    return m_state->control.controlSpaceToDiagramSpace(pointOf(place));
-}
-
-void LumoUIScrollView::clickByKeyboard() {
-    Control& control = m_state->control;
-    control.dispatcher()->contextClick(control.diagramSpaceToControlSpace(contextMenuPoint()));
+    const QRect shown = viewport()->rect();
+    dispatcher->contextClick(pointOf(shown.contains(pointer) ? pointer : shown.center()));
 }
 
 void LumoUIScrollView::contextMenuEvent(QContextMenuEvent* event) {
     // A right click is told by press and release.
     if (event->reason() != QContextMenuEvent::Keyboard) return;
     m_state->menuKeyIsHandled = true;
-    clickByKeyboard();
+    askForMenu();
 }
 
 // ---- everything else ----
@@ -247,6 +281,11 @@ bool LumoUIScrollView::event(QEvent* event) {
             if (!ownsKey(static_cast<QKeyEvent*>(event))) break;
             event->accept();
             return true;
+        case QEvent::KeyPress:
+            // Before it moves the focus to another widget.
+            if (!isTab(static_cast<QKeyEvent*>(event))) break;
+            if (takesKey(static_cast<QKeyEvent*>(event))) return true;
+            break;
         case QEvent::WindowDeactivate:
         case QEvent::Hide:
             m_state->control.dispatcher()->cancel();
