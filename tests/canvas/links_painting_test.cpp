@@ -1,0 +1,317 @@
+#include <gtest/gtest.h>
+
+#include <QPainter>
+#include <QtTest>
+#include <cmath>
+
+#include "canvas/base/canvas_style.h"
+#include "canvas/link_scene.h"
+#include "platform/lumo/lumo_control.h"
+#include "platform/lumo/lumo_picture_cache.h"
+#include "platform/lumo/lumo_view.h"
+#include "support/host_callbacks.h"
+
+namespace QB::DiagramLumo {
+namespace {
+
+QColor toQt(const LumoColor& color) {
+    return {color.red, color.green, color.blue};
+}
+
+QImage canvasImage(QSize size, double scale) {
+    QImage image(size * scale, QImage::Format_RGB32);
+    image.fill(toQt(themePalette().canvas));
+    return image;
+}
+
+/// The mean of 3 x 3 pixels.
+QColor meanAt(const QImage& image, QPointF place) {
+    const QPoint middle(int(std::floor(place.x())), int(std::floor(place.y())));
+    int sum[3] = {};
+    for (int y = -1; y <= 1; ++y)
+        for (int x = -1; x <= 1; ++x) {
+            const QColor pixel = image.pixelColor(middle + QPoint(x, y));
+            sum[0] += pixel.red();
+            sum[1] += pixel.green();
+            sum[2] += pixel.blue();
+        }
+    return {sum[0] / 9, sum[1] / 9, sum[2] / 9};
+}
+
+bool isNear(const QColor& a, const QColor& b) {
+    return std::abs(a.red() - b.red()) <= 24 && std::abs(a.green() - b.green()) <= 24 &&
+           std::abs(a.blue() - b.blue()) <= 24;
+}
+
+/// In the space of a symbol: the middle of each circle's outer part, the lens, the canvas.
+struct SymbolCase {
+    int type;
+    const char* colors;  // of left, lens, right: (A)ccent, (C)anvas, (T)ext, (W)hite, - for any
+};
+const SymbolCase symbols[] = {{0, "TWT"}, {2, "CAC"}, {3, "AAC"},
+                              {4, "CAA"}, {5, "A-A"}, {6, "AAA"}};
+
+TEST(JoinSymbol, FillsThePartThatTheJoinKeepsInEachThemeScaleAndAngle) {
+    QB::Test::needApplication();
+    QB::Test::HostCallbacks host;
+    LumoPictureCache cache;
+    for (const bool isDark : {false, true}) {
+        host.isDark = isDark;
+        const std::map<char, QColor> colors{{'A', toQt(Style::symbolAccent)},
+                                            {'C', toQt(themePalette().canvas)},
+                                            {'T', toQt(themePalette().text)},
+                                            {'W', Qt::white}};
+        for (const double scale : {1.0, 2.0})
+            for (const double angle : {0.0, 30.0, 90.0, -180.0, -120.0})
+                for (LumoPictureCache* const road :
+                     {&cache, static_cast<LumoPictureCache*>(nullptr)})
+                    for (const SymbolCase& c : symbols) {
+                        QImage image = canvasImage({80, 60}, scale);
+                        QPainter qtPainter(&image);
+                        qtPainter.scale(scale, scale);
+                        qtPainter.translate(0.5 / scale,
+                                            0.5 / scale);  // a pixel lies in the middle
+                        LumoPaintConfig config(&qtPainter, road);
+                        const JoinSymbol symbol{{40, 30}, angle, c.type, "", {}};
+                        {
+                            LumoPainter painter(&config, nullptr);
+                            paint_drawJoinImageEraseBg(&painter, symbol);
+                            paint_drawJoinImage(&painter, symbol);
+                        }
+                        QTransform turn;
+                        turn.scale(scale, scale).translate(40, 30).rotate(symbol.paintAngle());
+                        const auto check = [&](QPointF place, char color) {
+                            if (color == '-') return;
+                            const QColor seen = meanAt(image, turn.map(place));
+                            EXPECT_TRUE(isNear(seen, colors.at(color)))
+                                << "type " << c.type << " dark " << isDark << " scale " << scale
+                                << " angle " << angle << " picture " << (road != nullptr) << " at "
+                                << place.x() << ": " << seen.name().toStdString();
+                        };
+                        check({-15, 0}, c.colors[0]);
+                        check({0, 0}, c.colors[1]);
+                        check({15, 0}, c.colors[2]);
+                        check({0, 22}, 'C');
+                        check({0, -22}, 'C');
+                    }
+    }
+    EXPECT_EQ(joinSymbolPictureCount(), 24) << "of a type, theme and scale: one";
+    dropJoinSymbolPictures();
+    EXPECT_EQ(joinSymbolPictureCount(), 0);
+}
+
+QImage paintedLink(QBLumoJoinLink* link, const LinkScene& scene) {
+    const LumoSize size = scene.diagram.getRect().size;
+    QImage image = canvasImage({size.width, size.height}, 1);
+    QPainter qtPainter(&image);
+    LumoPaintConfig config(&qtPainter);
+    link->paint(&config, link->getBoundingRect());
+    return image;
+}
+
+/// Where @p image differs from an empty canvas.
+QRect touchedPart(const QImage& image) {
+    const QRgb empty = toQt(themePalette().canvas).rgb();
+    QRect touched;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, y) != empty) touched |= QRect(x, y, 1, 1);
+    return touched;
+}
+
+QRect dirtyPart(const QBLumoJoinLink* link, const LinkScene& scene) {
+    const LumoRect rect = link->translateRect(link->customDirtyRect(), &scene.diagram);
+    return {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
+}
+
+TEST(JoinLink, PaintsOnlyInsideOfWhatItMakesDirty) {
+    LinkScene scene;
+    const LumoPoint places[] = {{900, 400}, {420, 620}, {400, 800}, {400, 480}, {660, 380}};
+    for (const LumoPoint& place : places) {
+        auto* const a = scene.dock({400, 400, 200, 50});
+        auto* const b = scene.dock({place, {200, 50}});
+        for (int type : {0, 2, 5, 6}) {
+            QBLumoJoinLink* const link = scene.link(a, b, type);
+            link->setLabel("ON a.customer_number = b.number AND a.day BETWEEN b.first AND b.last");
+            link->setSelected(type != 2);
+            for (const double seconds : {0.0, 0.0, 0.6, 1.0, 1.0}) {
+                scene.diagram.getAnimationTimer()->step(seconds);
+                const QRect touched = touchedPart(paintedLink(link, scene));
+                EXPECT_GT(touched.width() * touched.height(), 100);
+                EXPECT_TRUE(dirtyPart(link, scene).contains(touched))
+                    << "type " << type << " to " << place.x << ' ' << place.y << " after "
+                    << seconds;
+                if (!(seconds > 0)) link->playPromptAnimation();
+            }
+            scene.diagram.removeChild(link);
+            delete link;
+        }
+    }
+}
+
+TEST(JoinLink, FlashesForItsTimeAndDirtiesOnlyItsOwnBox) {
+    struct RecordingContext : QBLumoContext {
+        std::vector<LumoRect> dirty;
+        void setDirtyRect(LumoDiagram*, const LumoRect& rect) override { dirty.push_back(rect); }
+    };
+    QB::Test::needApplication();
+    RecordingContext context;
+    LinkScene scene(&context);
+    QBLumoJoinLink* const link =
+        scene.link(scene.dock({100, 300, 100, 50}), scene.dock({500, 320, 100, 50}));
+    QBLumoAnimationTimer* const timer = scene.diagram.getAnimationTimer();
+    const QImage still = paintedLink(link, scene);
+    context.dirty.clear();
+
+    link->playPromptAnimation();
+    for (int tick = 0; tick < 24; ++tick) {
+        timer->step(0.1);
+        EXPECT_TRUE(link->isPromptRunning()) << tick;
+        // Waves to 0.64 of the time.
+        EXPECT_EQ(paintedLink(link, scene) != still, tick < 15) << tick;
+    }
+    timer->step(0.2);
+    EXPECT_FALSE(link->isPromptRunning());
+    EXPECT_EQ(paintedLink(link, scene), still);
+    const QRect box = dirtyPart(link, scene).adjusted(-12, -12, 12, 12);
+    for (const LumoRect& rect : context.dirty)
+        EXPECT_TRUE(
+            box.contains(QRect(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height)));
+
+    // Gone while it flashes.
+    link->playPromptAnimation();
+    scene.diagram.removeChild(link);
+    EXPECT_FALSE(link->isPromptRunning());
+    delete link;
+    timer->step(0.1);
+}
+
+// ---- clicks, at the window ----
+
+struct ClickCase {
+    const char* what;
+    /// p presses, q with Ctrl, R the right button; r releases; m moves away; 1, 3 and 9 wait for as
+    /// many hundred milliseconds, 1 for 150; x closes the popup; o goes off the link.
+    const char* script;
+    int fired;
+    bool opensPopup = false;
+};
+
+class LinkClick : public testing::TestWithParam<ClickCase> {
+protected:
+    LinkClick() {
+        view.init();
+        view.resize(800, 600);
+        scene.context.setActiveDiagram(view.getControl(), &scene.diagram);
+        popup.setWindowFlags(Qt::Popup);
+        popup.setGeometry(600, 400, 50, 50);
+        scene.context.setJoinLinkDoubleClicked([this](QBLumoJoinLink* clicked, bool byUser) {
+            EXPECT_TRUE(byUser && clicked == link);
+            ++fired;
+            if (GetParam().opensPopup) popup.show();
+        });
+        view.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&view));
+        place = view.viewport()->mapTo(&view, toControl(link->midPoint()));
+    }
+
+    QPoint toControl(LumoPoint point) {
+        const LumoControlPoint at =
+            view.getControl()->diagramSpaceToControlSpace(scene.inDiagram(link, point));
+        return {at.x, at.y};
+    }
+
+    void mouse(QEvent::Type type, Qt::MouseButton button, Qt::KeyboardModifiers modifiers = {}) {
+        if (type == QEvent::MouseButtonPress) held = button;
+        if (type == QEvent::MouseButtonRelease) held = Qt::NoButton;
+        qt_handleMouseEvent(view.windowHandle(), place, view.mapToGlobal(place), held, button, type,
+                            modifiers, ++time);
+        QCoreApplication::processEvents();
+    }
+
+    void wait(int milliseconds) {
+        QTest::qWait(milliseconds);
+        time += milliseconds;
+    }
+
+    void play(char step) {
+        if (step == 'p') mouse(QEvent::MouseButtonPress, Qt::LeftButton);
+        if (step == 'q') mouse(QEvent::MouseButtonPress, Qt::LeftButton, Qt::ControlModifier);
+        if (step == 'R') mouse(QEvent::MouseButtonPress, Qt::RightButton);
+        if (step == 'r') mouse(QEvent::MouseButtonRelease, held);
+        if (step == 'x') popup.close();
+        if (step == 'o') place += QPoint(0, 60);
+        if (step == 'm') {
+            place += QPoint(30, 0);
+            mouse(QEvent::MouseMove, Qt::NoButton);
+        }
+        if (step >= '1' && step <= '9') wait(step == '1' ? 150 : (step - '0') * 100);
+    }
+
+    LinkScene scene;
+    QBLumoJoinLink* link =
+        scene.link(scene.dock({50, 100, 150, 100}), scene.dock({500, 100, 150, 100}));
+    LumoUIScrollView view{&scene.context};
+    QWidget popup;
+    QPoint place;
+    Qt::MouseButton held = Qt::NoButton;
+    int time = 10000;
+    int fired = 0;
+};
+
+TEST_P(LinkClick, OpensTheEditorAsOftenAsTheUserMeantIt) {
+    for (const QPoint step : {QPoint(0, -90), QPoint(0, 90)}) {
+        place += step;
+        mouse(QEvent::MouseMove, Qt::NoButton);
+    }
+    EXPECT_EQ(view.viewport()->cursor().shape(), Qt::PointingHandCursor);
+    for (const char* step = GetParam().script; *step; ++step)
+        play(*step);
+    wait(260);
+    EXPECT_EQ(fired, GetParam().fired);
+    popup.close();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Gestures, LinkClick,
+    testing::Values(ClickCase{"click", "pr", 1}, ClickCase{"click_with_popup", "pr", 1, true},
+                    ClickCase{"double_click", "prpr", 1},
+                    ClickCase{"double_click_with_popup", "prpr", 1, true},
+                    ClickCase{"double_click_150", "pr1pr", 1},
+                    ClickCase{"double_click_150_with_popup", "pr1pr", 1, true},
+                    ClickCase{"double_click_300", "pr3pr", 1},
+                    ClickCase{"double_click_300_with_popup", "pr3pr", 1, true},
+                    ClickCase{"two_clicks", "pr9pr", 2},
+                    ClickCase{"click_after_a_double_click_with_popup", "prpr9xpr", 2, true},
+                    ClickCase{"ctrl_click", "qr", 0}, ClickCase{"right_click", "Rr", 0},
+                    ClickCase{"right_double_click", "RrRr", 0}, ClickCase{"drag", "pmmr", 0},
+                    ClickCase{"beside", "opr", 0}),
+    [](const auto& c) { return c.param.what; });
+
+TEST(JoinLink, MayBeDestroyedByItsOwnClickOrBeforeIt) {
+    for (const bool before : {false, true}) {
+        LinkScene scene;
+        QBLumoJoinLink* const link =
+            scene.link(scene.dock({50, 100, 150, 100}), scene.dock({500, 100, 150, 100}));
+        int fired = 0;
+        const auto destroy = [&] {
+            scene.diagram.removeChild(link);
+            delete link;
+        };
+        scene.context.setJoinLinkDoubleClicked([&](QBLumoJoinLink*, bool) {
+            ++fired;
+            destroy();
+        });
+        LumoEvent event;
+        event.keys = LumoButtonLeft;
+        event.point = link->midPoint();
+        link->triggerEventResponder(LumoMouseDown, event);
+        link->triggerEventResponder(LumoMouseUp, event);
+        if (before) destroy();
+        QTest::qWait(260);
+        EXPECT_EQ(fired, before ? 0 : 1);
+    }
+}
+
+}  // namespace
+}  // namespace QB::DiagramLumo
