@@ -267,6 +267,12 @@ TEST(LumoObjectLayout, ReachesWhatAHookAddsOrResizes) {
     list->setRequireToVerifyLayout(true);
     // Each row that is added marks the list again; the last time only the size is new.
     EXPECT_EQ(story.layout(), (Names{"list", "row", "list", "row", "list"}));
+    // What is placed by the size must be placed again.
+    list->onLayout = [](Logged* self) {
+        self->setRect({0, 0, 10, 30});
+    };
+    list->setRequireToVerifyLayout(true);
+    EXPECT_EQ(story.layout(), (Names{"list", "list"}));
     EXPECT_FALSE(story.scene.diagram.requireLayout());
 }
 
@@ -361,6 +367,13 @@ INSTANTIATE_TEST_SUITE_P(Changes, LumoObjectDirt,
                                                        inner->setBackgroundColor({1, 2, 3, 1});
                                                    },
                                                    {{110, 110, 5, 5}},
+                                                   true},
+                                         DirtyCase{"UnderHidden",
+                                                   [](auto* item, auto* inner) {
+                                                       item->setVisible(false);
+                                                       inner->setRect({60, 60, 5, 5});
+                                                   },
+                                                   {{100, 100, 50, 50}},
                                                    true},
                                          DirtyCase{"InnerGoes",
                                                    [](auto* item, auto* inner) {

@@ -198,6 +198,10 @@ TEST_F(ScrollView, IsScrolledByItsBar) {
     EXPECT_EQ(view->getContentOffsetY(), 800);
     scene.click({146, 60});
     EXPECT_EQ(view->getContentOffsetY(), 800 - 180);
+    view->registerEventResponder(LumoMouseDoubleClick, [](const LumoEvent&) {
+        ADD_FAILURE() << "of the view, not of its bar";
+        return false;
+    });
     scene.control.dispatcher()->mouseDoubleClick({146, 60}, LumoButtonLeft);
     scene.control.dispatcher()->mouseRelease({146, 60}, LumoButtonLeft);
     EXPECT_EQ(view->getContentOffsetY(), 800 - 360);

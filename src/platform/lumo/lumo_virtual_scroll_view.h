@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "platform/lumo/lumo_object.h"
 
 struct LumoScrollRange;
