@@ -168,6 +168,8 @@ enum LumoKeyCode : int32_t {
     LumoKeyPageUp = 89,
     LumoKeyPageDown = 90,
     LumoKeyA = 97,
+    LumoKeyE = 101,
+    LumoKeyF = 102,
     LumoKeyL = 108,
     LumoKeyR = 114,
 };

@@ -72,6 +72,9 @@ Q_SIGNALS:
     void signalRightClickMenu(LumoUIScrollView* view, const LumoUIRightClickParam& param);
     /// Scrolled, zoomed, or another size of view or diagram.
     void displayChanged();
+    /// Something in the diagram has changed and was laid out, in sight or not; or another diagram
+    /// shows, or none. Once for the changes of a turn of the event loop.
+    void contentChanged();
 
 protected:
     bool event(QEvent* event) override;

@@ -129,6 +129,7 @@ void LumoUIScrollView::Control::resized() {
 
 void LumoUIScrollView::Control::diagramChanged() {
     m_view->viewport()->update();
+    Q_EMIT m_view->contentChanged();
     if (!isReady()) return;
     updateBars();
     applyOrigin();
@@ -279,6 +280,7 @@ void LumoUIScrollView::Control::flush() {
     layOut();
     m_flushPosted = false;
     if (!m_dirty.isEmpty()) m_view->viewport()->update(std::exchange(m_dirty, {}));
+    Q_EMIT m_view->contentChanged();
 }
 
 void LumoUIScrollView::Control::prepareToPaint(const QRegion& region) {

@@ -11,6 +11,7 @@
 #include <QPinchGesture>
 #include <QPointer>
 #include <QScrollBar>
+#include <QSet>
 #include <QToolTip>
 
 #include "platform/lumo/lumo_dispatch.h"
@@ -64,6 +65,10 @@ int32_t letterCode(const QKeyEvent* event) {
     switch (event->key()) {
         case Qt::Key_A:
             return LumoKeyA;
+        case Qt::Key_E:
+            return LumoKeyE;
+        case Qt::Key_F:
+            return LumoKeyF;
         case Qt::Key_L:
             return LumoKeyL;
         case Qt::Key_R:
@@ -74,7 +79,8 @@ int32_t letterCode(const QKeyEvent* event) {
 }
 
 bool isTab(const QKeyEvent* event) {
-    return event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab;
+    return (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) &&
+           !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
 }
 
 bool isMenuKey(const QKeyEvent* event) {
@@ -112,6 +118,14 @@ int32_t keyCodeOf(const QKeyEvent* event) {
     return zoomKeyCode(event);
 }
 
+/// Of the keys with Control; all others are the host's.
+bool isWithControl(const QKeyEvent* event) {
+    static const QSet<int> keys = {Qt::Key_9,     Qt::Key_A,     Qt::Key_Return,
+                                   Qt::Key_Enter, Qt::Key_Space, Qt::Key_Left,
+                                   Qt::Key_Right, Qt::Key_Up,    Qt::Key_Down};
+    return keys.contains(event->key());
+}
+
 /// Shift only writes a sign or digit that stands with it on some keyboards.
 int32_t heldWith(const QKeyEvent* event) {
     const int32_t keys = keysOf(event->modifiers());
@@ -120,6 +134,23 @@ int32_t heldWith(const QKeyEvent* event) {
 
 Qt::KeyboardModifiers modifiersBut(Qt::KeyboardModifiers ignored, const QKeyEvent* event) {
     return event->modifiers() & ~ignored;
+}
+
+/// Of the keys with Ctrl only those with which the canvas does something: the others are the host's.
+bool isOwnWithControl(const QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_Left:
+        case Qt::Key_Right:
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_Space:
+        case Qt::Key_9:
+            return true;
+        case Qt::Key_A:
+            return !(event->modifiers() & Qt::ShiftModifier);
+        default:
+            return zoomKeyCode(event) != 0;
+    }
 }
 
 Qt::CursorShape shapeOf(int code) {
@@ -201,8 +232,7 @@ void LumoUIScrollView::wheelEvent(QWheelEvent* event) {
 bool LumoUIScrollView::ownsKey(const QKeyEvent* event) const {
     if (isMenuKey(event)) return true;
     const auto modifiers = modifiersBut(Qt::KeypadModifier | Qt::ShiftModifier, event);
-    if (modifiers == Qt::ControlModifier)
-        return keyCodeOf(event) != 0 ? event->key() != Qt::Key_L : event->key() == Qt::Key_9;
+    if (modifiers == Qt::ControlModifier) return zoomKeyCode(event) != 0 || isWithControl(event);
     if (modifiers != Qt::NoModifier) return false;
     const bool isPlainLetter = letterCode(event) != 0 && event->modifiers() == Qt::NoModifier;
     return fixedKeyCode(event) != 0 || isPlainLetter;
