@@ -1,7 +1,9 @@
 #include "canvas/playground/demo_diagram.h"
 
+#include <algorithm>
 #include <cmath>
 #include <random>
+#include <set>
 
 #include "canvas/diagram/diagram.h"
 #include "canvas/items/database_item_body.h"
@@ -85,6 +87,19 @@ int neighbourOf(int index, int items, int columns, Dice* dice) {
     return neighbour == index ? (index + 1) % items : neighbour;
 }
 
+/// Two items without a link between them, unless few are left.
+std::pair<int, int> freshPair(int items, int columns, std::set<std::pair<int, int>>* linked,
+                              Dice* dice) {
+    constexpr int tries = 20;
+    std::pair<int, int> pair;
+    for (int i = 0; i < tries; ++i) {
+        pair.first = roll(dice, items);
+        pair.second = neighbourOf(pair.first, items, columns, dice);
+        if (linked->insert(std::minmax(pair.first, pair.second)).second) break;
+    }
+    return pair;
+}
+
 QBLumoJoinLink* newLink(QBLumoDiagram* diagram, int joinType) {
     auto* const link = new QBLumoJoinLink;
     link->setJoinType(joinType);
@@ -120,9 +135,9 @@ void fillDemoDiagram(QBLumoDiagram* diagram, int items, int links) {
         made.push_back(item);
     }
     if (items < 2) return;
+    std::set<std::pair<int, int>> linked;
     for (int i = 0; i < links; ++i) {
-        const int left = roll(&dice, items);
-        const int right = neighbourOf(left, items, columns, &dice);
+        const auto [left, right] = freshPair(items, columns, &linked, &dice);
         addDemoLink(diagram, made[size_t(left)], anyField(made[size_t(left)], &dice),
                     made[size_t(right)], anyField(made[size_t(right)], &dice),
                     joinTypes[size_t(i) % std::size(joinTypes)]);
