@@ -271,7 +271,7 @@ QBLumoItem* QBLumoBaseItemBody::item() const {
 }
 
 QBLumoDiagram* QBLumoBaseItemBody::lumoDiagram() const {
-    return findParent<QBLumoDiagram>();
+    return dynamic_cast<QBLumoDiagram*>(diagram());
 }
 
 bool QBLumoBaseItemBody::isItemSelected() const {

@@ -187,8 +187,8 @@ QBLumoBaseItemBody::FieldCellBackground::FieldCellBackground() {
 }
 
 LumoColor QBLumoBaseItemBody::FieldCellBackground::stateColor() const {
-    const auto* const diagram = findParent<QBLumoDiagram>();
-    if (diagram && diagram->isLinkDragActive() && (isMousePressed() || isMouseOver())) {
+    const auto* const canvas = dynamic_cast<QBLumoDiagram*>(diagram());
+    if (canvas && canvas->isLinkDragActive() && (isMousePressed() || isMouseOver())) {
         LumoColor shade = themePalette().text;
         shade.alpha = 0.05;
         return shade;
@@ -234,9 +234,9 @@ int QBLumoBaseItemBody::ScrollViewExtraActionReceiver::directionAt(LumoPoint poi
 }
 
 bool QBLumoBaseItemBody::ScrollViewExtraActionReceiver::responderDragOver(LumoEvent event) {
-    const auto* const diagram = findParent<QBLumoDiagram>();
+    const auto* const canvas = dynamic_cast<QBLumoDiagram*>(diagram());
     const int direction = directionAt(event.point);
-    if (!diagram || !diagram->isLinkDragActive() || direction == 0) {
+    if (!canvas || !canvas->isLinkDragActive() || direction == 0) {
         m_timer->stop();
         return true;
     }
@@ -254,8 +254,8 @@ bool QBLumoBaseItemBody::ScrollViewExtraActionReceiver::responderDragLeave(LumoE
 }
 
 void QBLumoBaseItemBody::ScrollViewExtraActionReceiver::scroll(int direction) {
-    auto* const diagram = findParent<QBLumoDiagram>();
-    if (!diagram || !diagram->isLinkDragActive()) return;
+    auto* const canvas = dynamic_cast<QBLumoDiagram*>(diagram());
+    if (!canvas || !canvas->isLinkDragActive()) return;
     const long before = m_view->getContentOffsetY();
     m_view->setContentOffsetY(before + direction);
     if (m_view->getContentOffsetY() == before) return;  // at the end
@@ -264,7 +264,7 @@ void QBLumoBaseItemBody::ScrollViewExtraActionReceiver::scroll(int direction) {
     m_view->repaint();
     m_timer->startOnce(scrollInterval);
     // Another row lies under the still pointer now.
-    if (const LumoControl* const control = diagram->getContext()->getControlWithDiagram(diagram))
+    if (const LumoControl* const control = canvas->getContext()->getControlWithDiagram(canvas))
         control->dispatcher()->pointerStaysWhileCanvasMoves();
 }
 

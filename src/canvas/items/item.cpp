@@ -196,6 +196,7 @@ bool QBLumoItem::responderMouseDragging(LumoEvent event) {
 bool QBLumoItem::responderMouseDrop(LumoEvent) {
     if (m_gesture == Gesture::None) return true;
     endDrag(false);
+    if (QBLumoDiagram* const diagram = lumoDiagram()) diagram->endItemDrag(false);
     showCursor(LumoCursorDefault);
     return false;
 }
@@ -235,7 +236,7 @@ void QBLumoItem::showCursor(int code) const {
 }
 
 QBLumoDiagram* QBLumoItem::lumoDiagram() const {
-    return findParent<QBLumoDiagram>();
+    return dynamic_cast<QBLumoDiagram*>(diagram());
 }
 
 // ---- look ----
