@@ -126,6 +126,7 @@ void QBLumoDiagram::finalizeWillRemoveObject(const std::set<LumoObject*>& object
 }
 
 void QBLumoDiagram::forgetChild(LumoObject* object) {
+    m_childLeaves.fire(object);
     for (Walk* walk : m_walks)
         walk->forget(object);
     if (m_selection.erase(object)) object->setSelected(false);
@@ -205,7 +206,11 @@ bool QBLumoDiagram::responderMouseMove(LumoEvent) {
 }
 
 void QBLumoDiagram::customMouseWheel(LumoEvent, bool& deliver) {
-    deliver = !m_gestures->isWheelLocked();
+    deliver = !isWheelLocked();
+}
+
+bool QBLumoDiagram::isWheelLocked() const {
+    return m_gestures->isWheelLocked();
 }
 
 void QBLumoDiagram::customMouseDragging(LumoEvent event, bool&) {

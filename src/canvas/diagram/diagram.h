@@ -27,16 +27,9 @@ class QBLumoObject;
 ///
 /// Functions of the context may destroy any object of the diagram, but not the diagram.
 ///
-/// Keys: Tab and Shift+Tab lead through items
-/// and links in reading order and leave the canvas at its ends. Space selects the object with the
-/// focus alone, Ctrl+Space adds it or takes it away, Ctrl+A selects all, Escape nothing. Arrows
-/// move what is selected by 3; while nothing is selected, Down leads into the rows of the item with
-/// the focus, as Ctrl+Return always does. There, Up, Down, Home, End and the page keys lead from
-/// row to row, Space and Return tick, Escape leads out. L on a field begins a link: Tab and the
-/// keys of rows lead to the other field, Return draws it, Escape gives it up. R begins to resize
-/// the item: arrows do, Ctrl+Left and Ctrl+Right move its splitter, Return ends, Escape restores.
-/// Return is a double click, F2 asks for the alias, Delete deletes, the Menu key is a right click.
-/// Zoom: Ctrl+plus, Ctrl+minus, Ctrl+0.
+/// Keys: docs/canvas-keys.md has the table. Tab leads through items and links in reading order and
+/// leaves the canvas at its ends; the keys mean other things among the rows of an item, while a
+/// link is drawn and while an item is resized.
 class QBLumoDiagram : public LumoDiagram {
 public:
     /// Neither is owned; @p control may be null in tests without a view.
@@ -127,6 +120,11 @@ public:
     bool isResizingByKeys() const;
     /// Fired after the focus went to another object or row.
     QBEventTrigger<LumoObject*, int>* focusChanged() { return &m_focusChanged; }
+    /// Fired before a child leaves or dies, while it is whole and in its place.
+    QBEventTrigger<LumoObject*>* childLeaves() { return &m_childLeaves; }
+
+    /// True for 500 ms after a wheel over the canvas itself: items do not get wheels then.
+    bool isWheelLocked() const;
 
     // ---- overrides ----
 
@@ -188,6 +186,7 @@ private:
     std::vector<std::pair<QBLumoItem*, LumoRect>> m_dragStart;
     LumoObject* m_pressed = nullptr;  // not owned: its press has changed the selection already
     QBEventTrigger<LumoObject*, int> m_focusChanged;
+    QBEventTrigger<LumoObject*> m_childLeaves;
     std::vector<Walk*> m_walks;  // not owned: on the stack
     std::unique_ptr<Gestures> m_gestures;
     std::unique_ptr<LinkDrag> m_linkDrag;

@@ -3,12 +3,14 @@
 #include <algorithm>
 
 #include "canvas/base/context.h"
+#include "canvas/controls/button.h"
 #include "canvas/controls/list_view.h"
 #include "canvas/diagram/diagram_gestures.h"
 #include "canvas/diagram/diagram_link_drag.h"
 #include "canvas/diagram/placement.h"
 #include "canvas/items/base_item_body.h"
 #include "canvas/items/item.h"
+#include "canvas/items/text_based_item_body.h"
 #include "canvas/links/join_link.h"
 #include "canvas/view/focus_place.h"
 #include "platform/lumo/lumo_control.h"
@@ -63,6 +65,8 @@ bool QBLumoDiagram::Keyboard::keyDown(const LumoEvent& event) {
         {LumoKeyA, LumoKeyControl, &Keyboard::selectAll},
         {LumoKeyReturn, 0, &Keyboard::open},
         {LumoKeyReturn, LumoKeyControl, &Keyboard::enterRows},
+        {LumoKeyF, 0, &Keyboard::enterRows},
+        {LumoKeyE, 0, &Keyboard::editText},
         {LumoKeyF2, 0, &Keyboard::askForAlias},
         {LumoKeyMenu, anyKeys, &Keyboard::askForMenu},
         {LumoKeyR, 0, &Keyboard::beginResize},
@@ -90,6 +94,8 @@ bool QBLumoDiagram::Keyboard::callForMode(const LumoEvent& event, bool* found) {
         {LumoKeyMenu, anyKeys, &Keyboard::swallow},
         {LumoKeyL, anyKeys, &Keyboard::swallow},
         {LumoKeyR, anyKeys, &Keyboard::swallow},
+        {LumoKeyE, anyKeys, &Keyboard::swallow},
+        {LumoKeyF, anyKeys, &Keyboard::swallow},
     };
     static const std::vector<Binding> resizing = {
         {LumoKeyLeft, LumoKeyControl, &Keyboard::moveSplitter},
@@ -316,6 +322,15 @@ bool QBLumoDiagram::Keyboard::open(const LumoEvent&) {
         context->joinLinkDoubleClicked(link, true);
     else if (QBLumoBaseItemBody* const body = focusedItem()->getBody())
         context->itemBodyDoubleClicked(body);
+    return true;
+}
+
+bool QBLumoDiagram::Keyboard::editText(const LumoEvent&) {
+    const QBLumoItem* const item = focusedItem();
+    const auto* const body =
+        item ? dynamic_cast<QBLumoTextBasedItemBody*>(item->getBody()) : nullptr;
+    if (!body || !body->hasEditButton()) return false;
+    body->editButton()->click();
     return true;
 }
 

@@ -77,6 +77,7 @@ private:
     bool toggleSelected(const LumoEvent& event);
     bool selectAll(const LumoEvent& event);
     bool open(const LumoEvent& event);
+    bool editText(const LumoEvent& event);
     bool askForAlias(const LumoEvent& event);
     bool askForMenu(const LumoEvent& event);
     bool giveUp(const LumoEvent& event);

@@ -120,9 +120,8 @@ int32_t keyCodeOf(const QKeyEvent* event) {
 
 /// Of the keys with Control; all others are the host's.
 bool isWithControl(const QKeyEvent* event) {
-    static const QSet<int> keys = {Qt::Key_9,     Qt::Key_A,     Qt::Key_Return,
-                                   Qt::Key_Enter, Qt::Key_Space, Qt::Key_Left,
-                                   Qt::Key_Right, Qt::Key_Up,    Qt::Key_Down};
+    static const QSet<int> keys = {Qt::Key_9,     Qt::Key_A,  Qt::Key_Space, Qt::Key_Left,
+                                   Qt::Key_Right, Qt::Key_Up, Qt::Key_Down};
     return keys.contains(event->key());
 }
 
@@ -134,23 +133,6 @@ int32_t heldWith(const QKeyEvent* event) {
 
 Qt::KeyboardModifiers modifiersBut(Qt::KeyboardModifiers ignored, const QKeyEvent* event) {
     return event->modifiers() & ~ignored;
-}
-
-/// Of the keys with Ctrl only those with which the canvas does something: the others are the host's.
-bool isOwnWithControl(const QKeyEvent* event) {
-    switch (event->key()) {
-        case Qt::Key_Left:
-        case Qt::Key_Right:
-        case Qt::Key_Up:
-        case Qt::Key_Down:
-        case Qt::Key_Space:
-        case Qt::Key_9:
-            return true;
-        case Qt::Key_A:
-            return !(event->modifiers() & Qt::ShiftModifier);
-        default:
-            return zoomKeyCode(event) != 0;
-    }
 }
 
 Qt::CursorShape shapeOf(int code) {
