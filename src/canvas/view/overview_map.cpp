@@ -23,6 +23,7 @@ constexpr int largestWidth = 220;
 constexpr int largestHeight = 150;
 constexpr int shareOfView = 3;  // at most a third of the view either way
 constexpr int extentMargin = 40;
+constexpr double lineOpacity = 0.4;  // boxes are what is looked for
 
 QRectF toQt(const LumoRect& rect) {
     return {double(rect.origin.x), double(rect.origin.y), double(rect.size.width),
@@ -138,8 +139,10 @@ void OverviewMap::paintEvent(QPaintEvent*) {
     const QTransform map = diagramToMap();
 
     painter.setPen(toQt(Style::linkGrey));
+    painter.setOpacity(lineOpacity);
     for (const QLineF& line : m_content.lines)
         painter.drawLine(map.map(line));
+    painter.setOpacity(1);
     for (const Box& box : m_content.boxes) {
         painter.setPen(QPen(toQt(Style::linkGrey), 0.5));
         painter.setBrush(toQt(box.selected ? Style::accentStrong : colors.itemBackground));
