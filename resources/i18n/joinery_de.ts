@@ -703,5 +703,65 @@
         <source>The picture could not be written to %s</source>
         <translation>Das Bild konnte nicht nach %s geschrieben werden</translation>
     </message>
+    <message>
+        <source>Custom join</source>
+        <translation>Eigener Join</translation>
+    </message>
+    <message>
+        <source>Comma join</source>
+        <translation>Komma-Join</translation>
+    </message>
+    <message>
+        <source>INNER JOIN</source>
+        <translation>INNER JOIN</translation>
+    </message>
+    <message>
+        <source>LEFT JOIN</source>
+        <translation>LEFT JOIN</translation>
+    </message>
+    <message>
+        <source>RIGHT JOIN</source>
+        <translation>RIGHT JOIN</translation>
+    </message>
+    <message>
+        <source>CROSS JOIN</source>
+        <translation>CROSS JOIN</translation>
+    </message>
+    <message>
+        <source>FULL OUTER JOIN</source>
+        <translation>FULL OUTER JOIN</translation>
+    </message>
+    <message>
+        <source>%s: %s and %s</source>
+        <translation>%s: %s und %s</translation>
+    </message>
+    <message>
+        <source>All fields</source>
+        <translation>Alle Felder</translation>
+    </message>
+    <message>
+        <source>Edit the text</source>
+        <translation>Text bearbeiten</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>Auswählen</translation>
+    </message>
+    <message>
+        <source>Add to the selection or take out of it</source>
+        <translation>In die Auswahl aufnehmen oder aus ihr nehmen</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Edit the join</source>
+        <translation>Join bearbeiten</translation>
+    </message>
+    <message>
+        <source>Begin a link here, or end it here</source>
+        <translation>Hier eine Verbindung beginnen oder beenden</translation>
+    </message>
 </context>
 </TS>

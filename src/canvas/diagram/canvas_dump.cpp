@@ -132,12 +132,8 @@ private:
 
     std::string fieldOf(const QBLumoJoinLinkAdaptor* adaptor) const {
         const auto* const field = dynamic_cast<const QBLumoFieldJoinLinkAdaptor*>(adaptor);
-        auto* const cell =
-            field ? dynamic_cast<QBLumoListView::Cell*>(field->getFieldView()) : nullptr;
-        if (!cell || cell->rowIndex() < 0) return "at the title";
-        const auto& row = cell->getListView()->getRowData(size_t(cell->rowIndex()));
-        const auto name = row.find("FieldName");
-        return name == row.end() ? "*" : quoted(name->second.toString());
+        const std::string* const name = field ? field->fieldName() : nullptr;
+        return name ? quoted(*name) : "at the title";
     }
 
     std::string endText(const QBLumoJoinLinkAdaptor* adaptor) {

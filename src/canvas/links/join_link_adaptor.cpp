@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "canvas/base/canvas_style.h"
+#include "canvas/controls/list_view.h"
 #include "canvas/diagram/diagram.h"
 #include "canvas/items/base_item_body.h"
 #include "canvas/items/item.h"
@@ -184,6 +185,14 @@ void QBLumoFieldJoinLinkAdaptor::addMarker(LumoPainter* painter, LumoPoint point
     painter->lineTo(point.x, point.y + reach);
     painter->lineTo(outside, point.y + reach);
     painter->closePath();
+}
+
+const std::string* QBLumoFieldJoinLinkAdaptor::fieldName() const {
+    const auto* const cell = dynamic_cast<const QBLumoListView::Cell*>(m_fieldView);
+    if (!cell || cell->rowIndex() < 0) return nullptr;
+    const QBLumoListView::Row& row = cell->getListView()->getRowData(size_t(cell->rowIndex()));
+    const auto name = row.find("FieldName");
+    return name == row.end() ? nullptr : &name->second.toString();
 }
 
 void QBLumoFieldJoinLinkAdaptor::setFieldView(LumoObject* view) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -80,6 +81,8 @@ public:
     /// What the adaptor docks at, or null; not owned: whoever destroys it says null first.
     LumoObject* getFieldView() const { return m_fieldView; }
     void setFieldView(LumoObject* view);
+    /// The field of the row that it docks at; null while there is no such row.
+    const std::string* fieldName() const;
     bool isVisibleInRelationMode(int mode) const override;
 
 protected:
