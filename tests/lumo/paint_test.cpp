@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr LumoColor black{0, 0, 0, 1};
 constexpr LumoColor red{255, 0, 0, 1};
 constexpr LumoColor green{0, 255, 0, 1};
 const LumoFont rowFont("Sans Serif", 11);
