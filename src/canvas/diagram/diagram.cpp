@@ -125,6 +125,11 @@ void QBLumoDiagram::finalizeWillRemoveObject(const std::set<LumoObject*>& object
         if (object->getParent() != this) tellRemoved(object);
 }
 
+void QBLumoDiagram::childDies(LumoObject* child) {
+    LumoDiagram::childDies(child);
+    forgetChild(child);
+}
+
 void QBLumoDiagram::forgetChild(LumoObject* object) {
     m_childLeaves.fire(object);
     for (Walk* walk : m_walks)

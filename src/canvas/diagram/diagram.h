@@ -147,6 +147,7 @@ protected:
     void customMouseDrop(LumoEvent event, bool& stop) override;
     void customKeyDown(LumoEvent event, bool& stop) override;
     void requireLayoutMarked() override;
+    void childDies(LumoObject* child) override;
 
 private:
     class Gestures;  // band, auto-scroll, pan, wheel lock: diagram_gestures.h

@@ -185,11 +185,15 @@ bool QBLumoDiagram::Keyboard::resizeBy(const LumoEvent& event) {
     const int length = event.containsEventKey(LumoKeyShift) ? smallResizeStep : resizeStep;
     ItemDrag drag;
     drag.start = item->getRect();
+    // From its middle: what leads out of the canvas would be cut.
+    drag.startPoint =
+        drag.start.origin + LumoPoint{drag.start.size.width / 2, drag.start.size.height / 2};
     drag.edges = horizontal ? EdgeRight : EdgeBottom;
     drag.minimum = itemSizeFor(item->getBody()->minimumSize());
     drag.bounds = m_diagram->getBoundingRect();
     const int step = grows ? length : -length;
-    const LumoRect rect = draggedRect(drag, horizontal ? LumoPoint{step, 0} : LumoPoint{0, step});
+    const LumoPoint way = horizontal ? LumoPoint{step, 0} : LumoPoint{0, step};
+    const LumoRect rect = draggedRect(drag, drag.startPoint + way);
     if (rect == item->getRect()) return true;
     item->setSizedByUser(true);
     invalidateRing();

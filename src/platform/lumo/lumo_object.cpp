@@ -42,6 +42,7 @@ LumoObject::~LumoObject() {
 void LumoObject::leaveParent() {
     LumoObject* const parent = m_parent;
     forgetInGestures(this, true);
+    parent->childDies(this);
     parent->unlink(this);
     parent->setRequireToVerifyLayout(true);
     parent->invalidate();
@@ -214,6 +215,7 @@ bool LumoObject::isMousePressed() const {
 
 void LumoObject::selectionChanged() {}
 void LumoObject::highlightChanged() {}
+void LumoObject::childDies(LumoObject*) {}
 
 // ---- geometry ----
 

@@ -174,6 +174,9 @@ protected:
     virtual int layoutOrder() const;
     virtual void selectionChanged();
     virtual void highlightChanged();
+    /// @p child is destroyed without having been removed; its derived parts are gone already. Not
+    /// called of children that go with this object, nor of those that are removed.
+    virtual void childDies(LumoObject* child);
 
     // Called after the responders, whatever these answered, down the same list until stop is set.
     // Of the wheel, customMouseWheel of the diagram is asked first: false in @p deliver keeps the
