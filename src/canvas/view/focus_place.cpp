@@ -41,11 +41,13 @@ LumoRect focusPlace(const QBLumoDiagram* diagram) {
     LumoObject* const focused = diagram->focusedObject();
     if (const auto* const item = dynamic_cast<QBLumoItem*>(focused))
         return itemPlace(diagram, item);
-    if (const auto* const link = dynamic_cast<QBLumoJoinLink*>(focused)) {
-        const LumoPoint middle = link->translatePoint(link->midPoint(), diagram);
-        return lumoInflateRect({middle, {0, 0}}, linkRingReach, linkRingReach);
-    }
+    if (const auto* const link = dynamic_cast<QBLumoJoinLink*>(focused)) return symbolPlace(link);
     return {};
+}
+
+LumoRect symbolPlace(const QBLumoJoinLink* link) {
+    const LumoPoint middle = link->translatePoint(link->midPoint(), nullptr);
+    return lumoInflateRect({middle, {0, 0}}, linkRingReach, linkRingReach);
 }
 
 }  // namespace QB::DiagramLumo

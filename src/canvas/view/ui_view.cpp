@@ -2,6 +2,7 @@
 
 #include <QCursor>
 #include <QEvent>
+#include <QFocusEvent>
 #include <QPainter>
 
 #include "canvas/base/canvas_style.h"
@@ -9,7 +10,9 @@
 #include "canvas/diagram/diagram.h"
 #include "canvas/items/base_item_body.h"
 #include "canvas/items/item.h"
+#include "canvas/items/text_based_item_body.h"
 #include "canvas/links/join_symbol.h"
+#include "canvas/view/diagram_accessible.h"
 #include "canvas/view/focus_place.h"
 #include "platform/lumo/lumo_control.h"
 #include "platform/lumo/lumo_dispatch.h"
@@ -20,12 +23,28 @@ namespace QB::DiagramLumo {
 namespace {
 
 constexpr double focusRingWidth = 2.0;
+constexpr int ringReach = 12;  // of the ring around its place, at the smallest zoom
+constexpr int mostTipLines = 30;
+
+/// The first lines of a text that may be a whole query.
+std::string firstLines(const std::string& text) {
+    size_t end = 0;
+    for (int line = 0; line < mostTipLines; ++line) {
+        end = text.find('\n', end);
+        if (end == std::string::npos) return text;
+        ++end;
+    }
+    return text.substr(0, end) + "…";
+}
 
 /// The whole text of @p object if it is cut at @p point (its own space).
 std::string cutTextOf(const LumoObject* object, LumoPoint point) {
     if (const auto* const label = dynamic_cast<const LumoLabel*>(object))
         return label->isElided() ? label->getText() : std::string();
     const auto* const body = dynamic_cast<const QBLumoBaseItemBody*>(object);
+    const auto* const textBody = dynamic_cast<const QBLumoTextBasedItemBody*>(body);
+    if (textBody && textBody->isTextElided() && lumoPointInRect(point, textBody->textRect()))
+        return firstLines(textBody->getText());
     if (!body || point.y >= Style::titleHeight || !body->isTitleElided()) return {};
     return body->titleText();
 }
@@ -39,9 +58,13 @@ QBLumoUIView* QBLumoUIView::create(QBLumoContext* context, QWidget* parent) {
 }
 
 QBLumoUIView::QBLumoUIView(QBLumoContext* context, QWidget* parent)
-    : LumoUIScrollView(context, parent) {
+    : LumoUIScrollView(context, parent), m_accessible(std::make_unique<DiagramAccessible>(this)) {
+    installDiagramAccessible();
     setLumoCursorToCursorHandler(&QBLumoUIView::cursorForCode);
+    connect(this, &LumoUIScrollView::contentChanged, this, &QBLumoUIView::updateRing);
 }
+
+QBLumoUIView::~QBLumoUIView() = default;
 
 QCursor* QBLumoUIView::cursorForCode(int code) {
     switch (code) {
@@ -95,10 +118,41 @@ QString QBLumoUIView::toolTipAt(LumoPoint diagramPoint) const {
     return {};
 }
 
-void QBLumoUIView::paintOverlay(QPainter* painter) {
+// ---- the keyboard focus ----
+
+void QBLumoUIView::focusInEvent(QFocusEvent* event) {
+    LumoUIScrollView::focusInEvent(event);
+    QBLumoDiagram* const shown = lumoDiagram();
+    const bool forward = event->reason() == Qt::TabFocusReason;
+    if (shown && (forward || event->reason() == Qt::BacktabFocusReason)) {
+        shown->setFocusedObject(nullptr);
+        shown->focusNext(forward);
+    }
+    updateRing();
+    m_accessible->focusArrived();
+}
+
+void QBLumoUIView::focusOutEvent(QFocusEvent* event) {
+    LumoUIScrollView::focusOutEvent(event);
+    updateRing();
+}
+
+LumoRect QBLumoUIView::ringPlace() const {
     const QBLumoDiagram* const shown = lumoDiagram();
-    if (!shown || !hasFocus()) return;
-    const LumoRect place = focusPlace(shown);
+    return shown && hasFocus() && shown->isFocusRingShown() ? focusPlace(shown) : LumoRect();
+}
+
+/// The ring moves with what it surrounds, which knows nothing of it.
+void QBLumoUIView::updateRing() {
+    const LumoRect place = ringPlace();
+    if (place == m_ringPlace) return;
+    for (const LumoRect& dirty : {std::exchange(m_ringPlace, place), place})
+        if (lumoWidth(dirty) > 0)
+            getControl()->updateRegion(lumoInflateRect(dirty, ringReach, ringReach));
+}
+
+void QBLumoUIView::paintOverlay(QPainter* painter) {
+    const LumoRect place = ringPlace();
     if (lumoWidth(place) == 0) return;
     const LumoControlPoint topLeft = getControl()->diagramSpaceToControlSpace(place.origin);
     const double zoom = getControl()->getZoom();
