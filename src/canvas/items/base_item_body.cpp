@@ -253,7 +253,7 @@ void QBLumoBaseItemBody::paint(LumoPaintConfig* config, LumoRect rect) {
     {
         const ItemColors& colors = isItemSelected() ? m_selectedColors : m_colors;
         LumoPainter painter(config, this);
-        paintItemFrame(config, &painter, getRect().size, colors, borderDash());
+        paintItemFrame(&painter, this, colors, borderDash());
         paintItemTitle(&painter, title(), titleTextRect(), colors.titleText);
     }
     QBLumoObject::paint(config, rect);

@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include <QPainter>
-
 #include "canvas/base/canvas_style.h"
+#include "platform/lumo/lumo_object.h"
 #include "platform/lumo/lumo_paint.h"
 
 namespace QB::DiagramLumo {
@@ -19,24 +18,29 @@ double widthOf(const std::string& text) {
     return text.empty() ? 0.0 : lumoLayoutHelper().measureText(text, Style::itemFont).width;
 }
 
-/// The rectangle of a line of @p width around @p rect, such that its outer edges fall on pixels of
-/// the device: a line on a fraction of a pixel is blurred at zooms that are no whole numbers.
-struct CrispLine {
-    LumoDoubleRect rect;
+/// A line inside of the edges of a rectangle.
+struct FrameLine {
+    LumoDoubleRect rect;  // its middle
     double width;
 };
 
-CrispLine crispLine(LumoPaintConfig* config, const LumoDoubleRect& outer) {
-    const QTransform toDevice = config->qtPainter()->deviceTransform();
-    if (toDevice.type() > QTransform::TxScale) return {outer, 1.0};
-    const QRectF exact = toDevice.mapRect(
-        QRectF(outer.origin.x, outer.origin.y, outer.size.width, outer.size.height));
-    const double thickness = std::max(1.0, std::floor(toDevice.m11()));
-    const QRectF whole(QPointF(std::round(exact.left()), std::round(exact.top())),
-                       QPointF(std::round(exact.right()), std::round(exact.bottom())));
-    const double half = thickness / 2;
-    const QRectF line = toDevice.inverted().mapRect(whole.adjusted(half, half, -half, -half));
-    return {{line.x(), line.y(), line.width(), line.height()}, thickness / toDevice.m11()};
+/// A line along the inside of @p outer, in the space of @p object, that covers whole pixels of the
+/// device: on fractions of pixels it would be blurred at zooms that are no whole numbers.
+FrameLine frameLine(const LumoPaintConfig* config, const LumoObject* object,
+                    const LumoRect& outer) {
+    const bool grid = config->onPixelGrid();
+    const double scale = grid ? config->scale() : 1.0;
+    const double width = grid ? std::max(1.0, std::floor(scale)) : 1.0;
+    const QPointF origin = config->deviceOrigin(object);
+    const auto place = [&](double edge, double start, double inwards) {
+        if (!grid) return edge + inwards;
+        return (std::round(start + edge * scale) + inwards - start) / scale;
+    };
+    const double left = place(lumoMinX(outer), origin.x(), width / 2);
+    const double right = place(lumoMaxX(outer), origin.x(), -width / 2);
+    const double top = place(lumoMinY(outer), origin.y(), width / 2);
+    const double bottom = place(lumoMaxY(outer), origin.y(), -width / 2);
+    return {{left, top, right - left, bottom - top}, width / scale};
 }
 
 /// The strip: rounded above; below too if the body is hardly higher than it.
@@ -108,9 +112,10 @@ std::string lineStart(const std::string& text, double width) {
     return text.substr(0, end) + ellipsis;
 }
 
-void paintItemFrame(LumoPaintConfig* config, LumoPainter* painter, LumoSize size,
-                    const ItemColors& colors, const std::vector<double>& dash) {
-    const CrispLine border = crispLine(config, LumoDoubleRect(LumoRect({0, 0}, size)));
+void paintItemFrame(LumoPainter* painter, const LumoObject* body, const ItemColors& colors,
+                    const std::vector<double>& dash) {
+    const LumoSize size = body->getRect().size;
+    const FrameLine border = frameLine(painter->config(), body, body->getBoundingRect());
     painter->setColor(colors.body);
     painter->addRoundedRect(border.rect, Style::cornerRadius);
     painter->fill();
@@ -124,8 +129,9 @@ void paintItemFrame(LumoPaintConfig* config, LumoPainter* painter, LumoSize size
     painter->addRoundedRect(border.rect, Style::cornerRadius);
     painter->stroke();
     if (colors.title == colors.body || size.height <= Style::titleHeight) return;
-    const CrispLine strip =
-        crispLine(config, LumoDoubleRect(LumoRect(0, Style::titleHeight, size.width, 1)));
+    const FrameLine strip =
+        frameLine(painter->config(), body,
+                  {0, Style::titleHeight, size.width, size.height - Style::titleHeight});
     painter->drawLine(border.rect.origin.x, strip.rect.origin.y,
                       border.rect.origin.x + border.rect.size.width, strip.rect.origin.y);
 }

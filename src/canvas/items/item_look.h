@@ -5,7 +5,7 @@
 
 #include "platform/lumo/lumo_types.h"
 
-class LumoPaintConfig;
+class LumoObject;
 class LumoPainter;
 
 namespace QB::DiagramLumo {
@@ -39,9 +39,9 @@ struct TitleText {
 /// text that is not much longer than that stays whole. So texts of any length cost little.
 std::string lineStart(const std::string& text, double width);
 
-/// Title strip, background and border of a body of @p size.
-void paintItemFrame(LumoPaintConfig* config, LumoPainter* painter, LumoSize size,
-                    const ItemColors& colors, const std::vector<double>& dash);
+/// Title strip, background and border of @p body, in its space. Lines cover whole device pixels.
+void paintItemFrame(LumoPainter* painter, const LumoObject* body, const ItemColors& colors,
+                    const std::vector<double>& dash);
 /// @p title in the strip, from the left edge of @p area on.
 void paintItemTitle(LumoPainter* painter, const TitleText& title, const LumoRect& area,
                     const LumoColor& color);

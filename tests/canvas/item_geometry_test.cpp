@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+
+#include "canvas/items/item_geometry.h"
+
+namespace QB::DiagramLumo {
+namespace {
+
+TEST(ItemGeometry, FindsTheEdgesThatThePointerWouldDragAndTheirCursors) {
+    const LumoRect body(9, 4, 200, 100);
+    const struct {
+        LumoPoint point;
+        int32_t edges;
+        int cursor;
+    } cases[] = {
+        {{100, 50}, 0, 0},
+        {{4, 50}, EdgeLeft, 32},
+        {{14, 50}, EdgeLeft, 32},
+        {{3, 50}, 0, 0},
+        {{15, 50}, 0, 0},
+        {{214, 50}, EdgeRight, 32},
+        {{215, 50}, 0, 0},
+        {{100, 0}, EdgeTop, 33},
+        {{100, 9}, EdgeTop, 33},
+        {{100, 10}, 0, 0},
+        {{100, 109}, EdgeBottom, 33},
+        {{5, 0}, EdgeLeft | EdgeTop, 34},
+        {{209, 104}, EdgeRight | EdgeBottom, 34},
+        {{209, 4}, EdgeRight | EdgeTop, 35},
+        {{9, 104}, EdgeLeft | EdgeBottom, 35},
+        {{4, 4}, EdgeLeft, 32},  // five beside is too far for the top edge
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(hoverEdgesAt(body, c.point), c.edges) << c.point.x << "," << c.point.y;
+        EXPECT_EQ(cursorForEdges(c.edges), c.cursor);
+    }
+}
+
+TEST(ItemGeometry, DragsTheRectangleInsideTheCanvas) {
+    constexpr int32_t move = 0;
+    const LumoRect start(100, 100, 200, 100);
+    const struct {
+        const char* what;
+        int32_t edges;
+        bool keepShape;
+        LumoPoint delta;
+        LumoRect expected;
+    } cases[] = {
+        {"moves", move, false, {30, -20}, {130, 80, 200, 100}},
+        {"moves along the longer way with shift", move, true, {30, -20}, {130, 100, 200, 100}},
+        {"moves along the longer way with shift, down", move, true, {5, 40}, {100, 140, 200, 100}},
+        {"moves both ways with shift on the diagonal", move, true, {7, 7}, {107, 107, 200, 100}},
+        {"stops a move at the left and top", move, false, {-150, -140}, {0, 0, 200, 100}},
+        {"stops a move at the right and bottom", move, false, {740, 640}, {800, 700, 200, 100}},
+        {"widens to the right", EdgeRight, false, {50, 99}, {100, 100, 250, 100}},
+        {"widens to the left", EdgeLeft, false, {-50, 99}, {50, 100, 250, 100}},
+        {"keeps the right edge at the least width", EdgeLeft, false, {500, 0}, {252, 100, 48, 100}},
+        {"keeps the bottom edge at the least height", EdgeTop, false, {0, 95}, {100, 162, 200, 38}},
+        {"stops the left edge at the canvas", EdgeLeft, false, {-150, 0}, {0, 100, 300, 100}},
+        {"stops the bottom edge at the canvas", EdgeBottom, false, {0, 690}, {100, 100, 200, 700}},
+        {"drags a corner", EdgeRight | EdgeBottom, false, {20, -10}, {100, 100, 220, 90}},
+        {"keeps the ratio at a corner",
+         EdgeRight | EdgeBottom,
+         true,
+         {100, 10},
+         {100, 100, 300, 150}},
+        {"keeps the ratio by the larger change",
+         EdgeRight | EdgeBottom,
+         true,
+         {10, -50},
+         {100, 100, 100, 50}},
+        {"keeps the ratio at one edge", EdgeRight, true, {100, 0}, {100, 100, 300, 150}},
+        {"keeps the ratio and the far corner",
+         EdgeLeft | EdgeTop,
+         true,
+         {-50, 0},
+         {50, 75, 250, 125}},
+        {"keeps the ratio at the canvas",
+         EdgeLeft | EdgeTop,
+         true,
+         {-150, -150},
+         {0, 50, 300, 150}},
+        {"keeps the ratio at the minimum", EdgeRight, true, {-190, 0}, {100, 100, 76, 38}},
+    };
+    for (const auto& c : cases) {
+        const LumoPoint from{150, 110};
+        const ItemDrag drag{start, from, c.edges, c.keepShape, {48, 38}, {0, 0, 1000, 800}};
+        const LumoRect rect = draggedRect(drag, from + c.delta);
+        EXPECT_EQ(rect, c.expected) << c.what << ": " << rect.origin.x << "," << rect.origin.y
+                                    << " " << rect.size.width << "x" << rect.size.height;
+    }
+}
+
+TEST(ItemGeometry, GivesATableTheHeightOfItsRowsUpToTheDefault) {
+    EXPECT_EQ(defaultTableBodySize(), (LumoSize{200, 230}));
+    EXPECT_EQ(defaultTextBodySize(), (LumoSize{240, 120}));
+    const int heights[][2] = {{0, 97}, {3, 97}, {4, 117}, {9, 217}, {10, 230}, {1600, 230}};
+    for (const auto& [rows, height] : heights)
+        EXPECT_EQ(tableBodyHeightFor(rows), height) << rows;
+    EXPECT_EQ(itemSizeFor({200, 230}), (LumoSize{218, 238}));
+    EXPECT_EQ(bodyRectOf({218, 238}), LumoRect(9, 4, 200, 230));
+    EXPECT_EQ(bodyRectOf({10, 238}), LumoRect()) << "no room";
+}
+
+}  // namespace
+}  // namespace QB::DiagramLumo
