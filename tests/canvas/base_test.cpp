@@ -1,0 +1,122 @@
+#include <gtest/gtest.h>
+
+#include "canvas/base/animation.h"
+#include "canvas/base/context.h"
+#include "canvas/base/image_resource_provider_linux.h"
+#include "canvas/base/object.h"
+
+namespace QB::DiagramLumo {
+namespace {
+
+struct MarginCase {
+    int mask;
+    LumoRect bigger;    // in a parent of 200 x 150
+    LumoRect squeezed;  // in a parent of 10 x 10
+};
+
+/// A child at (10, 20, 30, 40) of a parent of 100 x 100.
+class MarginConstraint : public testing::TestWithParam<MarginCase> {};
+
+TEST_P(MarginConstraint, KeepsWhatItsMaskSaysAndRecoversFromASqueeze) {
+    QBLumoObject parent;
+    parent.setRect({0, 0, 100, 100});
+    auto* const child = new QBLumoObject;
+    child->setRect({10, 20, 30, 40});
+    child->setMarginConstraint(GetParam().mask);
+    parent.addChild(child);
+    const auto resized = [&](int width, int height) {
+        parent.setRect({0, 0, width, height});
+        parent.setRequireToVerifyLayout(true);
+        parent.layout();
+        return child->getRect();
+    };
+    EXPECT_EQ(resized(200, 150), GetParam().bigger);
+    EXPECT_EQ(resized(10, 10), GetParam().squeezed);
+    EXPECT_EQ(resized(200, 150), GetParam().bigger);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Masks, MarginConstraint,
+    testing::Values(MarginCase{0, {10, 20, 30, 40}, {10, 20, 30, 40}},
+                    MarginCase{MarginLeft | MarginTop, {10, 20, 30, 40}, {10, 20, 30, 40}},
+                    MarginCase{MarginRight, {110, 20, 30, 40}, {-80, 20, 30, 40}},
+                    MarginCase{MarginBottom, {10, 70, 30, 40}, {10, -70, 30, 40}},
+                    MarginCase{MarginAll, {10, 20, 130, 90}, {10, 20, 0, 0}}));
+
+TEST(CanvasObject, TellsOfItsFormerRectangleOnceForAChange) {
+    QBLumoObject object;
+    std::vector<LumoRect> told;
+    const QBEventListener listener;
+    object.rectChanged()->addListener([&](QBLumoObject*, LumoRect was) { told.push_back(was); },
+                                      listener.guarantor());
+    object.setRect({1, 2, 3, 4});
+    object.setRect({1, 2, 3, 4});
+    object.setRect({5, 2, 3, 4});
+    EXPECT_EQ(told, (std::vector<LumoRect>{{}, {1, 2, 3, 4}}));
+}
+
+TEST(Animation, RunsToItsEndWhileOthersComeAndGo) {
+    LumoObject owner;
+    QBLumoAnimationTimer timer(nullptr, &owner);
+    QBLumoAnimation first(1.0);
+    auto second = std::make_unique<QBLumoAnimation>(2.0);
+    QBLumoAnimation instant(0.0);
+    int calls = 0;
+    first.setUpdateFunction([&](QBLumoAnimation*) {
+        if (++calls == 3) second.reset();  // in the middle of a tick
+    });
+    timer.playAnimation(&first);
+    EXPECT_EQ(calls, 1);
+    timer.step(0.5);
+    timer.playAnimation(second.get());
+    timer.playAnimation(&instant);
+    EXPECT_DOUBLE_EQ(first.elapsed(), 0.5);  // untouched by the others
+    timer.step(0.25);
+    EXPECT_FALSE(second);
+    EXPECT_FALSE(instant.isRunning());
+    EXPECT_TRUE(first.isRunning());
+    timer.step(9);
+    EXPECT_FALSE(first.isRunning());
+    EXPECT_DOUBLE_EQ(first.elapsed(), 1.0);
+}
+
+TEST(Animation, EndsWithTheTimerOrTheTimerWithoutIt) {
+    LumoObject owner;
+    QBLumoAnimation survivor(1.0);
+    {
+        QBLumoAnimationTimer timer(nullptr, &owner);
+        timer.playAnimation(&survivor);
+        {
+            QBLumoAnimation brief(1.0);
+            timer.playAnimation(&brief);
+        }
+        timer.step(0.1);
+    }
+    EXPECT_FALSE(survivor.isRunning());
+}
+
+TEST(CanvasContext, LetsASlotReplaceItself) {
+    QBLumoContext context;
+    context.diagramEmptinessChanged(true);  // nobody listens
+    int calls = 0;
+    context.setDiagramEmptinessChanged([&](bool) {
+        ++calls;
+        context.setDiagramEmptinessChanged(nullptr);
+    });
+    context.diagramEmptinessChanged(true);
+    context.diagramEmptinessChanged(true);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(ImageProvider, GivesPicturesByNameAndNothingForAMissingOne) {
+    QBLumoImageResourceProvider_LINUX provider;
+    char* data = nullptr;
+    const unsigned long size = provider.loadImage("ResID_BtnSubqueryEdit", &data);
+    ASSERT_GT(size, 8u);
+    EXPECT_EQ(std::string(data + 1, 3), "PNG");
+    EXPECT_EQ(provider.loadImage(":/no/such.png", &data), 0u);
+    EXPECT_NE(data, nullptr);
+}
+
+}  // namespace
+}  // namespace QB::DiagramLumo
