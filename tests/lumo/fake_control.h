@@ -27,7 +27,9 @@ public:
     void updateRegion(const LumoRect& rect) override { updated.push_back(rect); }
     void layoutWanted() override { ++layoutsWanted; }
     void cursorChanged(int code) override { cursor = code; }
-    void rightClicked(const LumoMessageRightClickParam&, LumoPoint) override {}
+    void rightClicked(const LumoMessageRightClickParam& param, LumoPoint) override {
+        rightClicks.push_back(param.block());
+    }
 
     /// What was updated since the last call.
     std::vector<LumoRect> takeUpdated() { return std::exchange(updated, {}); }
@@ -37,6 +39,7 @@ public:
     int changes = 0;
     int layoutsWanted = 0;
     int cursor = 0;
+    std::vector<std::shared_ptr<void>> rightClicks;
     std::vector<LumoRect> updated;
 };
 

@@ -29,6 +29,12 @@ double shownOrigin(double origin, double extent, double from, double length) {
     return from + length - extent;
 }
 
+/// Of all of @p rect, at most 1.
+double zoomToShow(const LumoRect& rect, const QSize& room) {
+    return std::min(
+        {1.0, double(room.width()) / lumoWidth(rect), double(room.height()) / lumoHeight(rect)});
+}
+
 /// The union of what the children of @p diagram paint.
 LumoRect contentOf(const LumoDiagram* diagram) {
     LumoRect all;
@@ -252,10 +258,9 @@ void LumoUIScrollView::Control::fitToView() {
     const LumoRect content = contentOf(diagram());
     if (content.size == LumoSize{}) return zoomReset();
     const LumoRect framed = lumoInflateRect(content, fitMargin, fitMargin);
-    const QSize room = m_view->maximumViewportSize();
-    const double across = double(room.width()) / lumoWidth(framed);
-    const double down = double(room.height()) / lumoHeight(framed);
-    setZoom(std::min({1.0, across, down}), {0, 0});
+    setZoom(zoomToShow(framed, m_view->maximumViewportSize()), {0, 0});
+    // Where that brought bars there is less room.
+    setZoom(std::min(m_zoom, zoomToShow(framed, m_view->viewport()->size())), {0, 0});
     scrollToVisible(framed, true);
 }
 
