@@ -1,5 +1,7 @@
 #include "canvas/view/canvas_commands.h"
 
+#include <algorithm>
+
 #include <QImage>
 #include <QPainter>
 #include <QPdfWriter>
@@ -22,8 +24,9 @@ using namespace DiagramLumo;
 namespace {
 
 constexpr int pictureMargin = 20;
-constexpr int largestSide = 16384;  // pixels of an image: 1 GB at most
-constexpr int pdfDotsPerInch = 96;  // a pixel of the diagram is a pixel of the page
+constexpr int largestSide = 16384;     // pixels of an image: 1 GB at most
+constexpr int pdfDotsPerInch = 96;     // a pixel of the diagram is a pixel of the page
+constexpr double longestPage = 14400;  // points: the most that a PDF page may have
 
 QString notWritten(const QString& file) {
     return Tolk::localizeWithArgs(Tolk::TextCanvasPictureNotWritten, file.toUtf8().constData());
@@ -43,8 +46,10 @@ struct QBCanvasCommands::State {
     std::vector<Move> arranged;
 
     LumoRect extent() const {
-        const QBLumoDiagram* const diagram = view->lumoDiagram();
-        return diagram ? contentExtent(diagram) : LumoRect();
+        QBLumoDiagram* const diagram = view->lumoDiagram();
+        if (!diagram) return {};
+        diagram->layout();  // links know their place only then
+        return contentExtent(diagram);
     }
 };
 
@@ -100,12 +105,17 @@ void QBCanvasCommands::arrange() {
     const auto moved = diagram->autoLayout();
     if (moved.empty()) return;
     m_state->arranged.clear();
-    for (const auto& [item, before] : moved)
+    LumoRect taken;
+    for (const auto& [item, before] : moved) {
         m_state->arranged.push_back({item->serial(), before, item->getRect()});
+        taken = lumoUnionRect(taken, item->getRect());
+    }
+    m_state->view->getControl()->scrollToVisible(taken, false);
     Q_EMIT undoArrangeAvailable(true);
 }
 
 void QBCanvasCommands::undoArrange() {
+    if (m_state->arranged.empty()) return;
     const std::vector<State::Move> moves = std::move(m_state->arranged);
     m_state->arranged.clear();
     Q_EMIT undoArrangeAvailable(false);
@@ -156,13 +166,15 @@ QString QBCanvasCommands::exportPdf(const QString& file) const {
     QSaveFile target(file);
     if (!target.open(QIODevice::WriteOnly)) return notWritten(file);
     QPdfWriter writer(&target);
+    QSizeF page = rect.size() * 72.0 / pdfDotsPerInch;
+    if (std::max(page.width(), page.height()) > longestPage)
+        page.scale(longestPage, longestPage, Qt::KeepAspectRatio);
     writer.setResolution(pdfDotsPerInch);
-    writer.setPageSize(QPageSize(rect.size() * 72.0 / pdfDotsPerInch, QPageSize::Point, QString(),
-                                 QPageSize::ExactMatch));
+    writer.setPageSize(QPageSize(page, QPageSize::Point, QString(), QPageSize::ExactMatch));
     writer.setPageMargins({0, 0, 0, 0});
     QPainter painter;
     if (!painter.begin(&writer)) return notWritten(file);
-    renderTo(&painter, {{0, 0}, rect.size()});
+    renderTo(&painter, {{0, 0}, page * pdfDotsPerInch / 72.0});
     painter.end();
     return target.commit() ? QString() : notWritten(file);
 }

@@ -1,5 +1,7 @@
 #include "canvas/view/overview_map.h"
 
+#include <algorithm>
+
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -45,14 +47,15 @@ QLineF lineOf(const QBLumoJoinLink* link, const QBLumoDiagram* diagram) {
 
 }  // namespace
 
-OverviewMap::OverviewMap(QBLumoUIView* view) : QWidget(view), m_view(view) {
+// A child of the viewport: scrolling then moves the pixels below it instead of painting all anew.
+OverviewMap::OverviewMap(QBLumoUIView* view) : QWidget(view->viewport()), m_view(view) {
     setObjectName(QStringLiteral("canvasOverview"));
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_NoMousePropagation);
     setCursor(Qt::PointingHandCursor);
     translateTexts();
     hide();
-    // Everything that changes the diagram makes the view paint.
-    view->viewport()->installEventFilter(this);
+    connect(view, &LumoUIScrollView::contentChanged, this, &OverviewMap::refresh);
     connect(view, &LumoUIScrollView::displayChanged, this, &OverviewMap::refresh);
 }
 
@@ -71,18 +74,12 @@ void OverviewMap::setWanted(bool wanted) {
     refresh();
 }
 
-bool OverviewMap::eventFilter(QObject* watched, QEvent* event) {
-    // Not within the painting: what it shows may hide or move this widget.
-    if (event->type() == QEvent::Paint)
-        QMetaObject::invokeMethod(this, &OverviewMap::refresh, Qt::QueuedConnection);
-    if (event->type() == QEvent::Resize) refresh();
-    return QWidget::eventFilter(watched, event);
-}
-
 OverviewMap::Content OverviewMap::currentContent() const {
     Content content;
     const QBLumoDiagram* const diagram = m_view->lumoDiagram();
-    if (!diagram) return content;
+    if (!diagram || !m_wanted) return content;
+    content.room = m_view->viewport()->size();
+    content.dark = isDarkTheme();
     content.display = m_view->getControl()->getDisplayRect();
     for (const QBLumoItem* item : diagram->items())
         if (item->getVisible())
@@ -99,7 +96,7 @@ void OverviewMap::refresh() {
     Content content = currentContent();
     const bool useful = !content.boxes.empty() &&
                         !lumoContainsRect(content.display, contentExtent(m_view->lumoDiagram()));
-    if (!m_wanted || !useful) {
+    if (!useful) {
         hide();
         return;
     }
@@ -112,7 +109,7 @@ void OverviewMap::refresh() {
 }
 
 void OverviewMap::place() {
-    const QRect room = m_view->viewport()->geometry();
+    const QSize room = m_content.room;
     const QSize largest(std::min(largestWidth, room.width() / shareOfView),
                         std::min(largestHeight, room.height() / shareOfView));
     const QSize size = toQt(m_content.extent)
@@ -120,8 +117,8 @@ void OverviewMap::place() {
                            .scaled(largest, Qt::KeepAspectRatio)
                            .toSize()
                            .expandedTo({1, 1});
-    setGeometry(room.right() - distanceToEdge - size.width(),
-                room.bottom() - distanceToEdge - size.height(), size.width(), size.height());
+    setGeometry(room.width() - distanceToEdge - size.width(),
+                room.height() - distanceToEdge - size.height(), size.width(), size.height());
 }
 
 QTransform OverviewMap::diagramToMap() const {

@@ -33,7 +33,6 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void changeEvent(QEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     struct Box {
@@ -49,9 +48,11 @@ private:
         LumoRect display;
         std::vector<Box> boxes;
         std::vector<QLineF> lines;
+        QSize room;  // of the viewport
+        bool dark = false;
         bool operator==(const Content& other) const {
             return extent == other.extent && display == other.display && boxes == other.boxes &&
-                   lines == other.lines;
+                   lines == other.lines && room == other.room && dark == other.dark;
         }
     };
     Content currentContent() const;

@@ -96,7 +96,7 @@ void QBLumoUIView::applyTheme() {
     shown->setBackgroundColor(themePalette().canvas);
     for (QBLumoItem* item : shown->items())
         if (item->getBody()) item->getBody()->themeChanged();
-    shown->invalidate();
+    shown->repaint();
     viewport()->update();
 }
 
