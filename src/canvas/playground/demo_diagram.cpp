@@ -35,9 +35,8 @@ int roll(Dice* dice, int sides) {
     return int((*dice)() % unsigned(sides));
 }
 
-std::vector<std::string> demoFields(Dice* dice) {
+std::vector<std::string> demoFields(int count) {
     std::vector<std::string> names;
-    const int count = 3 + roll(dice, 12);
     for (int i = 0; i < count; ++i) {
         std::string name = fields[size_t(i) % std::size(fields)];
         if (i >= int(std::size(fields))) name += "_" + std::to_string(i);
@@ -57,12 +56,13 @@ QBLumoBaseItemBody* makeText(int index) {
     return body;
 }
 
-QBLumoBaseItemBody* makeTable(int index, Dice* dice) {
+QBLumoBaseItemBody* makeTable(int index, int fieldCount, Dice* dice) {
     auto* const body = new QBLumoDatabaseItemBody;
     body->setTableName(subjects[size_t(index) % std::size(subjects)] + std::string("_") +
                        std::to_string(index));
     if (roll(dice, 4) == 0) body->setAlias("t" + std::to_string(index));
-    const std::vector<std::string> names = demoFields(dice);
+    const std::vector<std::string> names =
+        demoFields(fieldCount > 0 ? fieldCount : 3 + roll(dice, 12));
     body->setRect({0, 0, defaultTableBodySize().width, tableBodyHeightFor(int(names.size()))});
     body->setFields(names);
     if (roll(dice, 3) == 0) body->setFieldSelected(names.front(), true);
@@ -120,7 +120,7 @@ QBLumoJoinLink* addDemoLink(QBLumoDiagram* diagram, QBLumoItem* left, const std:
     return diagram->getRelationMode() == TableRelation ? tableLink : fieldLink;
 }
 
-void fillDemoDiagram(QBLumoDiagram* diagram, int items, int links) {
+void fillDemoDiagram(QBLumoDiagram* diagram, int items, int links, int fieldCount) {
     Dice dice(42);
     const int columns = std::max(1, int(std::sqrt(double(items) * 1.6)));
     const int rows = (items + columns - 1) / columns;
@@ -129,7 +129,8 @@ void fillDemoDiagram(QBLumoDiagram* diagram, int items, int links) {
     std::vector<QBLumoItem*> made;
     for (int i = 0; i < items; ++i) {
         auto* const item = new QBLumoItem;
-        item->setBody(i % textEvery == textEvery - 1 ? makeText(i) : makeTable(i, &dice));
+        item->setBody(i % textEvery == textEvery - 1 ? makeText(i)
+                                                     : makeTable(i, fieldCount, &dice));
         item->setRect({gridPlace(i, columns, &dice), item->getRect().size});
         diagram->addChild(item);
         made.push_back(item);
