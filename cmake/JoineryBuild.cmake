@@ -132,6 +132,9 @@ function(joinery_gtest name)
     add_executable(test_${name} ${sources})
     # No test has a .ui; canvas/view/ui_view.h is not made of one.
     set_target_properties(test_${name} PROPERTIES AUTOUIC OFF)
+    if(JOINERY_SANITIZE AND "Qt5::Test" IN_LIST TEST_LIBS)
+        target_sources(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/offscreen_screen.cpp)
+    endif()
     joinery_link_rooms(test_${name} ${TEST_ROOMS})
     target_link_libraries(test_${name} PRIVATE joinery_flags test_support GTest::gtest_main
                           Threads::Threads ${TEST_LIBS})
