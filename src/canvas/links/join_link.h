@@ -29,9 +29,10 @@ public:
     /// A click opens the editor after a while in which it may become a double click; a double click
     /// opens it at once; either only once.
     struct DoubleClickGestureData {
-        bool waiting = false;        // for a second click
-        bool pressed = false;        // a click has begun here
-        bool swallowUp = false;      // the second release of a double click, which a popup may take
+        bool waiting = false;  // for a second click
+        /// A click has begun here. A double click takes that back: its second release, which a
+        /// popup may take, is no click.
+        bool pressed = false;
         int64_t firedAt = -1;        // milliseconds of a steady clock
         LumoTimer* timer = nullptr;  // owned
         DoubleClickGestureData() = default;

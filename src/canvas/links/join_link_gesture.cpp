@@ -65,7 +65,6 @@ bool QBLumoJoinLink::shouldTriggerMouseDoubleClick(LumoEvent event) {
 }
 
 bool QBLumoJoinLink::handleDown(const LumoEvent& event) {
-    m_doubleClick.swallowUp = false;
     m_doubleClick.pressed = isLeftAlone(event);
     if (auto* const canvas = dynamic_cast<QBLumoDiagram*>(diagram()))
         canvas->handleJoinLinkPressed(this, event);
@@ -73,9 +72,8 @@ bool QBLumoJoinLink::handleDown(const LumoEvent& event) {
 }
 
 bool QBLumoJoinLink::handleUp(const LumoEvent& event) {
-    const bool isClick = m_doubleClick.pressed && !m_doubleClick.swallowUp && isLeftAlone(event);
+    const bool isClick = m_doubleClick.pressed && isLeftAlone(event);
     m_doubleClick.pressed = false;
-    m_doubleClick.swallowUp = false;
     if (isClick) waitForSecondClick(event.control);
     return false;
 }
@@ -95,7 +93,6 @@ void QBLumoJoinLink::waitForSecondClick(LumoControl* control) {
 bool QBLumoJoinLink::handleDoubleClick(const LumoEvent& event) {
     if (!isLeftAlone(event)) return true;
     cancelGesture();
-    m_doubleClick.swallowUp = true;
     const bool hasJustFired = m_doubleClick.firedAt >= 0 &&
                               now() - m_doubleClick.firedAt < QApplication::doubleClickInterval();
     if (!hasJustFired) fireDoubleClicked();

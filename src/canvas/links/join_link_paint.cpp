@@ -11,7 +11,7 @@ namespace {
 
 constexpr double lineWidth = 2.0;
 constexpr double selectionHalo = 2.0;
-constexpr int wavesMargin = 12;  // what the widest wave needs beyond a selection's halo
+constexpr int wavesMargin = 8;  // what the widest wave needs beyond the box of a short route
 
 LumoColor withAlpha(LumoColor color, double alpha) {
     color.alpha = alpha;
