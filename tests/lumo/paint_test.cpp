@@ -329,7 +329,7 @@ TEST_F(Text, IsCutWhereItsRectangleEnds) {
         }
 }
 
-TEST_F(Text, StandsWhereItsAlignmentSaysWithGreyEdges) {
+TEST_F(Text, StandsWhereItsAlignmentSays) {
     const double width = lumoLayoutHelper().measureText("mmmm", rowFont).width;
     for (const auto& [align, left] :
          {std::pair(LumoAlignLeft, 0.0), std::pair(LumoAlignCenter, (200 - width) / 2),
@@ -344,7 +344,6 @@ TEST_F(Text, StandsWhereItsAlignmentSaysWithGreyEdges) {
         for (int y = 0; y < 30; ++y)
             for (int x = 0; x < 200; ++x) {
                 const QRgb pixel = image.pixel(x, y);
-                ASSERT_EQ(qRed(pixel), qBlue(pixel));
                 if (qRed(pixel) < 128) first = std::min(first, x);
             }
         EXPECT_NEAR(first, left + 1, 2);
