@@ -124,6 +124,8 @@ TEST_F(Items, LayOutNoMoreOfALongTextThanShows) {
     body->setText(std::string(1 << 20, 'x'));
     scene.diagram.layout();
     EXPECT_LT(lumoTextLayouts() - before, 200);
+    EXPECT_LT(lineStart(megabyte, 200).size(), 1000u) << "and that of no more";
+    EXPECT_EQ(lineStart("short", 200), "short");
 }
 
 TEST_F(Items, ShowTheFieldsOfATextBesideItAndTheButtonInItsTitle) {
@@ -132,6 +134,7 @@ TEST_F(Items, ShowTheFieldsOfATextBesideItAndTheButtonInItsTitle) {
     EXPECT_EQ(whole, LumoRect(1, 31, 233, 83));
     body->setFields({"one", "two"});
     scene.diagram.layout();
+    EXPECT_EQ(body->textRect().origin, whole.origin);
     EXPECT_LT(body->textRect().size.width, 115);
     EXPECT_EQ(body->listView()->existingCells().size(), 3u);
     EXPECT_GT(body->listView()->translatePoint({}, body).x, 115);

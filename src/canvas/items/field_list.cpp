@@ -33,7 +33,7 @@ bool isWildcard(const Row& row) {
 /// The field of a row, or null for the wildcard.
 const std::string* fieldOf(const Row& row) {
     const auto found = row.find("FieldName");
-    return found == row.end() || isWildcard(row) ? nullptr : &found->second.toString();
+    return found == row.end() ? nullptr : &found->second.toString();
 }
 
 const Row& rowOf(const Cell* cell) {
