@@ -82,7 +82,8 @@ JoinSymbol QBLumoJoinLink::symbol() const {
 }
 
 /// Flat segments without a path: a path with round caps costs three times as much. Only the stubs
-/// are rounded, so that they meet the segments without a notch.
+/// are rounded, so that they meet the segments without a notch; each is a path of its own, since
+/// one of both would be filled line by line from the one to the other.
 void QBLumoJoinLink::paintLine(LumoPainter* painter) const {
     const LumoPoint middle = m_primary.middle();
     painter->setColor(Style::linkGrey);
@@ -90,13 +91,15 @@ void QBLumoJoinLink::paintLine(LumoPainter* painter) const {
     painter->setLineCap(LumoCapFlat);
     for (const LumoPoint stub : {m_primary.startStub(), m_primary.endStub()}) {
         const Leg leg = legTo(stub, middle);
-        if (leg.isThere) painter->drawLine(leg.from.x, leg.from.y, leg.to.x, leg.to.y);
+        if (leg.isThere) painter->addLine(leg.from.x, leg.from.y, leg.to.x, leg.to.y);
     }
+    painter->stroke();
     painter->setLineJoin(LumoJoinBevel);
     painter->setLineCap(LumoCapRound);
     const LumoPoint start = m_primary.start;
     const LumoPoint end = m_primary.end;
     painter->addLine(start.x, start.y, m_primary.startStub().x, start.y);
+    painter->stroke();
     painter->addLine(m_primary.endStub().x, end.y, end.x, end.y);
     painter->stroke();
 }

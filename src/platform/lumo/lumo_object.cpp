@@ -424,9 +424,10 @@ void LumoObject::paintChildren(LumoPaintConfig* config, const LumoRect& rect) {
 
 void LumoObject::paintChild(LumoObject* child, LumoPaintConfig* config,
                             const LumoRect& rect) const {
-    if (!child->getVisible()) return;
     const LumoPoint origin = child->getRect().origin;
+    // The cheaper question first: most children of a large canvas are out of sight.
     if (!lumoIntersectsRect(lumoMovedRect(child->customDirtyRect(), origin), rect)) return;
+    if (!child->getVisible()) return;
     ++config->paintedObjects;
     LumoPictureCache* const cache = child->isCachedAsPicture() ? config->pictureCache() : nullptr;
     if (cache && cache->paint(child, config)) return;

@@ -5,6 +5,7 @@
 
 #include <QPaintEngine>
 #include <QPainter>
+#include <QVarLengthArray>
 
 #include "platform/lumo/lumo_object.h"
 #include "platform/lumo/lumo_paint_device.h"
@@ -262,8 +263,10 @@ bool LumoPainter::pathIsSegments() const {
 void LumoPainter::strokeSegments() {
     QPainter* const painter = begin();
     painter->setPen(qtPen());
+    QVarLengthArray<QLineF, 4> lines;
     for (int i = 0; i < m_path.elementCount(); i += 2)
-        painter->drawLine(QLineF(m_path.elementAt(i), m_path.elementAt(i + 1)));
+        lines.append(QLineF(m_path.elementAt(i), m_path.elementAt(i + 1)));
+    painter->drawLines(lines.constData(), lines.size());
 }
 
 void LumoPainter::stroke() {
