@@ -101,12 +101,12 @@ TEST(JoinSymbol, FillsThePartThatTheJoinKeepsInEachThemeScaleAndAngle) {
     EXPECT_EQ(joinSymbolPictureCount(), 0);
 }
 
-QImage paintedLink(QBLumoJoinLink* link, const LinkScene& scene) {
+QImage painted(LumoObject* object, const LinkScene& scene) {
     const LumoSize size = scene.diagram.getRect().size;
     QImage image = canvasImage({size.width, size.height}, 1);
     QPainter qtPainter(&image);
     LumoPaintConfig config(&qtPainter);
-    link->paint(&config, link->getBoundingRect());
+    object->paint(&config, object->getBoundingRect());
     return image;
 }
 
@@ -120,8 +120,8 @@ QRect touchedPart(const QImage& image) {
     return touched;
 }
 
-QRect dirtyPart(const QBLumoJoinLink* link, const LinkScene& scene) {
-    const LumoRect rect = link->translateRect(link->customDirtyRect(), &scene.diagram);
+QRect dirtyPart(const LumoObject* object, const LinkScene& scene) {
+    const LumoRect rect = object->translateRect(object->customDirtyRect(), &scene.diagram);
     return {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
 }
 
@@ -135,9 +135,9 @@ TEST(JoinLink, PaintsOnlyInsideOfWhatItMakesDirty) {
             QBLumoJoinLink* const link = scene.link(a, b, type);
             link->setLabel("ON a.customer_number = b.number AND a.day BETWEEN b.first AND b.last");
             link->setSelected(type != 2);
-            for (const double seconds : {0.0, 0.0, 0.6, 1.0, 1.0}) {
+            for (const double seconds : {0.0, 0.0, 0.85, 0.75, 1.0}) {
                 scene.diagram.getAnimationTimer()->step(seconds);
-                const QRect touched = touchedPart(paintedLink(link, scene));
+                const QRect touched = touchedPart(painted(link, scene));
                 EXPECT_GT(touched.width() * touched.height(), 100);
                 EXPECT_TRUE(dirtyPart(link, scene).contains(touched))
                     << "type " << type << " to " << place.x << ' ' << place.y << " after "
@@ -148,6 +148,25 @@ TEST(JoinLink, PaintsOnlyInsideOfWhatItMakesDirty) {
             delete link;
         }
     }
+}
+
+TEST(JoinLinkAdaptor, MarksTheSidesThatLinksUseAndLightsUpWithThem) {
+    LinkScene scene;
+    auto* const hub = scene.dock({400, 400, 200, 50});
+    EXPECT_TRUE(touchedPart(painted(hub, scene)).isEmpty());
+    auto* const far = scene.dock({900, 400, 200, 50});
+    QBLumoJoinLink* const link = scene.link(hub, far);
+    const QRect right(596, 411, 8, 8);  // a disc of radius 4 on the edge of the box
+    const QRect left = right.translated(-200, 0);
+    EXPECT_EQ(touchedPart(painted(hub, scene)), right);
+    link->setSelected(true);
+    EXPECT_TRUE(touchedPart(painted(hub, scene)).contains(right.adjusted(-2, -2, 2, 2)));
+    EXPECT_TRUE(dirtyPart(hub, scene).contains(touchedPart(painted(hub, scene))));
+    link->setSelected(false);
+    scene.move(far, {10, 400});
+    EXPECT_EQ(touchedPart(painted(hub, scene)), left);
+    scene.link(hub, scene.dock({900, 500, 200, 50}));
+    EXPECT_EQ(touchedPart(painted(hub, scene)), left | right);
 }
 
 TEST(JoinLink, FlashesForItsTimeAndDirtiesOnlyItsOwnBox) {
@@ -161,7 +180,7 @@ TEST(JoinLink, FlashesForItsTimeAndDirtiesOnlyItsOwnBox) {
     QBLumoJoinLink* const link =
         scene.link(scene.dock({100, 300, 100, 50}), scene.dock({500, 320, 100, 50}));
     QBLumoAnimationTimer* const timer = scene.diagram.getAnimationTimer();
-    const QImage still = paintedLink(link, scene);
+    const QImage still = painted(link, scene);
     context.dirty.clear();
 
     link->playPromptAnimation();
@@ -169,11 +188,11 @@ TEST(JoinLink, FlashesForItsTimeAndDirtiesOnlyItsOwnBox) {
         timer->step(0.1);
         EXPECT_TRUE(link->isPromptRunning()) << tick;
         // Waves to 0.64 of the time.
-        EXPECT_EQ(paintedLink(link, scene) != still, tick < 15) << tick;
+        EXPECT_EQ(painted(link, scene) != still, tick < 15) << tick;
     }
     timer->step(0.2);
     EXPECT_FALSE(link->isPromptRunning());
-    EXPECT_EQ(paintedLink(link, scene), still);
+    EXPECT_EQ(painted(link, scene), still);
     const QRect box = dirtyPart(link, scene).adjusted(-8, -8, 8, 8);
     for (const LumoRect& rect : context.dirty)
         EXPECT_TRUE(
@@ -182,9 +201,9 @@ TEST(JoinLink, FlashesForItsTimeAndDirtiesOnlyItsOwnBox) {
     // Gone while it flashes.
     link->playPromptAnimation();
     scene.diagram.removeChild(link);
+    timer->step(0.1);
     EXPECT_FALSE(link->isPromptRunning());
     delete link;
-    timer->step(0.1);
 }
 
 // ---- clicks, at the window ----
@@ -241,7 +260,7 @@ protected:
         if (step == 'R') mouse(QEvent::MouseButtonPress, Qt::RightButton);
         if (step == 'r') mouse(QEvent::MouseButtonRelease, held);
         if (step == 'x') popup.close();
-        if (step == 'o') place += QPoint(0, 60);
+        if (step == 'o') place += QPoint(0, 20);
         if (step == 'm') {
             place += QPoint(30, 0);
             mouse(QEvent::MouseMove, Qt::NoButton);

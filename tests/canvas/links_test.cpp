@@ -278,6 +278,14 @@ TEST(JoinLink, LeavesOnlyTheAdaptorsThatNoOtherPairHolds) {
     EXPECT_EQ(link.allAdaptorPairs().size(), 1U);
     link.removeAllAdaptors();
     EXPECT_EQ(attached(), (std::vector<size_t>{0, 0, 0}));
+
+    const auto lone = std::make_unique<QBLumoObject>();  // outside of a diagram nobody tells
+    auto* const shortLived = new QBLumoItemJoinLinkAdaptor;
+    lone->addChild(shortLived);
+    link.addFieldAdaptors(a, shortLived);
+    lone->clearChildren();
+    EXPECT_TRUE(link.allAdaptorPairs().empty());
+    EXPECT_TRUE(a->links().empty());
 }
 
 /// Three boxes in a ring of links, two of these between the same boxes; everything is removed and
