@@ -123,8 +123,10 @@ void QBCanvasCommands::undoArrange() {
     if (!diagram) return;
     for (QBLumoItem* item : diagram->items())
         for (const State::Move& move : moves)
-            if (move.item == item->serial() && move.after == item->getRect())
+            if (move.item == item->serial() && move.after == item->getRect()) {
                 item->setRect(move.before);
+                item->setRequireToVerifyLayout(true, true);  // its links come along
+            }
     diagram->repaint();
 }
 
