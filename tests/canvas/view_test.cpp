@@ -238,6 +238,12 @@ TEST(CanvasView, the_keyboard_comes_in_leads_through_and_goes_out) {
     const LumoRect film = focusPlace(scene.diagram.get());
     const LumoPoint ring{film.origin.x - 1, film.origin.y + 40};
     const QColor lit = scene.pixel(ring);
+    // The mouse takes it away and leaves the focus.
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {},
+                      scene.view->viewport()->mapTo(&window, QPoint(film.origin.x + 100, 75)));
+    ViewScene::settle();
+    EXPECT_EQ(scene.diagram->focusedObject(), scene.film->item());
+    EXPECT_TRUE(differs(scene.pixel(ring), lit));
     for (int i = 0; i < 3; ++i)
         press(Qt::Key_Tab);
     EXPECT_EQ(scene.diagram->focusedObject(), scene.link);
