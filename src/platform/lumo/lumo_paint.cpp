@@ -250,8 +250,15 @@ void LumoPainter::fillRectangle(const QRectF& rect) {
     painter->setRenderHint(QPainter::Antialiasing, true);
 }
 
+/// Round ends of a pen as thin as this look like square ones, which need no path.
+bool LumoPainter::endsAreThin() const {
+    constexpr double thin = 2.0;  // pixels of the device
+    return m_pen.width * m_config->scale() <= thin;
+}
+
 bool LumoPainter::pathIsSegments() const {
-    if (m_pen.cap == LumoCapRound || m_path.elementCount() % 2 != 0) return false;
+    if (m_pen.cap == LumoCapRound && !endsAreThin()) return false;
+    if (m_path.elementCount() % 2 != 0) return false;
     for (int i = 0; i < m_path.elementCount(); ++i) {
         const QPainterPath::ElementType wanted =
             i % 2 == 0 ? QPainterPath::MoveToElement : QPainterPath::LineToElement;
@@ -262,7 +269,9 @@ bool LumoPainter::pathIsSegments() const {
 
 void LumoPainter::strokeSegments() {
     QPainter* const painter = begin();
-    painter->setPen(qtPen());
+    QPen pen = qtPen();
+    if (m_pen.cap == LumoCapRound) pen.setCapStyle(Qt::SquareCap);
+    painter->setPen(pen);
     QVarLengthArray<QLineF, 4> lines;
     for (int i = 0; i < m_path.elementCount(); i += 2)
         lines.append(QLineF(m_path.elementAt(i), m_path.elementAt(i + 1)));

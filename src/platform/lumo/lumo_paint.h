@@ -216,6 +216,7 @@ private:
     QPainter* begin();
     QPainterPath& path();
     QPen qtPen() const;
+    bool endsAreThin() const;
     bool pathIsSegments() const;
     void strokeSegments();
     void fillRectangle(const QRectF& rect);
