@@ -1,0 +1,136 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include <QTest>
+#include <QWindow>
+
+#include "canvas/base/context.h"
+#include "canvas/diagram/diagram.h"
+#include "canvas/items/item.h"
+#include "canvas/links/join_link.h"
+#include "canvas/links/join_link_adaptor.h"
+#include "canvas/playground/demo_diagram.h"
+#include "canvas/view/ui_view.h"
+#include "platform/lumo/lumo_control.h"
+#include "support/application.h"
+
+namespace QB::DiagramLumo {
+namespace {
+
+constexpr int turnsOfNothing = 5;
+
+/// 200 items and 300 links in a window of 1200 x 900.
+class PaintCounters : public testing::Test {
+protected:
+    PaintCounters() {
+        QB::Test::needApplication();
+        view.reset(QBLumoUIView::create(&context, nullptr));
+        diagram = std::make_unique<QBLumoDiagram>(&context, view->getControl());
+        fillDemoDiagram(diagram.get(), 200, 300);
+        context.setActiveDiagram(view->getControl(), diagram.get());
+        view->resize(1200, 900);
+        view->show();
+        settle();
+    }
+    ~PaintCounters() override { view.reset(); }
+
+    static void settle() {
+        for (int i = 0; i < turnsOfNothing; ++i)
+            QCoreApplication::processEvents();
+    }
+    /// In the window of the view.
+    QPoint windowPoint(LumoPoint inDiagram) const {
+        const LumoControlPoint place = view->getControl()->diagramSpaceToControlSpace(inDiagram);
+        return view->viewport()->mapTo(view.get(), QPoint(place.x, place.y));
+    }
+    /// Of an item in the second row and column, whose title lies in view.
+    QBLumoItem* itemInView() const { return diagram->items().at(18); }
+    static LumoPoint gripOf(const QBLumoItem* item) {
+        return item->getRect().origin + LumoPoint{100, 19};
+    }
+
+    QBLumoContext context;
+    std::unique_ptr<QBLumoUIView> view;
+    std::unique_ptr<QBLumoDiagram> diagram;
+};
+
+/// What @p object paints, in the space of the diagram.
+LumoRect placeOf(const LumoObject* object) {
+    return lumoMovedRect(object->customDirtyRect(), object->getRect().origin);
+}
+
+/// The item with the links at it.
+std::vector<const LumoObject*> movedWith(const QBLumoItem* item) {
+    std::vector<const LumoObject*> moved{item};
+    for (const QBLumoJoinLink* link : item->getAdaptor()->links())
+        if (link->isShown()) moved.push_back(link);
+    return moved;
+}
+
+LumoRect unionOf(const std::vector<const LumoObject*>& objects) {
+    LumoRect all;
+    for (const LumoObject* object : objects)
+        all = lumoUnionRect(all, placeOf(object));
+    return all;
+}
+
+int countIn(const QBLumoDiagram& diagram, const LumoRect& rect) {
+    int count = 0;
+    for (const LumoObject* child : diagram.getChildren())
+        if (child->getVisible() && lumoIntersectsRect(placeOf(child), rect)) ++count;
+    return count;
+}
+
+TEST_F(PaintCounters, NothingIsPaintedWhileNothingHappens) {
+    const int before = view->paintPasses();
+    ASSERT_GT(before, 0);
+    settle();
+    // Nor where the pointer moves over the empty canvas, or what changes is out of sight.
+    QTest::mouseMove(view->windowHandle(), windowPoint({20, 20}));
+    QTest::mouseMove(view->windowHandle(), windowPoint({24, 22}));
+    QBLumoItem* const outOfSight = diagram->items().back();
+    outOfSight->setRect(lumoMovedRect(outOfSight->getRect(), {-7, -7}));
+    diagram->layout();
+    settle();
+    EXPECT_EQ(view->paintPasses(), before);
+
+    itemInView()->repaint();
+    settle();
+    EXPECT_EQ(view->paintPasses(), before + 1) << "or the counter counts nothing";
+}
+
+TEST_F(PaintCounters, AStepOfADragPaintsOnceAndOnlyWhatItTouches) {
+    const QBLumoItem* const item = itemInView();
+    QWindow* const window = view->windowHandle();
+    LumoPoint place = gripOf(item);
+    QTest::mousePress(window, Qt::LeftButton, {}, windowPoint(place));
+    place += {20, 20};
+    QTest::mouseMove(window, windowPoint(place));
+    settle();
+    for (int step = 0; step < 20; ++step) {
+        const int passes = view->paintPasses();
+        LumoRect touched = unionOf(movedWith(item));
+        const LumoRect before = item->getRect();
+        place += {5, 3};
+        QTest::mouseMove(window, windowPoint(place));
+        settle();
+        ASSERT_NE(item->getRect(), before);
+        touched = lumoUnionRect(touched, unionOf(movedWith(item)));
+        EXPECT_EQ(view->paintPasses(), passes + 1);
+        EXPECT_LE(view->objectsInLastPass(), countIn(*diagram, touched) + 10);
+        EXPECT_LT(view->objectsInLastPass(), 60) << "of 500 that show";
+    }
+    QTest::mouseRelease(window, Qt::LeftButton, {}, windowPoint(place));
+}
+
+TEST_F(PaintCounters, AFullRepaintPaintsNothingOutOfSight) {
+    view->viewport()->update();
+    settle();
+    // Items are one object each, whatever they hold: their pictures are kept.
+    EXPECT_LE(view->objectsInLastPass(), countIn(*diagram, view->getControl()->getDisplayRect()));
+    EXPECT_GT(view->objectsInLastPass(), 10);
+}
+
+}  // namespace
+}  // namespace QB::DiagramLumo
