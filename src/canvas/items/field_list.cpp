@@ -4,7 +4,6 @@
 
 #include "canvas/base/canvas_style.h"
 #include "canvas/controls/check_box.h"
-#include "canvas/controls/press.h"
 #include "canvas/controls/scroll_view.h"
 #include "canvas/diagram/diagram.h"
 #include "canvas/items/item.h"
@@ -178,8 +177,7 @@ bool QBLumoBaseItemBody::FieldCellDelegate::cellMouseUp(QBLumoListView*, Cell* c
 
 QBLumoBaseItemBody::FieldCellBackground::FieldCellBackground() {
     setHighlightable(true);
-    paintAnewAsMouseComesAndGoes(this);
-    for (const auto type : {LumoDragEnter, LumoDragLeave})
+    for (const auto type : {LumoMouseEnter, LumoMouseLeave, LumoDragEnter, LumoDragLeave})
         registerEventResponder(type, [this](LumoEvent) {
             invalidate();
             return true;
