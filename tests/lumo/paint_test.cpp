@@ -245,6 +245,7 @@ TEST(Painter, JoinsFilledNeighboursWithoutASeamAtAnyZoom) {
 
 TEST(Painter, RestoresTheStateOfTheQPainterWhateverItDid) {
     QImage image(50, 50, QImage::Format_RGB32);
+    image.fill(Qt::black);
     QPainter qt(&image);
     qt.setPen(QPen(Qt::blue, 3));
     qt.setBrush(Qt::cyan);

@@ -18,14 +18,9 @@ LumoDoubleRect centred(LumoSize size, const LumoRect& bounds) {
 }  // namespace
 
 QBLumoButton::QBLumoButton() {
-    paintAnewAsMouseComesAndGoes(this);
-    registerEventResponder(LumoMouseDown,
-                           [this](LumoEvent event) { return responderMouseDown(event); });
-    registerEventResponder(LumoMouseUp,
-                           [this](LumoEvent event) { return responderMouseUp(event); });
-    // Or a double click on the button would be one on what it lies on, too.
-    registerEventResponder(LumoMouseDoubleClick,
-                           [this](LumoEvent event) { return responderMouseDown(event); });
+    makeClickable(
+        this, [this](LumoEvent event) { return responderMouseDown(event); },
+        [this](LumoEvent event) { return responderMouseUp(event); });
 }
 
 QBLumoButton::~QBLumoButton() = default;
@@ -71,17 +66,11 @@ void QBLumoButton::paint(LumoPaintConfig* config, LumoRect rect) {
 }
 
 bool QBLumoButton::responderMouseDown(LumoEvent event) {
-    if (!event.containsEventKey(LumoButtonLeft)) return true;
-    invalidate();
-    return false;
+    return respondToPress(this, event);
 }
 
 bool QBLumoButton::responderMouseUp(LumoEvent event) {
-    if (isReleaseOfOtherButton(event)) return true;
-    // First, since a click may destroy the button.
-    invalidate();
-    if (lumoPointInRect(event.getMousePoint(), getBoundingRect())) click();
-    return false;
+    return respondToRelease(this, event, [this] { click(); });
 }
 
 }  // namespace QB::DiagramLumo

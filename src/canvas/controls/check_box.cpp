@@ -34,14 +34,9 @@ void paintMark(LumoPainter* painter, const LumoRect& box) {
 }  // namespace
 
 QBLumoCheckBox::QBLumoCheckBox() {
-    paintAnewAsMouseComesAndGoes(this);
-    registerEventResponder(LumoMouseDown,
-                           [this](LumoEvent event) { return responderMouseDown(event); });
-    registerEventResponder(LumoMouseUp,
-                           [this](LumoEvent event) { return responderMouseUp(event); });
-    // Or two quick clicks would be a double click on what the box lies on, too.
-    registerEventResponder(LumoMouseDoubleClick,
-                           [this](LumoEvent event) { return responderMouseDown(event); });
+    makeClickable(
+        this, [this](LumoEvent event) { return responderMouseDown(event); },
+        [this](LumoEvent event) { return responderMouseUp(event); });
 }
 
 void QBLumoCheckBox::setChecked(bool checked) {
@@ -83,17 +78,11 @@ void QBLumoCheckBox::paint(LumoPaintConfig* config, LumoRect rect) {
 }
 
 bool QBLumoCheckBox::responderMouseDown(LumoEvent event) {
-    if (!event.containsEventKey(LumoButtonLeft)) return true;
-    invalidate();
-    return false;
+    return respondToPress(this, event);
 }
 
 bool QBLumoCheckBox::responderMouseUp(LumoEvent event) {
-    if (isReleaseOfOtherButton(event)) return true;
-    // First, since the handler may destroy the box.
-    invalidate();
-    if (lumoPointInRect(event.getMousePoint(), getBoundingRect())) setCheckedByUser(!m_checked);
-    return false;
+    return respondToRelease(this, event, [this] { setCheckedByUser(!m_checked); });
 }
 
 }  // namespace QB::DiagramLumo
