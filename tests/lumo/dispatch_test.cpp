@@ -242,15 +242,20 @@ TEST_F(Dispatch, KeepsAGestureWithWhatWasPressed) {
 }
 
 TEST_F(Dispatch, TellsWhatIsDraggedOverFromWhatLiesUnderThePointer) {
-    add("other", diagram.get(), {500, 500, 200, 200});
+    Object* const other = add("other", diagram.get(), {500, 500, 200, 200});
     dragRow();
     EXPECT_EQ(told({"DragEnter", "DragLeave", "DragOver"}),
               "other DragEnter, D DragEnter, other DragOver, D DragOver");
-    EXPECT_TRUE(events().isOver(diagram->getChildren().back()));
+    EXPECT_TRUE(events().isOver(other));
     move({300, 600});
     release({300, 600});
     EXPECT_EQ(told({"DragEnter", "DragLeave", "DragOver", "Up", "Drop"}),
               "other DragLeave, D DragOver, R Up, I Up, D Up, R Drop, I Drop, D Drop, D DragLeave");
+    other->reactions["DragEnter"] = [this](const LumoEvent&) {
+        events().cancel();
+    };
+    dragRow();
+    EXPECT_EQ(told({"DragEnter", "DragLeave", "DragOver"}), "other DragEnter, other DragLeave");
 }
 
 TEST_F(Dispatch, GivesAReleaseItsButtonAndOnlyThat) {
@@ -398,6 +403,15 @@ TEST_F(Dispatch, EndsTheGestureOfAnObjectThatDiesAndKeepsThatOfOthers) {
     EXPECT_EQ(told({"Drop", "drop"}), "") << "nobody is called while something is destroyed";
     QCoreApplication::processEvents();
     EXPECT_EQ(told({"Drop", "drop", "Drag"}), "I Drop, D Drop, I drop, D drop");
+
+    row = add("R", item, {10, 20, 100, 20});
+    row->consumed = {"Down"};
+    row->reactions["Down"] = [this](const LumoEvent&) {
+        delete row;
+    };
+    release(onCanvas);
+    dragRow();
+    EXPECT_EQ(told({"Drag", "drag"}), "") << "it has gone of its press";
 
     row = add("R", item, {10, 20, 100, 20});
     item->consumed = {"Drag"};
@@ -552,29 +566,30 @@ TEST_F(Dispatch, TellsOneRightClickAGestureTheLastAndAfterTheRelease) {
 
 TEST(LumoTimer, MayBeStoppedRestartedAndDestroyedByItsFunction) {
     QB::Test::needApplication();
-    auto* timer = lumoCreateTimer();
-    int calls = 0;
-    const auto wait = [&](int expected) {
-        while (calls < expected)
+    auto* const timer = lumoCreateTimer();
+    std::string called;
+    const auto waitFor = [&](const std::string& expected) {
+        while (called.size() < expected.size())
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        EXPECT_EQ(called, expected);
     };
     timer->setTimerFunc([&](LumoTimer* which) {
-        if (++calls == 3) which->stop();
+        called += "a";
+        if (called == "aaa") which->stop();
     });
     timer->start(1, nullptr);
-    wait(3);
+    waitFor("aaa");
     EXPECT_FALSE(timer->isRunning());
     timer->setTimerFunc([&](LumoTimer* which) {
-        ++calls;
-        which->setTimerFunc([&, kept = std::make_shared<int>(7)](LumoTimer* again) {
+        called += "b";
+        which->setTimerFunc([&, kept = std::string("c")](LumoTimer* again) {
             delete again;
-            calls += *kept;  // the function lives on after its timer
+            called += kept;  // the function lives on after its timer
         });
         which->startOnce(1);
     });
     timer->startOnce(1);
-    wait(11);
-    EXPECT_EQ(calls, 11);
+    waitFor("aaabc");
 }
 
 }  // namespace
