@@ -28,7 +28,7 @@
 #include "bench/canvas_peer.h"
 #include "canvas/base/context.h"
 #include "canvas/playground/demo_diagram.h"
-#include "canvas/view/ui_view.h"
+#include "canvas/view/lumo_ui_view.h"
 #include "platform/lumo/lumo_control.h"
 #include "support/application.h"
 

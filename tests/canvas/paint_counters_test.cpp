@@ -11,7 +11,7 @@
 #include "canvas/links/join_link.h"
 #include "canvas/links/join_link_adaptor.h"
 #include "canvas/playground/demo_diagram.h"
-#include "canvas/view/ui_view.h"
+#include "canvas/view/lumo_ui_view.h"
 #include "platform/lumo/lumo_control.h"
 #include "support/application.h"
 

@@ -12,7 +12,7 @@
 #include "canvas/links/join_link_adaptor.h"
 #include "canvas/playground/demo_diagram.h"
 #include "canvas/view/canvas_commands.h"
-#include "canvas/view/ui_view.h"
+#include "canvas/view/lumo_ui_view.h"
 #include "platform/lumo/lumo_control.h"
 
 namespace QB {

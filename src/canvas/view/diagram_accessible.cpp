@@ -6,7 +6,7 @@
 #include "canvas/items/item.h"
 #include "canvas/links/join_link.h"
 #include "canvas/view/diagram_accessible_parts.h"
-#include "canvas/view/ui_view.h"
+#include "canvas/view/lumo_ui_view.h"
 #include "platform/lumo/lumo_control.h"
 
 namespace QB::DiagramLumo {

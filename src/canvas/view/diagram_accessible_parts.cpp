@@ -8,7 +8,7 @@
 #include "canvas/diagram/diagram.h"
 #include "canvas/items/item.h"
 #include "canvas/links/join_link.h"
-#include "canvas/view/ui_view.h"
+#include "canvas/view/lumo_ui_view.h"
 #include "platform/lumo/lumo_control.h"
 #include "platform/lumo/lumo_dispatch.h"
 #include "platform/tolk/text_ids.h"

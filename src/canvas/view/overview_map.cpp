@@ -11,7 +11,7 @@
 #include "canvas/items/item_geometry.h"
 #include "canvas/links/join_link.h"
 #include "canvas/view/canvas_extent.h"
-#include "canvas/view/ui_view.h"
+#include "canvas/view/lumo_ui_view.h"
 #include "platform/lumo/lumo_control.h"
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"

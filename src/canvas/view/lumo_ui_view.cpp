@@ -1,4 +1,4 @@
-#include "canvas/view/ui_view.h"
+#include "canvas/view/lumo_ui_view.h"
 
 #include <QCursor>
 #include <QEvent>
