@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "canvas/diagram/canvas_dump.h"
-#include "canvas/view/lumo_ui_view.h"
+#include "canvas/view/ui_view.h"
 #include "diagram_scene.h"
 
 namespace QB::DiagramLumo {
@@ -112,7 +112,9 @@ TEST(Diagram, SelectsByTheRubberBandWhatModifiersSayAndTellsOnlyOfChanges) {
         SCOPED_TRACE(test.keys);
         DiagramScene scene;
         scene.tableLink("a", "b");
-        scene.fieldLink("a", "b");  // does not show in this mode
+        scene.fieldLink("a", "b");  // does not show in this mode, but did
+        scene.diagram.setRelationMode(FieldRelation);
+        scene.diagram.setRelationMode(TableRelation);
         select(&scene, "bc");
         scene.control.drag({50, 700}, {60, 690}, test.keys);
         for (int step = 1; step <= 4; ++step)  // told once, however many moves
@@ -453,6 +455,24 @@ TEST(DiagramInAWindow, ScrollsAtTheEdgeAndKeepsTheItemUnderThePointer) {
         scene.move(edge + QPoint(3, 0));
         EXPECT_TRUE(scene.origin() == stopped);
     }
+}
+
+TEST(DiagramInAWindow, KeepsADraggedEdgeUnderThePointerWhenTheCanvasEndsWithinAStep) {
+    ViewScene scene;
+    const int width = scene.view->viewport()->width() + 64;  // steps of 3
+    scene.diagram.setRect({0, 0, width, 1600});
+    QBLumoItem* const item = scene.item("a");
+    const QPoint from = scene.at({lumoMaxX(item->getRect()) - 5, 160});
+    const QPoint edge(scene.view->viewport()->width() - 6, from.y());
+    const int grip = lumoMaxX(item->getRect()) - scene.in(from).x;
+    scene.press(from);
+    scene.move(edge);
+    const auto atEnd = [&] {
+        return lumoMaxX(scene.view->getControl()->getDisplayRect()) == width;
+    };
+    ASSERT_TRUE(QTest::qWaitFor(atEnd));
+    EXPECT_EQ(lumoMaxX(item->getRect()), scene.in(edge).x + grip);
+    scene.release(edge);
 }
 
 TEST(DiagramInAWindow, PansByTheMiddleButtonWithoutAJumpAtTheSecondTime) {

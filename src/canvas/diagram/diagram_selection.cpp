@@ -172,7 +172,7 @@ void QBLumoDiagram::pressLink(QBLumoJoinLink* link, const LumoEvent& event) {
 
 void QBLumoDiagram::handleBodyReleased(QBLumoItem* item, LumoEvent event) {
     if (!item || hasShiftOrControl(event) || !event.containsEventKey(LumoButtonLeft)) return;
-    if (item->isMoving() || item->isResizing() || isLinkDragActive()) return;
+    if (item->isMoving() || item->isResizing()) return;
     const bool alone = m_selection.size() == 1 && isSelected(item);
     if (!alone) selectObject(item, false);
 }
