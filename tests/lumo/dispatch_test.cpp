@@ -110,6 +110,12 @@ protected:
     Object* add(const std::string& name, LumoObject* parent, const LumoRect& rect) {
         return added(parent, new Object(name, &log), rect);
     }
+    template <typename Receiver, typename Reaction>
+    static void on(Receiver* receiver, const std::string& what, Reaction react) {
+        receiver->reactions[what] = [react](const LumoEvent&) {
+            react();
+        };
+    }
     LumoDispatcher& events() { return *control.dispatcher(); }
     void press(LumoControlPoint at, int keys = left) { events().mousePress(at, keys); }
     void move(LumoControlPoint at, int keys = left) { events().mouseMove(at, keys); }
@@ -251,9 +257,7 @@ TEST_F(Dispatch, TellsWhatIsDraggedOverFromWhatLiesUnderThePointer) {
     release({300, 600});
     EXPECT_EQ(told({"DragEnter", "DragLeave", "DragOver", "Up", "Drop"}),
               "other DragLeave, D DragOver, R Up, I Up, D Up, R Drop, I Drop, D Drop, D DragLeave");
-    other->reactions["DragEnter"] = [this](const LumoEvent&) {
-        events().cancel();
-    };
+    on(other, "DragEnter", [this] { events().cancel(); });
     dragRow();
     EXPECT_EQ(told({"DragEnter", "DragLeave", "DragOver"}), "other DragEnter, other DragLeave");
 }
@@ -371,10 +375,10 @@ TEST_F(Dispatch, ForgetsWhatIsDestroyedInsideAnyOfItsEvents) {
                              "DragLeave", "Up", "Drop", "drop", "Wheel", "key", "Twice", "Leave"}) {
         SCOPED_TRACE(what);
         const LumoObject* const asked = item;
-        item->reactions[what] = [this](const LumoEvent&) {
+        on(item, what, [this] {
             diagram->removeChild(item);
             delete item;
-        };
+        });
         const auto isThere = [&] {
             return !diagram->getChildren().empty();
         };
@@ -406,9 +410,7 @@ TEST_F(Dispatch, EndsTheGestureOfAnObjectThatDiesAndKeepsThatOfOthers) {
 
     row = add("R", item, {10, 20, 100, 20});
     row->consumed = {"Down"};
-    row->reactions["Down"] = [this](const LumoEvent&) {
-        delete row;
-    };
+    on(row, "Down", [this] { delete row; });
     release(onCanvas);
     dragRow();
     EXPECT_EQ(told({"Drag", "drag"}), "") << "it has gone of its press";
@@ -424,9 +426,7 @@ TEST_F(Dispatch, EndsTheGestureOfAnObjectThatDiesAndKeepsThatOfOthers) {
 }
 
 TEST_F(Dispatch, LivesOnWhenTheDiagramOrTheContextDiesInsideAnEvent) {
-    row->reactions["Drag"] = [this](const LumoEvent&) {
-        diagram.reset();
-    };
+    on(row, "Drag", [this] { diagram.reset(); });
     dragRow();
     release(onCanvas);
     move(onRow, 0);
@@ -438,9 +438,7 @@ TEST_F(Dispatch, LivesOnWhenTheDiagramOrTheContextDiesInsideAnEvent) {
     auto shown = std::make_unique<Diagram>("D", &log, other.get());
     shown->setRect({0, 0, 1000, 1000});
     other->setActiveDiagram(&late, shown.get());
-    shown->reactions["Down"] = [&](const LumoEvent&) {
-        other.reset();
-    };
+    on(shown.get(), "Down", [&] { other.reset(); });
     late.dispatcher()->mousePress(onRow, left);
     shown.reset();
     late.dispatcher()->mouseMove(onCanvas, left);
@@ -451,9 +449,7 @@ TEST_F(Dispatch, LivesOnWhenTheControlDiesInsideAnEvent) {
     for (const char* what : {"Down", "Drag", "drag", "Drop", "Up", "Move"}) {
         auto gone = std::make_unique<FakeControl>(&context);
         context.setActiveDiagram(gone.get(), diagram.get());
-        diagram->reactions[what] = [&gone](const LumoEvent&) {
-            gone.reset();
-        };
+        on(diagram.get(), what, [&gone] { gone.reset(); });
         const auto feed = [&](auto event) {
             if (gone) event(*gone->dispatcher());
         };
@@ -485,14 +481,14 @@ TEST_F(Dispatch, HoldsTheHoverStillFromPressToRelease) {
 
 TEST_F(Dispatch, TakesTheFirstCursorOfADeliveryThatIsNotTheDefault) {
     const auto propose = [this](int code) {
-        return [this, code](const LumoEvent&) {
+        return [this, code] {
             context.notifyCursorChange(diagram.get(), code);
         };
     };
-    diagram->reactions["Move"] = propose(LumoCursorDefault);
-    row->reactions["Leave"] = propose(LumoCursorDefault);
-    row->reactions["Move"] = propose(LumoCursorHand);
-    item->reactions["Move"] = propose(LumoCursorResizeVertical);
+    on(diagram.get(), "Move", propose(LumoCursorDefault));
+    on(row, "Leave", propose(LumoCursorDefault));
+    on(row, "Move", propose(LumoCursorHand));
+    on(item, "Move", propose(LumoCursorResizeVertical));
     move(onRow, 0);
     EXPECT_EQ(control.cursor, LumoCursorHand);
     move(onItem, 0);
@@ -514,10 +510,10 @@ TEST_F(Dispatch, AsksAgainWhatLiesUnderAStillPointer) {
     events().pointerStaysWhileCanvasMoves();
     EXPECT_EQ(told({"DragEnter", "DragOver", "Drag"}),
               "other DragEnter, other DragOver, D DragOver");
-    diagram->reactions["drag"] = [this](const LumoEvent&) {
+    on(diagram.get(), "drag", [this] {
         control.origin = {0, 0};
         events().pointerStaysWhileCanvasMoves();
-    };
+    });
     move({onCanvas.x + 1, onCanvas.y});
     EXPECT_EQ(told({"DragLeave"}), "other DragLeave") << "moved by what it called";
     release(onCanvas);
