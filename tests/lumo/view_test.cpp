@@ -180,6 +180,12 @@ TEST_F(LumoView, ZoomsInPowersOfTheStepWithinItsBoundsAndFits) {
     for (int step = 0; step < 15; ++step)
         view->zoomIn();
     EXPECT_DOUBLE_EQ(control()->getZoom(), 1) << "back on the powers";
+    wheel({50, 50}, {120, 0}, Qt::ControlModifier);
+    EXPECT_DOUBLE_EQ(control()->getZoom(), 1) << "sideways";
+    view->zoomIn();
+    wheel({50, 50}, {0, 40}, Qt::ControlModifier);
+    wheel({50, 50}, {120, 0}, Qt::ControlModifier);
+    EXPECT_NEAR(control()->getZoom(), std::pow(1.1, 4. / 3), 1e-9) << "a third of a notch";
     box->setRect({1000, 200, 1200, 400});
     view->fitToView();
     EXPECT_NEAR(control()->getZoom(), view->viewport()->width() / 1240., 0.001);
@@ -310,6 +316,7 @@ TEST_F(LumoView, OutlivesWhatItsEventsDestroy) {
     QTest::mouseRelease(native(), Qt::LeftButton, {}, {20, 20});
     settle();
     EXPECT_EQ(view->diagram(), nullptr);
+    EXPECT_EQ(view->horizontalScrollBar()->maximum(), 0);
     context.reset();
     QTest::mouseMove(native(), {30, 30});
     QTest::keyClick(native(), Qt::Key_Left);

@@ -136,8 +136,8 @@ void LumoUIScrollView::Control::resized() {
 void LumoUIScrollView::Control::diagramChanged() {
     m_view->viewport()->update();
     Q_EMIT m_view->contentChanged();
+    if (m_shown) updateBars();
     if (!isReady()) return;
-    updateBars();
     applyOrigin();
     if (m_wish) {
         const Wish wish = *std::exchange(m_wish, std::nullopt);
@@ -234,6 +234,7 @@ void LumoUIScrollView::Control::setZoom(double zoom, LumoControlPoint fixed) {
 
 void LumoUIScrollView::Control::zoomBy(double steps, LumoControlPoint fixed) {
     constexpr double noise = 1e-6;
+    if (std::abs(steps) < noise) return;
     const double level = std::log(m_zoom) / std::log(zoomStep);
     double target = level + steps;
     if (!(std::abs(steps - std::round(steps)) > noise))

@@ -202,7 +202,7 @@ void LumoUIScrollView::wheelEvent(QWheelEvent* event) {
 
     const QPointer<LumoUIScrollView> alive(this);
     const bool taken = control.dispatcher()->mouseWheel(point, pixels, keysOf(event->modifiers()));
-    if (taken || !alive) return;
+    if (taken || !alive || !diagram()) return;
     const LumoControlPoint before = control.getScrollOrigin();
     control.setScrollOrigin({before.x + pixels.x, before.y + pixels.y});
     // At the end of the canvas a scroll area around it goes on.
@@ -223,7 +223,8 @@ bool LumoUIScrollView::ownsKey(const QKeyEvent* event) const {
 void LumoUIScrollView::keyPressEvent(QKeyEvent* event) {
     if (isMenuKey(event)) {
         // Where the system makes an event for menus of the key, that came first.
-        if (!std::exchange(m_state->menuKeyIsHandled, false)) askForMenu();
+        if (event->key() != Qt::Key_Menu || !std::exchange(m_state->menuKeyIsHandled, false))
+            askForMenu();
         return;
     }
     const QPointer<LumoUIScrollView> alive(this);
