@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "canvas/diagram/canvas_dump.h"
-#include "canvas/view/ui_view.h"
+#include "canvas/view/lumo_ui_view.h"
 #include "diagram_scene.h"
 
 namespace QB::DiagramLumo {
