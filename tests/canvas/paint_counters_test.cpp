@@ -20,6 +20,26 @@ namespace {
 
 constexpr int turnsOfNothing = 5;
 
+/// What @p object paints, in the space of the diagram.
+LumoRect placeOf(const LumoObject* object) {
+    return lumoMovedRect(object->customDirtyRect(), object->getRect().origin);
+}
+
+/// The item with the links at it.
+std::vector<const LumoObject*> movedWith(const QBLumoItem* item) {
+    std::vector<const LumoObject*> moved{item};
+    for (const QBLumoJoinLink* link : item->getAdaptor()->links())
+        if (link->isShown()) moved.push_back(link);
+    return moved;
+}
+
+LumoRect unionOf(const std::vector<const LumoObject*>& objects) {
+    LumoRect all;
+    for (const LumoObject* object : objects)
+        all = lumoUnionRect(all, placeOf(object));
+    return all;
+}
+
 /// 200 items and 300 links in a window of 1200 x 900.
 class PaintCounters : public testing::Test {
 protected:
@@ -46,6 +66,13 @@ protected:
     }
     /// Of an item in the second row and column, whose title lies in view.
     QBLumoItem* itemInView() const { return diagram->items().at(18); }
+    /// Null if there is none.
+    QBLumoItem* itemWithLinksOutOfSight() const {
+        const LumoRect shown = lumoInflateRect(view->getControl()->getDisplayRect(), 50, 50);
+        for (QBLumoItem* item : diagram->items())
+            if (!lumoIntersectsRect(unionOf(movedWith(item)), shown)) return item;
+        return nullptr;
+    }
     static LumoPoint gripOf(const QBLumoItem* item) {
         return item->getRect().origin + LumoPoint{100, 19};
     }
@@ -54,26 +81,6 @@ protected:
     std::unique_ptr<QBLumoUIView> view;
     std::unique_ptr<QBLumoDiagram> diagram;
 };
-
-/// What @p object paints, in the space of the diagram.
-LumoRect placeOf(const LumoObject* object) {
-    return lumoMovedRect(object->customDirtyRect(), object->getRect().origin);
-}
-
-/// The item with the links at it.
-std::vector<const LumoObject*> movedWith(const QBLumoItem* item) {
-    std::vector<const LumoObject*> moved{item};
-    for (const QBLumoJoinLink* link : item->getAdaptor()->links())
-        if (link->isShown()) moved.push_back(link);
-    return moved;
-}
-
-LumoRect unionOf(const std::vector<const LumoObject*>& objects) {
-    LumoRect all;
-    for (const LumoObject* object : objects)
-        all = lumoUnionRect(all, placeOf(object));
-    return all;
-}
 
 int countIn(const QBLumoDiagram& diagram, const LumoRect& rect) {
     int count = 0;
@@ -89,7 +96,8 @@ TEST_F(PaintCounters, NothingIsPaintedWhileNothingHappens) {
     // Nor where the pointer moves over the empty canvas, or what changes is out of sight.
     QTest::mouseMove(view->windowHandle(), windowPoint({20, 20}));
     QTest::mouseMove(view->windowHandle(), windowPoint({24, 22}));
-    QBLumoItem* const outOfSight = diagram->items().back();
+    QBLumoItem* const outOfSight = itemWithLinksOutOfSight();
+    ASSERT_TRUE(outOfSight);
     outOfSight->setRect(lumoMovedRect(outOfSight->getRect(), {-7, -7}));
     diagram->layout();
     settle();

@@ -84,8 +84,6 @@ void QBLumoDiagram::dragGroup(QBLumoItem* item, const LumoRect& before) {
 
 void QBLumoDiagram::putItem(QBLumoItem* item, const LumoRect& rect) {
     item->setRect(rect);
-    // Its adaptors too, which mark their links.
-    item->setRequireToVerifyLayout(true, true);
 }
 
 void QBLumoDiagram::shiftItem(QBLumoItem* item, LumoPoint delta) {

@@ -143,9 +143,16 @@ void QBLumoItem::endDrag(bool restore) {
     takeDraggedRect(m_dragStartRect);
 }
 
+void QBLumoItem::setRect(const LumoRect& rect) {
+    if (rect == getRect()) return;
+    QBLumoObject::setRect(rect);
+    // Links dock elsewhere now. What a move leaves in its place is not laid out.
+    m_adaptor->setRequireToVerifyLayout(true);
+    if (m_body) m_body->setRequireToVerifyLayout(true);
+}
+
 void QBLumoItem::takeDraggedRect(const LumoRect& rect) {
     setRect(rect);
-    setRequireToVerifyLayout(true, true);
     layout();
     flushDirtyRect();
 }

@@ -43,6 +43,8 @@ public:
     /// user chose the size.
     void fitBodyHeight(int height);
 
+    /// Marks its adaptors, and by them its links.
+    void setRect(const LumoRect& rect) override;
     void paint(LumoPaintConfig* config, LumoRect rect) override;
     /// On the body and on the edges around it, not in the rest of the inset.
     bool shouldTriggerMouseDown(LumoEvent event) override;
