@@ -339,7 +339,7 @@ void dragAmong(benchmark::State& state) {
     Drags steps(*canvas.view, gripOf(canvas));
     for (auto _ : state)
         measuredDrag(*canvas.view, steps);
-    state.counters["objects"] = canvas.view->objectsInLastPass();
+    state.counters["bytes"] = canvas.view->objectsInLastPass();
 }
 
 void sizes(benchmark::internal::Benchmark* benchmark) {
