@@ -76,7 +76,6 @@ TEST(JoinSymbol, FillsThePartThatTheJoinKeepsInEachThemeScaleAndAngle) {
                         const JoinSymbol symbol{{40, 30}, angle, c.type, "", {200, 220, 140, 1}};
                         {
                             LumoPainter painter(&config, nullptr);
-                            paint_drawJoinImageEraseBg(&painter, symbol);
                             paint_drawJoinImage(&painter, symbol);
                         }
                         QTransform turn;

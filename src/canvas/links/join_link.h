@@ -113,8 +113,8 @@ private:
     // join_link_paint.cpp
     JoinSymbol symbol() const;
     double promptProgress() const;
-    void addHaloLine(LumoPainter* painter) const;
-    void paintHalo(LumoPainter* painter, const LumoColor& color, double h) const;
+    QPainterPath wholeLine() const;
+    void paintHaloLine(LumoPainter* painter, const LumoColor& color, double h) const;
     void paintLine(LumoPainter* painter) const;
     void paintPromptBack(LumoPainter* painter) const;
     void paintPromptFront(LumoPainter* painter) const;

@@ -65,10 +65,12 @@ void QBLumoJoinLink::paint(LumoPaintConfig* config, LumoRect rect) {
     if (!m_primary.isEmpty()) {
         LumoPainter painter(config, this);
         if (m_promptRunning) paintPromptBack(&painter);
-        if (getSelected()) paintHalo(&painter, Style::accentHalf, selectionHalo);
-        paintLine(&painter);
         const JoinSymbol painted = symbol();
-        paint_drawJoinImageEraseBg(&painter, painted);
+        if (getSelected()) {
+            paintHaloLine(&painter, Style::accentHalf, selectionHalo);
+            paint_drawJoinImageSelection(&painter, painted);
+        }
+        paintLine(&painter);
         paint_drawJoinImage(&painter, painted);
         if (m_promptRunning) paintPromptFront(&painter);
     }
@@ -104,21 +106,24 @@ void QBLumoJoinLink::paintLine(LumoPainter* painter) const {
     painter->stroke();
 }
 
-void QBLumoJoinLink::addHaloLine(LumoPainter* painter) const {
-    painter->addLine(m_primary.start.x, m_primary.start.y, m_primary.startStub().x,
-                     m_primary.start.y);
-    painter->lineTo(m_primary.endStub().x, m_primary.end.y);
-    painter->lineTo(m_primary.end.x, m_primary.end.y);
-}
-
-void QBLumoJoinLink::paintHalo(LumoPainter* painter, const LumoColor& color, double h) const {
+/// With a pen of 2 * @p h + 2: what a symbol's halo of the same h goes on with.
+void QBLumoJoinLink::paintHaloLine(LumoPainter* painter, const LumoColor& color, double h) const {
     painter->setColor(color);
     painter->setLineJoin(LumoJoinRound);
     painter->setLineCap(LumoCapRound);
     painter->setLineWidth(2 * h + 2);
-    addHaloLine(painter);
+    painter->addPath(wholeLine());
     painter->stroke();
-    paint_drawJoinImageHalo(painter, symbol(), h);
+}
+
+/// From end to end, as if there were no symbol.
+QPainterPath QBLumoJoinLink::wholeLine() const {
+    QPainterPath line;
+    line.moveTo(m_primary.start.x, m_primary.start.y);
+    line.lineTo(m_primary.startStub().x, m_primary.start.y);
+    line.lineTo(m_primary.endStub().x, m_primary.end.y);
+    line.lineTo(m_primary.end.x, m_primary.end.y);
+    return line;
 }
 
 double QBLumoJoinLink::promptProgress() const {
@@ -126,8 +131,10 @@ double QBLumoJoinLink::promptProgress() const {
 }
 
 void QBLumoJoinLink::paintPromptBack(LumoPainter* painter) const {
-    for (const PromptWave& wave : promptWaves(promptProgress()))
-        paintHalo(painter, withAlpha(Style::promptTeal, wave.alpha), wave.h);
+    for (const PromptWave& wave : promptWaves(promptProgress())) {
+        paintHaloLine(painter, withAlpha(Style::promptTeal, wave.alpha), wave.h);
+        paint_drawJoinImageHalo(painter, symbol(), wave.h);
+    }
 }
 
 /// The link in one colour: as one path, for what covers itself would flash twice as strongly.
@@ -139,14 +146,9 @@ void QBLumoJoinLink::paintPromptFront(LumoPainter* painter) const {
     turn.translate(painted.middle.x, painted.middle.y);
     turn.rotate(painted.paintAngle());
 
-    QPainterPath line;
-    line.moveTo(m_primary.start.x, m_primary.start.y);
-    line.lineTo(m_primary.startStub().x, m_primary.start.y);
-    line.lineTo(m_primary.endStub().x, m_primary.end.y);
-    line.lineTo(m_primary.end.x, m_primary.end.y);
     QPainterPathStroker stroker;
     stroker.setWidth(lineWidth);
-    QPainterPath shape = stroker.createStroke(line);
+    QPainterPath shape = stroker.createStroke(wholeLine());
     shape.addPath(turn.map(joinSymbolPath(m_joinType)));
     painter->setColor(withAlpha(Style::promptFlash, alpha));
     painter->addPath(shape);

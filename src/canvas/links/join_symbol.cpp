@@ -21,6 +21,7 @@ constexpr double outlineRadius = 11.0;
 constexpr double crossAway = 11.0;
 constexpr double crossRadius = 10.0;
 constexpr double symbolWidth = 42.0;
+constexpr double selectionHalo = 2.0;
 constexpr int labelFontSize = 8;  // the items' less 3
 
 QPainterPath circle(double x, double radius) {
@@ -103,30 +104,45 @@ void drawPencil(LumoPainter* painter) {
 
 /// Around (0, 0), not turned, without text.
 void drawSymbol(LumoPainter* painter, int joinType, const LumoColor& background) {
+    paint_drawJoinImageEraseBg(painter, joinType, background);
     if (joinType == Cross) return drawCross(painter);
     if (joinType != Custom) return drawCircles(painter, joinType, background);
     fillPath(painter, joinSymbolPath(Custom), themePalette().text);
     drawPencil(painter);
 }
 
+void strokeOutline(LumoPainter* painter, int joinType, double h) {
+    painter->setLineCap(LumoCapFlat);
+    painter->setLineWidth(2 * h + 2);
+    painter->addPath(joinSymbolPath(joinType));
+    painter->stroke();
+}
+
+void drawSelection(LumoPainter* painter, int joinType) {
+    painter->setColor(Style::accentHalf);
+    strokeOutline(painter, joinType, selectionHalo);
+}
+
 // ---- shared pictures ----
 
-constexpr double pictureLeft = -23;
-constexpr double pictureTop = -15;
-constexpr double pictureWidth = 46;
-constexpr double pictureHeight = 30;
+enum class Shared { Symbol, Selection };
+
+constexpr double pictureLeft = -25;
+constexpr double pictureTop = -17;
+constexpr double pictureWidth = 50;
+constexpr double pictureHeight = 34;
 /// Pixels of a picture for one of the screen: it is drawn turned, and must not blur.
 constexpr double pictureFineness = 2;
 constexpr size_t maxPictures = 64;
 
-using PictureKey = std::tuple<int, bool, int, int, int, int, int>;
+using PictureKey = std::tuple<Shared, int, bool, int, int, int, int, int>;
 
 std::map<PictureKey, QImage>& pictures() {
     static std::map<PictureKey, QImage> all;
     return all;
 }
 
-QImage makePicture(int joinType, const LumoColor& background, double scale) {
+QImage makePicture(Shared part, int joinType, const LumoColor& background, double scale) {
     const double fineness = scale * pictureFineness;
     QImage image(int(std::ceil(pictureWidth * fineness)), int(std::ceil(pictureHeight * fineness)),
                  QImage::Format_ARGB32_Premultiplied);
@@ -136,18 +152,31 @@ QImage makePicture(int joinType, const LumoColor& background, double scale) {
     qtPainter.translate(-pictureLeft, -pictureTop);
     LumoPaintConfig config(&qtPainter);
     LumoPainter painter(&config, nullptr);
-    drawSymbol(&painter, joinType, background);
+    if (part == Shared::Symbol)
+        drawSymbol(&painter, joinType, background);
+    else
+        drawSelection(&painter, joinType);
     return image;
 }
 
-const QImage& sharedPicture(int joinType, const LumoColor& background, double scale) {
-    const PictureKey key(joinType, isDarkTheme(), background.red, background.green, background.blue,
-                         int(std::lround(background.alpha * 255)), int(std::lround(scale * 1000)));
+const QImage& sharedPicture(Shared part, int joinType, const LumoColor& background, double scale) {
+    const PictureKey key(part, joinType, isDarkTheme(), background.red, background.green,
+                         background.blue, int(std::lround(background.alpha * 255)),
+                         int(std::lround(scale * 1000)));
     auto& all = pictures();
     const auto found = all.find(key);
     if (found != all.end()) return found->second;
     if (all.size() >= maxPictures) all.clear();  // many zooms: only the last one is in use
-    return all.emplace(key, makePicture(joinType, background, scale)).first->second;
+    return all.emplace(key, makePicture(part, joinType, background, scale)).first->second;
+}
+
+/// False in a pass without a picture cache: then the caller draws vectors.
+bool drawShared(LumoPainter* painter, Shared part, int joinType, const LumoColor& background) {
+    const LumoPaintConfig* const config = painter->config();
+    if (!config->pictureCache()) return false;
+    painter->drawImage(sharedPicture(part, joinType, background, config->scale()), 1.0,
+                       {pictureLeft, pictureTop, pictureWidth, pictureHeight});
+    return true;
 }
 
 LumoFont labelFont() {
@@ -176,31 +205,28 @@ void paint_drawJoinImage(LumoPainter* painter, const JoinSymbol& symbol) {
     painter->save();
     turnInto(painter, symbol);
     const LumoColor background = discBackground(symbol.background);
-    const LumoPaintConfig* const config = painter->config();
-    if (config->pictureCache())
-        painter->drawImage(sharedPicture(symbol.joinType, background, config->scale()), 1.0,
-                           {pictureLeft, pictureTop, pictureWidth, pictureHeight});
-    else
+    if (!drawShared(painter, Shared::Symbol, symbol.joinType, background))
         drawSymbol(painter, symbol.joinType, background);
     drawLabel(painter, symbol);
     painter->restore();
 }
 
-void paint_drawJoinImageEraseBg(LumoPainter* painter, const JoinSymbol& symbol) {
-    if (symbol.joinType != FullOuter) return;
+void paint_drawJoinImageEraseBg(LumoPainter* painter, int joinType, const LumoColor& background) {
+    if (joinType == FullOuter) fillPath(painter, joinSymbolPath(FullOuter), background);
+}
+
+void paint_drawJoinImageSelection(LumoPainter* painter, const JoinSymbol& symbol) {
     painter->save();
     turnInto(painter, symbol);
-    fillPath(painter, joinSymbolPath(FullOuter), discBackground(symbol.background));
+    if (!drawShared(painter, Shared::Selection, symbol.joinType, {}))
+        drawSelection(painter, symbol.joinType);
     painter->restore();
 }
 
 void paint_drawJoinImageHalo(LumoPainter* painter, const JoinSymbol& symbol, double h) {
     painter->save();
     turnInto(painter, symbol);
-    painter->setLineCap(LumoCapFlat);
-    painter->setLineWidth(2 * h + 2);
-    painter->addPath(joinSymbolPath(symbol.joinType));
-    painter->stroke();
+    strokeOutline(painter, symbol.joinType, h);
     painter->restore();
 }
 

@@ -24,8 +24,10 @@ struct JoinSymbol {
 /// of one type, theme and scale share; else (export) as vectors.
 void paint_drawJoinImage(LumoPainter* painter, const JoinSymbol& symbol);
 /// Covers what lies behind the symbol with the colour of the canvas. Only for full outer joins; the
-/// others have such circles in themselves.
-void paint_drawJoinImageEraseBg(LumoPainter* painter, const JoinSymbol& symbol);
+/// others have such circles in themselves. A part of paint_drawJoinImage.
+void paint_drawJoinImageEraseBg(LumoPainter* painter, int joinType, const LumoColor& background);
+/// The halo of a selected symbol, to be painted below it; shared in the same way.
+void paint_drawJoinImageSelection(LumoPainter* painter, const JoinSymbol& symbol);
 /// The outline of the symbol with a pen of 2 * @p h + 2, in the painter's colour.
 void paint_drawJoinImageHalo(LumoPainter* painter, const JoinSymbol& symbol, double h);
 /// The two circles as a path around (0, 0), not turned.
@@ -34,7 +36,7 @@ const QPainterPath& joinSymbolPath(int joinType);
 LumoDoubleRect joinLabelRect(const JoinSymbol& symbol);
 /// Forgets the shared pictures, when the theme has changed.
 void dropJoinSymbolPictures();
-/// For tests: how many are kept.
+/// For tests: how many are kept, symbols and halos.
 int joinSymbolPictureCount();
 
 }  // namespace QB::DiagramLumo
