@@ -34,8 +34,9 @@ CanvasDemoWindow::CanvasDemoWindow(int items, int links, QWidget* parent)
     fields->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_F);
     connect(fields, &QAction::toggled, m_playground, &QBCanvasPlayground::setShowsFieldRelations);
 
-    const auto tell = [this](const QString& message) {
-        statusBar()->showMessage(message);
+    QStatusBar* const status = statusBar();  // from the start: later it would push the canvas up
+    const auto tell = [status](const QString& message) {
+        status->showMessage(message);
     };
     connect(m_playground, &QBCanvasPlayground::messageChanged, this, tell);
     connect(actions, &DiagramActions::pictureFailed, this, tell);
@@ -54,8 +55,10 @@ int runCanvasDemo(const CommandLine& options) {
     if (!options.screenshot.isEmpty())
         QTimer::singleShot(settleMs, &window, [&window, &options] {
             if (window.grab().save(options.screenshot)) return QApplication::exit(ExitOk);
-            std::fprintf(stderr, "joinery-desk: %s\n",
-                         qUtf8Printable(CanvasDemoWindow::tr("The picture could not be written.")));
+            std::fprintf(
+                stderr, "joinery-desk: %s\n",
+                qUtf8Printable(CanvasDemoWindow::tr("The picture \"%1\" could not be written.")
+                                   .arg(options.screenshot)));
             QApplication::exit(ExitNoImage);
         });
     return QApplication::exec();

@@ -93,6 +93,9 @@ private:
         if (options.wantsSample && !options.file.isEmpty())
             return text(
                 QT_TRANSLATE_NOOP("CommandLine", "Give either --sample or a file, not both."));
+        if (options.canvasDemo && wantsQuery(options))
+            return text(QT_TRANSLATE_NOOP(
+                "CommandLine", "--canvas-demo takes neither a database nor a query nor --part."));
         const QStringList themes = {QStringLiteral("system"), QStringLiteral("light"),
                                     QStringLiteral("dark")};
         if (m_parser.isSet(m_theme) && !themes.contains(options.theme)) return wrongValue(m_theme);
@@ -104,6 +107,12 @@ private:
         if (m_parser.isSet(m_scale) && !isScale(m_parser.value(m_scale)))
             return wrongValue(m_scale);
         return m_parser.isSet(m_deadline) ? readDeadline(options) : QString();
+    }
+
+    static bool wantsQuery(const CommandLine& options) {
+        return options.wantsSample || !options.file.isEmpty() || !options.sqlFile.isEmpty() ||
+               !options.tables.isEmpty() || options.run || !options.tab.isEmpty() ||
+               !options.part.isEmpty();
     }
 
     QString readDeadline(CommandLine& options) const {

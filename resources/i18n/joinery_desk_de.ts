@@ -94,6 +94,91 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
         <source>Of the window, picture only the widget with that object name, such as tabWidget for the clauses.</source>
         <translation>Vom Fenster nur das Element mit diesem Objektnamen abbilden, etwa tabWidget für die Klauseln.</translation>
     </message>
+    <message>
+        <source>Instead of a database show a diagram of 200 items and 300 links to play with.</source>
+        <translation>Statt einer Datenbank ein Diagramm mit 200 Objekten und 300 Verbindungen zum Ausprobieren zeigen.</translation>
+    </message>
+    <message>
+        <source>--canvas-demo takes neither a database nor a query nor --part.</source>
+        <translation>--canvas-demo nimmt weder eine Datenbank noch eine Abfrage noch --part an.</translation>
+    </message>
+</context>
+<context>
+    <name>DiagramPicture</name>
+    <message>
+        <source>The diagram is empty.</source>
+        <translation>Das Diagramm ist leer.</translation>
+    </message>
+    <message>
+        <source>The picture could not be written to %1.</source>
+        <translation>Das Bild ließ sich nicht nach %1 schreiben.</translation>
+    </message>
+</context>
+<context>
+    <name>QB::Desk::CanvasDemoWindow</name>
+    <message>
+        <source>Canvas: %1 items, %2 links</source>
+        <translation>Zeichenfläche: %1 Objekte, %2 Verbindungen</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>Links between &amp;Fields</source>
+        <translation>Verbindungen zwischen &amp;Feldern</translation>
+    </message>
+    <message>
+        <source>Saved as &quot;%1&quot;.</source>
+        <translation>Gespeichert als „%1“.</translation>
+    </message>
+    <message>
+        <source>The picture &quot;%1&quot; could not be written.</source>
+        <translation>Das Bild „%1“ ließ sich nicht schreiben.</translation>
+    </message>
+</context>
+<context>
+    <name>QB::Desk::DiagramActions</name>
+    <message>
+        <source>Zoom &amp;In</source>
+        <translation>Ver&amp;größern</translation>
+    </message>
+    <message>
+        <source>Zoom &amp;Out</source>
+        <translation>Ver&amp;kleinern</translation>
+    </message>
+    <message>
+        <source>Actual &amp;Size</source>
+        <translation>&amp;Originalgröße</translation>
+    </message>
+    <message>
+        <source>&amp;Fit to View</source>
+        <translation>&amp;Einpassen</translation>
+    </message>
+    <message>
+        <source>O&amp;verview Map</source>
+        <translation>Ü&amp;bersichtskarte</translation>
+    </message>
+    <message>
+        <source>&amp;Arrange Diagram</source>
+        <translation>Diagramm &amp;anordnen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Arrange</source>
+        <translation>Anordnen &amp;rückgängig</translation>
+    </message>
+    <message>
+        <source>Save Diagram as &amp;Picture…</source>
+        <translation>Diagramm als Bi&amp;ld speichern …</translation>
+    </message>
+    <message>
+        <source>Save Diagram as Picture</source>
+        <translation>Diagramm als Bild speichern</translation>
+    </message>
+    <message>
+        <source>PNG pictures (*.png);;SVG drawings (*.svg);;PDF documents (*.pdf)</source>
+        <translation>PNG-Bilder (*.png);;SVG-Zeichnungen (*.svg);;PDF-Dokumente (*.pdf)</translation>
+    </message>
 </context>
 <context>
     <name>QB::Desk::MainWindow</name>

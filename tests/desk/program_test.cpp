@@ -77,6 +77,11 @@ private Q_SLOTS:
         QTest::newRow("no folder for the picture")
             << QStringList{"--sample", "--screenshot", m_folder.filePath("no/x.png")}
             << int(ExitNoImage) << "x.png";
+        QTest::newRow("no folder for the picture of the canvas")
+            << QStringList{"--canvas-demo", "--screenshot", m_folder.filePath("no/y.png")}
+            << int(ExitNoImage) << "y.png";
+        QTest::newRow("a database for the canvas")
+            << QStringList{"--canvas-demo", "--sample"} << int(ExitUsage) << "--canvas-demo";
     }
     void whatFailsIsToldAndHasItsExitCode() {
         QFETCH(QStringList, arguments);
