@@ -52,6 +52,7 @@ const SymbolCase symbols[] = {{0, "TWT"}, {2, "BAB"}, {3, "AAB"},
                               {4, "BAA"}, {5, "A-A"}, {6, "AAA"}};
 
 TEST(JoinSymbol, FillsThePartThatTheJoinKeepsInEachThemeScaleAndAngle) {
+    dropJoinSymbolPictures();  // of views in other tests
     QB::Test::needApplication();
     QB::Test::HostCallbacks host;
     LumoPictureCache cache;
