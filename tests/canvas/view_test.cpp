@@ -109,7 +109,9 @@ TEST(CanvasView, arrange_is_taken_back_but_not_over_what_moved_since) {
                                    scene.view->getControl()->getDisplayRect()));
     const LumoRect moved = lumoMovedRect(scene.recent->item()->getRect(), {50, 50});
     scene.recent->item()->setRect(moved);
+    scene.view->getControl()->setScrollOrigin({2000, 900});
     scene.commands->undoArrange();
+    EXPECT_TRUE(lumoIntersectsRect(before[0], scene.view->getControl()->getDisplayRect()));
     EXPECT_FALSE(canUndo);
     EXPECT_EQ(scene.film->item()->getRect(), before[0]);
     EXPECT_EQ(scene.language->item()->getRect(), before[1]);

@@ -121,12 +121,15 @@ void QBCanvasCommands::undoArrange() {
     Q_EMIT undoArrangeAvailable(false);
     QBLumoDiagram* const diagram = m_state->view->lumoDiagram();
     if (!diagram) return;
+    LumoRect taken;
     for (QBLumoItem* item : diagram->items())
         for (const State::Move& move : moves)
             if (move.item == item->serial() && move.after == item->getRect()) {
                 item->setRect(move.before);
                 item->setRequireToVerifyLayout(true, true);  // its links come along
+                taken = lumoUnionRect(taken, move.before);
             }
+    if (lumoWidth(taken) > 0) m_state->view->getControl()->scrollToVisible(taken, false);
     diagram->repaint();
 }
 
