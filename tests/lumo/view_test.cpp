@@ -334,9 +334,10 @@ TEST_F(LumoView, TakesItsKeysBeforeTheShortcutsOfTheHost) {
                                             Qt::Key_Escape,          Qt::CTRL + Qt::Key_0,
                                             Qt::CTRL + Qt::Key_Plus, Qt::CTRL + Qt::Key_Minus,
                                             Qt::CTRL + Qt::Key_9,    Qt::Key_F2};
-    const std::vector<QKeySequence> theirs = {Qt::CTRL + Qt::Key_L, Qt::CTRL + Qt::Key_E,
-                                              Qt::CTRL + Qt::Key_PageUp, Qt::ALT + Qt::Key_Left,
-                                              Qt::Key_F5};
+    const std::vector<QKeySequence> theirs = {
+        Qt::CTRL + Qt::Key_L,   Qt::CTRL + Qt::Key_E, Qt::CTRL + Qt::Key_PageUp,
+        Qt::ALT + Qt::Key_Left, Qt::Key_F5,           Qt::CTRL + Qt::SHIFT + Qt::Key_A,
+        Qt::SHIFT + Qt::Key_F2};
     QString triggered;
     for (const auto& list : {ours, theirs})
         for (const QKeySequence& keys : list) {
@@ -351,7 +352,7 @@ TEST_F(LumoView, TakesItsKeysBeforeTheShortcutsOfTheHost) {
     EXPECT_EQ(triggered, "");
     for (const QKeySequence& keys : theirs)
         QTest::keySequence(native(), keys);
-    EXPECT_EQ(triggered, "Ctrl+L Ctrl+E Ctrl+PgUp Alt+Left F5 ");
+    EXPECT_EQ(triggered, "Ctrl+L Ctrl+E Ctrl+PgUp Alt+Left F5 Ctrl+Shift+A Shift+F2 ");
     const std::vector<int> told = {LumoKeyDelete, LumoKeyLeft,  LumoKeyEscape, LumoKeyZero,
                                    LumoKeyPlus,   LumoKeyMinus, LumoKeyF2};
     EXPECT_EQ(diagram->keys, told);

@@ -125,6 +125,13 @@ bool isWithControl(const QKeyEvent* event) {
     return keys.contains(event->key());
 }
 
+/// Keys that mean something alone or with Control, but nothing with Shift.
+bool meansNothingWithShift(const QKeyEvent* event) {
+    static const QSet<int> keys = {Qt::Key_A, Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter,
+                                   Qt::Key_F2};
+    return keys.contains(event->key()) && (event->modifiers() & Qt::ShiftModifier);
+}
+
 /// Shift only writes a sign or digit that stands with it on some keyboards.
 int32_t heldWith(const QKeyEvent* event) {
     const int32_t keys = keysOf(event->modifiers());
@@ -213,6 +220,7 @@ void LumoUIScrollView::wheelEvent(QWheelEvent* event) {
 
 bool LumoUIScrollView::ownsKey(const QKeyEvent* event) const {
     if (isMenuKey(event)) return true;
+    if (meansNothingWithShift(event)) return false;
     const auto modifiers = modifiersBut(Qt::KeypadModifier | Qt::ShiftModifier, event);
     if (modifiers == Qt::ControlModifier) return zoomKeyCode(event) != 0 || isWithControl(event);
     if (modifiers != Qt::NoModifier) return false;
