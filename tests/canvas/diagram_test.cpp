@@ -250,6 +250,16 @@ TEST(Diagram, ForgetsWhatLeavesInTheMiddleOfAGesture) {
     }
 }
 
+TEST(Diagram, LetsWhatIsNoChildOfItKeepItsLinks) {
+    DiagramScene scene;
+    scene.fieldLink("a", "b");
+    const std::string before = dumpCanvas(&scene.diagram);
+    for (LumoObject* stranger :
+         {static_cast<LumoObject*>(nullptr), static_cast<LumoObject*>(scene.bodies["a"])})
+        scene.diagram.removeChild(stranger);
+    EXPECT_EQ(dumpCanvas(&scene.diagram), before);
+}
+
 TEST(Diagram, DrawsALinkFromFieldToField) {
     struct Case {
         const char* target;

@@ -101,6 +101,7 @@ void QBLumoDiagram::addChild(LumoObject* child, int index) {
 }
 
 void QBLumoDiagram::removeChild(LumoObject* child) {
+    if (!child || child->getParent() != this) return;
     finalizeWillRemoveObject({child});
     LumoDiagram::removeChild(child);
     tellEmptiness();
