@@ -33,6 +33,10 @@ TEST_P(MarginConstraint, KeepsWhatItsMaskSaysAndRecoversFromASqueeze) {
     EXPECT_EQ(resized(200, 150), GetParam().bigger);
     EXPECT_EQ(resized(10, 10), GetParam().squeezed);
     EXPECT_EQ(resized(200, 150), GetParam().bigger);
+    parent.setRect({5, 5, 200, 150});
+    child->setRect({1, 2, 3, 4});
+    parent.layout();
+    EXPECT_EQ(child->getRect(), LumoRect(1, 2, 3, 4)) << "a move keeps no margins";
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -19,7 +19,7 @@ QBLumoObject::~QBLumoObject() = default;
 void QBLumoObject::setRect(const LumoRect& rect) {
     const LumoRect before = getRect();
     if (before == rect) return;
-    captureMargins(this);
+    if (before.size != rect.size) captureMargins(this);
     LumoObject::setRect(rect);
     m_rectChanged.fire(this, before);
 }

@@ -36,7 +36,7 @@ void QBLumoScrollView::setVerticalScrollDisabled(bool disabled) {
 void QBLumoScrollView::setRect(const LumoRect& rect) {
     const LumoRect before = getRect();
     if (before == rect) return;
-    captureMargins(this);
+    if (before.size != rect.size) captureMargins(this);
     LumoVirtualScrollView::setRect(rect);
     m_rectChanged.fire(this, before);
 }
