@@ -76,63 +76,16 @@ bool QBLumoDiagram::Keyboard::keyDown(const LumoEvent& event) {
 }
 
 bool QBLumoDiagram::Keyboard::callForMode(const LumoEvent& event, bool* found) {
-    static const std::vector<Binding> linking = {
-        {LumoKeyTab, anyKeys, &Keyboard::nextTarget},
-        {LumoKeyBackTab, anyKeys, &Keyboard::nextTarget},
-        {LumoKeyRight, anyKeys, &Keyboard::nextTarget},
-        {LumoKeyLeft, anyKeys, &Keyboard::nextTarget},
-        {LumoKeyUp, anyKeys, &Keyboard::walkTargetRows},
-        {LumoKeyDown, anyKeys, &Keyboard::walkTargetRows},
-        {LumoKeyHome, anyKeys, &Keyboard::walkTargetRows},
-        {LumoKeyEnd, anyKeys, &Keyboard::walkTargetRows},
-        {LumoKeyPageUp, anyKeys, &Keyboard::walkTargetRows},
-        {LumoKeyPageDown, anyKeys, &Keyboard::walkTargetRows},
-        {LumoKeyReturn, anyKeys, &Keyboard::drawLink},
-        {LumoKeyEscape, anyKeys, &Keyboard::giveUpLink},
-        {LumoKeySpace, anyKeys, &Keyboard::swallow},
-        {LumoKeyF2, anyKeys, &Keyboard::swallow},
-        {LumoKeyMenu, anyKeys, &Keyboard::swallow},
-        {LumoKeyL, anyKeys, &Keyboard::swallow},
-        {LumoKeyR, anyKeys, &Keyboard::swallow},
-        {LumoKeyE, anyKeys, &Keyboard::swallow},
-        {LumoKeyF, anyKeys, &Keyboard::swallow},
-    };
-    static const std::vector<Binding> resizing = {
-        {LumoKeyLeft, LumoKeyControl, &Keyboard::moveSplitter},
-        {LumoKeyRight, LumoKeyControl, &Keyboard::moveSplitter},
-        {LumoKeyUp, LumoKeyControl, &Keyboard::moveSplitter},
-        {LumoKeyDown, LumoKeyControl, &Keyboard::moveSplitter},
-        {LumoKeyLeft, anyKeys, &Keyboard::resizeBy},
-        {LumoKeyRight, anyKeys, &Keyboard::resizeBy},
-        {LumoKeyUp, anyKeys, &Keyboard::resizeBy},
-        {LumoKeyDown, anyKeys, &Keyboard::resizeBy},
-        {LumoKeyReturn, anyKeys, &Keyboard::keepSize},
-        {LumoKeyEscape, anyKeys, &Keyboard::restoreSize},
-    };
-    static const std::vector<Binding> amongRows = {
-        {LumoKeyUp, anyKeys, &Keyboard::walkRows},
-        {LumoKeyDown, anyKeys, &Keyboard::walkRows},
-        {LumoKeyHome, anyKeys, &Keyboard::walkRows},
-        {LumoKeyEnd, anyKeys, &Keyboard::walkRows},
-        {LumoKeyPageUp, anyKeys, &Keyboard::walkRows},
-        {LumoKeyPageDown, anyKeys, &Keyboard::walkRows},
-        {LumoKeyLeft, anyKeys, &Keyboard::swallow},
-        {LumoKeyRight, anyKeys, &Keyboard::swallow},
-        {LumoKeySpace, 0, &Keyboard::tickRow},
-        {LumoKeyReturn, 0, &Keyboard::tickRow},
-        {LumoKeyL, 0, &Keyboard::beginLink},
-        {LumoKeyEscape, anyKeys, &Keyboard::leaveRows},
-    };
-    if (isLinking()) return call(linking, event, found);
+    if (isLinking()) return callWhileLinking(event, found);
     if (m_resize) {
-        const bool taken = call(resizing, event, found);
-        // Any other key keeps the size and does what it does.
-        if (!*found) m_resize.reset();
+        const bool taken = callWhileResizing(event, found);
         if (*found) return taken;
+        // Any other key keeps the size and does what it does.
+        m_resize.reset();
     }
     // Escape gives up what the mouse has begun first.
     const bool mouseDrags = m_diagram->m_gestures->isBandActive() || m_diagram->isLinkDragActive();
-    return m_row >= 0 && !mouseDrags ? call(amongRows, event, found) : false;
+    return m_row >= 0 && !mouseDrags && callAmongRows(event, found);
 }
 
 bool QBLumoDiagram::Keyboard::call(const std::vector<Binding>& bindings, const LumoEvent& event,

@@ -54,6 +54,9 @@ private:
 
     bool call(const std::vector<Binding>& bindings, const LumoEvent& event, bool* found);
     bool callForMode(const LumoEvent& event, bool* found);
+    bool callAmongRows(const LumoEvent& event, bool* found);
+    bool callWhileLinking(const LumoEvent& event, bool* found);
+    bool callWhileResizing(const LumoEvent& event, bool* found);
 
     // ---- focus ----
 

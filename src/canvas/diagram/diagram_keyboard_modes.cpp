@@ -52,6 +52,24 @@ int rowAfterKey(int keyCode, int row, int first, int last, int page) {
 
 // ---- among rows ----
 
+bool QBLumoDiagram::Keyboard::callAmongRows(const LumoEvent& event, bool* found) {
+    static const std::vector<Binding> bindings = {
+        {LumoKeyUp, anyKeys, &Keyboard::walkRows},
+        {LumoKeyDown, anyKeys, &Keyboard::walkRows},
+        {LumoKeyHome, anyKeys, &Keyboard::walkRows},
+        {LumoKeyEnd, anyKeys, &Keyboard::walkRows},
+        {LumoKeyPageUp, anyKeys, &Keyboard::walkRows},
+        {LumoKeyPageDown, anyKeys, &Keyboard::walkRows},
+        {LumoKeyLeft, anyKeys, &Keyboard::swallow},
+        {LumoKeyRight, anyKeys, &Keyboard::swallow},
+        {LumoKeySpace, 0, &Keyboard::tickRow},
+        {LumoKeyReturn, 0, &Keyboard::tickRow},
+        {LumoKeyL, 0, &Keyboard::beginLink},
+        {LumoKeyEscape, anyKeys, &Keyboard::leaveRows},
+    };
+    return call(bindings, event, found);
+}
+
 bool QBLumoDiagram::Keyboard::enterRows(const LumoEvent&) {
     QBLumoItem* const item = focusedItem();
     if (rowCount(item) == 0) return false;
@@ -83,6 +101,31 @@ bool QBLumoDiagram::Keyboard::tickRow(const LumoEvent&) {
 }
 
 // ---- a link ----
+
+bool QBLumoDiagram::Keyboard::callWhileLinking(const LumoEvent& event, bool* found) {
+    static const std::vector<Binding> bindings = {
+        {LumoKeyTab, anyKeys, &Keyboard::nextTarget},
+        {LumoKeyBackTab, anyKeys, &Keyboard::nextTarget},
+        {LumoKeyRight, anyKeys, &Keyboard::nextTarget},
+        {LumoKeyLeft, anyKeys, &Keyboard::nextTarget},
+        {LumoKeyUp, anyKeys, &Keyboard::walkTargetRows},
+        {LumoKeyDown, anyKeys, &Keyboard::walkTargetRows},
+        {LumoKeyHome, anyKeys, &Keyboard::walkTargetRows},
+        {LumoKeyEnd, anyKeys, &Keyboard::walkTargetRows},
+        {LumoKeyPageUp, anyKeys, &Keyboard::walkTargetRows},
+        {LumoKeyPageDown, anyKeys, &Keyboard::walkTargetRows},
+        {LumoKeyReturn, anyKeys, &Keyboard::drawLink},
+        {LumoKeyEscape, anyKeys, &Keyboard::giveUpLink},
+        {LumoKeySpace, anyKeys, &Keyboard::swallow},
+        {LumoKeyF2, anyKeys, &Keyboard::swallow},
+        {LumoKeyMenu, anyKeys, &Keyboard::swallow},
+        {LumoKeyL, anyKeys, &Keyboard::swallow},
+        {LumoKeyR, anyKeys, &Keyboard::swallow},
+        {LumoKeyE, anyKeys, &Keyboard::swallow},
+        {LumoKeyF, anyKeys, &Keyboard::swallow},
+    };
+    return call(bindings, event, found);
+}
 
 bool QBLumoDiagram::Keyboard::isLinking() const {
     return m_linkItem && m_diagram->isLinkDragActive();
@@ -161,6 +204,22 @@ void QBLumoDiagram::Keyboard::endLink(bool tell) {
 }
 
 // ---- a resize ----
+
+bool QBLumoDiagram::Keyboard::callWhileResizing(const LumoEvent& event, bool* found) {
+    static const std::vector<Binding> bindings = {
+        {LumoKeyLeft, LumoKeyControl, &Keyboard::moveSplitter},
+        {LumoKeyRight, LumoKeyControl, &Keyboard::moveSplitter},
+        {LumoKeyUp, LumoKeyControl, &Keyboard::moveSplitter},
+        {LumoKeyDown, LumoKeyControl, &Keyboard::moveSplitter},
+        {LumoKeyLeft, anyKeys, &Keyboard::resizeBy},
+        {LumoKeyRight, anyKeys, &Keyboard::resizeBy},
+        {LumoKeyUp, anyKeys, &Keyboard::resizeBy},
+        {LumoKeyDown, anyKeys, &Keyboard::resizeBy},
+        {LumoKeyReturn, anyKeys, &Keyboard::keepSize},
+        {LumoKeyEscape, anyKeys, &Keyboard::restoreSize},
+    };
+    return call(bindings, event, found);
+}
 
 QBLumoSplitter* QBLumoDiagram::Keyboard::splitterOf(const QBLumoItem* item) {
     const auto splitters = item->findChildren<QBLumoSplitter>(true);
