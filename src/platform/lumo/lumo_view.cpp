@@ -104,10 +104,6 @@ void LumoUIScrollView::paintEvent(QPaintEvent* event) {
     ++m_state->paintPasses;
     m_state->objectsInLastPass = 0;
 
-    const double scale = control.getZoom() * viewport()->devicePixelRatioF();
-    if (std::abs(std::exchange(m_state->pictureScale, scale) - scale) > 0)
-        m_state->pictures.clear();
-
     QPainter painter(viewport());
     for (const QRect& rect : passesOf(region))
         paintRect(&painter, rect);

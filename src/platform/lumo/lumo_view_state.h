@@ -14,7 +14,6 @@ struct LumoUIScrollView::State {
     Control control;
     std::function<QCursor*(int)> cursorHandler;
     int cursorCode = 0;
-    double pictureScale = 0;  // device pixels a pixel of the diagram, of the kept pictures
     int paintPasses = 0;
     int objectsInLastPass = 0;
     QPointF wheelRest;  // of a wheel, less than a pixel
