@@ -56,6 +56,7 @@ void QBLumoJoinLink::setJoinType(int type) {
     if (m_joinType == type) return;
     invalidate();
     m_joinType = type;
+    measureBoxes();
     invalidate();
 }
 
@@ -63,6 +64,7 @@ void QBLumoJoinLink::setLabel(const std::string& label) {
     if (m_label == label) return;
     invalidate();
     m_label = label;
+    measureBoxes();
     invalidate();
 }
 
@@ -125,6 +127,7 @@ void QBLumoJoinLink::pairsChanged() {
     invalidate();
     m_routes.clear();
     m_primary = Route();
+    measureBoxes();
     setRequireToVerifyLayout(true);
 }
 
@@ -203,6 +206,7 @@ void QBLumoJoinLink::takeRoutes(const LumoRect& rect, std::vector<Route> routes)
     const auto primary = std::find_if(m_routes.begin(), m_routes.end(),
                                       [](const Route& route) { return !route.isEmpty(); });
     m_primary = primary == m_routes.end() ? Route() : *primary;
+    measureBoxes();
     invalidate();
 }
 

@@ -111,6 +111,7 @@ private:
     void fireDoubleClicked();
 
     // join_link_paint.cpp
+    void measureBoxes();
     JoinSymbol symbol() const;
     double promptProgress() const;
     QPainterPath wholeLine() const;
@@ -127,6 +128,8 @@ private:
     std::string m_label;
     std::vector<Route> m_routes;  // in own space
     Route m_primary;              // the first that is not empty
+    LumoRect m_routeBox;          // what it paints, in own space
+    LumoRect m_labelBox;          // of the text at its symbol; empty without one
     QBLumoAnimation m_promptAnimation;
     bool m_promptRunning = false;
     const uint64_t m_serial;

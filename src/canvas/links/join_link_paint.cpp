@@ -50,14 +50,21 @@ LumoRect turnedBox(const LumoDoubleRect& rect, double angle, LumoPoint middle) {
 
 }  // namespace
 
+/// Whatever changes route or label asks for it: every paint and every hit wants the boxes of all
+/// links.
+void QBLumoJoinLink::measureBoxes() {
+    m_routeBox = m_primary.isEmpty() ? LumoRect() : routeBox(m_primary);
+    m_labelBox = LumoRect();
+    if (m_primary.isEmpty() || m_joinType != 0 || m_label.empty()) return;
+    const JoinSymbol painted = symbol();
+    m_labelBox = turnedBox(joinLabelRect(painted), painted.paintAngle(), painted.middle);
+}
+
 LumoRect QBLumoJoinLink::customDirtyRect() const {
     if (m_primary.isEmpty()) return {};
     const int margin = m_promptRunning ? wavesMargin : 0;
-    const LumoRect box = lumoInflateRect(routeBox(m_primary), margin, margin);
-    if (m_joinType != 0 || m_label.empty()) return box;
-    const JoinSymbol painted = symbol();
-    return lumoUnionRect(box,
-                         turnedBox(joinLabelRect(painted), painted.paintAngle(), painted.middle));
+    const LumoRect box = lumoInflateRect(m_routeBox, margin, margin);
+    return m_labelBox == LumoRect() ? box : lumoUnionRect(box, m_labelBox);
 }
 
 void QBLumoJoinLink::paint(LumoPaintConfig* config, LumoRect rect) {
