@@ -55,13 +55,13 @@ GATES = [
     *[Gate(f"lay out a diagram of {n} boxes", "auto_layout_bench", f"^layOut/schema/{n}/",
            "*layoutInLayers*", 8_000_000, bytes=n) for n in (100, 200)],
     Gate("build an item of 30 rows with its links, of 200", "canvas_bench", "^build/200/",
-         "*measuredBuild*", 700_000, bytes=200),
+         "*measuredBuild*", 690_000, bytes=200),
     *[Gate(f"repaint {n} items, an object in view", "canvas_bench", f"^repaintAmong/{n}/",
-           "*measuredRepaint*", 230_000) for n in (250, 2000)],
+           "*measuredRepaint*", 215_000) for n in (250, 2000)],
     Gate("a step of a drag of an item among 250, painted", "canvas_bench", "^dragAmong/250/",
-         "*measuredDrag*", 2_300_000, bytes=1),
+         "*measuredDrag*", 2_200_000, bytes=1),
     Gate("the same among 2000, an object painted", "canvas_bench", "^dragAmong/2000/",
-         "*measuredDrag*", 250_000),
+         "*measuredDrag*", 236_000),
     # Widgets for 10,000 rows take ten times those for 1,000, at least.
     *[Gate(f"refresh {n} rows, of a widget for each of 1000", "row_list_bench",
            f"^refreshOnDemand/{n}/", "*measuredRefresh*", 0.05, 0.1, 1, "^refreshWidgets/1000/")
