@@ -86,7 +86,8 @@ void QBLumoJoinLink::waitForSecondClick(LumoControl* control) {
         cancelGesture();
         fireDoubleClicked();
     });
-    m_doubleClick.timer->start(std::min(QApplication::doubleClickInterval(), longestWait), control);
+    m_doubleClick.timer->setTimerOwner(control);
+    m_doubleClick.timer->startOnce(std::min(QApplication::doubleClickInterval(), longestWait));
 }
 
 /// The timer may have opened the editor between the clicks: then this was the same wish.

@@ -1,8 +1,19 @@
 #include "platform/lumo/lumo_timer.h"
 
+#include <algorithm>
+#include <set>
 #include <utility>
 
 #include <QTimer>
+
+namespace {
+
+std::set<const QTimer*>& clocks() {
+    static std::set<const QTimer*> all;  // not owned
+    return all;
+}
+
+}  // namespace
 
 /// Shared with the call that runs, which outlives a timer that its function destroys.
 struct LumoTimer::State {
@@ -15,6 +26,7 @@ struct LumoTimer::State {
 
 LumoTimer::LumoTimer() : m_state(std::make_shared<State>()) {
     m_state->timer = this;
+    clocks().insert(&m_state->clock);
     State* const state = m_state.get();
     QObject::connect(&state->clock, &QTimer::timeout, &state->clock, [state] {
         // Moved out: the function may replace or destroy itself.
@@ -28,6 +40,7 @@ LumoTimer::LumoTimer() : m_state(std::make_shared<State>()) {
 
 LumoTimer::~LumoTimer() {
     m_state->clock.stop();
+    clocks().erase(&m_state->clock);
     m_state->timer = nullptr;
 }
 
@@ -61,6 +74,13 @@ void LumoTimer::stop() {
 
 bool LumoTimer::isRunning() const {
     return m_state->clock.isActive();
+}
+
+int LumoTimer::repeatingCount() {
+    const auto repeats = [](const QTimer* clock) {
+        return clock->isActive() && !clock->isSingleShot();
+    };
+    return int(std::count_if(clocks().begin(), clocks().end(), repeats));
 }
 
 LumoTimer* lumoCreateTimer() {

@@ -23,6 +23,8 @@ public:
     virtual void startOnce(int milliseconds);
     virtual void stop();
     bool isRunning() const;
+    /// How many run now that were not started once. For tests: none runs while nothing moves.
+    static int repeatingCount();
 
 private:
     struct State;
