@@ -11,7 +11,7 @@
 
 #include "canvas/base/canvas_style.h"
 #include "canvas/view/canvas_commands.h"
-#include "canvas/view/focus_place.h"
+#include "canvas/diagram/focus_place.h"
 #include "canvas/view/overview_map.h"
 #include "model/callbacks.h"
 #include "tests/canvas/view_scene.h"

@@ -40,6 +40,8 @@ QBLumoAnimationTimer::~QBLumoAnimationTimer() {
 }
 
 void QBLumoAnimationTimer::playAnimation(QBLumoAnimation* animation) {
+    if (animation->m_timer && animation->m_timer != this)
+        animation->m_timer->stopAnimation(animation);
     m_timer->stop();
     m_timer->setTimerFunc([this](LumoTimer*) { tick(); });
     m_lastTick = nowInMilliseconds();

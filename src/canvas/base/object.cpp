@@ -40,11 +40,6 @@ void QBLumoObject::paint(LumoPaintConfig* config, LumoRect rect) {
     LumoObject::paint(config, rect);
 }
 
-void QBLumoObject::setBackgroundColor(const LumoColor& color) {
-    LumoObject::setBackgroundColor(color);
-    invalidate();
-}
-
 void QBLumoObject::removedFromDiagram() {}
 
 }  // namespace QB::DiagramLumo

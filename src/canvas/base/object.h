@@ -13,8 +13,8 @@ public:
     QBLumoObject();
     ~QBLumoObject() override;
 
-    /// Grows with each object made: a stable order, and what tells an object from a later one at its
-    /// address.
+    /// Grows with each object made: a stable order, and what tells an object from a later one at
+    /// its address.
     uint64_t serial() const { return m_serial; }
 
     /// Fired with this object and the rectangle that it had.
@@ -23,7 +23,6 @@ public:
     using LumoObject::addChild;
     void setRect(const LumoRect& rect) override;
     void paint(LumoPaintConfig* config, LumoRect rect) override;
-    void setBackgroundColor(const LumoColor& color) override;
 
     /// Called when this object or an ancestor is about to leave the diagram, children first.
     virtual void removedFromDiagram();

@@ -7,12 +7,12 @@
 #include "canvas/controls/list_view.h"
 #include "canvas/diagram/diagram_gestures.h"
 #include "canvas/diagram/diagram_link_drag.h"
+#include "canvas/diagram/focus_place.h"
 #include "canvas/diagram/placement.h"
 #include "canvas/items/base_item_body.h"
 #include "canvas/items/item.h"
 #include "canvas/items/text_based_item_body.h"
 #include "canvas/links/join_link.h"
-#include "canvas/view/focus_place.h"
 #include "platform/lumo/lumo_control.h"
 
 namespace QB::DiagramLumo {
@@ -20,7 +20,6 @@ namespace QB::DiagramLumo {
 namespace {
 
 constexpr int arrowStep = 3;
-constexpr int ringReach = 12;            // of the ring around its place, at the smallest zoom
 constexpr LumoPoint menuOffset{20, 15};  // in the title, or the row
 
 LumoPoint arrowDirection(int keyCode) {
@@ -149,7 +148,7 @@ void QBLumoDiagram::Keyboard::place(LumoObject* object, int row, bool showRing) 
 
 void QBLumoDiagram::Keyboard::invalidateRing() const {
     if (!m_focused) return;
-    m_diagram->addDirtyRect(lumoInflateRect(focusPlace(m_diagram), ringReach, ringReach));
+    m_diagram->addDirtyRect(lumoInflateRect(focusPlace(m_diagram), focusRingReach, focusRingReach));
     m_diagram->flushDirtyRect();
 }
 

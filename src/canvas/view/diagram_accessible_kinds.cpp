@@ -12,7 +12,7 @@
 #include "canvas/links/join_link.h"
 #include "canvas/view/diagram_accessible_names.h"
 #include "canvas/view/diagram_accessible_parts.h"
-#include "canvas/view/focus_place.h"
+#include "canvas/diagram/focus_place.h"
 #include "canvas/view/lumo_ui_view.h"
 #include "platform/lumo/lumo_control.h"
 #include "platform/tolk/text_ids.h"

@@ -8,12 +8,12 @@
 #include "canvas/base/canvas_style.h"
 #include "canvas/base/context.h"
 #include "canvas/diagram/diagram.h"
+#include "canvas/diagram/focus_place.h"
 #include "canvas/items/base_item_body.h"
 #include "canvas/items/item.h"
 #include "canvas/items/text_based_item_body.h"
 #include "canvas/links/join_symbol.h"
 #include "canvas/view/diagram_accessible.h"
-#include "canvas/view/focus_place.h"
 #include "platform/lumo/lumo_control.h"
 #include "platform/lumo/lumo_dispatch.h"
 #include "platform/lumo/lumo_label.h"
@@ -23,7 +23,6 @@ namespace QB::DiagramLumo {
 namespace {
 
 constexpr double focusRingWidth = 2.0;
-constexpr int ringReach = 12;  // of the ring around its place, at the smallest zoom
 constexpr int mostTipLines = 30;
 
 /// The first lines of a text that may be a whole query.
@@ -148,7 +147,7 @@ void QBLumoUIView::updateRing() {
     if (place == m_ringPlace) return;
     for (const LumoRect& dirty : {std::exchange(m_ringPlace, place), place})
         if (lumoWidth(dirty) > 0)
-            getControl()->updateRegion(lumoInflateRect(dirty, ringReach, ringReach));
+            getControl()->updateRegion(lumoInflateRect(dirty, focusRingReach, focusRingReach));
 }
 
 void QBLumoUIView::paintOverlay(QPainter* painter) {

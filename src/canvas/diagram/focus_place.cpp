@@ -1,4 +1,4 @@
-#include "canvas/view/focus_place.h"
+#include "canvas/diagram/focus_place.h"
 
 #include "canvas/controls/list_view.h"
 #include "canvas/controls/scroll_view.h"
