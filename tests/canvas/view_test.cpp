@@ -10,8 +10,8 @@
 #include <QVBoxLayout>
 
 #include "canvas/base/canvas_style.h"
-#include "canvas/view/canvas_commands.h"
 #include "canvas/diagram/focus_place.h"
+#include "canvas/view/canvas_commands.h"
 #include "canvas/view/overview_map.h"
 #include "model/callbacks.h"
 #include "tests/canvas/view_scene.h"
