@@ -99,8 +99,9 @@ TEST_F(Items, WrapTextsAtSpacesAndCutThemAtTheEndOfTheirArea) {
     }
     for (const std::string& text :
          {std::string("SELECT id, a_name FROM orders WHERE total > 100"), std::string(60, 'w'),
-          std::string("\u00e4\u20ac\u00f6 ") +
-              "\u4e2d\u6587\u5b57\u4e2d\u6587\u5b57\u4e2d\u6587\u5b57\u4e2d"}) {
+          // Of glyphs that no font has Qt's offscreen platform leaves the search behind.
+          std::string("\u00e4\u20ac\u00f6 \u20ac\u20ac\u20ac\u20ac\u20ac\u20ac\u20ac") +
+              "\u20ac\u20ac\u20ac\u20ac\u20ac\u20ac\u20ac\u20ac"}) {
         std::string joined;
         for (const std::string& line : wrappedText(text, 100, 100).lines) {
             EXPECT_LE(lumoLayoutHelper().measureText(line, Style::itemFont).width, 100) << line;
