@@ -52,6 +52,8 @@ public:
     /// The adaptor for links at @p name, made on first use; docked at the title while there is no
     /// such field. Owned by this body.
     QBLumoFieldJoinLinkAdaptor* adaptorForField(const std::string& name);
+    /// Has the links at its fields laid out anew, also those of an item that does not show.
+    void markAdaptors();
     QBLumoListView* listView() const { return m_list; }
     QBLumoScrollView* scrollView() const { return m_scroll; }
     QBLumoItem* item() const;
@@ -91,7 +93,6 @@ private:
     void setRowsForFields();
     void dockAdaptors();
     void undockAdaptors();
-    void markAdaptors();
     QBLumoListView::Cell* cellOf(const std::string& name) const;
     void showTick(size_t row, bool ticked);
     void showTicksOf(const std::string& name);

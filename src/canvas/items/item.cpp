@@ -148,7 +148,7 @@ void QBLumoItem::setRect(const LumoRect& rect) {
     QBLumoObject::setRect(rect);
     // Links dock elsewhere now. What a move leaves in its place is not laid out.
     m_adaptor->setRequireToVerifyLayout(true);
-    if (m_body) m_body->setRequireToVerifyLayout(true);
+    if (m_body) m_body->markAdaptors();
 }
 
 void QBLumoItem::takeDraggedRect(const LumoRect& rect) {
