@@ -214,6 +214,25 @@ TEST_F(FieldList, EndsALinkDragInEveryWayWithoutATrace) {
     }
 }
 
+TEST_F(FieldList, LeavesTheItemFreeWhateverKeysComeAndGoDuringADrag) {
+    const LumoPoint from = scene.row(left, 1);
+    for (const int32_t first : {LumoKeyControl | 0, 0}) {
+        scene.control.press(from, LumoButtonLeft | first);
+        scene.control.move(from + LumoPoint{20, 5}, LumoButtonLeft | first);
+        scene.control.move(from + LumoPoint{40, 5}, LumoButtonLeft | (LumoKeyControl - first));
+        scene.control.move(from + LumoPoint{60, 5}, LumoButtonLeft);
+        scene.control.release(from + LumoPoint{60, 5});
+        EXPECT_FALSE(scene.diagram.isLinkDragActive());
+        const LumoPoint before = left->item()->getRect().origin;
+        const LumoPoint title = left->translatePoint({50, 15}, &scene.diagram);
+        scene.control.drag(title, title + LumoPoint{30, 40});
+        scene.control.release(title + LumoPoint{30, 40});
+        EXPECT_EQ(left->item()->getRect().origin, before + LumoPoint({30, 40})) << first;
+        left->item()->setRect({before, left->item()->getRect().size});
+        scene.diagram.layout();
+    }
+}
+
 TEST_F(FieldList, ScrollsWhileALinkIsDrawnOverItsLastRow) {
     auto* const overlay =
         right->scrollView()

@@ -132,10 +132,15 @@ void QBLumoBaseItemBody::FieldCellDelegate::paintCell(QBLumoListView*, const Row
 bool QBLumoBaseItemBody::FieldCellDelegate::cellDragging(QBLumoListView*, Cell* cell,
                                                          LumoEvent event) {
     QBLumoDiagram* const diagram = m_body->lumoDiagram();
-    if (!diagram || !event.containsOnlyEventKeys({LumoButtonLeft})) return true;
+    if (!diagram || !event.containsEventKey(LumoButtonLeft)) return true;
     QBLumoScrollView* const view = m_body->scrollView();
+    // A drag stays whose it was when it began, whatever keys come and go meanwhile.
+    const bool isOurs = view->isVerticalScrollDisabled();
+    const QBLumoItem* const item = m_body->item();
+    const bool isItems = item && (item->isMoving() || item->isResizing());
+    if (!isOurs && (isItems || !event.containsOnlyEventKeys({LumoButtonLeft}))) return true;
     // A link that was given up meanwhile does not begin anew.
-    if (view->isVerticalScrollDisabled() && !diagram->isLinkDragActive()) return false;
+    if (isOurs && !diagram->isLinkDragActive()) return false;
     view->setVerticalScrollDisabled(true);
     if (const std::string* const field = fieldOf(rowOf(cell)))
         diagram->beginLinkDrag(m_body->item(), *field, cell->translatePoint(event.point, diagram));
@@ -147,7 +152,8 @@ bool QBLumoBaseItemBody::FieldCellDelegate::cellDrop(QBLumoListView*, Cell*, Lum
     m_body->scrollView()->setVerticalScrollDisabled(false);
     // The host may take the item away when it is told of the link: nothing is touched after this.
     if (QBLumoDiagram* const diagram = m_body->lumoDiagram()) diagram->endLinkDrag();
-    return false;
+    // The item may have seen the drag, too, before its key was let go.
+    return true;
 }
 
 bool QBLumoBaseItemBody::FieldCellDelegate::cellDragEnter(QBLumoListView*, Cell* cell, LumoEvent) {
