@@ -5,13 +5,20 @@
 #include <QPainter>
 #include <QSaveFile>
 #include <QSvgGenerator>
+#include <algorithm>
 
 #include "canvas/view/canvas_commands.h"
 
 namespace QB::Desk {
 namespace {
 
-constexpr double pngScale = 2.0;
+constexpr double pngScale = 2.0;  // sharp on any screen, where the image may be as large
+
+double pngScaleOf(const QBCanvasCommands& commands) {
+    const QSizeF size = commands.pictureRect().size();
+    const double side = std::max({size.width(), size.height(), 1.0});
+    return std::min(pngScale, (QBCanvasCommands::largestPictureSide - 1) / side);
+}
 
 QByteArray svgOf(const QBCanvasCommands& commands) {
     QBuffer text;
@@ -43,7 +50,7 @@ QString saveSvg(const QBCanvasCommands& commands, const QString& file) {
 QString saveDiagramPicture(const QBCanvasCommands& commands, const QString& file) {
     if (file.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive)) return saveSvg(commands, file);
     if (file.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive)) return commands.exportPdf(file);
-    return commands.exportPng(file, pngScale);
+    return commands.exportPng(file, pngScaleOf(commands));
 }
 
 }  // namespace QB::Desk

@@ -8,7 +8,8 @@ class QBCanvasCommands;
 
 namespace QB::Desk {
 
-/// Writes the diagram to @p file: as PDF or SVG if it is named so, else as PNG at twice its size.
+/// Writes the diagram to @p file: as PDF or SVG if it is named so, else as PNG at twice its size,
+/// or as much of that as an image can hold.
 /// @return an empty text, or what went wrong, for the user.
 QString saveDiagramPicture(const QBCanvasCommands& commands, const QString& file);
 

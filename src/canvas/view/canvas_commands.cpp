@@ -24,7 +24,6 @@ using namespace DiagramLumo;
 namespace {
 
 constexpr int pictureMargin = 20;
-constexpr int largestSide = 16384;     // pixels of an image: 1 GB at most
 constexpr int pdfDotsPerInch = 96;     // a pixel of the diagram is a pixel of the page
 constexpr double longestPage = 14400;  // points: the most that a PDF page may have
 
@@ -151,7 +150,7 @@ void QBCanvasCommands::renderTo(QPainter* painter, const QRectF& target) const {
 QString QBCanvasCommands::exportPng(const QString& file, double scale) const {
     const QSizeF size = pictureRect().size() * scale;
     if (pictureRect().isEmpty()) return Tolk::localize(Tolk::TextCanvasNothingToExport);
-    if (!(scale > 0) || size.width() > largestSide || size.height() > largestSide)
+    if (!(scale > 0) || size.width() > largestPictureSide || size.height() > largestPictureSide)
         return Tolk::localize(Tolk::TextCanvasPictureTooLarge);
     QImage image(size.toSize().expandedTo({1, 1}), QImage::Format_ARGB32_Premultiplied);
     if (image.isNull()) return Tolk::localize(Tolk::TextCanvasPictureTooLarge);

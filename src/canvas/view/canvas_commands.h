@@ -35,6 +35,8 @@ public:
     QRectF pictureRect() const;
     /// Paints pictureRect() into @p target, without focus ring and overview. For SVG and the like.
     void renderTo(QPainter* painter, const QRectF& target) const;
+    /// The longest side that an image may have, in pixels: 1 GB at most.
+    static constexpr int largestPictureSide = 16384;
     /// Write a picture. @return an empty text, or what went wrong, for the user.
     QString exportPng(const QString& file, double scale) const;
     QString exportPdf(const QString& file) const;

@@ -44,7 +44,7 @@ private:
     void updateRing();
 
     std::unique_ptr<DiagramAccessible> m_accessible;
-    LumoRect m_ringPlace;  // where the ring was last; a default rectangle for nowhere
+    LumoRect m_ringPlace;  // where the ring was last; a default rectangle if it was not shown
 };
 
 }  // namespace QB::DiagramLumo

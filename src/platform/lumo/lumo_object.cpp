@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QPaintEngine>
 #include <QPainter>
 #include <QScopedValueRollback>
 
@@ -15,6 +16,13 @@
 namespace {
 
 constexpr int maxLayoutRounds = 4;
+
+/// Of what has children these are asked themselves.
+bool sticksOut(const LumoObject* child, const LumoObject* of) {
+    return child->getChildren().empty() &&
+           !lumoContainsRect(of->getBoundingRect(),
+                             child->translateRect(child->customDirtyRect(), of));
+}
 
 /// Never repeated, so that an object at the address of a dead one is not taken for it.
 uint64_t nextPictureSerial() {
@@ -413,6 +421,8 @@ void LumoObject::paintChildren(LumoPaintConfig* config, const LumoRect& rect) {
     const LumoRect shown = lumoIntersectedRect(rect, getBoundingRect());
     if (shown == LumoRect()) return;
     QPainter* const painter = config->qtPainter();
+    const bool canClip = painter->paintEngine()->type() != QPaintEngine::SVG;
+    const QScopedValueRollback<const LumoObject*> cut(config->cutBy, canClip ? nullptr : this);
     painter->save();
     painter->setWorldTransform(config->worldTransform(this));
     painter->setClipRect(QRect(0, 0, getRect().size.width, getRect().size.height),
@@ -428,6 +438,7 @@ void LumoObject::paintChild(LumoObject* child, LumoPaintConfig* config,
     // The cheaper question first: most children of a large canvas are out of sight.
     if (!lumoIntersectsRect(lumoMovedRect(child->customDirtyRect(), origin), rect)) return;
     if (!child->getVisible()) return;
+    if (config->cutBy && sticksOut(child, config->cutBy)) return;
     ++config->paintedObjects;
     LumoPictureCache* const cache = child->isCachedAsPicture() ? config->pictureCache() : nullptr;
     if (cache && cache->paint(child, config)) return;

@@ -36,7 +36,6 @@ public:
     LumoPictureCache* pictureCache() const { return m_cache; }
     /// Device pixels for one pixel of the diagram: zoom times device pixel ratio.
     double scale() const { return m_scale; }
-    const QTransform& diagramToDevice() const { return m_root; }
     /// True if the device has pixels and the transform moves and scales evenly only.
     bool onPixelGrid() const { return m_onPixelGrid; }
     /// Where the origin of @p object, a descendant of the diagram, lies on the device.
@@ -45,6 +44,9 @@ public:
     QTransform worldTransform(const LumoObject* object) const;
     /// No other pass has the same.
     uint64_t passId() const { return m_passId; }
+    /// On a device that cannot clip (SVG), the object that would clip: of what lies in it, only
+    /// what is wholly in sight is painted. Null elsewhere. Kept by LumoObject::paintChildren.
+    const LumoObject* cutBy = nullptr;
     /// For measurements: objects that painted in this pass.
     int paintedObjects = 0;
 
