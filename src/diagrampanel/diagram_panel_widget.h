@@ -1,8 +1,14 @@
 #pragma once
 
 #include <QPoint>
+#include <cstdint>
+#include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
+#include "canvas/drawer/diagram_arrangement.h"
+#include "canvas/drawer/diagram_drawer.h"
 #include "model/vocabulary.h"
 #include "widgets/panel_widget.h"
 
@@ -16,18 +22,21 @@ class QBDiagramPanelWidget;
 namespace QB {
 
 class PendingDiagramItems;
+class QBCanvasCommands;
 class QBDiagramHintWidget;
+class QBLumoDiagramDrawer_LINUX;
 struct QBIdentifierCandidate;
 namespace Component::SQL {
 class SQLAbstractConditionComponent;
 class SQLIdentifierSourceComponent;
 }  // namespace Component::SQL
 
-/// The panel of the diagram: takes tables and views from the object tree, by drop or by
-/// addIdentifierCandidateToDiagram(), and adds them to the query.
+/// The panel of the diagram. What the user does on the canvas changes the query through the engine,
+/// and every change of the query, whoever made it, comes back from the engine and is drawn: the
+/// canvas has one writer, synchronise(). Takes tables and views from the object tree, by drop or by
+/// addIdentifierCandidateToDiagram().
 ///
-/// The form has a bar with the table or field relation switch, which says how the diagram's links
-/// are drawn; it is hidden while there is no canvas to draw them on.
+/// A bar above has the table or field relation switch: how links are drawn.
 /// Thread: main.
 class QBDiagramPanelWidget : public QBPanelWidget {
     Q_OBJECT
@@ -45,12 +54,37 @@ public:
     /// address may be given.
     void addIdentifierCandidateToDiagram(QBIdentifierCandidate* candidate);
 
-    /// Where the source that is being added was dropped, in the panel's coordinates; (-1, -1) when
-    /// it was not dropped. Valid while the engine announces the source.
-    QPoint dropPoint() const { return m_dropPoint; }
-
     /// How many sources wait for their fields.
     int pendingItemCount() const;
+
+    /// Never null; owned by the panel.
+    QBLumoDiagramDrawer_LINUX* drawer() const;
+    /// What a View menu does with the diagram. Never null; owned by the view.
+    QBCanvasCommands* commands() const;
+
+    /// @name Layouts
+    /// @{
+
+    using LayerPaths = std::map<std::uint64_t, std::vector<std::string>>;
+    /// The layers of the query, by the ids of their statements, with the aliases of the subqueries
+    /// on the way down; none below a subquery without alias. Empty without engine or statement.
+    LayerPaths layerPaths() const;
+    /// Of all layers, the one on screen as it stands now.
+    std::string saveLayout();
+    /// Takes the layouts for the layers that are there, at once for the one on screen, and for
+    /// those that come later, as by a parse under way, when they come.
+    void restoreLayout(const std::string& text);
+    /// "1" for table, "2" for field relations.
+    QString relationMode() const;
+    /// Any other text changes nothing.
+    void setRelationMode(const QString& mode);
+    /// Of the layer on screen, exactly; and back.
+    DiagramArrangement arrangement() const;
+    void setArrangement(const DiagramArrangement& arrangement);
+    /// True while a mouse gesture or a resize by keys goes on.
+    bool isGestureUnderWay() const;
+
+    /// @}
 
 Q_SIGNALS:
     /// A condition that the diagram has just made is not finished yet; panels shall not mark it.
@@ -58,6 +92,14 @@ Q_SIGNALS:
         QB::Component::SQL::SQLAbstractConditionComponent** componentRef);
     /// The user's action on the diagram changed that clause.
     void signalJumpToPanel(QB::TopLevelQueryComponentElementEnum element);
+    /// The user has moved, resized or arranged items; @p stepName is for a history, in the user's
+    /// language, and @p isRepeatable true for steps by key, of which a row may count as one.
+    void signalArranged(const QString& stepName, bool isRepeatable);
+    /// The diagram shows the statement as it is now: after each change, and each layer.
+    void signalSynchronised();
+
+    /// The fields of @p identifier, a table, were loaded: items that show it get them.
+    void updateAllComponentsUsingIdentifier(QB::QBIdentifierCandidate* identifier);
 
 protected:
     void changeEvent(QEvent* event) override;

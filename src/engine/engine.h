@@ -144,6 +144,33 @@ public:
     /// Thread: inside a modification block.
     void retire(DetachedParts&& parts);
 
+    /// The root statement with all below it, see model/statement_record.h; empty without one.
+    /// Takes queryComponentAccessMutex.
+    std::string recordQuery() const;
+    /// The ids of the subquery sources that lead to the current layer, the outermost first.
+    std::vector<long> layerPath() const;
+    /// Puts what @p record holds into the root statement, and opens the layers of @p layerPath as
+    /// far as they are there. Announces it: the layers, if other ones are open than before, and all
+    /// elements of the current layer with @p sender. What stood there is retired.
+    /// Waits for no parse: one that is running replaces its statement when it ends.
+    /// Errors: false for a record that cannot be read, or without a root statement; nothing
+    /// changes. Thread: main, outside any block.
+    bool restoreQuery(const std::string& record, const std::vector<long>& layerPath, void* sender);
+
+    /// While one exists, the modifications on this thread follow from others that were announced
+    /// before: references are repaired, nothing is done that a user has asked for. Their
+    /// notifications carry "followsUp", true.
+    class [[nodiscard]] QB_EXPORT FollowUp {
+    public:
+        explicit FollowUp(QBEngine* engine);
+        ~FollowUp();
+        FollowUp(const FollowUp&) = delete;
+        FollowUp& operator=(const FollowUp&) = delete;
+
+    private:
+        const std::shared_ptr<QBEngineCore> m_core;
+    };
+
     /// The text of the root statement, whatever layer is current; empty without statement or
     /// generator. Takes no lock: another thread than main locks queryComponentAccessMutex() first.
     std::string buildQuery() const;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QHash>
+#include <QMap>
 #include <QPointer>
 #include <QString>
+#include <QVariant>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -12,6 +14,7 @@
 #include "model/vocabulary.h"
 
 class QTabWidget;
+class QUndoStack;
 
 namespace Ui {
 class QBQueryBuilderWidget;
@@ -20,8 +23,10 @@ class QBQueryBuilderWidget;
 namespace QB {
 
 class QBAbstractQueryPreviewPanelWidget;
+class QBCanvasCommands;
 class QBEngine_LINUX;
 class QBPanelWidget;
+class QBQueryHistory;
 class QBTopLevelElementPanelWidget;
 struct ClauseTab;
 namespace Component::SQL {
@@ -76,6 +81,31 @@ public:
     void setSupportBuildAndRun(bool isSupported);
     bool isDialogButtonBoxVisible() const;
     void setDialogButtonBoxVisible(bool isVisible);
+
+    /// @name What a host keeps between uses
+    /// Two texts and a map. What cannot be read changes nothing; a value of a wrong kind counts as
+    /// missing. The formats are in docs/layout-files.md.
+    /// @{
+
+    /// Where the window and the panes are, as a JSON object.
+    QString obtainWidgetLayoutJsonString() const;
+    void loadWidgetLayoutJsonString(const QString& text);
+    /// Where the items of each layer are, as a JSON array. Loaded before or after the query that it
+    /// belongs to; what fits no layer waits for the next parse.
+    QString obtainDiagramLayoutJsonString() const;
+    void loadDiagramLayoutJsonString(const QString& text);
+    /// "RelationMode": "1" or "2".
+    QMap<QString, QVariant> obtainGlobalPreferences() const;
+    void loadGlobalPreferences(const QMap<QString, QVariant>& preferences);
+
+    /// @}
+
+    /// One history over all that the builder edits. Never null; owned by the builder.
+    QBQueryHistory* history() const;
+    /// The same as history()->undoStack(), for a host's menu.
+    QUndoStack* undoStack() const;
+    /// For a host's View menu. Never null; owned by the builder.
+    QBCanvasCommands* canvasCommands() const;
 
     QBAbstractQueryPreviewPanelWidget* queryPreviewPanel() const { return m_previewPanel; }
     /// Shows @p panel instead of the present preview, which is destroyed. Null and the present one

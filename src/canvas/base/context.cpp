@@ -70,5 +70,11 @@ void QBLumoContext::setItemAliasWanted(ItemSlot slot) {
 void QBLumoContext::itemAliasWanted(QBLumoItem* item) {
     fire(m_itemAliasWanted, item);
 }
+void QBLumoContext::setItemsArranged(ArrangedSlot slot) {
+    m_itemsArranged = std::move(slot);
+}
+void QBLumoContext::itemsArranged(Arrangement how) {
+    fire(m_itemsArranged, how);
+}
 
 }  // namespace QB::DiagramLumo

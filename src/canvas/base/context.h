@@ -19,6 +19,8 @@ class QBLumoJoinLink;
 /// the objects that it is told of, and replace any slot.
 class QBLumoContext : public LumoContext {
 public:
+    /// What the user did to the places of items.
+    enum class Arrangement { Moved, MovedByKey, Resized, LaidOut };
     using ItemsSlot = std::function<void(const std::vector<QBLumoItem*>&)>;
     using JoinLinksSlot = std::function<void(const std::vector<QBLumoJoinLink*>&)>;
     using ItemSelectionSlot = std::function<void(QBLumoItem*, bool)>;
@@ -28,6 +30,7 @@ public:
     using JoinLinkSlot = std::function<void(QBLumoJoinLink*, bool)>;
     using EmptinessSlot = std::function<void(bool)>;
     using ItemSlot = std::function<void(QBLumoItem*)>;
+    using ArrangedSlot = std::function<void(Arrangement)>;
 
     /// The user deletes selected items; they still stand in the diagram.
     void setItemsWillBeDeleted(ItemsSlot slot);
@@ -52,6 +55,10 @@ public:
     /// F2 on an item: its alias is to be edited.
     void setItemAliasWanted(ItemSlot slot);
     void itemAliasWanted(QBLumoItem* item);
+    /// The user has moved or resized items, or had them arranged: the gesture is over, and at least
+    /// one rectangle is another one. Not after setRect by anybody else.
+    void setItemsArranged(ArrangedSlot slot);
+    void itemsArranged(Arrangement how);
 
 private:
     ItemsSlot m_itemsWillBeDeleted;
@@ -62,6 +69,7 @@ private:
     JoinLinkSlot m_joinLinkDoubleClicked;
     EmptinessSlot m_diagramEmptinessChanged;
     ItemSlot m_itemAliasWanted;
+    ArrangedSlot m_itemsArranged;
 };
 
 /// What a right click on the canvas carries (LumoUIRightClickParam::block points to one). Objects
