@@ -54,6 +54,10 @@ public:
     /// address may be given.
     void addIdentifierCandidateToDiagram(QBIdentifierCandidate* candidate);
 
+    /// Where the source that is being added was dropped, in the panel's coordinates; (-1, -1) when
+    /// it was not dropped. Valid while the engine announces the source.
+    QPoint dropPoint() const { return m_dropPoint; }
+
     /// How many sources wait for their fields.
     int pendingItemCount() const;
 
