@@ -160,7 +160,7 @@ public:
     /// While one exists, the modifications on this thread follow from others that were announced
     /// before: references are repaired, nothing is done that a user has asked for. Their
     /// notifications carry "followsUp", true.
-    class [[nodiscard]] QB_EXPORT FollowUp {
+    class QB_EXPORT FollowUp {
     public:
         explicit FollowUp(QBEngine* engine);
         ~FollowUp();
