@@ -11,7 +11,7 @@
 #include "layouts/column_vector_layout.h"
 #include "model/kind_of.h"
 #include "model/tree_walks.h"
-#include "panels/free_text.h"
+#include "tools/free_text.h"
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
 #include "popups/column_selection_popup_widget.h"

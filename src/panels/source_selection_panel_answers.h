@@ -1,6 +1,6 @@
 #pragma once
 
-#include "panels/source_edits.h"
+#include "tools/source_edits.h"
 #include "panels/source_selection_panel_widget.h"
 
 // The member templates of the panel, for its source files.

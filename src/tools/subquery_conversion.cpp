@@ -1,4 +1,4 @@
-#include "panels/subquery_conversion.h"
+#include "tools/subquery_conversion.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "panels/free_text.h"
+#include "tools/free_text.h"
 
 #include "platform/sqlet/lexer.h"
 

@@ -1,4 +1,4 @@
-#include "panels/source_edits.h"
+#include "tools/source_edits.h"
 
 #include <algorithm>
 #include <iterator>
@@ -6,7 +6,7 @@
 
 #include "layouts/source_tree_surgery.h"
 #include "model/tree_walks.h"
-#include "panels/free_text.h"
+#include "tools/free_text.h"
 #include "stringifier/query_component_stringifier.h"
 #include "tools/join_edits.h"
 #include "tools/join_sight.h"
