@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "conditions/condition_operators.h"
 #include "conditions/condition_side.h"
 #include "conditions/condition_values.h"
 #include "model/detached_parts.h"
@@ -19,6 +18,7 @@
 #include "rows/row_database.h"
 #include "rows/row_list_panel_widget.h"
 #include "tools/validation.h"
+#include "widgets/condition_operators.h"
 #include "widgets/invalid_excluder.h"
 #include "widgets/per_layer.h"
 

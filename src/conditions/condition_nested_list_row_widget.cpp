@@ -3,12 +3,12 @@
 #include <QSignalBlocker>
 #include <algorithm>
 
-#include "conditions/condition_operators.h"
 #include "conditions/condition_values.h"
 #include "platform/tolk/tolk.h"
 #include "rows/row_control.h"
 #include "rows/row_texts.h"
 #include "ui_condition_nested_list_row_widget.h"
+#include "widgets/condition_operators.h"
 
 namespace QB {
 

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "conditions/condition_operators.h"
 #include "model/components.h"
 #include "model/detached_parts.h"
 #include "rows/row_database.h"
+#include "widgets/condition_operators.h"
 
 /// The values in conditions as the texts that a user reads and types. Thread: main.
 namespace QB::ConditionValues {

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <utility>
 
-#include "canvas/diagram_hint_widget.h"
+#include "canvas/drawer/diagram_hint_widget.h"
 #include "diagrampanel/object_tree_item.h"
 #include "diagrampanel/pending_diagram_items.h"
 #include "engine/engine_linux.h"

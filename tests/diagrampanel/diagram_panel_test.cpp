@@ -4,7 +4,7 @@
 #include <QtTest>
 #include <memory>
 
-#include "canvas/diagram_hint_widget.h"
+#include "canvas/drawer/diagram_hint_widget.h"
 #include "diagrampanel/diagram_panel_widget.h"
 #include "diagrampanel/fake_server.h"
 #include "platform/tolk/tolk.h"

@@ -1,4 +1,4 @@
-#include "canvas/diagram_hint_widget.h"
+#include "canvas/drawer/diagram_hint_widget.h"
 
 #include <QEvent>
 #include <QGridLayout>

@@ -1,4 +1,4 @@
-#include "conditions/condition_operators.h"
+#include "widgets/condition_operators.h"
 
 #include "platform/tolk/tolk.h"
 
