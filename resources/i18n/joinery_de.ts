@@ -763,5 +763,17 @@
         <source>Begin a link here, or end it here</source>
         <translation>Hier eine Verbindung beginnen oder beenden</translation>
     </message>
+    <message>
+        <source>Another source of this query goes by the name %s.</source>
+        <translation>Eine andere Quelle dieser Abfrage heißt schon %s.</translation>
+    </message>
+    <message>
+        <source>Kind of join: %s</source>
+        <translation>Join-Art: %s</translation>
+    </message>
+    <message>
+        <source>This kind of join takes no condition. The conditions are kept for the case that it becomes another one again.</source>
+        <translation>Diese Join-Art hat keine Bedingung. Die Bedingungen bleiben erhalten, falls wieder eine andere daraus wird.</translation>
+    </message>
 </context>
 </TS>
