@@ -775,5 +775,29 @@
         <source>This kind of join takes no condition. The conditions are kept for the case that it becomes another one again.</source>
         <translation>Diese Join-Art hat keine Bedingung. Die Bedingungen bleiben erhalten, falls wieder eine andere daraus wird.</translation>
     </message>
+    <message>
+        <source>Edit the alias</source>
+        <translation>Alias bearbeiten</translation>
+    </message>
+    <message>
+        <source>Group by this field</source>
+        <translation>Nach diesem Feld gruppieren</translation>
+    </message>
+    <message>
+        <source>Zoom</source>
+        <translation>Zoom</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>Vergrößern</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>Verkleinern</translation>
+    </message>
+    <message>
+        <source>Actual size</source>
+        <translation>Originalgröße</translation>
+    </message>
 </context>
 </TS>
