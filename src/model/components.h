@@ -33,11 +33,14 @@ public:
     AbstractQueryComponent(const AbstractQueryComponent&) = delete;
     AbstractQueryComponent& operator=(const AbstractQueryComponent&) = delete;
 
-    /// Unique in the process, never reused; the component's identity across threads.
+    /// The component's identity across threads: unique in the process, never given to another one.
+    /// What an undo restores is the same component to all who know it by its id, though it is
+    /// another object; see model/statement_record.h.
     long id() const { return m_id; }
 
 private:
-    const long m_id;
+    friend class RecordedIdentity;
+    long m_id;  // set for good before anybody else knows of the component
 };
 
 /// A whole statement.

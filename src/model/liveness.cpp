@@ -46,7 +46,18 @@ struct Registry {
     std::condition_variable pinReleased;
     long counter = 0;
     IdSet alive;
+    std::unordered_map<long, long> furtherBearers;  // of ids that several objects bear
     std::unordered_map<long, PinHolders> pins;
+
+    void removeBearer(long id) {
+        const auto further =
+            furtherBearers.empty() ? furtherBearers.end() : furtherBearers.find(id);
+        if (further == furtherBearers.end()) {
+            alive.erase(id);
+        } else if (--further->second == 0) {
+            furtherBearers.erase(further);
+        }
+    }
 
     bool isPinnedElsewhere(long id, std::thread::id here) const {
         const auto found = pins.find(id);
@@ -100,10 +111,22 @@ long issueId() {
     return id;
 }
 
+bool shareId(long id) {
+    Registry& ids = registry();
+    const std::lock_guard lock(ids.mutex);
+    if (id <= 0 || id > ids.counter) return false;
+    if (ids.alive.contains(id)) {
+        ++ids.furtherBearers[id];
+    } else {
+        ids.alive.insert(id);
+    }
+    return true;
+}
+
 void retireId(long id) {
     Registry& ids = registry();
     std::unique_lock lock(ids.mutex);
-    ids.alive.erase(id);
+    ids.removeBearer(id);
     const auto here = std::this_thread::get_id();
     ids.pinReleased.wait(lock, [&ids, id, here] { return !ids.isPinnedElsewhere(id, here); });
 }
