@@ -101,6 +101,7 @@ void QBEngine::replaceRootStatement() {
         const std::lock_guard lock(m_stateMutex);
         m_layers.swap(replaced);
     }
+    m_layerNames.clear();
     if (replaced.empty()) return;
     // The statements of deeper layers are part of this one.
     destroyUnownedClauses(replaced.front().statement);
@@ -167,6 +168,7 @@ void QBEngine::pushNewLayerTopLevelQueryComponent(AbstractTopLevelQueryComponent
         const std::lock_guard lock(m_stateMutex);
         m_layers.push_back({statement, name, false});
     }
+    if (statement) m_layerNames[statement->id()] = name;
     notifyChange(Notification::topLevelQueryComponentLayerChanged, nullptr);
 }
 
@@ -236,6 +238,7 @@ void QBEngine::modify_notify(TopLevelQueryComponentElementEnum element, int laye
 void QBEngine::postModified(TopLevelQueryComponentElementEnum element, int layer, void* sender,
                             std::function<void()> delivered) {
     QBNotificationParameters params = modifiedParameters({element}, layer, sender);
+    if (FollowUp::isOneFor(m_core.get())) params["followsUp"] = true;
     postToMainThread(
         m_id, [this, id = m_id, params = std::move(params), delivered = std::move(delivered)] {
             notifyChange(Notification::topLevelQueryComponentElementModified, &params);

@@ -20,6 +20,7 @@ namespace QB {
 
 class DetachedParts;
 class QBEngineCore;
+struct RestoredStatement;
 
 /// The parameters of a notification; the pointer that carries them may be null.
 using QBNotificationParameters = std::map<std::string, QBVariant>;
@@ -153,8 +154,8 @@ public:
     /// far as they are there. Announces it: the layers, if other ones are open than before, and all
     /// elements of the current layer with @p sender. What stood there is retired.
     /// Waits for no parse: one that is running replaces its statement when it ends.
-    /// Errors: false for a record that cannot be read, or without a root statement; nothing
-    /// changes. Thread: main, outside any block.
+    /// Errors: false for a record that cannot be read or is one of another root statement than the
+    /// present one; nothing changes. Thread: main, outside any block.
     bool restoreQuery(const std::string& record, const std::vector<long>& layerPath, void* sender);
 
     /// While one exists, the modifications on this thread follow from others that were announced
@@ -168,7 +169,11 @@ public:
         FollowUp& operator=(const FollowUp&) = delete;
 
     private:
+        friend class QBEngine;
+        static bool isOneFor(const QBEngineCore* core);
+
         const std::shared_ptr<QBEngineCore> m_core;
+        FollowUp* const m_outer;  // not owned: further down the stack of this thread
     };
 
     /// The text of the root statement, whatever layer is current; empty without statement or
@@ -310,6 +315,13 @@ private:
     void checkStatements(TopLevelQueryComponentElementEnum element, int layer) const;
     void postModified(TopLevelQueryComponentElementEnum element, int layer, void* sender,
                       std::function<void()> delivered);
+    std::vector<Layer> layersOn(const Layer& root, const std::vector<long>& path) const;
+    std::string nameOfLayer(const Component::SQL::SQLSubquerySourceComponent& subquery,
+                            int place) const;
+    unsigned long putInPlace(Component::SQL::SQLSelectStmtComponent& root,
+                             RestoredStatement restored, const std::vector<long>& layerPath,
+                             bool* areOtherLayers);
+    std::vector<long> layerIds() const;
     void sweepRetired(unsigned long modification);
     static QBNotificationParameters modifiedParameters(
         const std::set<TopLevelQueryComponentElementEnum>& elements, int layer, void* sender);
@@ -332,6 +344,8 @@ private:
     std::string m_currentSchema;
     std::vector<Layer> m_layers;
 
+    /// What layers were called when they were opened, by the ids of their statements.
+    std::map<long, std::string> m_layerNames;
     std::map<std::string, std::vector<std::shared_ptr<ListenerEntry>>> m_listeners;
 };
 

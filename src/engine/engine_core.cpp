@@ -58,6 +58,12 @@ bool QBEngineCore::withLiveComponent(long componentId, const std::function<void(
     return true;
 }
 
+void QBEngineCore::noteReplaced(const std::vector<Component::AbstractQueryComponent*>& layers) {
+    m_replaced.clear();
+    for (Component::AbstractQueryComponent* layer : layers)
+        m_replaced.emplace(layer->id(), layer);
+}
+
 void QBEngineCore::setUpdater(const QBCandidateChildrenUpdater& updater) {
     const std::lock_guard lock(m_callbackMutex);
     m_updater = updater;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -46,6 +47,17 @@ public:
     /// component's id: the one who destroys that component holds the mutex and waits for the block.
     /// Thread: any, also after the engine is gone.
     bool withLiveComponent(long componentId, const std::function<void()>& read);
+    /// Where the statement or derived table with that id is now, of which an address was kept: an
+    /// undo puts another object with the same id into its place. For use in @p read above; null if
+    /// it is none of that class.
+    template <typename Layer>
+    Layer* addressNow(Layer* kept, long componentId) const {
+        const auto found = m_replaced.find(componentId);
+        return found == m_replaced.end() ? kept : dynamic_cast<Layer*>(found->second);
+    }
+    /// Notes where the statements and derived tables are after a restore, which has given all of
+    /// them other addresses. The caller holds queryComponentAccessMutex.
+    void noteReplaced(const std::vector<Component::AbstractQueryComponent*>& layers);
 
     void setUpdater(const QBCandidateChildrenUpdater& updater);
     /// A copy, so that no lock is held while it runs.
@@ -88,6 +100,9 @@ private:
     QBForeignKeyConstraintSearcher m_constraintSearcher;
     std::mutex m_requestMutex;
     std::vector<RefreshRequest> m_requests;
+    /// Of the last restore, by id; guarded by queryComponentAccessMutex. What it replaced is freed
+    /// when it has been announced, so an id in here that is alive is alive at that address.
+    std::unordered_map<long, Component::AbstractQueryComponent*> m_replaced;  // not owned
 };
 
 }  // namespace QB

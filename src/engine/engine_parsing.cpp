@@ -133,11 +133,12 @@ bool QBEngine::isParsingQuery() const {
 unsigned long QBEngine::takeOver(const ParseResult& result) {
     RetiredParts::Number number = 0;
     m_core->withLiveComponent(result.statementId, [&] {
-        if (!result.statement) return;
+        auto* const statement = m_core->addressNow(result.statement, result.statementId);
+        if (!statement) return;
         RetiredParts::Modification modification(m_core->retired);
         auto earlier = std::make_unique<SQLSelectStmtComponent>();
-        swapElements(*earlier, *result.statement);
-        swapElements(*result.statement, *result.content);
+        swapElements(*earlier, *statement);
+        swapElements(*statement, *result.content);
         DetachedParts parts;
         parts.add(std::move(earlier));
         m_core->retired.add(std::move(parts));

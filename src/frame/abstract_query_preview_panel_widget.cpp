@@ -177,7 +177,8 @@ void QBAbstractQueryPreviewPanelWidget::generateText(const Generation& generatio
     }
     stringifier->setCurrentSchema(generation.currentSchema);
     result.isComplete = generation.core->withLiveComponent(generation.statementId, [&] {
-        result.text = stringifier->stringifyQuery(generation.statement);
+        result.text = stringifier->stringifyQuery(
+            generation.core->addressNow(generation.statement, generation.statementId));
         const auto ranges = stringifier->componentRanges();
         result.ranges = ComponentRanges(ranges.begin(), ranges.end());
     });

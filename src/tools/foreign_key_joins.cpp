@@ -50,7 +50,8 @@ using Partners = std::map<QBIdentifierObjectPath, std::vector<SourceReference>>;
 Partners readPartners(const Search& search) {
     Partners partners;
     search.core->withLiveComponent(search.statementId, [&] {
-        const auto* select = dynamic_cast<const SQLSelectStmtComponent*>(search.statement);
+        const auto* select = dynamic_cast<const SQLSelectStmtComponent*>(
+            search.core->addressNow(search.statement, search.statementId));
         if (!select) return;
         visitSourceNodes(select->sourceExpr->root, [&](const SourceNode* node) {
             auto* other = dynamic_cast<Source*>(node->value);

@@ -221,8 +221,8 @@ private:
         m_core->runningRefreshes.waitUntilNoneRuns(m_patienceEnd);
         Yield yield;
         m_core->withLiveComponent(subquery.id, [&] {
-            yield =
-                readSelectList(*subquery.component, m_currentSchema, ExpressionColumns::Skipped);
+            const auto* component = m_core->addressNow(subquery.component, subquery.id);
+            yield = readSelectList(*component, m_currentSchema, ExpressionColumns::Skipped);
         });
         fetchMissing(yield.tables.items());
         m_fields.add(yield);

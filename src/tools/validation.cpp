@@ -213,6 +213,7 @@ template <typename Element, typename Map, typename Check>
 Map findInModification(int element, QBEngine* engine, void* sender, const Map* known,
                        const Check& check) {
     Map found;
+    const QBEngine::FollowUp followUp(engine);
     engine->modifyInTopLevelQueryComponentElement<Element*>(
         static_cast<TopLevelQueryComponentElementEnum>(element),
         engine->currentTopLevelQueryComponentLayer(),
