@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <string>
@@ -22,7 +24,9 @@ class QBLumoDiagram;
 ///
 /// Layers are keyed by the id of their statement; exported, by the aliases of the subqueries on the
 /// way down. A text that was imported is kept until a layer of that path turns up, see match().
-/// Bad texts change nothing but the store: what is on the canvas stays usable whatever they say.
+/// Any text may come: a bad one changes nothing but the store, and whatever a layout says, items
+/// keep sizes that can be used, lie inside a canvas that holds them all, and overlap only where
+/// they did before or where the layout has them overlap in part.
 /// Thread: main.
 class QBLumoDiagramSaveLoadHandler {
 public:
@@ -41,21 +45,35 @@ public:
 
     /// An array of the layouts of those layers that have one, each with its path as "ID".
     std::string exportLayouts(const LayerPaths& layerPaths) const;
-    /// Forgets all layouts, then takes those of @p text that fit a layer; the others wait.
+    /// Forgets all layouts, then takes those of @p text that fit a layer; the others wait. Of more
+    /// than largestText none is taken.
     void importLayouts(const std::string& text, const LayerPaths& layerPaths);
-    /// Gives layers without a layout those of the last import that nobody has taken yet.
+    /// Gives layers without a layout those of the last import that nobody has taken yet, else a
+    /// copy of that of a layer with the same path which is gone: a parse makes new statements of
+    /// all subqueries. @p layerPaths: all layers that there are now.
     void match(const LayerPaths& layerPaths);
+    /// In bytes: 50,000 items.
+    static constexpr std::size_t largestText = 8 << 20;
 
     static void writeLayout(LumoControl* control, DiagramLumo::QBLumoDiagram* diagram,
                             NuvoJson* json);
     /// True if everything fitted: all keys there, and every item placed. Items that found no entry
-    /// stay; those that then overlap others, which did not before, move to free places.
+    /// stay; those that then overlap others, which did not before, move to free places, and so do
+    /// items with entries of equal rectangles. Sizes and places are brought into what the canvas
+    /// can have; it grows to hold all. The size of a placed item counts as the user's, if it is no
+    /// default size.
     static bool readLayout(LumoControl* control, DiagramLumo::QBLumoDiagram* diagram,
                            const NuvoJsonValue& json);
 
 private:
+    using Path = std::vector<std::string>;  // as stored
+
+    std::unique_ptr<NuvoJson> takeImported(const Path& path);
+    std::unique_ptr<NuvoJson> copyOfFormer(const Path& path, const LayerPaths& layerPaths) const;
+
     std::map<std::uint64_t, std::unique_ptr<NuvoJson>> m_layouts;
-    std::unique_ptr<NuvoJson> m_imported;  // what match() may still take; null without any
+    std::map<Path, std::deque<std::unique_ptr<NuvoJson>>> m_imported;  // what match() may take
+    std::map<Path, std::uint64_t> m_formerLayers;  // that had these paths, gone or not
 };
 
 }  // namespace QB
