@@ -64,6 +64,22 @@
         <translation>Feldbeziehung</translation>
     </message>
     <message>
+        <source>Links shown</source>
+        <translation>Gezeigte Verbindungen</translation>
+    </message>
+    <message>
+        <source>Move on the diagram</source>
+        <translation>Im Diagramm verschieben</translation>
+    </message>
+    <message>
+        <source>Resize on the diagram</source>
+        <translation>Größe im Diagramm ändern</translation>
+    </message>
+    <message>
+        <source>Arrange the diagram</source>
+        <translation>Diagramm anordnen</translation>
+    </message>
+    <message>
         <source>Diagram</source>
         <translation>Diagramm</translation>
     </message>
