@@ -4,7 +4,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +12,7 @@
 #include "model/components.h"
 
 class LumoControl;
+class LumoObject;
 
 namespace QB {
 
@@ -32,10 +32,11 @@ class QBLumoUIView;
 /// an update.
 ///
 /// A component is known by its address and its id(): addresses are used again. What the canvas
-/// tells is looked up in the maps at that moment; nothing is captured. Operations on a component
-/// that is not drawn do nothing. No operation calls a callback, but
-/// requestRefreshItemComponentField when fields are missing. Ownership: components stay with the
-/// statement. Thread: main.
+/// tells is looked up in the maps at that moment; nothing is captured. Components of the maps are
+/// never read: between a change and its update they may be gone. Those that an operation is given
+/// are alive, unless it says otherwise; one that is not drawn does nothing. No operation calls a
+/// callback, but requestRefreshItemComponentField when fields are missing, and what only reads:
+/// texts, fields and sides of joins. Ownership: components stay with the statement. Thread: main.
 class QBLumoDiagramDrawer {
 public:
     using Source = Component::SQL::SQLAbstractSourceComponent;
@@ -45,11 +46,12 @@ public:
     using FieldColumn = Component::SQL::SQLFieldColumnComponent;
     using Sources = std::vector<Source*>;
 
-    /// What the panel does for the canvas. Each function is set before setupDiagram; it may change
+    /// What the panel does for the canvas. A function that is empty is not asked. Each may change
     /// the model, and so destroy any item or link before it returns. Rectangles and points are in
     /// pixels of the view.
     struct Callbacks {
         std::function<void(bool empty)> diagramEmptyChanged;
+        /// The sources count as not drawn from here on; the canvas destroys their items.
         std::function<void(Sources& sources)> requestRemoveComponents;
         std::function<void(Source*, bool selected)> changeComponentSelection;
         std::function<void(Join*, Source*& left, Source*& right)>
@@ -74,7 +76,8 @@ public:
             makeJoinLinkIfNecessary;
         /// At the middle of the link; @p byUser is what the link told.
         std::function<void(Join*, int x, int y, bool byUser)> requestEditJoin;
-        /// A null condition stands for the table link, that is, for the whole join.
+        /// A null condition stands for the table link, that is, for the whole join. As with
+        /// requestRemoveComponents.
         std::function<void(const std::vector<std::pair<Join*, Compare*>>&)> requestRemoveJoins;
         std::function<void(Join*, const Sources&, Sources& left, Sources& right)>
             checkItemComponentsSideOnJoinComponent;
@@ -93,7 +96,7 @@ public:
 
     /// Once, before anything else.
     virtual void setupDiagram(const Callbacks& callbacks);
-    /// Removes all items and links; tells no callback.
+    /// Removes all items and links; the canvas has its first size again.
     virtual void clearDiagram();
 
     virtual void setTableRelationMode();
@@ -106,6 +109,7 @@ public:
     /// @p x, @p y: where the middle of the title is to stand, in pixels of the view; -1, -1 for a
     /// free place. A join becomes its links; other inner nodes are not drawn.
     virtual void addComponentInDiagram(Source* component, int x, int y);
+    /// @p component may be gone.
     virtual void removeComponentFromDiagram(Source* component);
     virtual void updateComponentInDiagram(Source* component);
     /// Sources and joins, each once, in the order of their ids.
@@ -118,8 +122,13 @@ public:
         bool isJoin;
     };
     std::vector<DrawnComponent> drawnComponents() const;
+    /// The id that the component at that address had when it was drawn; 0 if there is none. Tells
+    /// who finds a component at the address of a callback whether it still is the one that was
+    /// meant.
+    long drawnId(const Source* component) const;
     /// Components of the same ids lie at other addresses now, as after an undo: items and links of
-    /// each first go on as those of the second. All at once: they may have changed places.
+    /// each first, which may be gone, go on as those of the second; so do the conditions of joins.
+    /// All at once: they may have changed places. A second with another id is skipped.
     void rebindComponents(const std::vector<std::pair<Source*, Source*>>& moved);
     /// The links of one batch do not play their prompts, and nothing is scrolled to: for a whole
     /// layer that is drawn.
@@ -143,10 +152,11 @@ public:
     virtual void updateAllComponentsUsingIdentifier(const QBIdentifierObjectPath& table,
                                                     const std::string& currentSchema,
                                                     const std::vector<std::string>& fields);
-    /// Selects (true) or deselects the item without telling changeComponentSelection.
+    /// Selects the item alone and shows it, or deselects it (false), without telling
+    /// changeComponentSelection. One that is selected already stays so, with all others.
     void showComponentFocus(Source* component, bool focused);
 
-    // ---- what the menus do ----
+    // ---- what the menus do: asks the callbacks; components may be gone ----
 
     virtual void editAlias(Source* component);
     virtual void editJoin(Join* join, bool byUser);
@@ -161,10 +171,13 @@ public:
     /// False if there is none, or it did not fit in full: then items that were not placed and
     /// overlap have moved to free places.
     virtual bool restoreLayerLayout(std::uint64_t layerId);
+    bool hasLayerLayout(std::uint64_t layerId) const;
     virtual std::string exportLayouts(
         const std::map<std::uint64_t, std::vector<std::string>>& layerPaths);
     virtual void importLayouts(const std::string& text,
                                const std::map<std::uint64_t, std::vector<std::string>>& layerPaths);
+    /// Gives layers without a layout those of the last import that nobody has taken yet.
+    void matchLayouts(const std::map<std::uint64_t, std::vector<std::string>>& layerPaths);
     /// Where everything stands now, exactly; for a history.
     DiagramArrangement arrangement() const;
     /// Puts it back; items that are not in it stay, those that are not there are skipped.
@@ -182,25 +195,70 @@ protected:
     virtual void addOrUpdateJoinComponentInDiagram(Join* join);
 
     const Callbacks& callbacks() const { return m_callbacks; }
+    /// Before what getContext(), getControl() and getView() give.
+    void destroyDiagram();
+
+    /// What a link stands for; ids, which last longer than addresses. All 0: for nothing.
+    struct LinkId {
+        long join = 0;
+        long condition = 0;  // 0 for the table link
+    };
+    /// 0 for an item that is not in the map.
+    long idOf(const DiagramLumo::QBLumoItem* item) const;
+    LinkId idOf(const DiagramLumo::QBLumoJoinLink* link) const;
+    /// Null if there is none by now.
+    Source* sourceWithId(long id) const;
+    Join* joinWithId(long id) const;
+    DiagramLumo::QBLumoJoinLink* linkWithId(LinkId id) const;
+    /// Null for another kind of source.
+    Subquery* subqueryOf(const Source* source) const;
 
 private:
+    // Maps go by address alone, which is not followed.
     struct ItemEntry {
         DiagramLumo::QBLumoItem* item;  // not owned: a child of the diagram
         long id;
+        Subquery* subquery;  // the component as what it is; null for another kind
     };
     struct LinkEntry {
-        Compare* condition;  // not owned; null for the table link
-        long conditionId;    // 0 for the table link
+        Join* join;
         long joinId;
+        Compare* condition;                 // not owned; null for the table link
+        long conditionId;                   // 0 for the table link
         DiagramLumo::QBLumoJoinLink* link;  // not owned: a child of the diagram
     };
-    class Links;
+    using LinkMap = std::multimap<Source*, LinkEntry, std::less<>>;  // by the join
+    class JoinDrawing;                                               // diagram_links.cpp
 
-    std::map<Source*, ItemEntry> m_items;
-    std::multimap<Join*, LinkEntry> m_joinLinks;
+    void listenToItems();
+    void listenToLinks();
+    void itemsWillBeDeleted(const std::vector<DiagramLumo::QBLumoItem*>& items);
+    void joinLinksWillBeDeleted(const std::vector<DiagramLumo::QBLumoJoinLink*>& links);
+    std::unique_ptr<DiagramLumo::QBLumoItem> makeItem(Source* component);
+    bool showComponent(const Source* component, DiagramLumo::QBLumoItem* item) const;
+    void putTitleAt(DiagramLumo::QBLumoItem* item, int x, int y);
+    void showInView(const DiagramLumo::QBLumoItem* item);
+    void requestFields(Source* component) const;
+    const ItemEntry* entryOf(const Source* component) const;
+    const ItemEntry* entryOfLive(const Source* component) const;
+    LumoRect rectInView(const DiagramLumo::QBLumoItem* item) const;
+
+    void placeItem(DiagramLumo::QBLumoItem* item, const DiagramArrangement::Entry& entry);
+
+    void destroyChild(LumoObject* child);
+    LinkMap::iterator removeLink(LinkMap::iterator link);
+    void removeLinks(const Source* join);
+    void rebindConditions(const Join* join);
+    const LinkEntry* entryOf(const DiagramLumo::QBLumoJoinLink* link) const;
+    const LinkEntry* shownLinkOf(const Source* join) const;
+    void askToEdit(const LinkEntry& link, bool byUser) const;
+
+    std::map<Source*, ItemEntry, std::less<>> m_items;
+    LinkMap m_joinLinks;
     Callbacks m_callbacks;
-    std::unique_ptr<DiagramLumo::QBLumoDiagram> m_diagram;
     std::unique_ptr<QBLumoDiagramSaveLoadHandler> m_saveLoadHandler;
+    std::unique_ptr<DiagramLumo::QBLumoDiagram> m_diagram;
+    LumoSize m_firstCanvas;
     int m_layerRebuilds = 0;
     bool m_isFocusMuted = false;
 };
