@@ -88,7 +88,7 @@ void QBConditionBuilderPanelWidget::setBordered(bool isBordered) {
 
 void QBConditionBuilderPanelWidget::setJoin(const Join* join) {
     m_givenRoot = nullptr;
-    m_join = {join, join ? join->id() : -1};
+    m_joinId = join ? join->id() : -1;
     setRelatedElements({ElementSource});
     if (!engine()) return;
     checkInvalidComponents();
@@ -109,7 +109,7 @@ void QBConditionBuilderPanelWidget::setRelatedComponents(const QList<Source*>& s
     m_hasRelatedSources = true;
     m_relatedSources.clear();
     for (const Source* source : sources)
-        m_relatedSources.push_back({source, source->id()});
+        m_relatedSources.insert(source->id());
 }
 
 ELEMSQLConditionExpr* QBConditionBuilderPanelWidget::obtainRepresentedExpression() const {
@@ -138,15 +138,15 @@ Slot QBConditionBuilderPanelWidget::findRoot() {
     return expression ? &expression->root : nullptr;
 }
 
-/// The join may have been taken out, and its address given to another one.
+/// The join may have been taken out, and its address given to another one; an undo brings it back
+/// at another one.
 Slot QBConditionBuilderPanelWidget::findRootOfJoin() {
-    if (!m_join.source && !m_givenRoot) return nullptr;
+    if (m_joinId < 0 && !m_givenRoot) return nullptr;
     Join* found = nullptr;
     const auto look = [&](const SourceNode* node) {
         auto* join = dynamic_cast<Join*>(node->value);
         if (!join) return;
-        const bool isIt = m_givenRoot ? &join->condition == m_givenRoot
-                                      : join == m_join.source && join->id() == m_join.id;
+        const bool isIt = m_givenRoot ? &join->condition == m_givenRoot : join->id() == m_joinId;
         if (isIt) found = join;
     };
     const SQLSelectStmtComponent* statement = Tools::Validation::currentStatement(engine());
@@ -158,7 +158,7 @@ Slot QBConditionBuilderPanelWidget::findRootOfJoin() {
         return nullptr;
     }
     m_givenRoot = nullptr;
-    m_join = {found, found->id()};
+    m_joinId = found->id();
     return &found->condition;
 }
 
@@ -167,11 +167,7 @@ std::vector<SQLAbstractSourceComponent*> QBConditionBuilderPanelWidget::choiceSo
     const SQLSelectStmtComponent* statement = Tools::Validation::currentStatement(engine());
     if (!statement) return sources;
     const auto isOffered = [this](const Source* source) {
-        const auto isIt = [source](const KnownSource& known) {
-            return known.source == source && known.id == source->id();
-        };
-        return !m_hasRelatedSources ||
-               std::any_of(m_relatedSources.begin(), m_relatedSources.end(), isIt);
+        return !m_hasRelatedSources || m_relatedSources.count(source->id()) > 0;
     };
     Tools::visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
         if (Tools::SQL::hasFields(node->value) && isOffered(node->value))

@@ -35,8 +35,8 @@ class QBRowMoveButtons;
 ///
 /// For a clause: setRelatedElements(), setEngine(). For a join: setJoin(), setEngine(), and
 /// setRelatedComponents() to offer and accept only the sources that the join can see. The join is
-/// looked up in the FROM clause of the current layer at each change; rootLost() tells when it has
-/// gone.
+/// looked up by its id in the FROM clause of the current layer at each change; rootLost() tells
+/// when it has gone.
 /// Thread: main.
 class QB_EXPORT QBConditionBuilderPanelWidget : public QBRowListPanelWidget,
                                                 public IQBColumnChoiceHost,
@@ -139,12 +139,6 @@ private:
     using Value = Component::SQL::SQLConditionValueComponent;
     using Compare = Component::SQL::SQLCompareConditionComponent;
 
-    /// A source or a join, to be found again in the tree.
-    struct KnownSource {
-        const Source* source;  // not owned: compared, never looked into
-        long id;
-    };
-
     // The chain.
     Slot findRoot();
     Slot findRootOfJoin();
@@ -200,10 +194,10 @@ private:
     QBRowMoveButtons* m_moveButtons = nullptr;  // not owned: a child
     Slot m_givenRoot;                           // not owned: compared until the join is known
     Slot m_root = nullptr;  // not owned: part of the model, see rootComponentRef()
-    KnownSource m_join{nullptr, -1};
+    long m_joinId = -1;     // -1: none, or not known yet
     bool m_isJoinLost = false;
     bool m_hasRelatedSources = false;
-    std::vector<KnownSource> m_relatedSources;
+    std::set<long> m_relatedSources;  // ids
     PerLayer<Tools::Validation::InvalidConditions> m_invalidComponentsPerLayer;
     std::set<QBConditionSide> m_excluded;
     std::set<Slot> m_excludedSlots;  // where m_excluded stands; compared only

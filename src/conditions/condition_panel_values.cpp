@@ -155,7 +155,7 @@ void Panel::popupForEditValueComponentExpressionsInBetweenOp(QBConditionSide sid
         [this, side, bounds] {
             applyRange(side, {bounds->low().toStdString(), bounds->high().toStdString()});
         },
-        nullptr, true);
+        true);
     connect(bounds, &QBConditionBoundsEdit::accepted, popup, [popup] { popup->closePopup(true); });
 }
 
@@ -164,8 +164,7 @@ void Panel::popupForEditValueComponentExpressionsInInListOp(QBConditionSide side
                                                           listModeOf(CompareOpIn), m_database);
     auto* const list = new QBConditionListEdit(fromModel(text));
     QBInputPopup* const popup = m_popup.open(
-        list, anchor, [this, side, list] { applyList(side, list->text().toStdString()); }, nullptr,
-        true);
+        list, anchor, [this, side, list] { applyList(side, list->text().toStdString()); }, true);
     connect(list, &QBConditionListEdit::accepted, popup, [popup] { popup->closePopup(true); });
 }
 

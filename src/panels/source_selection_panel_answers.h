@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tools/source_edits.h"
 #include "panels/source_selection_panel_widget.h"
+#include "tools/source_edits.h"
 
 // The member templates of the panel, for its source files.
 namespace QB {

@@ -9,22 +9,23 @@
 #include <utility>
 
 #include "conditions/condition_builder_panel_widget.h"
+#include "conditions/join_condition_panel.h"
 #include "engine/engine_linux.h"
 #include "model/callbacks.h"
-#include "tools/free_text.h"
-#include "tools/source_edits.h"
 #include "panels/source_selection_panel_answers.h"
 #include "panels/source_selection_panel_widget.h"
-#include "tools/subquery_conversion.h"
 #include "platform/tolk/tolk.h"
 #include "popups/column_selection_popup_widget.h"
 #include "popups/input_popup.h"
+#include "popups/join_choice.h"
 #include "popups/join_selection_popup_widget.h"
 #include "rows/identifier_source_row_widget.h"
 #include "rows/nested_list_any_expression_row_widget.h"
 #include "rows/source_selection_join_row_widget.h"
+#include "tools/free_text.h"
 #include "tools/identifier_tools.h"
-#include "widgets/join_words.h"
+#include "tools/source_edits.h"
+#include "tools/subquery_conversion.h"
 #include "widgets/label.h"
 
 namespace QB {
@@ -39,18 +40,6 @@ constexpr int textTab = 1;
 
 void showError(const QString& text) {
     Callback::showError(text.toStdString());
-}
-
-std::optional<SourceJoinChoice> joinChoice(const QBJoinSelectionPopupWidget* joins) {
-    if (!joins) return std::nullopt;
-    int type = SQLJoinTypeCustom;
-    QString text;
-    joins->joinSelection(&type, &text);
-    return SourceJoinChoice{static_cast<SQLJoinType>(type), text.trimmed().toStdString()};
-}
-
-bool lacksWords(const std::optional<SourceJoinChoice>& join) {
-    return join && join->type == SQLJoinTypeCustom && join->text.empty();
 }
 
 /// Compares what the names lead to: @p chosen has at most a schema.
@@ -119,7 +108,7 @@ void QBSourceSelectionPanelWidget::popupForAddValueComponent(bool insert) {
 QPlainTextEdit* QBSourceSelectionPanelWidget::openChoosers(
     const Place& place, const std::optional<SourceJoinChoice>& join, const QString& text) {
     auto* const chooser = makeSourceChooser(nullptr);
-    auto* const joins = join ? makeJoinChooser(*join) : nullptr;
+    auto* const joins = join ? makeJoinChooser(*join, engine()->databaseType(), true) : nullptr;
     if (!text.isEmpty()) chooser->setExpression(text);
     const auto accept = [=] {
         if (chooser->hasChoice() && (!joins || joins->canBeAccepted())) m_popup.accept();
@@ -144,22 +133,21 @@ void QBSourceSelectionPanelWidget::addBracketComponent(bool insert) {
         addSource(place, std::make_unique<SQLBracketedSourceNodeComponent>(), join);
     };
     if (!withJoin) return add(std::nullopt);
-    auto* const joins = makeJoinChooser({SQLJoinTypeInner, {}});
+    auto* const joins = makeJoinChooser({SQLJoinTypeInner, {}}, engine()->databaseType(), true);
     connect(joins, &QBJoinSelectionPopupWidget::chosen, this, [this] { m_popup.accept(); });
     openAt(place, joins, [=] {
-        const auto join = joinChoice(joins);
-        if (lacksWords(join)) return showError(Tolk::localize(Tolk::TextCustomJoinMissing));
-        add(join);
+        const SourceJoinChoice join = chosenJoin(joins);
+        if (!refuseWithoutWords(join)) add(join);
     });
 }
 
 /// Under the row, or where something is inserted over it.
 void QBSourceSelectionPanelWidget::openAt(const Place& place, QWidget* content,
                                           std::function<void()> accepted) {
-    const QPoint top(0, 0);
+    QBPopupAnchor anchor(rowView()->rowWidget(findRow(place.row)));
+    if (place.place == SourcePlace::Before) anchor.area.setSize(QSize(0, 0));
     m_popupRow = place.row;
-    m_popup.open(content, rowView()->rowWidget(findRow(place.row)), std::move(accepted),
-                 place.place == SourcePlace::Before ? &top : nullptr);
+    m_popup.open(content, anchor, std::move(accepted));
 }
 
 QBColumnSelectionPopupWidget* QBSourceSelectionPanelWidget::makeSourceChooser(
@@ -178,26 +166,20 @@ QBColumnSelectionPopupWidget* QBSourceSelectionPanelWidget::makeSourceChooser(
     return chooser;
 }
 
-QBJoinSelectionPopupWidget* QBSourceSelectionPanelWidget::makeJoinChooser(
-    const SourceJoinChoice& join) {
-    const QString text = QString::fromStdString(join.text);
-    return new QBJoinSelectionPopupWidget(
-        join.type, &text, hasFullOuterJoin(engine()->databaseType()), true, true, nullptr);
-}
-
 void QBSourceSelectionPanelWidget::addChosen(const Place& place,
                                              QBColumnSelectionPopupWidget* chooser,
                                              QBJoinSelectionPopupWidget* joins) {
-    const auto join = joinChoice(joins);
+    const auto join = joins ? std::optional(chosenJoin(joins)) : std::nullopt;
     if (!mayAct() || !chooser->hasChoice()) return;
     QString error;
     std::unique_ptr<Source> source = makeSource(chooser, &error);
     if (!source) return showError(error);
-    if (!lacksWords(join)) return addSource(place, std::move(source), join);
+    const QPointer<QBSourceSelectionPanelWidget> self(this);
+    if (!join || !refuseWithoutWords(*join)) return addSource(place, std::move(source), join);
+    if (!self || !mayAct()) return;
     const bool isTyped = chooser->tabWidget()->currentIndex() == textTab;
     const QString text = isTyped ? chooser->expressionText() : QString();
-    refuse(Tolk::localize(Tolk::TextCustomJoinMissing),
-           [=] { return mayAct() ? openChoosers(place, join, text) : nullptr; });
+    openChoosers(place, join, text)->moveCursor(QTextCursor::End);
 }
 
 void QBSourceSelectionPanelWidget::addSource(const Place& place, std::unique_ptr<Source> source,
@@ -299,18 +281,35 @@ void QBSourceSelectionPanelWidget::replaceByChosen(QBRowKey key,
 
 void QBSourceSelectionPanelWidget::slotEditSelectedRowAlias() {
     const auto* source = currentForAction<Source>();
-    const int row = rowView()->currentRow();
-    auto* aliased =
-        dynamic_cast<IQBNestedListRowWidgetEditAliasSupported*>(rowView()->rowWidget(row));
-    if (!source || !aliased) return;
-    const QBRowKey key = m_popupRow = rowKey(row);
-    const QString alias = QString::fromStdString(source->alias);
-    m_popup.openLine(alias, aliased->aliasLabel(), [=](const QString& typed) {
-        if (typed.trimmed() == alias) return;
-        applyTo<Source>(key, [&](SourceEdits& edits, int at, Source*) {
-            edits.setAlias(at, typed.trimmed().toStdString());
-        });
-    });
+    if (!source) return;
+    const QBRowKey key = rowKey(rowView()->currentRow());
+    const auto aliasPart = [](QWidget* row) -> QWidget* {
+        auto* aliased = dynamic_cast<IQBNestedListRowWidgetEditAliasSupported*>(row);
+        return aliased ? aliased->aliasLabel() : nullptr;
+    };
+    m_popup.editLine(QString::fromStdString(source->alias), atRow(key, aliasPart),
+                     [=](const QString& typed) { return takeAlias(key, typed); });
+}
+
+QString QBSourceSelectionPanelWidget::takeAlias(QBRowKey key, const QString& typed) {
+    const std::string alias = typed.trimmed().toStdString();
+    if (!mayAct()) return {};
+    const QString fault = aliasFault(engine(), key.componentId, alias);
+    if (!fault.isEmpty()) return fault;
+    applyTo<Source>(key, [&](SourceEdits& edits, int row, Source*) { edits.setAlias(row, alias); });
+    return {};
+}
+
+/// @p partOf the widget of that row, as long as there is one; a popup there is for the row.
+QBPopupAnchorFinder QBSourceSelectionPanelWidget::atRow(
+    QBRowKey key, const std::function<QWidget*(QWidget*)>& partOf) {
+    return [=]() -> std::optional<QBPopupAnchor> {
+        QWidget* const row = mayAct() ? rowView()->rowWidget(findRow(key)) : nullptr;
+        QWidget* const part = row ? partOf(row) : nullptr;
+        if (!part) return std::nullopt;
+        m_popupRow = key;
+        return QBPopupAnchor(part);
+    };
 }
 
 // ---- joins ------------------------------------------------------------------------------------
@@ -321,15 +320,13 @@ void QBSourceSelectionPanelWidget::slotEditSelectedRowJoinType() {
     auto* widget = dynamic_cast<QBSourceSelectionJoinRowWidget*>(rowView()->rowWidget(row));
     if (!join || !widget) return;
     const QBRowKey key = m_popupRow = rowKey(row);
-    auto* const joins = makeJoinChooser({join->joinType, join->joinText});
+    auto* const joins =
+        makeJoinChooser({join->joinType, join->joinText}, engine()->databaseType(), true);
     connect(joins, &QBJoinSelectionPopupWidget::chosen, this, [this] { m_popup.accept(); });
     m_popup.open(joins, widget->joinLabel(), [=] {
-        const SourceJoinChoice choice = *joinChoice(joins);
-        if (lacksWords(choice)) return showError(Tolk::localize(Tolk::TextCustomJoinMissing));
-        applyTo<Join>(key, [&](SourceEdits& edits, int at, const Join* edited) {
-            if (edited->joinType != choice.type || edited->joinText != choice.text)
-                edits.setJoin(at, choice);
-        });
+        const SourceJoinChoice choice = chosenJoin(joins);
+        if (refuseWithoutWords(choice)) return;
+        applyTo<Join>(key, [&](SourceEdits& edits, int at, Join*) { edits.setJoin(at, choice); });
     });
 }
 
@@ -338,22 +335,22 @@ void QBSourceSelectionPanelWidget::slotEditJoinCondition() {
     if (!join || !join->needsCondition()) return;
     const QBRowKey key = rowKey(rowView()->currentRow());
     if (!join->isUsing) return editOnCondition(key, join);
-    editUsingList(key, QString::fromStdString(usingListText(join)));
+    const auto conditionPart = [](QWidget* row) -> QWidget* {
+        auto* shown = dynamic_cast<QBSourceSelectionJoinRowWidget*>(row);
+        return shown ? shown->conditionLabel() : nullptr;
+    };
+    m_popup.editText(QString::fromStdString(usingListText(join)), atRow(key, conditionPart),
+                     [=](const QString& typed) { return takeUsingList(key, typed); });
 }
 
-/// The panel in the popup looks the join up by itself at each change. Its edits are told to all but
-/// this panel, which would take the rows from under the popup, and so shows them at the end.
+/// The edits of the panel in the popup are told to all but this panel, which would take the rows
+/// from under the popup, and so shows them at the end.
 void QBSourceSelectionPanelWidget::editOnCondition(QBRowKey key, Join* join) {
     const int row = findRow(key);
     auto* widget = dynamic_cast<QBSourceSelectionJoinRowWidget*>(rowView()->rowWidget(row));
     if (!widget) return;
-    auto* const conditions = new QBConditionBuilderPanelWidget(nullptr);
-    conditions->setMinimumSize(600, 200);
-    conditions->setBordered(true);
-    conditions->setFocusProxy(conditions->rowView());
-    conditions->setJoin(join);
-    conditions->setRelatedComponents(obtainJoinConditionRelatedComponents(row));
-    conditions->setEngine(engine());
+    auto* const conditions =
+        makeJoinConditionPanel(engine(), join, obtainJoinConditionRelatedComponents(row));
     m_popupRow = key;
     QBInputPopup* const popup = m_popup.open(conditions, widget->conditionLabel(), {});
     conditions->rowView()->selectOnly(0);
@@ -366,28 +363,14 @@ void QBSourceSelectionPanelWidget::editOnCondition(QBRowKey key, Join* join) {
     });
 }
 
-QPlainTextEdit* QBSourceSelectionPanelWidget::editUsingList(QBRowKey key, const QString& text) {
-    auto* widget =
-        dynamic_cast<QBSourceSelectionJoinRowWidget*>(rowView()->rowWidget(findRow(key)));
-    if (!widget) return nullptr;
-    m_popupRow = key;
-    return m_popup.openText(text, widget->conditionLabel(), [=](const QString& typed) {
-        if (typed.trimmed() != text.trimmed()) acceptUsingList(key, typed);
-    });
-}
-
-void QBSourceSelectionPanelWidget::acceptUsingList(QBRowKey key, const QString& text) {
-    if (!mayAct()) return;
-    const QString list = text.trimmed();
-    auto condition = readUsingList(list.toStdString(), language());
-    if (!condition && !list.isEmpty()) {
-        const QByteArray shown = list.toUtf8();
-        return refuse(Tolk::localizeWithArgs(Tolk::TextNoColumnList, shown.constData()),
-                      [=] { return editUsingList(key, text); });
-    }
+QString QBSourceSelectionPanelWidget::takeUsingList(QBRowKey key, const QString& typed) {
+    if (!mayAct()) return {};
+    UsingReading reading = readUsingList(typed.trimmed().toStdString(), language());
+    if (!reading.error.isEmpty()) return reading.error;
     applyTo<Join>(key, [&](SourceEdits& edits, int row, Join*) {
-        edits.setUsingList(row, std::move(condition));
+        edits.setUsingList(row, std::move(reading.list));
     });
+    return {};
 }
 
 // ---- subqueries -------------------------------------------------------------------------------
@@ -423,30 +406,22 @@ void QBSourceSelectionPanelWidget::slotConvertToSubquery() {
     if (auto* made = componentAt<Subquery>(row)) openLayerOf(made, row);
 }
 
-QPlainTextEdit* QBSourceSelectionPanelWidget::editSubqueryAsPlaintext(QBRowKey key,
-                                                                      const QString& text) {
-    if (!mayAct()) return nullptr;
-    QWidget* const anchor = rowView()->rowWidget(findRow(key));
-    if (!anchor) return nullptr;
-    m_popupRow = key;
-    return m_popup.openText(text, anchor, [=](const QString& typed) {
-        if (typed != text) acceptSubqueryText(key, typed);
-    });
+void QBSourceSelectionPanelWidget::editSubqueryAsPlaintext(QBRowKey key, const QString& text) {
+    const auto wholeRow = [](QWidget* row) {
+        return row;
+    };
+    m_popup.editText(text, atRow(key, wholeRow),
+                     [=](const QString& typed) { return takeSubqueryText(key, typed); });
 }
 
-void QBSourceSelectionPanelWidget::acceptSubqueryText(QBRowKey key, const QString& text) {
-    if (!mayAct()) return;
-    SubqueryReading reading = readSubquery(text.trimmed().toStdString(), language());
-    // An empty text is read as a statement, which would take the place of the old one.
-    if (text.trimmed().isEmpty()) {
-        reading.statement.reset();
-        reading.error = Tolk::localize(Tolk::TextSourceTextMissing);
-    }
-    if (!reading.statement)
-        return refuse(reading.error, [=] { return editSubqueryAsPlaintext(key, text); });
+QString QBSourceSelectionPanelWidget::takeSubqueryText(QBRowKey key, const QString& typed) {
+    if (!mayAct()) return {};
+    SubqueryReading reading = readSubquery(typed.trimmed().toStdString(), language());
+    if (!reading.statement) return reading.error;
     applyTo<Subquery>(key, [&](SourceEdits& edits, int row, Subquery*) {
         edits.setStatement(row, std::move(reading.statement), reading.alias);
     });
+    return {};
 }
 
 void QBSourceSelectionPanelWidget::slotOpenSubquery() {
@@ -475,15 +450,6 @@ void QBSourceSelectionPanelWidget::openLayerOf(Subquery* subquery, int row) {
         name = '(' + numbered.toStdString() + ')';
     }
     engine()->pushNewLayerTopLevelQueryComponent(subquery->subquery, name);
-}
-
-/// Tells why a text was not taken, and opens it again to go on from where the user was.
-void QBSourceSelectionPanelWidget::refuse(const QString& error,
-                                          const std::function<QPlainTextEdit*()>& reopen) {
-    const QPointer<QBSourceSelectionPanelWidget> self(this);
-    showError(error);
-    QPlainTextEdit* const text = self ? reopen() : nullptr;
-    if (text) text->moveCursor(QTextCursor::End);
 }
 
 }  // namespace QB

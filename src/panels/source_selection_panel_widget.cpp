@@ -7,12 +7,9 @@
 
 #include "engine/engine_linux.h"
 #include "layouts/source_tree_layout.h"
-#include "model/callbacks.h"
 #include "model/tree_walks.h"
 #include "panels/join_marks.h"
-#include "tools/source_edits.h"
 #include "panels/source_selection_panel_answers.h"
-#include "tools/subquery_conversion.h"
 #include "platform/tolk/tolk.h"
 #include "rows/identifier_source_row_widget.h"
 #include "rows/nested_list_any_expression_row_widget.h"
@@ -23,6 +20,8 @@
 #include "rows/row_database.h"
 #include "rows/source_selection_join_row_widget.h"
 #include "tools/join_tools.h"
+#include "tools/source_edits.h"
+#include "tools/subquery_conversion.h"
 #include "tools/validation.h"
 #include "tools/validation_scope.h"
 #include "ui_source_selection_panel_widget.h"
@@ -55,12 +54,6 @@ RowKind kindOf(const Item& item) {
     if (dynamic_cast<const SQLSubquerySourceComponent*>(component)) return SubqueryRow;
     if (dynamic_cast<const SQLBracketedSourceNodeComponent*>(component)) return OpenBracketRow;
     return !component && item.partnerItem ? CloseBracketRow : NoWidget;
-}
-
-void tell(Tolk::TextId text, const QStringList& lines) {
-    if (lines.isEmpty()) return;
-    const QByteArray all = lines.join('\n').toUtf8();
-    Callback::showError(Tolk::localizeWithArgs(text, all.constData()).toStdString());
 }
 
 }  // namespace
@@ -274,8 +267,7 @@ void QBSourceSelectionPanelWidget::apply(const std::function<int(SourceEdits&)>&
     int row = -1;
     applyOwnEdit([&] { row = edit(edits); }, [&] { return std::min(row, rowCount() - 1); });
     // Last: the host's window may end all of this, if the edit has not.
-    tell(Tolk::TextConditionsRemoved, edits.removedConditions());
-    tell(Tolk::TextConditionsBlind, edits.blindConditions());
+    edits.tellConditions();
 }
 
 void QBSourceSelectionPanelWidget::slotRemoveSelectedRow() {

@@ -122,7 +122,6 @@ private:
     void addBracketComponent(bool insert);
     Place placeOfNew(int row, bool insert, bool withJoin);
     QBColumnSelectionPopupWidget* makeSourceChooser(Component::AbstractQueryComponent* edited);
-    QBJoinSelectionPopupWidget* makeJoinChooser(const SourceJoinChoice& join);
     QPlainTextEdit* openChoosers(const Place& place, const std::optional<SourceJoinChoice>& join,
                                  const QString& text = {});
     void openAt(const Place& place, QWidget* content, std::function<void()> accepted);
@@ -137,12 +136,13 @@ private:
 
     std::unique_ptr<Subquery> convertExpressionToSubquery(const Expression& expression,
                                                           QString* error);
-    QPlainTextEdit* editSubqueryAsPlaintext(QBRowKey key, const QString& text);
-    void acceptSubqueryText(QBRowKey key, const QString& text);
-    QPlainTextEdit* editUsingList(QBRowKey key, const QString& text);
-    void acceptUsingList(QBRowKey key, const QString& text);
+    void editSubqueryAsPlaintext(QBRowKey key, const QString& text);
     void editOnCondition(QBRowKey key, Join* join);
-    void refuse(const QString& error, const std::function<QPlainTextEdit*()>& reopen);
+    // These return what is wrong with the text, in words; empty if nothing.
+    QString takeAlias(QBRowKey key, const QString& typed);
+    QString takeUsingList(QBRowKey key, const QString& typed);
+    QString takeSubqueryText(QBRowKey key, const QString& typed);
+    QBPopupAnchorFinder atRow(QBRowKey key, const std::function<QWidget*(QWidget*)>& partOf);
     void openLayerOf(Subquery* subquery, int row);
     void addActionsOfKind(QMenu* menu, QBRowKey key);
     void addBracketActions(QMenu* menu);

@@ -49,7 +49,7 @@ class QBInputPopup::Private {
 public:
     explicit Private(QBInputPopup* popup) : q(popup) {}
 
-    void noteAnchor(QWidget* anchor, const QPoint* pivot);
+    void noteAnchor(const QBPopupAnchor& anchor);
     void fit();
     void place(const QRect& room);
     void takeFocus();
@@ -77,14 +77,14 @@ public:
 };
 
 /// Notes where the popup belongs, rather than the anchor, which a refresh may destroy.
-void QBInputPopup::Private::noteAnchor(QWidget* anchor, const QPoint* pivot) {
-    const QPoint point = anchor->mapToGlobal(pivot ? *pivot : QPoint());
-    anchorArea = QRect(point, pivot ? QSize(0, 0) : anchor->size());
-    anchorWidth = anchor->width();
+void QBInputPopup::Private::noteAnchor(const QBPopupAnchor& anchor) {
+    const QPoint point = anchor.widget->mapToGlobal(anchor.area.topLeft());
+    anchorArea = QRect(point, anchor.area.size());
+    anchorWidth = anchor.area.isEmpty() ? anchor.widget->width() : anchor.area.width();
     screen = QGuiApplication::screenAt(point);
-    if (!screen) screen = anchor->screen();
-    q->setLayoutDirection(anchor->layoutDirection());
-    q->setAccessibleName(anchor->accessibleName());
+    if (!screen) screen = anchor.widget->screen();
+    q->setLayoutDirection(anchor.widget->layoutDirection());
+    q->setAccessibleName(anchor.name);
 }
 
 /// Takes the size of the content, and the place for that.
@@ -211,7 +211,13 @@ bool QBInputPopup::isAnswering() const {
 }
 
 void QBInputPopup::popup(QWidget* nextToWidget, const QPoint* pivot) {
-    d->noteAnchor(nextToWidget, pivot);
+    QBPopupAnchor anchor(nextToWidget);
+    if (pivot) anchor.area = QRect(*pivot, QSize(0, 0));
+    popup(anchor);
+}
+
+void QBInputPopup::popup(const QBPopupAnchor& anchor) {
+    d->noteAnchor(anchor);
     d->focusBefore = QApplication::focusWidget();
     d->fit();
     d->takeFocus();

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "model/export.h"
+#include "popups/popup_anchor.h"
 
 namespace QB {
 
@@ -29,14 +30,15 @@ public:
     void setContent(QWidget* content, bool withMargins);
     QWidget* content() const;
 
-    /// Shows the popup under @p nextToWidget, or above where there is no room below; with @p pivot
-    /// at that point of it. It is kept inside the screen and follows the size of its content.
-    /// The focus goes to the content, or stays where it is in it; a text there is selected. With
-    /// the end of the popup it goes back to what had it before, or to the parent where that is
-    /// gone.
+    /// Shows the popup under @p anchor, or above where there is no room below. It is kept inside
+    /// the screen and follows the size of its content. The focus goes to the content, or stays
+    /// where it is in it; a text there is selected. With the end of the popup it goes back to what
+    /// had it before, or to the parent where that is gone.
+    void popup(const QBPopupAnchor& anchor);
+    /// The same at a widget, or at the point @p pivot of it.
     void popup(QWidget* nextToWidget, const QPoint* pivot = nullptr);
 
-    /// At least as wide as the anchor.
+    /// At least as wide as the anchor; as its widget for one that is a point.
     void setFullWidth(bool isFullWidth);
 
     /// Whether done() is being emitted, perhaps from a signal of a widget in the popup.

@@ -9,6 +9,7 @@
 #include <memory>
 #include <utility>
 
+#include "model/callbacks.h"
 #include "platform/tolk/tolk.h"
 #include "popups/input_popup.h"
 #include "widgets/fixed_width_font.h"
@@ -96,8 +97,8 @@ bool QBPanelPopup::isOpen() const {
     return m_popup != nullptr;
 }
 
-QBInputPopup* QBPanelPopup::open(QWidget* content, QWidget* anchor, std::function<void()> accepted,
-                                 const QPoint* pivot, bool withMargins) {
+QBInputPopup* QBPanelPopup::open(QWidget* content, const QBPopupAnchor& anchor,
+                                 std::function<void()> accepted, bool withMargins) {
     std::unique_ptr<QWidget> owned(content);
     if (isOpen()) return nullptr;
     auto* popup = new QBInputPopup(m_panel);
@@ -108,16 +109,16 @@ QBInputPopup* QBPanelPopup::open(QWidget* content, QWidget* anchor, std::functio
                          if (isAccepted && accepted) accepted();  // last: it may destroy this
                      });
     m_popup = popup;
-    popup->popup(anchor, pivot);
+    popup->popup(anchor);
     return popup;
 }
 
-QLineEdit* QBPanelPopup::openLine(const QString& text, QWidget* anchor,
+QLineEdit* QBPanelPopup::openLine(const QString& text, const QBPopupAnchor& anchor,
                                   std::function<void(const QString&)> accepted) {
     if (isOpen()) return nullptr;
     auto* line = new QLineEdit(text);
     line->setMinimumWidth(200);
-    line->setAccessibleName(anchor->accessibleName());
+    line->setAccessibleName(anchor.name);
     QBInputPopup* popup =
         open(line, anchor, [line, accepted = std::move(accepted)] { accepted(line->text()); });
     popup->setFullWidth(true);
@@ -125,16 +126,57 @@ QLineEdit* QBPanelPopup::openLine(const QString& text, QWidget* anchor,
     return line;
 }
 
-QPlainTextEdit* QBPanelPopup::openText(const QString& text, QWidget* anchor,
+QPlainTextEdit* QBPanelPopup::openText(const QString& text, const QBPopupAnchor& anchor,
                                        std::function<void(const QString&)> accepted) {
     if (isOpen()) return nullptr;
     QPlainTextEdit* edit = makeTextEdit(text);
-    edit->setAccessibleName(anchor->accessibleName());
+    edit->setAccessibleName(anchor.name);
     QBInputPopup* popup = open(withHint(edit), anchor, [edit, accepted = std::move(accepted)] {
         accepted(edit->toPlainText());
     });
     new TextAccepter(edit, popup);
     return edit;
+}
+
+void QBPanelPopup::editLine(const QString& text, const QBPopupAnchorFinder& where,
+                            const Taker& take) {
+    editLine(text, where, take, false);
+}
+
+void QBPanelPopup::editText(const QString& text, const QBPopupAnchorFinder& where,
+                            const Taker& take) {
+    editText(text, where, take, false);
+}
+
+void QBPanelPopup::editLine(const QString& text, const QBPopupAnchorFinder& where,
+                            const Taker& take, bool isAgain) {
+    const auto anchor = where();
+    QLineEdit* const line =
+        anchor ? openLine(text, *anchor, taking(text, where, take, &QBPanelPopup::editLine))
+               : nullptr;
+    if (line && isAgain) line->end(false);
+}
+
+void QBPanelPopup::editText(const QString& text, const QBPopupAnchorFinder& where,
+                            const Taker& take, bool isAgain) {
+    const auto anchor = where();
+    QPlainTextEdit* const edit =
+        anchor ? openText(text, *anchor, taking(text, where, take, &QBPanelPopup::editText))
+               : nullptr;
+    if (edit && isAgain) edit->moveCursor(QTextCursor::End);
+}
+
+/// Who takes the text, and the host that tells of a fault, may destroy this.
+std::function<void(const QString&)> QBPanelPopup::taking(const QString& text,
+                                                         const QBPopupAnchorFinder& where,
+                                                         const Taker& take, Editing again) {
+    return [=, life = std::weak_ptr<const bool>(m_life)](const QString& typed) {
+        if (typed.trimmed() == text.trimmed()) return;
+        const QString fault = take(typed);
+        if (fault.isEmpty()) return;
+        Callback::showError(fault.toStdString());
+        if (!life.expired()) (this->*again)(typed, where, take, true);
+    };
 }
 
 void QBPanelPopup::accept() {

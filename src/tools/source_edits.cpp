@@ -5,11 +5,14 @@
 #include <utility>
 
 #include "layouts/source_tree_surgery.h"
+#include "model/callbacks.h"
 #include "model/tree_walks.h"
-#include "tools/free_text.h"
+#include "platform/tolk/tolk.h"
 #include "stringifier/query_component_stringifier.h"
+#include "tools/free_text.h"
 #include "tools/join_edits.h"
 #include "tools/join_sight.h"
+#include "tools/validation_scope.h"
 
 namespace QB {
 
@@ -32,6 +35,26 @@ bool namesAny(const SQLAbstractConditionComponent* condition, const Sources& sou
     collectReferences(condition, named);
     return std::any_of(sources.begin(), sources.end(),
                        [&named](const auto* source) { return named.count(source) > 0; });
+}
+
+/// Whether no source of the clause but @p except goes by that name.
+bool isNameFree(const SourceNode* root, const std::string& name,
+                const SQLAbstractSourceComponent* except) {
+    bool isFree = true;
+    Tools::visitSourceNodes(root, [&](const SourceNode* node) {
+        const SQLAbstractSourceComponent* const source = node->value;
+        if (source == except) return;
+        const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
+        const std::string& known = table && source->alias.empty() ? table->name : source->alias;
+        isFree = isFree && known != name;
+    });
+    return isFree;
+}
+
+void tell(Tolk::TextId text, const QStringList& lines) {
+    if (lines.isEmpty()) return;
+    const QByteArray all = lines.join('\n').toUtf8();
+    Callback::showError(Tolk::localizeWithArgs(text, all.constData()).toStdString());
 }
 
 bool isWritten(const SQLJoinSourceNodeComponent* join) {
@@ -142,6 +165,27 @@ void SourceEdits::remove(int row) {
     });
 }
 
+void SourceEdits::remove(const std::vector<Source*>& sources) {
+    const auto isHere = [this](const Source* source) {
+        return at<Source>(rowOf(source)) != nullptr;
+    };
+    if (std::none_of(sources.begin(), sources.end(), isHere)) return;
+    modifyWithConditions(Fate::Removed, [&](Slot) {
+        for (const Source* source : sources)
+            removeOperand(rowOf(source));
+    });
+}
+
+void SourceEdits::removeOperand(int row) {
+    while (at<Source>(row)) {
+        m_rows->removeItem_internal(m_rows->items()[static_cast<std::size_t>(row)]);
+        const Items& items = m_rows->items();
+        const auto place = static_cast<std::size_t>(row);
+        if (place == items.size() || !items[place]->isPlaceholder) return;
+        --row;  // the bracket that has nothing in it now
+    }
+}
+
 void SourceEdits::replace(int row, std::unique_ptr<Source> replacement) {
     Source* const old = at<Source>(row);
     if (!SourceTree::isLeaf(old) || !SourceTree::isLeaf(replacement.get())) return;
@@ -155,20 +199,11 @@ void SourceEdits::replace(int row, std::unique_ptr<Source> replacement) {
 
 std::string SourceEdits::aliasAfter(const Source* old, const Source* replacement) const {
     const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(old);
-    if (!old->alias.empty() || !table || !isNameFree(table->name, old)) return old->alias;
+    if (!old->alias.empty() || !table || !isNameFree(*m_rows->root(), table->name, old))
+        return old->alias;
     const auto* text = dynamic_cast<const SQLAnyExpressionSourceComponent*>(replacement);
     const bool takesAlias = !text || isOnePiece(text->expression, m_engine->databaseType());
     return takesAlias ? table->name : std::string();
-}
-
-bool SourceEdits::isNameFree(const std::string& name, const Source* except) const {
-    const Items& items = m_rows->items();
-    return std::none_of(items.begin(), items.end(), [&](const auto* item) {
-        const auto* source = dynamic_cast<const Source*>(item->component);
-        if (!source || source == except) return false;
-        const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
-        return (table && source->alias.empty() ? table->name : source->alias) == name;
-    });
 }
 
 /// The walk hands out const pointers to what the statement owns and this modification may change.
@@ -210,8 +245,10 @@ void SourceEdits::setStatement(int row, OwnedStatement statement, const std::str
 
 void SourceEdits::setJoin(int row, const SourceJoinChoice& choice) {
     Join* const join = at<Join>(row);
-    if (!join) return;
-    modifyWithConditions(Fate::Removed, [&](Slot root) { bind(root, join, choice); });
+    const bool isIt = join && join->joinType == choice.type &&
+                      (choice.type != SQLJoinTypeCustom || join->joinText == choice.text);
+    if (join && !isIt)
+        modifyWithConditions(Fate::Removed, [&](Slot root) { bind(root, join, choice); });
 }
 
 void SourceEdits::bind(Slot root, Join* join, const SourceJoinChoice& choice) {
@@ -310,6 +347,47 @@ QString SourceEdits::textOf(const Condition* condition) const {
     if (!stringifier) return {};
     stringifier->setCurrentSchema(m_engine->currentSchema());
     return QString::fromStdString(stringifier->stringifyQuery(condition)).simplified();
+}
+
+void SourceEdits::tellConditions() const {
+    tell(Tolk::TextConditionsRemoved, m_removed);
+    tell(Tolk::TextConditionsBlind, m_blind);
+}
+
+// ---- from outside a list of rows --------------------------------------------------------------
+
+SQLAbstractSourceComponent* findSource(const QBEngine* engine, long id) {
+    const SQLSelectStmtComponent* const statement = Tools::Validation::currentStatement(engine);
+    SQLAbstractSourceComponent* found = nullptr;
+    if (!statement) return nullptr;
+    Tools::visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
+        if (node->value->id() == id) found = node->value;
+    });
+    return found;
+}
+
+void editSource(QBEngine* engine, void* sender, long id,
+                const std::function<void(SourceEdits&, int row)>& edit) {
+    SQLSelectStmtComponent* const statement = Tools::Validation::currentStatement(engine);
+    if (!statement) return;
+    SourceEdits::Rows rows(&statement->sourceExpr->root);
+    rows.rebuildItems();
+    rows.updateItemFlags();
+    const auto& items = rows.items();
+    const auto found = std::find_if(items.begin(), items.end(), [id](const auto* item) {
+        return item->component && item->component->id() == id;
+    });
+    if (found == items.end()) return;
+    SourceEdits edits(engine, &rows, sender);
+    edit(edits, static_cast<int>(std::distance(items.begin(), found)));
+    edits.tellConditions();
+}
+
+QString aliasFault(const QBEngine* engine, long id, const std::string& alias) {
+    const SQLSelectStmtComponent* const statement = Tools::Validation::currentStatement(engine);
+    if (!statement || alias.empty()) return {};
+    if (isNameFree(statement->sourceExpr->root, alias, findSource(engine, id))) return {};
+    return Tolk::localizeWithArgs(Tolk::TextAliasTaken, alias.c_str());
 }
 
 }  // namespace QB

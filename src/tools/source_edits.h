@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringList>
 #include <functional>
 #include <memory>
@@ -54,12 +55,16 @@ public:
     /// Removes a source, or a bracket with all in it, and the join that bound it. Of a join only
     /// what it binds: it becomes a comma.
     void remove(int row);
+    /// Removes sources in one modification, with brackets that lose all they hold. What is not in
+    /// the clause is skipped; addresses are compared, not read.
+    void remove(const std::vector<Source*>& sources);
     /// Puts another source in the place of a table, free text or subquery. It takes over the fields
     /// and, unless it has an alias, that of the old source. A table without one gives its name,
     /// where an alias is sure to be understood and no other source goes by it. Destroyed where it
     /// does not fit.
     void replace(int row, std::unique_ptr<Source> replacement);
     /// A comma keeps the condition, unwritten, for the case that it becomes another join again.
+    /// Nothing where the join is that already.
     void setJoin(int row, const SourceJoinChoice& choice);
     /// ON becomes USING and the other way round; the condition goes.
     void changeConditionForm(int row);
@@ -73,9 +78,9 @@ public:
     void group(const Items& items);
     void ungroup(const Items& items);
 
-    /// What the edits so far did to conditions, a line for each to tell the user; empty if nothing.
-    const QStringList& removedConditions() const { return m_removed; }
-    const QStringList& blindConditions() const { return m_blind; }
+    /// Tells the user (showError) what the edits so far did to conditions, if anything. To be
+    /// called last: the host may end all of this.
+    void tellConditions() const;
 
 private:
     using Conditions = std::set<const Condition*>;
@@ -88,12 +93,12 @@ private:
     template <typename Kind>
     Kind* at(int row) const;
     int rowOf(const Source* source) const;
+    void removeOperand(int row);
 
     /// Gives the group of @p component the shape that its text is read in.
     void settleGroup(Slot root, const Source* component);
     void bind(Slot root, Join* join, const SourceJoinChoice& choice);
     std::string aliasAfter(const Source* old, const Source* replacement) const;
-    bool isNameFree(const std::string& name, const Source* except) const;
     void takeOverFields(const Source* old, Source* replacement) const;
 
     static Conditions blindConditionsOf(Slot root);
@@ -104,8 +109,23 @@ private:
     QBEngine* const m_engine;  // not owned
     Rows* const m_rows;        // not owned
     void* const m_sender;      // not owned: compared only
+    // A line for each condition.
     QStringList m_removed;
     QStringList m_blind;
 };
+
+/// The source or join of that id in the FROM clause of the current layer; null if it is not there,
+/// or for a null engine.
+Component::SQL::SQLAbstractSourceComponent* findSource(const QBEngine* engine, long id);
+
+/// Runs @p edit, for one edit from outside a list of rows, with the row of that source or join, and
+/// tells what it did to conditions. Nothing where it is not there. Who is notified may destroy the
+/// engine: the caller does not touch it after this.
+void editSource(QBEngine* engine, void* sender, long id,
+                const std::function<void(SourceEdits&, int row)>& edit);
+
+/// Why that source of the current layer cannot have @p alias, to the user: another one goes by it.
+/// Empty where it can; an empty alias is always free.
+QString aliasFault(const QBEngine* engine, long id, const std::string& alias);
 
 }  // namespace QB

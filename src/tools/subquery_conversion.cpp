@@ -5,6 +5,7 @@
 #include "layouts/source_tree_surgery.h"
 #include "model/element_expressions.h"
 #include "parser/query_parser.h"
+#include "platform/tolk/tolk.h"
 #include "stringifier/query_component_stringifier.h"
 #include "tools/using_list.h"
 
@@ -14,6 +15,10 @@ using namespace Component;
 using namespace Component::SQL;
 
 namespace {
+
+bool isBlank(const std::string& text) {
+    return QString::fromStdString(text).trimmed().isEmpty();
+}
 
 std::string withoutOuterBrackets(const std::string& text) {
     const bool isBracketed = text.size() > 1 && text.front() == '(' && text.back() == ')';
@@ -49,6 +54,11 @@ bool isLeafNode(const SourceNode* node) {
 
 SubqueryReading readSubquery(const std::string& text, const TextLanguage& language) {
     SubqueryReading reading;
+    if (isBlank(text)) {
+        // It would be read as a statement without anything in it.
+        reading.error = Tolk::localize(Tolk::TextSourceTextMissing);
+        return reading;
+    }
     reading.statement = parse(withoutOuterBrackets(text), language, &reading.error);
     if (reading.statement) return reading;
     const OwnedStatement around = parse("SELECT * FROM " + text, language);
@@ -71,16 +81,17 @@ std::string subqueryText(const AbstractTopLevelQueryComponent* statement,
     return stringifier->stringifyQuery(statement);
 }
 
-std::unique_ptr<SQLAbstractConditionComponent> readUsingList(const std::string& text,
-                                                             const TextLanguage& language) {
+UsingReading readUsingList(const std::string& text, const TextLanguage& language) {
+    if (isBlank(text)) return {};
     const OwnedStatement around =
         parse("SELECT * FROM a INNER JOIN b USING (" + withoutOuterBrackets(text) + ")", language);
     SourceNode* const clause = onlyClause(around.get());
     auto* join = clause ? dynamic_cast<SQLJoinSourceNodeComponent*>(clause->value) : nullptr;
     const bool isList = join && join->isUsing && join->condition && isLeafNode(clause->left) &&
                         isLeafNode(clause->right);
-    if (!isList) return nullptr;
-    return std::unique_ptr<SQLAbstractConditionComponent>(std::exchange(join->condition, nullptr));
+    if (!isList) return {nullptr, Tolk::localizeWithArgs(Tolk::TextNoColumnList, text.c_str())};
+    return {std::unique_ptr<SQLAbstractConditionComponent>(std::exchange(join->condition, nullptr)),
+            {}};
 }
 
 std::string usingListText(const SQLJoinSourceNodeComponent* join) {

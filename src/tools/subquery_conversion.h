@@ -25,17 +25,21 @@ struct SubqueryReading {
     QString error;      ///< why the text is no SELECT, localised
 };
 
-/// Reads a SELECT, also in brackets, and then with an alias behind.
+/// Reads a SELECT, also in brackets, and then with an alias behind. An empty text is refused.
 SubqueryReading readSubquery(const std::string& text, const TextLanguage& language);
 
 /// The statement on several lines; empty for null and for an empty one.
 std::string subqueryText(const Component::AbstractTopLevelQueryComponent* statement,
                          const TextLanguage& language);
 
-/// The column list of USING as a join holds it, from names separated by commas, in brackets or not;
-/// null if the text is no such list.
-std::unique_ptr<Component::SQL::SQLAbstractConditionComponent> readUsingList(
-    const std::string& text, const TextLanguage& language);
+/// What became of a text; at most one is set, none of an empty text.
+struct UsingReading {
+    std::unique_ptr<Component::SQL::SQLAbstractConditionComponent> list;
+    QString error;  ///< why the text is no list, localised
+};
+
+/// The column list of USING as a join holds it, from names separated by commas, in brackets or not.
+UsingReading readUsingList(const std::string& text, const TextLanguage& language);
 
 /// What readUsingList reads; empty for a join without list.
 std::string usingListText(const Component::SQL::SQLJoinSourceNodeComponent* join);
