@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "canvas/base/animation.h"
+#include "canvas/base/context.h"
 #include "engine/event_trigger.h"
 #include "platform/lumo/lumo_diagram.h"
 
@@ -16,7 +17,6 @@ class LumoControl;
 
 namespace QB::DiagramLumo {
 
-class QBLumoContext;
 class QBLumoItem;
 class QBLumoJoinLink;
 class QBLumoObject;
@@ -77,6 +77,9 @@ public:
 
     // ---- moving and placing ----
 
+    /// The rectangles that items had.
+    using FormerPlaces = std::vector<std::pair<QBLumoItem*, LumoRect>>;
+
     /// Shift of the gesture that goes on: moves then keep to one axis.
     void setShiftHeld(bool held) { m_shiftHeld = held; }
     /// Moves or resizes @p item as its press decided; the other selected items move along, the
@@ -91,7 +94,7 @@ public:
     /// Arranges the selected items, or all if none or one is selected, by the automatic layout; the
     /// canvas grows to hold them. Returns the rectangles that items had, for a history; what did
     /// not move is not in it.
-    std::vector<std::pair<QBLumoItem*, LumoRect>> autoLayout();
+    FormerPlaces autoLayout();
 
     // ---- links drawn from field to field ----
 
@@ -176,6 +179,9 @@ private:
     void dragGroup(QBLumoItem* item, const LumoRect& before);
     static void putItem(QBLumoItem* item, const LumoRect& rect);
     static void shiftItem(QBLumoItem* item, LumoPoint delta);
+    /// Tells of the end of a gesture that found the items in @p former, if one is elsewhere now: as
+    /// @p how, or as resized.
+    void tellArranged(const FormerPlaces& former, QBLumoContext::Arrangement how);
 
     std::set<LumoObject*> m_selection;  // not owned: children
     bool m_shiftHeld = false;
@@ -184,7 +190,7 @@ private:
     std::unique_ptr<QBLumoAnimationTimer> m_animationTimer;
     int32_t m_relationMode = 1;
     QBLumoItem* m_draggedItem = nullptr;  // not owned: a child
-    std::vector<std::pair<QBLumoItem*, LumoRect>> m_dragStart;
+    FormerPlaces m_dragStart;
     LumoObject* m_pressed = nullptr;  // not owned: its press has changed the selection already
     QBEventTrigger<LumoObject*, int> m_focusChanged;
     QBEventTrigger<LumoObject*> m_childLeaves;

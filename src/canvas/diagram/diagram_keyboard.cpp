@@ -80,7 +80,7 @@ bool QBLumoDiagram::Keyboard::callForMode(const LumoEvent& event, bool* found) {
         const bool taken = callWhileResizing(event, found);
         if (*found) return taken;
         // Any other key keeps the size and does what it does.
-        m_resize.reset();
+        endResize();
     }
     // Escape gives up what the mouse has begun first.
     const bool mouseDrags = m_diagram->m_gestures->isBandActive() || m_diagram->isLinkDragActive();
@@ -137,7 +137,7 @@ void QBLumoDiagram::Keyboard::place(LumoObject* object, int row, bool showRing) 
     m_lastPlace.reset();
     const bool moved = m_focused != object || m_row != row;
     if (!moved && m_ringShown == showRing) return;
-    if (m_resize && m_resize->item != object) m_resize.reset();
+    if (m_resize && m_resize->item != object) endResize();
     invalidateRing();
     m_focused = object;
     m_row = row;
@@ -197,7 +197,7 @@ bool QBLumoDiagram::Keyboard::leaveBackward(const LumoEvent&) {
 
 void QBLumoDiagram::Keyboard::pressed(LumoObject* object) {
     endLink(false);
-    m_resize.reset();
+    endResize();
     place(object, -1, false);
 }
 

@@ -110,6 +110,8 @@ private:
     bool moveSplitter(const LumoEvent& event);
     bool keepSize(const LumoEvent& event);
     bool restoreSize(const LumoEvent& event);
+    /// The item stays as it is now.
+    void endResize();
     static QBLumoSplitter* splitterOf(const QBLumoItem* item);
 
     QBLumoDiagram* const m_diagram;   // not owned: the owner

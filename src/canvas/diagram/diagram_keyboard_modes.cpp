@@ -1,6 +1,7 @@
 // What keys do among the rows of an item, while a link is drawn, and while an item is resized.
 
 #include <algorithm>
+#include <utility>
 
 #include "canvas/controls/list_view.h"
 #include "canvas/controls/scroll_view.h"
@@ -271,15 +272,21 @@ bool QBLumoDiagram::Keyboard::moveSplitter(const LumoEvent& event) {
     return true;
 }
 
-bool QBLumoDiagram::Keyboard::keepSize(const LumoEvent&) {
-    m_resize.reset();
+void QBLumoDiagram::Keyboard::endResize() {
+    if (!m_resize) return;
+    const Resize ended = *std::exchange(m_resize, std::nullopt);
     invalidateRing();
+    m_diagram->tellArranged({{ended.item, ended.start}}, QBLumoContext::Arrangement::Resized);
+}
+
+bool QBLumoDiagram::Keyboard::keepSize(const LumoEvent&) {
+    endResize();
     return true;
 }
 
-bool QBLumoDiagram::Keyboard::restoreSize(const LumoEvent& event) {
-    const Resize before = *m_resize;
-    keepSize(event);
+bool QBLumoDiagram::Keyboard::restoreSize(const LumoEvent&) {
+    const Resize before = *std::exchange(m_resize, std::nullopt);
+    invalidateRing();
     before.item->setSizedByUser(before.sizedByUser);
     putItem(before.item, before.start);
     if (QBLumoSplitter* const splitter = splitterOf(before.item))

@@ -93,7 +93,7 @@ void QBLumoDiagram::shiftItem(QBLumoItem* item, LumoPoint delta) {
 void QBLumoDiagram::endItemDrag(bool restore) {
     m_draggedItem = nullptr;
     const auto start = std::exchange(m_dragStart, {});
-    if (!restore) return;
+    if (!restore) return tellArranged(start, QBLumoContext::Arrangement::Moved);
     m_gestures->stopAutoScroll();
     for (const auto& [item, rect] : start)
         putItem(item, rect);
@@ -102,9 +102,22 @@ void QBLumoDiagram::endItemDrag(bool restore) {
 
 void QBLumoDiagram::moveSelectedItems(int dx, int dy) {
     if (isLinkDragActive()) return;
-    for (QBLumoItem* item : selectedItems())
+    FormerPlaces former;
+    for (QBLumoItem* item : selectedItems()) {
+        former.emplace_back(item, item->getRect());
         shiftItem(item, {dx, dy});
+    }
     invalidate();
+    tellArranged(former, QBLumoContext::Arrangement::MovedByKey);
+}
+
+void QBLumoDiagram::tellArranged(const FormerPlaces& former, QBLumoContext::Arrangement how) {
+    bool isAnyElsewhere = false;
+    for (const auto& [item, rect] : former) {
+        isAnyElsewhere = isAnyElsewhere || item->getRect() != rect;
+        if (item->getRect().size != rect.size) how = QBLumoContext::Arrangement::Resized;
+    }
+    if (isAnyElsewhere && lumoContext()) lumoContext()->itemsArranged(how);
 }
 
 // ---- places ----
@@ -119,7 +132,7 @@ void QBLumoDiagram::autoLayoutChild(QBLumoObject* object) {
     object->setRect(place.rect);
 }
 
-std::vector<std::pair<QBLumoItem*, LumoRect>> QBLumoDiagram::autoLayout() {
+QBLumoDiagram::FormerPlaces QBLumoDiagram::autoLayout() {
     std::vector<QBLumoItem*> arranged = selectedItems();
     if (arranged.size() < 2) arranged = items();
     std::vector<LumoRect> others;
@@ -131,7 +144,7 @@ std::vector<std::pair<QBLumoItem*, LumoRect>> QBLumoDiagram::autoLayout() {
         others.empty() ? layoutInLayers(graph)
                        : layoutBeside(graph, unionOf(arranged).origin, others);
 
-    std::vector<std::pair<QBLumoItem*, LumoRect>> moved;
+    FormerPlaces moved;
     for (size_t i = 0; i < arranged.size(); ++i) {
         const LumoRect old = arranged[i]->getRect();
         if (old.origin == origins[i]) continue;

@@ -203,8 +203,8 @@ bool QBLumoItem::responderMouseDragging(LumoEvent event) {
 bool QBLumoItem::responderMouseDrop(LumoEvent) {
     if (m_gesture == Gesture::None) return true;
     endDrag(false);
-    if (QBLumoDiagram* const diagram = lumoDiagram()) diagram->endItemDrag(false);
     showCursor(LumoCursorDefault);
+    if (QBLumoDiagram* const diagram = lumoDiagram()) diagram->endItemDrag(false);
     return false;
 }
 

@@ -31,6 +31,11 @@ QString notWritten(const QString& file) {
     return Tolk::localizeWithArgs(Tolk::TextCanvasPictureNotWritten, file.toUtf8().constData());
 }
 
+void tellArranged(QBLumoDiagram* diagram) {
+    if (QBLumoContext* const context = diagram->lumoContext())
+        context->itemsArranged(QBLumoContext::Arrangement::LaidOut);
+}
+
 }  // namespace
 
 struct QBCanvasCommands::State {
@@ -111,6 +116,7 @@ void QBCanvasCommands::arrange() {
     }
     m_state->view->getControl()->scrollToVisible(taken, false);
     Q_EMIT undoArrangeAvailable(true);
+    tellArranged(diagram);
 }
 
 void QBCanvasCommands::undoArrange() {
@@ -130,6 +136,7 @@ void QBCanvasCommands::undoArrange() {
             }
     if (lumoWidth(taken) > 0) m_state->view->getControl()->scrollToVisible(taken, false);
     diagram->repaint();
+    if (lumoWidth(taken) > 0) tellArranged(diagram);
 }
 
 QRectF QBCanvasCommands::pictureRect() const {
