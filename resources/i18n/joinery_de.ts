@@ -815,5 +815,65 @@
         <source>Actual size</source>
         <translation>Originalgröße</translation>
     </message>
+    <message>
+        <source>Add table</source>
+        <translation>Tabelle hinzufügen</translation>
+    </message>
+    <message>
+        <source>Remove table</source>
+        <translation>Tabelle entfernen</translation>
+    </message>
+    <message>
+        <source>Join tables</source>
+        <translation>Tabellen verknüpfen</translation>
+    </message>
+    <message>
+        <source>Change join</source>
+        <translation>Verknüpfung ändern</translation>
+    </message>
+    <message>
+        <source>Select field</source>
+        <translation>Feld auswählen</translation>
+    </message>
+    <message>
+        <source>Deselect field</source>
+        <translation>Feld abwählen</translation>
+    </message>
+    <message>
+        <source>Change SELECT</source>
+        <translation>SELECT ändern</translation>
+    </message>
+    <message>
+        <source>Change FROM</source>
+        <translation>FROM ändern</translation>
+    </message>
+    <message>
+        <source>Change WHERE</source>
+        <translation>WHERE ändern</translation>
+    </message>
+    <message>
+        <source>Change GROUP BY</source>
+        <translation>GROUP BY ändern</translation>
+    </message>
+    <message>
+        <source>Change HAVING</source>
+        <translation>HAVING ändern</translation>
+    </message>
+    <message>
+        <source>Change ORDER BY</source>
+        <translation>ORDER BY ändern</translation>
+    </message>
+    <message>
+        <source>Change LIMIT</source>
+        <translation>LIMIT ändern</translation>
+    </message>
+    <message>
+        <source>Change the query</source>
+        <translation>Abfrage ändern</translation>
+    </message>
+    <message>
+        <source>Apply SQL text</source>
+        <translation>SQL-Text übernehmen</translation>
+    </message>
 </context>
 </TS>
