@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <cstddef>
 #include <memory>
 
 #include "model/export.h"
@@ -27,6 +28,7 @@ class QB_EXPORT QBQueryHistory : public QObject {
     Q_OBJECT
 
 public:
+    /// @p diagram may be null: then there is no arrangement to keep.
     explicit QBQueryHistory(QBDiagramPanelWidget* diagram, QObject* parent = nullptr);
     ~QBQueryHistory() override;
 
@@ -34,9 +36,11 @@ public:
     void setEngine(QBEngine_LINUX* engine);
 
     /// For a host's menu: createUndoAction() and the like, with the names of the steps in the
-    /// user's language. The host pushes no commands of its own. Owned by the history.
+    /// user's language. The host pushes no commands of its own. Going to any index of it goes there
+    /// at once; while isBusy() it stays at the index where it is. Owned by the history.
     QUndoStack* undoStack() const;
-    /// Names the next step, for an edit whose sender knows better than the clause does.
+    /// Names the step of the modification that is announced next, for an edit whose sender knows
+    /// better than the clause does.
     void nameNextStep(const QString& name);
     /// Forgets all steps; the present state is where the next one begins.
     void clear();
@@ -48,6 +52,9 @@ public:
 Q_SIGNALS:
     /// A step was taken, back, forth or anew.
     void changed();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     class Private;
