@@ -8,8 +8,9 @@
 
 namespace QB::Desk {
 
-BuilderText::BuilderText(QWidget* parent) : QBAbstractQueryPreviewPanelWidget(parent) {
-    setShowsCurrentLayerOnly(true);
+BuilderText::BuilderText(Extent extent, QWidget* parent)
+    : QBAbstractQueryPreviewPanelWidget(parent) {
+    setShowsCurrentLayerOnly(extent == Extent::LayerUnderEdit);
     hide();
 }
 
@@ -31,8 +32,12 @@ void BuilderText::answer() {
 
 /// The generator writes a "*" for a statement in which nothing was chosen.
 bool BuilderText::isStatementEmpty() const {
-    const auto* statement = dynamic_cast<const Component::SQL::SQLSelectStmtComponent*>(
-        engine()->currentTopLevelQueryComponent());
+    const int current = engine()->currentTopLevelQueryComponentLayer();
+    const int layer = showsCurrentLayerOnly() ? current : 0;
+    const auto* statement = current < 0
+                                ? nullptr
+                                : dynamic_cast<const Component::SQL::SQLSelectStmtComponent*>(
+                                      engine()->topLevelQueryComponent(layer));
     if (statement == nullptr) return true;
     const ELEMSQLLimitExpr* limit = statement->limitExpr;
     return statement->sourceExpr->root == nullptr && statement->selectColumnExpr->columns.empty() &&

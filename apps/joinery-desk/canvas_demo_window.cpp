@@ -28,6 +28,7 @@ CanvasDemoWindow::CanvasDemoWindow(int items, int links, QWidget* parent)
     QMenu* const view = menuBar()->addMenu(tr("&View"));
     auto* const actions = new DiagramActions(view);
     actions->setCommands(m_playground->commands());
+    addUndoArrange(view);
     view->addSeparator();
     QAction* const fields = view->addAction(tr("Links between &Fields"));
     fields->setCheckable(true);
@@ -43,6 +44,17 @@ CanvasDemoWindow::CanvasDemoWindow(int items, int links, QWidget* parent)
     connect(actions, &DiagramActions::pictureSaved, this,
             [tell](const QString& file) { tell(tr("Saved as \"%1\".").arg(file)); });
     m_playground->setFocus();
+}
+
+/// There is no query here whose history could know of it.
+void CanvasDemoWindow::addUndoArrange(QMenu* menu) {
+    QBCanvasCommands* const commands = m_playground->commands();
+    QAction* const undo = menu->addAction(tr("&Undo Arrange"));
+    undo->setObjectName(QStringLiteral("undoArrange"));
+    undo->setShortcut(Qt::CTRL + Qt::SHIFT + Qt::Key_Z);
+    undo->setEnabled(commands->canUndoArrange());
+    connect(undo, &QAction::triggered, commands, &QBCanvasCommands::undoArrange);
+    connect(commands, &QBCanvasCommands::undoArrangeAvailable, undo, &QAction::setEnabled);
 }
 
 int runCanvasDemo(const CommandLine& options) {

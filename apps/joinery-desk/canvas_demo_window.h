@@ -5,6 +5,8 @@
 #include "apps/joinery-desk/command_line.h"
 #include "apps/joinery-desk/theme.h"
 
+class QMenu;
+
 namespace QB {
 class QBCanvasPlayground;
 }
@@ -21,6 +23,8 @@ public:
     QBCanvasPlayground* playground() const { return m_playground; }
 
 private:
+    void addUndoArrange(QMenu* menu);
+
     QBCanvasPlayground* m_playground;  // owned as a child
 };
 

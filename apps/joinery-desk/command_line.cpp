@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include "apps/joinery-desk/query_file.h"
 #include "apps/joinery-desk/sql_file.h"
 
 namespace QB::Desk {
@@ -20,13 +21,14 @@ public:
             "it.\n\nWithout a database it opens the one used last, or else a sample database. "
             "Databases are only read, never written.\n\nExit codes: 0 all went well, 1 wrong "
             "command line, 2 the database could not be opened, 3 no such table, 4 the query "
-            "failed, 5 the deadline has passed, 6 the picture could not be written, 7 the SQL "
-            "text could not be read or was refused.")));
-        m_parser.addPositionalArgument(QStringLiteral("FILE"),
-                                       text(QT_TRANSLATE_NOOP("CommandLine",
-                                                              "A SQLite database, or SQL text in "
-                                                              "a file named *.sql, or both.")),
-                                       QStringLiteral("[FILE...]"));
+            "failed, 5 the deadline has passed, 6 the picture could not be written, 7 the query or "
+            "the SQL text could not be read or was refused.")));
+        m_parser.addPositionalArgument(
+            QStringLiteral("FILE"),
+            text(QT_TRANSLATE_NOOP("CommandLine",
+                                   "A SQLite database, and a saved query "
+                                   "(*.joinery) or SQL text (*.sql).")),
+            QStringLiteral("[FILE...]"));
         m_parser.addOptions({m_sample, m_sql, m_add, m_run, m_tab, m_canvasDemo, m_screenshot,
                              m_part, m_size, m_scale, m_theme, m_language, m_settings, m_deadline});
         m_help.append(m_parser.addHelpOption().names());
@@ -68,14 +70,20 @@ private:
     QString read(CommandLine& options) const {
         QStringList databases;
         QStringList texts = m_parser.values(m_sql);
+        QStringList queries;
         for (const QString& file : m_parser.positionalArguments())
-            (isSqlFileName(file) ? texts : databases).append(file);
+            (isQueryFileName(file) ? queries
+             : isSqlFileName(file) ? texts
+                                   : databases)
+                .append(file);
         if (databases.size() > 1)
             return text(QT_TRANSLATE_NOOP("CommandLine", "Only one database can be opened."));
-        if (texts.size() > 1)
-            return text(QT_TRANSLATE_NOOP("CommandLine", "Only one SQL text can be opened."));
+        if (texts.size() + queries.size() > 1)
+            return text(
+                QT_TRANSLATE_NOOP("CommandLine", "Only one query or SQL text can be opened."));
         options.file = databases.value(0);
         options.sqlFile = texts.value(0);
+        options.queryFile = queries.value(0);
         options.wantsSample = m_parser.isSet(m_sample);
         options.tables = m_parser.values(m_add);
         options.run = m_parser.isSet(m_run);
@@ -111,8 +119,8 @@ private:
 
     static bool wantsQuery(const CommandLine& options) {
         return options.wantsSample || !options.file.isEmpty() || !options.sqlFile.isEmpty() ||
-               !options.tables.isEmpty() || options.run || !options.tab.isEmpty() ||
-               !options.part.isEmpty();
+               !options.queryFile.isEmpty() || !options.tables.isEmpty() || options.run ||
+               !options.tab.isEmpty() || !options.part.isEmpty();
     }
 
     QString readDeadline(CommandLine& options) const {
@@ -173,7 +181,7 @@ private:
         QStringLiteral("part"),
         text(QT_TRANSLATE_NOOP("CommandLine",
                                "Of the window, picture only the widget with that object name, such "
-                               "as tabWidget for the clauses.")),
+                               "as tabWidget for the clauses or diagramPanel.")),
         QStringLiteral("NAME")};
     const QCommandLineOption m_size{
         QStringLiteral("size"),

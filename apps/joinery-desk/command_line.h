@@ -15,12 +15,13 @@ enum ExitCode {
     ExitQueryFailed = 4,
     ExitDeadline = 5,  ///< the scripted start took too long
     ExitNoImage = 6,   ///< the picture could not be written
-    ExitNoText = 7,    ///< the SQL text could not be read, or was refused
+    ExitNoText = 7,    ///< the query or the SQL text could not be read, or was refused
 };
 
 struct CommandLine {
-    QString file;     ///< a database
-    QString sqlFile;  ///< to open in the SQL tab
+    QString file;       ///< a database
+    QString sqlFile;    ///< to open in the SQL tab
+    QString queryFile;  ///< a saved query
     bool wantsSample = false;
     QStringList tables;  ///< to add: "table" or "schema.table"
     bool run = false;
@@ -34,9 +35,11 @@ struct CommandLine {
     QString settingsFile;
     int deadlineMs = 30000;
 
+    /// True if the query is to be opened on the database that it names.
+    bool opensOwnDatabase() const { return !queryFile.isEmpty() && file.isEmpty() && !wantsSample; }
     bool isScripted() const {
-        return !tables.isEmpty() || !sqlFile.isEmpty() || run || !tab.isEmpty() ||
-               !screenshot.isEmpty();
+        return !tables.isEmpty() || !sqlFile.isEmpty() || !queryFile.isEmpty() || run ||
+               !tab.isEmpty() || !screenshot.isEmpty();
     }
 };
 

@@ -19,8 +19,6 @@ DiagramActions::DiagramActions(QMenu* menu) : QObject(menu), m_menu(menu) {
     menu->addSeparator();
     arrange = add(QT_TR_NOOP("&Arrange Diagram"), Qt::CTRL + Qt::SHIFT + Qt::Key_L,
                   &QBCanvasCommands::arrange);
-    undoArrange = add(QT_TR_NOOP("&Undo Arrange"), Qt::CTRL + Qt::SHIFT + Qt::Key_Z,
-                      &QBCanvasCommands::undoArrange);
     menu->addSeparator();
     savePicture = add(QT_TR_NOOP("Save Diagram as &Picture…"), Qt::CTRL + Qt::SHIFT + Qt::Key_P);
     connect(overview, &QAction::toggled, this, [this](bool shown) {
@@ -53,7 +51,6 @@ void DiagramActions::setCommands(QBCanvasCommands* commands) {
     m_commands = commands;
     if (commands) {
         overview->setChecked(commands->isOverviewVisible());
-        connect(commands, &QBCanvasCommands::undoArrangeAvailable, this, &DiagramActions::refresh);
         connect(commands, &QObject::destroyed, this, &DiagramActions::refresh);
     }
     refresh();
@@ -62,7 +59,6 @@ void DiagramActions::setCommands(QBCanvasCommands* commands) {
 void DiagramActions::refresh() {
     for (const auto& [action, text] : qAsConst(m_texts))
         action->setEnabled(m_commands);
-    undoArrange->setEnabled(m_commands && m_commands->canUndoArrange());
 }
 
 /// The dialog is not waited for: the window stays alive meanwhile.

@@ -28,7 +28,7 @@ public:
     void retranslate();
 
     // All owned by the menu.
-    QAction *zoomIn, *zoomOut, *zoomReset, *fit, *arrange, *undoArrange, *overview, *savePicture;
+    QAction *zoomIn, *zoomOut, *zoomReset, *fit, *arrange, *overview, *savePicture;
 
 Q_SIGNALS:
     /// A picture was saved, or why not.

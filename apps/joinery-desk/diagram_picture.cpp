@@ -1,13 +1,13 @@
 #include "apps/joinery-desk/diagram_picture.h"
 
 #include <QBuffer>
-#include <QCoreApplication>
 #include <QPainter>
 #include <QSaveFile>
 #include <QSvgGenerator>
 #include <algorithm>
 
 #include "canvas/view/canvas_commands.h"
+#include "platform/tolk/tolk.h"
 
 namespace QB::Desk {
 namespace {
@@ -35,14 +35,12 @@ QByteArray svgOf(const QBCanvasCommands& commands) {
 }
 
 QString saveSvg(const QBCanvasCommands& commands, const QString& file) {
-    if (commands.pictureRect().isEmpty())
-        return QCoreApplication::translate("DiagramPicture", "The diagram is empty.");
+    if (commands.pictureRect().isEmpty()) return Tolk::localize(Tolk::TextCanvasNothingToExport);
     QSaveFile target(file);
     const QByteArray text = svgOf(commands);
     if (target.open(QIODevice::WriteOnly) && target.write(text) == text.size() && target.commit())
         return QString();
-    return QCoreApplication::translate("DiagramPicture", "The picture could not be written to %1.")
-        .arg(file);
+    return Tolk::localizeWithArgs(Tolk::TextCanvasPictureNotWritten, file.toUtf8().constData());
 }
 
 }  // namespace

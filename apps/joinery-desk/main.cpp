@@ -74,11 +74,12 @@ std::unique_ptr<QSettings> openSettings(const QString& file) {
 void applyLooks(MainWindow& window, const CommandLine& options) {
     if (!options.theme.isEmpty()) window.setTheme(themeOfName(options.theme));
     if (!options.language.isEmpty()) window.setLanguage(options.language);
-    if (options.size.isValid()) window.resize(options.size);
+    if (options.size.isValid()) window.setGivenSize(options.size);
 }
 
 void openDatabase(MainWindow& window, const CommandLine& options) {
     if (options.wantsSample) return window.openSample();
+    if (options.opensOwnDatabase()) return window.openQueryFile(options.queryFile);
     if (options.file.isEmpty()) return window.openLast();
     window.openFile(options.file);
 }
@@ -127,5 +128,7 @@ int main(int argc, char* argv[]) {
     window.show();
     if (options.isScripted()) startScript(window, options);
     openDatabase(window, options);
+    // Nobody would answer while a picture is taken.
+    if (options.screenshot.isEmpty()) window.offerLeftJournals();
     return QApplication::exec();
 }

@@ -8,11 +8,13 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
@@ -20,18 +22,22 @@
 #include <QTreeWidget>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <utility>
 
+#include "apps/joinery-desk/builder_text.h"
 #include "apps/joinery-desk/language.h"
 #include "apps/joinery-desk/message_bar.h"
 #include "apps/joinery-desk/result_grid.h"
 #include "apps/joinery-desk/sample_database.h"
 #include "apps/joinery-desk/sql_file.h"
 #include "apps/joinery-desk/sql_tab.h"
+#include "apps/joinery-desk/undo_keys.h"
 #include "apps/joinery-desk/window_actions.h"
 #include "apps/joinery-desk/workspace.h"
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
 #include "frame/highlighting_query_preview_panel_widget.h"
 #include "frame/query_builder_widget.h"
+#include "frame/query_history.h"
 #include "hostkit/threads.h"
 
 namespace QB::Desk {
@@ -39,14 +45,9 @@ namespace {
 
 constexpr int noteMs = 6000;  // how long the status bar tells of something done
 
-const char* const geometryKey = "window/geometry";
 const char* const themeKey = "view/theme";
 const char* const languageKey = "view/language";
 const char* const rowLimitKey = "result/rowLimit";
-
-QString splitterKey(const QSplitter* splitter) {
-    return QStringLiteral("splitters/") + splitter->objectName();
-}
 
 /// Shares of the panes in a window that nobody has arranged yet.
 QList<int> firstSizes(const QSplitter* splitter) {
@@ -61,10 +62,9 @@ QString draggedFile(const QMimeData* data) {
     return urls.size() == 1 ? urls.first().toLocalFile() : QString();
 }
 
-void check(const QActionGroup* group, const QString& data) {
-    const QList<QAction*> actions = group->actions();
-    for (QAction* action : actions)
-        if (action->data().toString() == data) action->setChecked(true);
+QString journalFolder(const QString& sampleFile) {
+    return sampleFile.isEmpty() ? QString()
+                                : QFileInfo(sampleFile).dir().filePath(QStringLiteral("journals"));
 }
 
 }  // namespace
@@ -75,23 +75,33 @@ MainWindow::MainWindow(QSettings* settings, const QString& sampleFile, const Que
     , m_settings(settings)
     , m_sampleFile(sampleFile)
     , m_recentFiles(settings, QStringLiteral("recentFiles"))
+    , m_recentQueries(settings, QStringLiteral("recentQueries"))
     , m_recentTexts(settings, QStringLiteral("recentTexts"))
+    , m_states(settings)
     , m_actions(new WindowActions(this))
     , m_builder(new QBQueryBuilderWidget)
     , m_sqlTab(new SqlTab(parsing))
     , m_grid(new ResultGrid)
     , m_messageBar(new MessageBar)
-    , m_splitter(new QSplitter(Qt::Vertical)) {
+    , m_recoveryBar(new MessageBar)
+    , m_splitter(new QSplitter(Qt::Vertical))
+    , m_wholeText(new BuilderText(BuilderText::Extent::WholeQuery, m_sqlTab))
+    , m_queryChecker(parsing.check)
+    , m_savedChecker(parsing.check)
+    , m_journal(journalFolder(sampleFile)) {
     setAcceptDrops(true);
     setUpContent();
     setUpBuilder();
     setUpSqlTab();
+    setUpQueries();
+    new UndoKeys(this);
     connectActions();
     connectTextActions();
+    connectQueryActions();
     connect(m_grid, &ResultGrid::runningChanged, this, &MainWindow::updateActions);
     HostKit::setErrorHandler(
         [this](const std::string& text) { showError(QString::fromStdString(text)); });
-    restoreState();
+    restoreSettings();
     updateRecentFiles();
     retranslate();
     updateActions();
@@ -99,6 +109,7 @@ MainWindow::MainWindow(QSettings* settings, const QString& sampleFile, const Que
 
 MainWindow::~MainWindow() {
     HostKit::setErrorHandler(nullptr);
+    m_builder->history()->disconnect(this);
     delete m_builder;
 }
 
@@ -113,6 +124,8 @@ void MainWindow::setUpContent() {
     auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    m_recoveryBar->setObjectName(QStringLiteral("recoveryBar"));
+    layout->addWidget(m_recoveryBar);
     layout->addWidget(m_messageBar);
     layout->addWidget(m_splitter, 1);
     setCentralWidget(content);
@@ -157,6 +170,7 @@ void MainWindow::connectActions() {
     connect(m_actions, &WindowActions::recentTextTriggered, this, &MainWindow::openTextFile);
     connect(m_actions->clearRecent, &QAction::triggered, this, [this] {
         m_recentFiles.clear();
+        m_recentQueries.clear();
         m_recentTexts.clear();
         updateRecentFiles();
     });
@@ -198,12 +212,11 @@ void MainWindow::openLast() {
 }
 
 void MainWindow::openAnyFile(const QString& file) {
+    if (isQueryFileName(file)) return openQueryFile(file);
     isSqlFileName(file) ? openTextFile(file) : openFile(file);
 }
 
 void MainWindow::openFile(const QString& file) {
-    // Text in the SQL tab stays there, so only the query is at stake.
-    if (!confirmDiscardQuery()) return;
     // Nothing is ever written: the builder makes SELECT statements only.
     auto settings = HostKit::ConnectionSettings::sqliteFile(QFileInfo(file).absoluteFilePath());
     settings.readOnly = true;
@@ -222,16 +235,25 @@ void MainWindow::finishOpening(const QString& file, const HostKit::Database& dat
                                const QString& error) {
     m_isOpening = false;
     statusBar()->clearMessage();
-    if (error.isEmpty()) {
-        m_recentFiles.add(file);
-        adopt(database);
-    } else {
-        if (!QFileInfo::exists(file)) m_recentFiles.remove(file);
-        showError(error);
-    }
+    if (error.isEmpty()) return takeDatabase(file, database);
+    if (!QFileInfo::exists(file)) m_recentFiles.remove(file);
     updateRecentFiles();
-    if (error.isEmpty()) return Q_EMIT databaseOpened();
+    showError(error);
     Q_EMIT openFailed(error);
+    if (m_opening) failQuery(error);
+}
+
+/// Text in the SQL tab stays there, so only the query is at stake, unless another one comes.
+void MainWindow::takeDatabase(const QString& file, const HostKit::Database& database) {
+    const bool mayGo = m_opening ? confirmLosingWork() : confirmLosingQuery(false);
+    if (!mayGo) return m_opening.reset();
+    m_recentFiles.add(file);
+    updateRecentFiles();
+    if (m_workspace) saveState();
+    adopt(database);
+    if (const auto state = m_states.find(databaseFile())) restoreState(*state);
+    Q_EMIT databaseOpened();
+    if (m_opening) loadQuery();
 }
 
 void MainWindow::adopt(const HostKit::Database& database) {
@@ -239,13 +261,12 @@ void MainWindow::adopt(const HostKit::Database& database) {
     m_workspace = std::make_unique<Workspace>(database);
     m_isSchemaLoaded = false;
     m_isSchemaExpanded = false;
-    m_isQueryUnsaved = false;
     m_messageBar->hide();
     m_grid->setDatabase(database);
     m_builder->setEngine(m_workspace->engine());
     connectEngine();
     m_workspace->connect();
-    updateTitle();
+    setQueryFile(QString());
     updateActions();
 }
 
@@ -254,7 +275,6 @@ void MainWindow::connectEngine() {
     const Emitter* emitter = m_workspace->engine()->signalEmitter();
     connect(emitter, &Emitter::topLevelQueryComponentElementModified, this,
             [this](QBEngine*, const QSet<TopLevelQueryComponentElementEnum>& elements) {
-                m_isQueryUnsaved = true;
                 m_messageBar->withdrawQuestion();  // it was about the query before
                 if (elements.contains(ElementSource)) Q_EMIT sourcesChanged();
             });
@@ -280,19 +300,10 @@ bool MainWindow::isDatabaseShown() const {
     return m_isSchemaLoaded && objectTree()->isSettled();
 }
 
-bool MainWindow::confirmDiscardQuery() {
-    if (!m_isQueryUnsaved || m_sqlTab->holdsQuery()) return true;
-    const auto answer = QMessageBox::question(
-        this, tr("Discard the query?"),
-        tr("The query has been changed since its text was last copied or run. Discard it?"),
-        QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Cancel);
-    return answer == QMessageBox::Discard;
-}
-
 // ---- The query
 
 void MainWindow::startQuery() {
-    if (!m_workspace || !confirmDiscardText() || !confirmDiscardQuery()) return;
+    if (!m_workspace || !confirmLosingWork()) return;
     adopt(m_workspace->database());
     m_sqlTab->startAnew();
 }
@@ -313,13 +324,14 @@ void MainWindow::takeBuiltQuery(bool run) {
     if (!m_builder->needShowBuildWarning()) return handOutQuery(run);
     m_messageBar->ask(
         tr("Some parts of the query are marked as incomplete, so the server may refuse it."),
-        run ? tr("&Run anyway") : tr("&Copy anyway"), [this, run] { handOutQuery(run); });
+        {run ? tr("&Run anyway") : tr("&Copy anyway"), [this, run] {
+             handOutQuery(run);
+         }});
 }
 
 void MainWindow::handOutQuery(bool run) {
     if (!m_workspace) return;
     const QString text = QString::fromStdString(m_workspace->engine()->buildQuery());
-    m_isQueryUnsaved = false;
     if (run) return m_grid->run(text);
     QApplication::clipboard()->setText(text);
     showNote(tr("The SQL text is on the clipboard."));
@@ -336,16 +348,19 @@ void MainWindow::showNote(const QString& text) {
 }
 
 void MainWindow::updateTitle() {
-    const QString program = QStringLiteral("Joinery");
-    setWindowTitle(
-        m_workspace ? tr("%1 – %2").arg(m_workspace->database().settings().displayName(), program)
-                    : program);
+    QStringList names;
+    if (!m_queryFile.isEmpty()) names.append(QFileInfo(m_queryFile).fileName());
+    if (m_workspace) names.append(m_workspace->database().settings().displayName());
+    if (!names.isEmpty()) names.first() += QLatin1String("[*]");
+    names.append(QStringLiteral("Joinery"));
+    setWindowTitle(names.join(QStringLiteral(" – ")));
+    setWindowModified(isWorkUnsaved());
 }
 
 void MainWindow::updateActions() {
     const bool hasDatabase = m_workspace != nullptr;
-    for (QAction* action :
-         {m_actions->newQuery, m_actions->run, m_actions->copyText, m_actions->reload})
+    for (QAction* action : {m_actions->newQuery, m_actions->run, m_actions->copyText,
+                            m_actions->reload, m_actions->saveQuery, m_actions->saveQueryAs})
         action->setEnabled(hasDatabase);
     if (auto* box = m_builder->findChild<QDialogButtonBox*>())
         for (const auto which : {QDialogButtonBox::Yes, QDialogButtonBox::Ok})
@@ -355,7 +370,8 @@ void MainWindow::updateActions() {
 }
 
 void MainWindow::updateRecentFiles() {
-    m_actions->setRecentFiles(m_recentFiles.files(), m_recentTexts.files());
+    m_actions->setRecentFiles(m_recentFiles.files(), m_recentQueries.files(),
+                              m_recentTexts.files());
 }
 
 void MainWindow::showAbout() {
@@ -366,12 +382,12 @@ void MainWindow::showAbout() {
 }
 
 void MainWindow::setTheme(Theme theme) {
-    check(m_actions->themes, nameOfTheme(theme));
+    checkChoice(m_actions->themes, nameOfTheme(theme));
     m_themeSwitcher.apply(theme);
 }
 
 void MainWindow::setLanguage(const QString& code) {
-    check(m_actions->languages, code);
+    checkChoice(m_actions->languages, code);
     applyLanguage(code);
 }
 
@@ -379,30 +395,54 @@ void MainWindow::retranslate() {
     m_actions->retranslate();
     m_builder->setAccessibleName(tr("Query builder"));
     updateTextActions();
+    updateHistoryActions();
     updateTitle();
 }
 
 // ---- State
 
-void MainWindow::restoreState() {
+QString MainWindow::databaseFile() const {
+    return m_workspace ? m_workspace->database().settings().databaseFile : QString();
+}
+
+void MainWindow::restoreSettings() {
     resize(1200, 800);
-    restoreGeometry(m_settings->value(QLatin1String(geometryKey)).toByteArray());
     const auto splitters = findChildren<QSplitter*>();
-    for (QSplitter* splitter : splitters) {
-        const bool isRestored =
-            splitter->restoreState(m_settings->value(splitterKey(splitter)).toByteArray());
-        if (!isRestored) splitter->setSizes(firstSizes(splitter));
-    }
+    for (QSplitter* splitter : splitters)
+        splitter->setSizes(firstSizes(splitter));
+    // The database opened last is the one that is most likely opened now.
+    if (const auto state = m_states.newest()) restoreState(*state);
     m_grid->setRowLimit(m_settings->value(QLatin1String(rowLimitKey), m_grid->rowLimit()).toInt());
     setTheme(themeOfName(m_settings->value(QLatin1String(themeKey)).toString()));
     setLanguage(m_settings->value(QLatin1String(languageKey)).toString());
 }
 
+void MainWindow::restoreState(const WindowState& state) {
+    m_builder->loadGlobalPreferences(state.preferences);
+    m_splitter->restoreState(state.rows);
+    // Nothing moves under the hand of a user who has arranged the window while it was opening.
+    if (std::exchange(m_restoredLayout, state.layout) == state.layout) return;
+    m_builder->loadWidgetLayoutJsonString(state.layout);
+    if (m_givenSize.isValid()) setGivenSize(m_givenSize);
+    keepOnScreen();
+}
+
+void MainWindow::setGivenSize(const QSize& size) {
+    m_givenSize = size;
+    setWindowState(windowState() & ~Qt::WindowMaximized);
+    resize(size);
+}
+
+/// The screen on which the window was may be gone.
+void MainWindow::keepOnScreen() {
+    if (QGuiApplication::screenAt(geometry().center())) return;
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (screen) move(screen->availableGeometry().topLeft());
+}
+
 void MainWindow::saveState() {
-    m_settings->setValue(QLatin1String(geometryKey), saveGeometry());
-    const auto splitters = findChildren<QSplitter*>();
-    for (const QSplitter* splitter : splitters)
-        m_settings->setValue(splitterKey(splitter), splitter->saveState());
+    m_states.store(databaseFile(), {m_builder->obtainWidgetLayoutJsonString(),
+                                    m_splitter->saveState(), m_builder->obtainGlobalPreferences()});
     m_settings->setValue(QLatin1String(rowLimitKey), m_grid->rowLimit());
 }
 
@@ -417,8 +457,7 @@ void MainWindow::changeEvent(QEvent* event) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (!confirmDiscardText() || !confirmDiscardQuery()) return event->ignore();
-    m_isQueryUnsaved = false;
+    if (!confirmLosingWork()) return event->ignore();
     saveState();
     QMainWindow::closeEvent(event);
 }

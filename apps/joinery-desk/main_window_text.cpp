@@ -4,7 +4,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QPushButton>
 #include <QTabWidget>
 
 #include "apps/joinery-desk/input_guard.h"
@@ -23,9 +22,9 @@ void MainWindow::setUpSqlTab() {
     auto* guard = new InputGuard(m_builder, m_sqlTab);
     QueryApplier* applier = m_sqlTab->applier();
     connect(applier, &QueryApplier::loadingChanged, guard, &InputGuard::setActive);
-    applier->setConfirmation(
-        [this](const QString& reason) { return confirmReplacingQuery(reason); });
     connect(m_sqlTab, &SqlTab::changed, this, &MainWindow::updateTextActions);
+    connect(m_builder->obtainDiagramTabs(), &QTabWidget::currentChanged, this,
+            &MainWindow::updateTextActions);
     connect(m_sqlTab, &SqlTab::fileOpened, this, [this](const QString& file) {
         m_recentTexts.add(file);
         updateRecentFiles();
@@ -44,8 +43,6 @@ void MainWindow::connectTextActions() {
     on(m_actions->saveTextAs, this, &MainWindow::saveTextAs);
     on(m_actions->editText, this, &MainWindow::editText);
     on(m_actions->applyText, m_sqlTab, [this] { m_sqlTab->apply(); });
-    on(m_actions->undoApply, m_sqlTab, &SqlTab::undoApply);
-    on(m_actions->redoApply, m_sqlTab, &SqlTab::redoApply);
     on(m_actions->loadText, m_sqlTab, &SqlTab::loadFromBuilder);
     on(m_actions->goToError, this, [this] {
         editText();
@@ -68,10 +65,11 @@ void MainWindow::updateTextActions() {
     tabs->setTabText(index, m_sqlTab->title());
     tabs->setTabToolTip(index, QDir::toNativeSeparators(m_sqlTab->filePath()));
     m_actions->applyText->setEnabled(m_sqlTab->canApply());
-    m_actions->undoApply->setEnabled(m_sqlTab->canUndoApply());
-    m_actions->redoApply->setEnabled(m_sqlTab->canRedoApply());
     m_actions->loadText->setEnabled(m_workspace != nullptr);
     m_actions->goToError->setEnabled(m_sqlTab->editor()->hasErrorPlace());
+    // The text in front is saved where it has a file; without one the query keeps it.
+    const bool isTextSaved = isTextInFront() && !m_sqlTab->filePath().isEmpty();
+    m_actions->setSavedByKey(isTextSaved ? m_actions->saveText : m_actions->saveQuery);
 }
 
 // ---- Files
@@ -89,7 +87,9 @@ void MainWindow::openTextFile(const QString& file) {
 
 bool MainWindow::saveText() {
     if (m_sqlTab->filePath().isEmpty()) return saveTextAs();
-    return confirmOverwriting() && saveTextTo(QString());
+    const bool mayWrite =
+        !m_sqlTab->isFileChangedOutside() || confirmOverwriting(m_sqlTab->filePath());
+    return mayWrite && saveTextTo(QString());
 }
 
 bool MainWindow::saveTextAs() {
@@ -109,18 +109,18 @@ bool MainWindow::saveTextTo(const QString& file) {
     }
     m_recentTexts.add(m_sqlTab->filePath());
     updateRecentFiles();
-    showNote(tr("The SQL text is saved."));
+    showNote(
+        tr("The SQL text is saved in \"%1\".").arg(QDir::toNativeSeparators(m_sqlTab->filePath())));
     return true;
 }
 
 // ---- Questions
 
-bool MainWindow::confirmOverwriting() {
-    if (!m_sqlTab->isFileChangedOutside()) return true;
+bool MainWindow::confirmOverwriting(const QString& file) {
     const auto answer = QMessageBox::warning(
         this, tr("The file has changed"),
         tr("Somebody else has written \"%1\" since it was opened. Write over it?")
-            .arg(QDir::toNativeSeparators(m_sqlTab->filePath())),
+            .arg(QDir::toNativeSeparators(file)),
         QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
     return answer == QMessageBox::Save;
 }
@@ -133,18 +133,6 @@ bool MainWindow::confirmDiscardText() {
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
     if (answer == QMessageBox::Save) return saveText();
     return answer == QMessageBox::Discard;
-}
-
-bool MainWindow::confirmReplacingQuery(const QString& reason) {
-    QMessageBox box(QMessageBox::Warning, tr("Replace the query?"),
-                    tr("Parts of the present query cannot be brought back once it is replaced, "
-                       "because they are incomplete or cannot be written as SQL text."),
-                    QMessageBox::Cancel, this);
-    box.setInformativeText(reason);
-    const auto* replace = box.addButton(tr("&Replace"), QMessageBox::AcceptRole);
-    box.setDefaultButton(QMessageBox::Cancel);
-    box.exec();
-    return box.clickedButton() == replace;
 }
 
 }  // namespace QB::Desk

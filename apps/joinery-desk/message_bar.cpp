@@ -40,7 +40,7 @@ MessageBar::MessageBar(QWidget* parent)
     : QFrame(parent)
     , m_icon(new QLabel)
     , m_text(new QLabel)
-    , m_answer(new QPushButton)
+    , m_answers{new QPushButton, new QPushButton}
     , m_close(new QToolButton) {
     setObjectName(QStringLiteral("messageBar"));
     setAutoFillBackground(true);
@@ -56,40 +56,51 @@ MessageBar::MessageBar(QWidget* parent)
     layout->setContentsMargins(8, 4, 4, 4);
     layout->addWidget(m_icon, 0, Qt::AlignTop);
     layout->addWidget(m_text, 1);
-    m_answer->setObjectName(QStringLiteral("messageAnswer"));
-    m_answer->setAutoDefault(false);
-    m_answer->hide();
-    layout->addWidget(m_answer, 0, Qt::AlignTop);
+    for (std::size_t i = 0; i < m_answers.size(); ++i) {
+        m_answers[i]->setAutoDefault(false);
+        layout->addWidget(m_answers[i], 0, Qt::AlignTop);
+        connect(m_answers[i], &QPushButton::clicked, this, [this, i] { choose(i); });
+    }
+    m_answers[0]->setObjectName(QStringLiteral("messageAnswer"));
+    m_answers[1]->setObjectName(QStringLiteral("messageOtherAnswer"));
     layout->addWidget(m_close, 0, Qt::AlignTop);
-    connect(m_answer, &QPushButton::clicked, this, &MessageBar::agree);
     connect(m_close, &QToolButton::clicked, this, &QWidget::hide);
+    forgetAnswers();
     retranslate();
     hide();
 }
 
 void MessageBar::show(Kind kind, const QString& text) {
     m_kind = kind;
-    m_agreed = nullptr;
-    m_answer->hide();
+    forgetAnswers();
     m_text->setText(text);
     color();
     setVisible(!text.isEmpty());
 }
 
-void MessageBar::ask(const QString& text, const QString& answer, std::function<void()> agreed) {
+void MessageBar::ask(const QString& text, Answer answer, Answer other) {
     QWidget* focused = QApplication::focusWidget();
     show(Kind::Question, text);
-    m_agreed = std::move(agreed);
-    m_answer->setText(answer);
-    m_answer->show();
-    m_answer->setFocus(Qt::OtherFocusReason);
+    std::array<Answer, 2> answers = {std::move(answer), std::move(other)};
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+        m_answers[i]->setText(answers[i].text);
+        m_answers[i]->setVisible(!answers[i].text.isEmpty());
+        m_chosen[i] = std::move(answers[i].chosen);
+    }
+    m_answers[0]->setFocus(Qt::OtherFocusReason);
     if (focused != nullptr && !isAncestorOf(focused)) m_focusBefore = focused;
 }
 
-void MessageBar::agree() {
-    const std::function<void()> agreed = std::move(m_agreed);
+void MessageBar::forgetAnswers() {
+    m_chosen = {};
+    for (QPushButton* button : m_answers)
+        button->hide();
+}
+
+void MessageBar::choose(std::size_t index) {
+    const std::function<void()> chosen = std::move(m_chosen[index]);
     hide();
-    if (agreed) agreed();
+    if (chosen) chosen();
 }
 
 void MessageBar::withdrawQuestion() {
@@ -98,7 +109,7 @@ void MessageBar::withdrawQuestion() {
 
 void MessageBar::hideEvent(QHideEvent* event) {
     QFrame::hideEvent(event);
-    m_agreed = nullptr;
+    m_chosen = {};
     if (m_focusBefore && !isVisible()) m_focusBefore->setFocus(Qt::OtherFocusReason);
     m_focusBefore = nullptr;
 }

@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QPointer>
 #include <QString>
+#include <array>
 #include <functional>
 
 class QLabel;
@@ -22,10 +23,16 @@ public:
     explicit MessageBar(QWidget* parent = nullptr);
 
     void show(Kind kind, const QString& text);
-    /// Calls @p agreed if the user presses the button @p answer. The question gets the focus. It is
-    /// over when it is answered, closed (Escape), withdrawn, or another message takes its place.
-    void ask(const QString& text, const QString& answer, std::function<void()> agreed);
-    bool isAsking() const { return m_agreed != nullptr; }
+    /// What the user may answer: the button's text, and what follows.
+    struct Answer {
+        QString text;
+        std::function<void()> chosen;
+    };
+    /// Calls what belongs to the button that the user presses; @p other may be without text. The
+    /// question gets the focus. It is over when it is answered, closed (Escape), withdrawn, or
+    /// another message takes its place.
+    void ask(const QString& text, Answer answer, Answer other = {});
+    bool isAsking() const { return m_chosen[0] != nullptr; }
     void withdrawQuestion();
     /// What is being told; empty while hidden.
     QString text() const;
@@ -36,16 +43,17 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    void agree();
+    void choose(std::size_t index);
+    void forgetAnswers();
     void retranslate();
     void color();
 
     Kind m_kind = Kind::Note;
-    QLabel* m_icon;                   // owned by the widget
-    QLabel* m_text;                   // owned by the widget
-    QPushButton* m_answer;            // owned by the widget
-    QToolButton* m_close;             // owned by the widget
-    std::function<void()> m_agreed;   ///< empty: nothing is being asked
+    QLabel* m_icon;                                 // owned by the widget
+    QLabel* m_text;                                 // owned by the widget
+    std::array<QPushButton*, 2> m_answers;          // owned by the widget
+    QToolButton* m_close;                           // owned by the widget
+    std::array<std::function<void()>, 2> m_chosen;  ///< empty: nothing is being asked
     QPointer<QWidget> m_focusBefore;  // not owned: had the focus when the question came
     bool m_isColoring = false;
 };

@@ -45,6 +45,7 @@ ScriptedStart::ScriptedStart(MainWindow* window, const CommandLine& options)
             [this](const QString& message) { m_openError = message; });
     connect(window, &MainWindow::sourcesChanged, this, [this] { ++m_sourceChanges; });
     m_steps.push_back([this] { return waitForDatabase(); });
+    if (!options.queryFile.isEmpty()) planQuery(options);
     if (!options.sqlFile.isEmpty()) planText(options.sqlFile);
     for (const QString& table : options.tables)
         planAdding(table);
@@ -93,6 +94,7 @@ ScriptedStart::Progress ScriptedStart::fail(ExitCode code, const QString& messag
 
 ScriptedStart::Progress ScriptedStart::waitForDatabase() {
     if (!m_openError.isEmpty()) return fail(ExitNoDatabase, m_openError);
+    if (!m_textError.isEmpty()) return fail(ExitNoText, m_textError);
     if (!m_window->isDatabaseShown()) return Progress::Wait;
     using Emitter = QBEngineSignalEmitter;
     const Emitter* emitter = m_window->workspace()->engine()->signalEmitter();
@@ -116,12 +118,32 @@ void ScriptedStart::planText(const QString& file) {
         m_window->openTextFile(file);
         return Progress::Done;
     });
+    planTextWait();
+}
+
+void ScriptedStart::planTextWait() {
     m_steps.push_back([this] { return m_isTextSettled ? Progress::Done : Progress::Wait; });
     m_steps.push_back([this] {
         if (m_isTextApplied) return Progress::Done;
         return fail(ExitNoText,
                     m_textError.isEmpty() ? m_window->sqlTab()->message() : m_textError);
     });
+}
+
+/// A query that opens its own database is on its way already.
+void ScriptedStart::planQuery(const CommandLine& options) {
+    connect(m_window, &MainWindow::queryOpened, this,
+            [this] { m_isTextSettled = m_isTextApplied = true; });
+    connect(m_window, &MainWindow::queryFailed, this, [this](const QString& message) {
+        m_isTextSettled = true;
+        m_textError = message;
+    });
+    if (!options.opensOwnDatabase())
+        m_steps.push_back([this, file = options.queryFile] {
+            m_window->openQueryFile(file, MainWindow::QueryDatabase::Present);
+            return Progress::Done;
+        });
+    planTextWait();
 }
 
 void ScriptedStart::planAdding(const QString& table) {

@@ -35,6 +35,8 @@ private:
     using Step = std::function<Progress()>;
 
     void planText(const QString& file);
+    void planQuery(const CommandLine& options);
+    void planTextWait();
     void planAdding(const QString& table);
     void planRun();
     Progress bringUpTab(const QString& name);
@@ -58,7 +60,7 @@ private:
     int m_awaitedChanges = 0;
     int m_runningFetches = 0;
     int m_quietPolls = 0;
-    bool m_isTextSettled = false;
+    bool m_isTextSettled = false;  ///< SQL text, or a query
     bool m_isTextApplied = false;
     QString m_textError;
     bool m_hasRunEnded = false;

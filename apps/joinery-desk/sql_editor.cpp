@@ -87,17 +87,29 @@ QString SqlEditor::text() const {
     return text;
 }
 
-void SqlEditor::replaceText(const QString& text) {
+QString SqlEditor::wholeText() const {
+    QString whole = text();
+    if (isInserting()) whole.insert(m_insertion.position(), m_waiting.mid(m_waitingFrom));
+    return whole;
+}
+
+void SqlEditor::replaceText(const QString& text, Undo undo) {
     const TextDifference difference = differenceBetween(this->text(), text);
     if (difference.oldLength == 0 && difference.newLength == 0) return;
+    const bool isAlone = undo == Undo::WithLastEdit && !document()->isUndoAvailable();
+    if (isAlone) setUndoRedoEnabled(false);
     QTextCursor cursor(document());
+    undo == Undo::WithLastEdit ? cursor.joinPreviousEditBlock() : cursor.beginEditBlock();
     cursor.setPosition(difference.start);
     cursor.setPosition(difference.start + difference.oldLength, QTextCursor::KeepAnchor);
     cursor.insertText(text.mid(difference.start, difference.newLength));
+    cursor.endEditBlock();
+    if (isAlone) setUndoRedoEnabled(true);
 }
 
-void SqlEditor::startAnew(const QString& text) {
+void SqlEditor::startAnew(const QString& text, bool isModified) {
     m_isStarting = true;
+    m_startsModified = isModified;
     m_waiting.clear();
     clearError();
     clear();
@@ -144,7 +156,7 @@ void SqlEditor::endInserting() {
     if (m_isStarting) {
         moveCursor(QTextCursor::Start);
         setUndoRedoEnabled(true);
-        document()->setModified(false);
+        document()->setModified(m_startsModified);
     }
     ensureCursorVisible();
     m_isStarting = false;

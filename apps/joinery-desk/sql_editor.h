@@ -30,11 +30,17 @@ public:
     /// The text with "\n" at the end of lines and every other character as it was typed, unlike
     /// toPlainText(), which makes blanks of no-break spaces.
     QString text() const;
-    /// Makes @p text the text by one edit, which undo takes back. Only what differs is replaced.
-    void replaceText(const QString& text);
-    /// Starts anew with @p text: unmodified, and nothing to undo. inserted() follows, maybe at
-    /// once.
-    void startAnew(const QString& text);
+    /// With what is still to be inserted.
+    QString wholeText() const;
+    enum class Undo {
+        AsOneEdit,    ///< undo takes the edit back
+        WithLastEdit  ///< together with the one before; without one the edit stays
+    };
+    /// Makes @p text the text. Only what differs is replaced.
+    void replaceText(const QString& text, Undo undo);
+    /// Starts anew with @p text, and nothing to undo; the document counts as modified if so told.
+    /// inserted() follows, maybe at once.
+    void startAnew(const QString& text, bool isModified = false);
     /// True while a large text is not wholly in yet; text() is that much shorter.
     bool isInserting() const { return !m_waiting.isEmpty(); }
     /// True if overlong lines were broken in what was pasted, or started with, last.
@@ -88,6 +94,7 @@ private:
     QTextCursor m_insertion;   // where it goes
     QTimer m_sliceTimer;
     bool m_hasBrokenLines = false;
+    bool m_startsModified = false;
     bool m_isStarting = false;  ///< what is being inserted is the text of startAnew()
 };
 

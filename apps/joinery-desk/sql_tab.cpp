@@ -48,9 +48,8 @@ SqlTab::SqlTab(const QueryParsing& parsing, QWidget* parent)
     , m_place(new QLabel)
     , m_goToError(new QToolButton)
     , m_load(new QPushButton)
-    , m_undo(new QPushButton)
     , m_apply(new QPushButton)
-    , m_builderText(new BuilderText(this))
+    , m_builderText(new BuilderText(BuilderText::Extent::LayerUnderEdit, this))
     , m_checker(parsing.check)
     , m_applier(new QueryApplier(parsing, m_builderText, this)) {
     m_pause.setSingleShot(true);
@@ -70,14 +69,13 @@ void SqlTab::setUpLayout() {
     m_goToError->setObjectName(QStringLiteral("sqlGoToError"));
     m_place->setObjectName(QStringLiteral("sqlPlace"));
     m_load->setObjectName(QStringLiteral("sqlLoad"));
-    m_undo->setObjectName(QStringLiteral("sqlUndo"));
     m_apply->setObjectName(QStringLiteral("sqlApply"));
     m_message->setTextFormat(Qt::PlainText);
     m_message->setWordWrap(true);
     m_message->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_goToError->setFocusPolicy(Qt::StrongFocus);
     m_goToError->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    for (QPushButton* button : {m_load, m_undo, m_apply})
+    for (QPushButton* button : {m_load, m_apply})
         button->setAutoDefault(false);
 
     auto* told = new QHBoxLayout;
@@ -88,7 +86,6 @@ void SqlTab::setUpLayout() {
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(m_load);
-    buttons->addWidget(m_undo);
     buttons->addWidget(m_apply);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_editor, 1);
@@ -110,7 +107,6 @@ void SqlTab::connectParts() {
     connect(m_applier, &QueryApplier::ended, this, &SqlTab::takeApplied);
     connect(m_goToError, &QToolButton::clicked, this, &SqlTab::goToError);
     connect(m_load, &QPushButton::clicked, this, &SqlTab::loadFromBuilder);
-    connect(m_undo, &QPushButton::clicked, this, &SqlTab::undoApply);
     connect(m_apply, &QPushButton::clicked, this, [this] { apply(); });
 }
 
@@ -169,14 +165,18 @@ void SqlTab::takeBuilderText() {
     const bool isWanted = std::exchange(m_isBuilderWanted, false);
     // The applier asks for the text, too.
     if (!isWanted && (!m_isFollowing || m_applier->isBusy() || m_isFileWaiting)) return;
-    {
-        const QScopedValueRollback<bool> guard(m_isFilling, true);
-        m_editor->replaceText(documentText(m_builderText->text()));
-        if (m_file.path.isEmpty()) m_editor->document()->setModified(false);
-    }
+    fill(documentText(m_builderText->text()));
     m_isFollowing = true;
     m_heldText.reset();
     showState();
+}
+
+/// Only a step away from what was typed can be taken back: one step for all that follows.
+void SqlTab::fill(const QString& text) {
+    const QScopedValueRollback<bool> guard(m_isFilling, true);
+    m_editor->replaceText(
+        text, m_isFollowing ? SqlEditor::Undo::WithLastEdit : SqlEditor::Undo::AsOneEdit);
+    if (m_file.path.isEmpty()) m_editor->document()->setModified(false);
 }
 
 // ---- Checking
@@ -276,10 +276,9 @@ void SqlTab::applyNow() {
 void SqlTab::takeApplied(bool isApplied, const QString& error) {
     if (isApplied) {
         m_isBuilderChanged = false;
-        // Not by an undo of what was applied before, nor if somebody has typed meanwhile.
+        // Not if somebody has typed meanwhile, nor if the text is another one's.
         if (m_applyDone) m_isTextNew = false;
         m_heldStatement = statementId();
-        // After an undo the builder has another text than this page.
         m_heldText = m_applier->appliedText();
         followBuilder();
     }
@@ -291,29 +290,6 @@ void SqlTab::takeApplied(bool isApplied, const QString& error) {
 void SqlTab::finishApply(bool isApplied) {
     const auto done = std::exchange(m_applyDone, nullptr);
     done(isApplied);
-}
-
-void SqlTab::applyKept(const std::string* text, QueryApplier::Origin origin) {
-    if (!text || m_applier->isBusy() || m_applyDone) return;
-    m_applyError.clear();
-    m_applier->apply(std::string(*text), origin);
-    showState();
-}
-
-void SqlTab::undoApply() {
-    applyKept(m_applier->undoText(), QueryApplier::Origin::Undo);
-}
-
-void SqlTab::redoApply() {
-    applyKept(m_applier->redoText(), QueryApplier::Origin::Redo);
-}
-
-bool SqlTab::canUndoApply() const {
-    return m_applier->undoText() && !m_applier->isBusy();
-}
-
-bool SqlTab::canRedoApply() const {
-    return m_applier->redoText() && !m_applier->isBusy();
 }
 
 // ---- Files
@@ -371,13 +347,30 @@ bool SqlTab::isFileChangedOutside() const {
     return info.exists() && info.lastModified() != m_file.lastModified;
 }
 
-void SqlTab::startAnew() {
+void SqlTab::leaveFile() {
     ++m_fileNumber;
     m_isFileWaiting = false;
     m_file = SqlFile();
+    m_heldText.reset();
+}
+
+void SqlTab::openText(const QString& text, bool isSaved) {
+    leaveFile();
+    m_isFollowing = false;
+    m_isTextNew = true;
+    m_editor->startAnew(text, !isSaved);
+    checkNow();
+}
+
+void SqlTab::markSaved() {
+    m_editor->document()->setModified(false);
+    showState();
+}
+
+void SqlTab::startAnew() {
+    leaveFile();
     m_editor->startAnew(QString());
     m_isFollowing = true;
-    m_heldText.reset();
     followBuilder();
     showState();
 }
@@ -385,6 +378,11 @@ void SqlTab::startAnew() {
 bool SqlTab::hasUnsavedText() const {
     if (m_isFollowing || !m_editor->document()->isModified()) return false;
     return !m_file.path.isEmpty() || !isBlank();
+}
+
+std::optional<QString> SqlTab::ownText() const {
+    if (m_isFollowing || isBlank()) return std::nullopt;
+    return m_editor->wholeText();
 }
 
 // ---- What the user sees of it
@@ -405,7 +403,6 @@ void SqlTab::showState() {
     showMessage();
     showPlace();
     m_apply->setEnabled(canApply());
-    m_undo->setEnabled(canUndoApply());
     m_load->setEnabled(engine() && !m_isFollowing);
     if (earlier != m_state && m_state == State::Refused) {
         QAccessibleEvent told(m_message, QAccessible::Alert);
@@ -492,8 +489,6 @@ void SqlTab::retranslate() {
     describe(m_goToError, tr("&Go to error"), tr("Put the cursor where the error is (F8)"));
     describe(m_load, tr("Fr&om builder"),
              tr("Show the text of the query in the builder here; undo brings this text back"));
-    describe(m_undo, tr("&Undo apply"),
-             tr("Give the builder the query back that it had before this text was applied"));
     describe(m_apply, tr("&Apply"), tr("Load this text into the builder (Ctrl+Return)"));
     showState();
 }

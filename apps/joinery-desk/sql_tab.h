@@ -24,9 +24,10 @@ class SqlEditor;
 /// whenever typing pauses; "Apply" puts a text that is accepted into the layer under edit. A text
 /// that is refused changes nothing but what is said below it.
 ///
-/// As long as the user types nothing, the text follows the builder. What was typed is only ever
-/// replaced by an edit that undo takes back, or after openFile() and startAnew(), before which the
-/// window asks. Main thread. Learns of the engine as a panel of the builder in which it lies.
+/// As long as the user types nothing, the text follows the builder, and there is no typing to take
+/// back. What was typed is only ever replaced by an edit that undo takes back, or after openFile(),
+/// openText() and startAnew(), before which the window asks. Main thread. Learns of the engine as a
+/// panel of the builder in which it lies.
 class SqlTab : public QWidget {
     Q_OBJECT
 
@@ -55,10 +56,6 @@ public:
     /// @p done is called once, later or at once: true if the builder has the text now.
     void apply(std::function<void(bool isApplied)> done = nullptr);
     bool canApply() const;
-    void undoApply();
-    void redoApply();
-    bool canUndoApply() const;
-    bool canRedoApply() const;
     void loadFromBuilder();
     void goToError();
 
@@ -66,6 +63,8 @@ public:
     bool hasUnappliedText() const;
     /// True if the user has typed what lies in no file.
     bool hasUnsavedText() const;
+    /// What the user has typed, or opened; none while the text follows the builder, or is blank.
+    std::optional<QString> ownText() const;
     /// True if all that the builder has came from this text.
     bool holdsQuery() const { return m_state == State::Held && !m_isFollowing; }
 
@@ -73,6 +72,10 @@ public:
     /// one, and is applied to the main query when it is accepted. What is typed while it is read
     /// makes the opening fail.
     void openFile(const QString& path);
+    /// A text of the user's own, from no SQL file. Unlike that of openFile() it is not applied.
+    void openText(const QString& text, bool isSaved);
+    /// The text lies in a file of somebody else's keeping, such as one with the whole query.
+    void markSaved();
     /// Writes the text to its file, or to @p path from now on.
     /// Returns: empty, or what went wrong.
     [[nodiscard]] QString save(const QString& path = QString());
@@ -108,6 +111,8 @@ private:
     void retranslate();
     void followBuilder();
     void takeBuilderText();
+    void fill(const QString& text);
+    void leaveFile();
     void takeEdit();
     void takeInserted();
     void recheck();
@@ -118,7 +123,6 @@ private:
     void continueApply();
     void applyNow();
     void finishApply(bool isApplied);
-    void applyKept(const std::string* text, QueryApplier::Origin origin);
     QBEngine_LINUX* engine() const;
     DatabaseType family() const;
     long statementId() const;
@@ -135,7 +139,6 @@ private:
     QLabel* m_place;             // owned by the widget
     QToolButton* m_goToError;    // owned by the widget
     QPushButton* m_load;         // owned by the widget
-    QPushButton* m_undo;         // owned by the widget
     QPushButton* m_apply;        // owned by the widget
     BuilderText* m_builderText;  // owned by the widget
     SqlChecker m_checker;

@@ -8,29 +8,50 @@
 #include <QMenu>
 #include <QMenuBar>
 
+#include "apps/joinery-desk/diagram_actions.h"
 #include "apps/joinery-desk/language.h"
 
 namespace QB::Desk {
 
 WindowActions::WindowActions(QMainWindow* window)
     : QObject(window)
+    , relations(new QActionGroup(window))
     , themes(new QActionGroup(window))
     , languages(new QActionGroup(window))
     , m_window(window) {
+    addFileMenu();
+    QMenu* edit = addMenu(nullptr, QT_TR_NOOP("&Edit"));
+    undo = edit->addAction(QString());
+    undo->setShortcuts(QKeySequence::Undo);
+    redo = edit->addAction(QString());
+    redo->setShortcuts(QKeySequence::Redo);
+    addQueryMenu();
+    addViewMenu();
+    about = add(addMenu(nullptr, QT_TR_NOOP("&Help")), QT_TR_NOOP("&About Joinery"));
+    retranslate();
+}
+
+void WindowActions::addFileMenu() {
     QMenu* file = addMenu(nullptr, QT_TR_NOOP("&File"));
     open = add(file, QT_TR_NOOP("&Open Database…"), QKeySequence::Open);
     recent = addMenu(file, QT_TR_NOOP("Open &Recent"));
     clearRecent = add(recent, QT_TR_NOOP("&Clear List"));
     openSample = add(file, QT_TR_NOOP("Open Sam&ple Database"));
     file->addSeparator();
+    openQuery = add(file, QT_TR_NOOP("Open Quer&y…"));
+    saveQuery = add(file, QT_TR_NOOP("&Save Query"), QKeySequence::Save);
+    saveQueryAs = add(file, QT_TR_NOOP("Save Query &As…"));
+    file->addSeparator();
     openText = add(file, QT_TR_NOOP("Open SQL &Text…"), Qt::CTRL + Qt::SHIFT + Qt::Key_O);
-    saveText = add(file, QT_TR_NOOP("&Save SQL Text"), QKeySequence::Save);
-    saveTextAs = add(file, QT_TR_NOOP("Save SQL Text &As…"));
+    saveText = add(file, QT_TR_NOOP("Save SQL Te&xt"));
+    saveTextAs = add(file, QT_TR_NOOP("Sa&ve SQL Text As…"));
     file->addSeparator();
     reload = add(file, QT_TR_NOOP("Re&load Objects"), Qt::CTRL + Qt::Key_R);
     file->addSeparator();
     quit = add(file, QT_TR_NOOP("&Quit"), QKeySequence(Qt::CTRL + Qt::Key_Q));
+}
 
+void WindowActions::addQueryMenu() {
     QMenu* query = addMenu(nullptr, QT_TR_NOOP("&Query"));
     newQuery = add(query, QT_TR_NOOP("&New Query"), QKeySequence::New);
     query->addSeparator();
@@ -39,26 +60,27 @@ WindowActions::WindowActions(QMainWindow* window)
     stop = add(query, QT_TR_NOOP("&Stop"), Qt::Key_Escape);
     query->addSeparator();
     copyText = add(query, QT_TR_NOOP("&Copy SQL Text"), Qt::CTRL + Qt::SHIFT + Qt::Key_S);
-
     query->addSeparator();
     // Ctrl+E would end in the line edits, where it moves the cursor.
     editText = add(query, QT_TR_NOOP("&Edit SQL Text"), Qt::CTRL + Qt::Key_T);
     // In the text Ctrl+Return applies it; in the whole window that key runs the query.
     applyText = add(query, QT_TR_NOOP("&Apply SQL Text"));
-    undoApply = add(query, QT_TR_NOOP("&Undo Apply"), Qt::CTRL + Qt::ALT + Qt::Key_Z);
-    redoApply = add(query, QT_TR_NOOP("Red&o Apply"), Qt::CTRL + Qt::ALT + Qt::Key_Y);
     loadText = add(query, QT_TR_NOOP("Load SQL Text from &Builder"));
     goToError = add(query, QT_TR_NOOP("&Go to Error"), Qt::Key_F8);
+}
 
-    QMenu* view = addMenu(nullptr, QT_TR_NOOP("&View"));
-    QMenu* theme = addMenu(view, QT_TR_NOOP("&Theme"));
+void WindowActions::addViewMenu() {
+    view = addMenu(nullptr, QT_TR_NOOP("&View"));
+    diagram = new DiagramActions(view);
+    view->addSeparator();
+    addChoice(view, relations, QT_TR_NOOP("Links between &Tables"), QStringLiteral("1"));
+    addChoice(view, relations, QT_TR_NOOP("&Links between Fields"), QStringLiteral("2"));
+    view->addSeparator();
+    QMenu* theme = addMenu(view, QT_TR_NOOP("T&heme"));
     addChoice(theme, themes, QT_TR_NOOP("As the &System"), QStringLiteral("system"));
     addChoice(theme, themes, QT_TR_NOOP("&Light"), QStringLiteral("light"));
     addChoice(theme, themes, QT_TR_NOOP("&Dark"), QStringLiteral("dark"));
-    addLanguages(addMenu(view, QT_TR_NOOP("L&anguage")));
-
-    about = add(addMenu(nullptr, QT_TR_NOOP("&Help")), QT_TR_NOOP("&About Joinery"));
-    retranslate();
+    addLanguages(addMenu(view, QT_TR_NOOP("Lan&guage")));
 }
 
 void WindowActions::addLanguages(QMenu* menu) {
@@ -99,16 +121,25 @@ void WindowActions::addChoice(QMenu* menu, QActionGroup* group, const char* text
 void WindowActions::retranslate() {
     for (const auto& [action, text] : qAsConst(m_texts))
         action->setText(tr(text));
+    diagram->retranslate();
 }
 
-void WindowActions::setRecentFiles(const QStringList& databases, const QStringList& texts) {
+void WindowActions::setSavedByKey(QAction* saving) {
+    for (QAction* action : {saveQuery, saveText})
+        action->setShortcuts(action == saving ? QKeySequence::keyBindings(QKeySequence::Save)
+                                              : QList<QKeySequence>());
+}
+
+void WindowActions::setRecentFiles(const QStringList& databases, const QStringList& queries,
+                                   const QStringList& texts) {
     const QList<QAction*> old = recent->actions();
     for (QAction* action : old)
         if (action != clearRecent) recent->removeAction(action);
     m_recentCount = 0;
     addRecent(databases, &WindowActions::recentFileTriggered, clearRecent);
+    addRecent(queries, &WindowActions::recentQueryTriggered, clearRecent);
     addRecent(texts, &WindowActions::recentTextTriggered, clearRecent);
-    recent->setEnabled(!databases.isEmpty() || !texts.isEmpty());
+    recent->setEnabled(m_recentCount > 0);
 }
 
 /// A group with a line below it; the first ones in the menu have their number as a key.
@@ -126,6 +157,12 @@ void WindowActions::addRecent(const QStringList& files,
         recent->insertAction(before, action);
     }
     if (!files.isEmpty()) recent->insertSeparator(before);
+}
+
+void checkChoice(const QActionGroup* group, const QString& data) {
+    const QList<QAction*> actions = group->actions();
+    for (QAction* action : actions)
+        if (action->data().toString() == data) action->setChecked(true);
 }
 
 }  // namespace QB::Desk
