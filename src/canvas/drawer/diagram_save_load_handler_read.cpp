@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <utility>
 
@@ -42,16 +41,11 @@ std::optional<std::string> textOf(const NuvoJsonValue& object, const char* name)
     return text->stringValue();
 }
 
-/// The rectangle of an entry, so near to what it says that sums cannot overflow.
 std::optional<LumoRect> rectOf(const NuvoJsonValue& entry) {
     const auto origin = pairOf(entry, "X", "Y");
     const auto size = pairOf(entry, "Width", "Height");
     if (!origin || !size) return std::nullopt;
-    const auto near = [](int32_t number) {
-        return std::clamp(number, -largestCanvas, largestCanvas);
-    };
-    return LumoRect(near(origin->first), near(origin->second), near(size->first),
-                    near(size->second));
+    return LumoRect(origin->first, origin->second, size->first, size->second);
 }
 
 LumoSize canvasSizeOf(const std::pair<int32_t, int32_t>& asked) {
@@ -90,7 +84,7 @@ public:
     explicit Places(QBLumoDiagram* diagram) : m_diagram(diagram) {
         for (QBLumoItem* item : diagram->items()) {
             enter(item->getBody());
-            m_items.push_back({item, item->getRect(), std::nullopt});
+            m_items.push_back({item, item->getRect()});
         }
     }
 
@@ -101,15 +95,16 @@ public:
         const std::optional<std::size_t> index = take(entry);
         if (!index) return;
         Item& found = m_items[*index];
-        found.asked = rect;
         const LumoRect usable = usableRect(found.item, *rect);
+        found.isPlaced = true;
+        found.isAsAsked = usable == *rect;
         found.item->setSizedByUser(!isDefaultSize(found.item, usable.size));
         found.item->setRect(usable);
     }
 
     bool areAllPlaced() const {
         return std::all_of(m_items.begin(), m_items.end(),
-                           [](const Item& each) { return each.asked.has_value(); });
+                           [](const Item& each) { return each.isPlaced; });
     }
 
     void growCanvas() const {
@@ -142,7 +137,8 @@ private:
     struct Item {
         QBLumoItem* item;  // not owned: a child of the diagram
         LumoRect before;
-        std::optional<LumoRect> asked;  // by the layout
+        bool isPlaced = false;   // by the layout
+        bool isAsAsked = false;  // just where the layout has it
         bool isInTheWay = false;
     };
     using TableKey = std::array<std::string, 3>;  // alias, name, schema
@@ -186,20 +182,19 @@ private:
 
     static bool isEarlier(const Indices* a, const Indices* b) { return a->front() < b->front(); }
 
-    /// They did before, or the layout wants it: not one wholly over the other.
+    /// They did before, or the user has laid them so: not one wholly over the other.
     static bool mayOverlap(const Item& a, const Item& b) {
         if (lumoIntersectsRect(a.before, b.before)) return true;
-        return a.asked && b.asked && *a.asked != *b.asked && lumoIntersectsRect(*a.asked, *b.asked);
+        return a.isAsAsked && b.isAsAsked && a.item->getRect() != b.item->getRect();
     }
 
     /// What the layout has placed stays; of two alike the later one goes.
     static void markIfInTheWay(Item* a, Item* b) {
         if (a->isInTheWay || b->isInTheWay || mayOverlap(*a, *b)) return;
         if (!lumoIntersectsRect(a->item->getRect(), b->item->getRect())) return;
-        Item* const later = std::max(a, b);
-        const bool isOneUnplaced = a->asked.has_value() != b->asked.has_value();
-        Item* const unplaced = a->asked ? b : a;
-        (isOneUnplaced ? unplaced : later)->isInTheWay = true;
+        Item* const unplaced = a->isPlaced ? b : a;
+        Item* const goes = a->isPlaced == b->isPlaced ? std::max(a, b) : unplaced;
+        goes->isInTheWay = true;
     }
 
     QBLumoDiagram* const m_diagram;  // not owned

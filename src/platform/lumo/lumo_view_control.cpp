@@ -97,6 +97,7 @@ LumoRect LumoUIScrollView::Control::getDisplayRect() const {
 }
 
 void LumoUIScrollView::Control::setScrollOrigin(LumoControlPoint origin) {
+    m_wish.reset();
     if (origin == m_offset) return;
     m_origin = {origin.x / m_zoom, origin.y / m_zoom};
     applyOrigin();

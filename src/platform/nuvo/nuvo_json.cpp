@@ -166,8 +166,6 @@ QJsonValue NuvoJsonValue::whole(int depth) const {
 
 NuvoJson::NuvoJson() = default;
 
-NuvoJson::NuvoJson(const QJsonValue& value) : NuvoJsonValue(value) {}
-
 NuvoJson::NuvoJson(const std::string& text) {
     constexpr std::size_t longest = std::numeric_limits<int>::max() / 2;
     QJsonParseError error{0, QJsonParseError::DocumentTooLarge};
@@ -181,7 +179,9 @@ NuvoJson::NuvoJson(const std::string& text) {
 }
 
 std::unique_ptr<NuvoJson> NuvoJson::copyOf(const NuvoJsonValue& value) {
-    return std::unique_ptr<NuvoJson>(new NuvoJson(value.whole()));
+    auto document = std::make_unique<NuvoJson>();
+    document->write(value.whole());
+    return document;
 }
 
 NuvoJson* NuvoJson::copy() const {

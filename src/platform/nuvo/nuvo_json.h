@@ -95,7 +95,5 @@ public:
     static std::string asStored(const std::string& text);
 
 private:
-    explicit NuvoJson(const QJsonValue& value);
-
     bool m_isValid = true;
 };
