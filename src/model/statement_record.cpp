@@ -217,12 +217,13 @@ public:
     using Reached = std::unordered_set<const AbstractQueryComponent*>;
 
     void run(Statement* root) {
-        statements({root});
+        m_nested.push_back(root);
+        statements();
         const auto [sources, columns] = findOrphans();
         StatementExchange<StatementWriter> exchange(*this);
         list(sources, [&](auto orphan) { exchange.source(orphan.second); });
         list(columns, [&](auto orphan) { exchange.column(orphan.second); });
-        statements({});
+        statements();
     }
 
     template <typename Kinds, typename Base>
@@ -277,11 +278,10 @@ private:
     template <typename Base>
     using ById = std::map<long, Base*>;
 
-    void statements(std::deque<Statement*> pending) {
+    void statements() {
         StatementExchange<StatementWriter> exchange(*this);
-        for (m_nested.swap(pending); !m_nested.empty();) {
+        for (; !m_nested.empty(); m_nested.pop_front()) {
             Statement* next = m_nested.front();
-            m_nested.pop_front();
             exchange.statement(next);
         }
     }
@@ -346,8 +346,8 @@ public:
         readOrphans(static_cast<Source*>(nullptr), [&](Source*& slot) { exchange.source(slot); });
         readOrphans(static_cast<Column*>(nullptr), [&](Column*& slot) { exchange.column(slot); });
         statements();
-        resolve(m_sourceReferences);
-        resolve(m_columnReferences);
+        if (!hasFailed()) resolve(m_sourceReferences);
+        if (!hasFailed()) resolve(m_columnReferences);
         if (!root || !isAtEnd()) fail();
         return result;
     }
@@ -389,6 +389,7 @@ public:
             return child;
         };
         for (std::int64_t flags = readNumber(); flags != 0; flags = readNumber()) {
+            if ((flags & ~(HasLeft | HasRight)) != NodeFollows) fail();
             auto node = std::make_unique<SourceNode>();
             node->right = take((flags & HasRight) != 0);
             node->left = take((flags & HasLeft) != 0);
@@ -403,9 +404,10 @@ private:
     template <typename Target>
     using References = std::vector<std::pair<Target**, long>>;
 
+    /// After a failure, what was noted may lie in something that is gone.
     void statements() {
         StatementExchange<StatementReader> exchange(*this);
-        for (; !m_nested.empty(); m_nested.pop_front())
+        for (; !hasFailed() && !m_nested.empty(); m_nested.pop_front())
             exchange.statement(*m_nested.front());
     }
 
