@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QSet>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -21,14 +22,20 @@ class QBDiagramPanelWidget;
 
 namespace QB {
 
+class DiagramCallbacks;
+class ItemFields;
 class PendingDiagramItems;
 class QBCanvasCommands;
-class QBDiagramHintWidget;
+class QBEngine;
 class QBLumoDiagramDrawer_LINUX;
 struct QBIdentifierCandidate;
+namespace Component {
+class AbstractQueryComponent;
+}
 namespace Component::SQL {
 class SQLAbstractConditionComponent;
 class SQLIdentifierSourceComponent;
+class SQLSelectStmtComponent;
 }  // namespace Component::SQL
 
 /// The panel of the diagram. What the user does on the canvas changes the query through the engine,
@@ -51,12 +58,9 @@ public:
     /// has ended, also when it brought no fields. It then goes to the layer that was current at the
     /// time of the call; if that layer has been left, as soon as it is entered again.
     /// A candidate that is not in the engine's tree, or is no table or view, is ignored: any
-    /// address may be given.
+    /// address may be given. So is every one while a text is parsed.
+    /// Once added, the table is linked by the foreign keys that the host knows.
     void addIdentifierCandidateToDiagram(QBIdentifierCandidate* candidate);
-
-    /// Where the source that is being added was dropped, in the panel's coordinates; (-1, -1) when
-    /// it was not dropped. Valid while the engine announces the source.
-    QPoint dropPoint() const { return m_dropPoint; }
 
     /// How many sources wait for their fields.
     int pendingItemCount() const;
@@ -90,6 +94,14 @@ public:
 
     /// @}
 
+    /// Shows what the statement holds once the event that goes on is over: for what the canvas has
+    /// changed already and the query did not take.
+    void synchroniseLater();
+
+public Q_SLOTS:
+    /// The fields of @p identifier were loaded: if it is a table, items that show it get them.
+    void updateAllComponentsUsingIdentifier(QBIdentifierCandidate* identifier);
+
 Q_SIGNALS:
     /// A condition that the diagram has just made is not finished yet; panels shall not mark it.
     void signalExcludeInvalidConditionComponent(
@@ -102,9 +114,6 @@ Q_SIGNALS:
     /// The diagram shows the statement as it is now: after each change, and each layer.
     void signalSynchronised();
 
-    /// The fields of @p identifier, a table, were loaded: items that show it get them.
-    void updateAllComponentsUsingIdentifier(QB::QBIdentifierCandidate* identifier);
-
 protected:
     void changeEvent(QEvent* event) override;
     /// Takes drags from a QTreeWidget before the usual handling.
@@ -113,18 +122,49 @@ protected:
     virtual QObject* dragSource(const QDropEvent* event) const;
 
 private:
+    using Elements = QSet<TopLevelQueryComponentElementEnum>;
+    static constexpr long noLayer = -1;
+
+    void setUpDiagram();
     void retranslate();
     void connectEngine();
     bool dragEntered(QDropEvent* event);
     bool dropped(QDropEvent* event);
+    void add(QBIdentifierCandidate* candidate, QPoint dropPoint);
     void addSource(std::unique_ptr<Component::SQL::SQLIdentifierSourceComponent> source, int layer,
                    QPoint dropPoint);
+    Component::SQL::SQLSelectStmtComponent* statement() const;
+
+    void elementsModified(const QBEngine* sendingEngine, const Elements& elements, int layer,
+                          const void* sender);
+    void candidateLoaded(QBIdentifierCandidate* candidate);
+    void askForFields();
+    void takeFocus(const Component::AbstractQueryComponent* component, bool isFocused,
+                   const void* sender);
+    /// Another layer, or the same once more, on a canvas that is cleared first.
+    void showLayer();
+    void showParsedText();
+    bool isShown(const Component::SQL::SQLSelectStmtComponent* statement) const;
+    void synchroniseDiagramWithModel(const Elements& elements);
+    void synchroniseParts(const Component::SQL::SQLSelectStmtComponent* statement);
+    void synchroniseTicks();
+    QPoint takeDropPoint(long sourceId);
+    void saveShownLayer();
+    void placeItems();
+    bool hasItems() const;
 
     const std::unique_ptr<Ui::QBDiagramPanelWidget> ui;
-    QButtonGroup* m_relationGroup;       // owned by the widget
-    QBDiagramHintWidget* m_hintOverlay;  // owned by the widget
-    QPoint m_dropPoint{-1, -1};
+    QButtonGroup* m_relationGroup;  // owned by the widget
+    const std::unique_ptr<QBLumoDiagramDrawer_LINUX> m_drawer;
     const std::unique_ptr<PendingDiagramItems> m_pendingItems;
+    /// Where sources that are not drawn yet were dropped, by their ids; in pixels of the view.
+    std::map<long, QPoint> m_dropPoints;
+    long m_shownLayerId = noLayer;  ///< of the statement that is on the canvas
+    /// A layout was loaded for the text that is being parsed: what the canvas shows now is another
+    /// query's.
+    bool m_isLayoutForNextText = false;
+    const std::unique_ptr<ItemFields> m_fields;
+    const std::unique_ptr<DiagramCallbacks> m_callbacks;  // last: its popups go first
 };
 
 }  // namespace QB

@@ -34,11 +34,11 @@ struct DiagramDifference {
     DiagramParts removed;                ///< drawn, and not in the statement: no such id there
     std::vector<DiagramRebind> rebound;  ///< as a permutation: take all first, then give
     DiagramParts added;                  ///< in text order
-    DiagramParts updated;                ///< all others that are in both
+    DiagramParts updated;                ///< in both, as they lie in the statement now
 };
 
 /// A part is the same on both sides if id and kind are; what became a join of another kind stays
-/// the same. Cost: linear, but for a sort by ids.
+/// the same. No id occurs twice on one side. Cost: linear.
 DiagramDifference diagramDifference(const DiagramParts& drawn, const DiagramParts& wanted);
 
 }  // namespace QB

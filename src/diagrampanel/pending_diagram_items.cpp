@@ -61,7 +61,8 @@ void PendingDiagramItems::loadEnded(const QBEngine& engine,
 
 void PendingDiagramItems::deliverReady(const QBEngine& engine) {
     dropOrphans(engine);
-    for (;;) {
+    // The text that is being read takes the place of all that its layer holds.
+    while (!engine.isParsingQuery()) {
         const auto isDue = [&engine](const Item& item) {
             return item.isReady && openLayer(engine, item.layerId) >= 0;
         };

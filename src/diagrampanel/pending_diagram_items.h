@@ -35,7 +35,7 @@ public:
              QPoint dropPoint);
     /// A load of @p candidate's children has ended; null stands for the root.
     void loadEnded(const QBEngine& engine, const QBIdentifierCandidate* candidate);
-    /// Hands over what is ready for the layers that are open.
+    /// Hands over what is ready for the layers that are open; nothing while a text is parsed.
     void deliverReady(const QBEngine& engine);
     void clear() { m_items.clear(); }
     std::size_t size() const { return m_items.size(); }

@@ -116,7 +116,57 @@ std::optional<End> endOf(const Path& path, const SourceNode* joinNode) {
     return isRightEdge(path, behind) ? End::Right : leftEnd(path, behind);
 }
 
+/// The leaves below a node, from the left to the right.
+Sources leavesBelow(const SourceNode* node) {
+    Sources leaves;
+    visitSourceNodes(node, [&leaves](const SourceNode* below) {
+        if (SourceTree::isLeaf(below->value)) leaves.push_back(below->value);
+    });
+    return leaves;
+}
+
+/// The sources of one comparison, on either side of a join.
+struct Neighbours {
+    SQLAbstractSourceComponent* left = nullptr;
+    SQLAbstractSourceComponent* right = nullptr;
+};
+
+/// Those that the first comparison across the join names; none if there is no such one.
+std::optional<Neighbours> comparedNeighbours(const SourceNode* joinNode, const Sources& leftLeaves,
+                                             SQLJoinSourceNodeComponent* join) {
+    const SourcesBelow sources(joinNode);
+    const std::unordered_set<const SQLAbstractSourceComponent*> left(leftLeaves.begin(),
+                                                                     leftLeaves.end());
+    for (const ConditionChain::Place& place : ConditionChain::flatten(&join->condition)) {
+        const auto* compare = dynamic_cast<const SQLCompareConditionComponent*>(place.component);
+        const SQLFieldColumnComponent* const a = compare ? firstField(compare->leftValue) : nullptr;
+        const SQLFieldColumnComponent* const b =
+            compare ? firstField(compare->rightValue) : nullptr;
+        if (!a || !b) continue;
+        auto* const sourceA = sources.sourceOf(a);
+        auto* const sourceB = sources.sourceOf(b);
+        if (!sourceA || !sourceB || left.count(sourceA) == left.count(sourceB)) continue;
+        return left.count(sourceA) > 0 ? Neighbours{sourceA, sourceB}
+                                       : Neighbours{sourceB, sourceA};
+    }
+    return std::nullopt;
+}
+
 }  // namespace
+
+void findNeighboursOfJoin(const SourceNode* joinNode, SQLAbstractSourceComponent*& left,
+                          SQLAbstractSourceComponent*& right) {
+    left = right = nullptr;
+    auto* join = joinNode ? dynamic_cast<SQLJoinSourceNodeComponent*>(joinNode->value) : nullptr;
+    if (!join) return;
+    const Sources leftLeaves = leavesBelow(joinNode->left);
+    const Sources rightLeaves = leavesBelow(joinNode->right);
+    const Neighbours next = {leftLeaves.empty() ? nullptr : leftLeaves.back(),
+                             rightLeaves.empty() ? nullptr : rightLeaves.front()};
+    const Neighbours found = comparedNeighbours(joinNode, leftLeaves, join).value_or(next);
+    left = found.left;
+    right = found.right;
+}
 
 void findParentItemComponentOfJoinConditionFieldComponent(
     const SourceNode* joinNode,

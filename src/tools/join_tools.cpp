@@ -16,6 +16,7 @@
 #include "platform/tolk/tolk.h"
 #include "tools/join_edits.h"
 #include "tools/join_sight.h"
+#include "tools/selection_tools.h"
 #include "tools/using_list.h"
 
 namespace QB::Tools::SQL {
@@ -46,14 +47,7 @@ struct End {
 std::unique_ptr<SQLConditionValueComponent> makeOperand(const End& end) {
     auto value = std::make_unique<SQLConditionValueComponent>();
     if (end.field.empty()) return value;
-    auto column = std::make_unique<SQLFieldColumnComponent>();
-    column->source = end.source;
-    column->fieldName = end.field;
-    if (const auto* table = dynamic_cast<SQLIdentifierSourceComponent*>(end.source)) {
-        column->parentPath = table->path;
-        column->parentPath.push_back(table->name);
-    }
-    value->values.push_back(column.release());
+    value->values.push_back(makeFieldColumn(end.source, end.field).release());
     return value;
 }
 
@@ -166,9 +160,13 @@ class JoinRemover {
 public:
     using Pair = std::pair<SQLJoinSourceNodeComponent*, SQLCompareConditionComponent*>;
 
-    /// Of several pairs with one join the first one counts.
-    JoinRemover(Slot root, const std::vector<Pair>& joins)
-        : m_root(root), m_wanted(joins.begin(), joins.end()) {}
+    /// Of several pairs with one join the first one says whether the join goes or conditions of it.
+    JoinRemover(Slot root, const std::vector<Pair>& joins) : m_root(root) {
+        for (const auto& [join, condition] : joins) {
+            const auto [wanted, isFirst] = m_wanted.try_emplace(join);
+            if (condition && (isFirst || !wanted->second.empty())) wanted->second.insert(condition);
+        }
+    }
 
     /// Returns true if something changed.
     bool remove() {
@@ -202,10 +200,10 @@ private:
     void removeAt(std::size_t row, SQLJoinSourceNodeComponent* join, Slot group) {
         const auto wanted = m_wanted.find(join);
         if (wanted == m_wanted.end()) return;
-        const bool isLoose = !wanted->second;
+        const bool isLoose = wanted->second.empty();
         m_found.push_back({row, isLoose});
         if (isLoose) m_looseGroups.insert(group);
-        isLoose ? becomeComma(join) : take(join, {wanted->second});
+        isLoose ? becomeComma(join) : take(join, wanted->second);
     }
 
     void becomeComma(SQLJoinSourceNodeComponent* join) {
@@ -254,8 +252,8 @@ private:
     };
 
     const Slot m_root;
-    const std::unordered_map<const SQLJoinSourceNodeComponent*, SQLCompareConditionComponent*>
-        m_wanted;
+    /// No conditions: the whole join.
+    std::unordered_map<const SQLJoinSourceNodeComponent*, std::set<const Condition*>> m_wanted;
     std::vector<Found> m_found;  // in row order
     std::set<Slot> m_looseGroups;
     DetachedParts m_taken;

@@ -48,9 +48,9 @@ void makeJoinLinkIfNecessary(QBEngine* engine, void* sender,
                              Component::SQL::SQLAbstractSourceComponent* sourceB,
                              const std::vector<FieldPair>& fields);
 
-/// Removes links: of each join listed the compare condition that comes with it, or with a null one
-/// all that binds the two sides, so that the join becomes a comma. Only the first pair of a join
-/// counts; what is not in the clause, or no link in the chain of its join, is skipped. Sources
+/// Removes links: of each join listed the compare conditions that come with it, or if the first one
+/// is null all that binds the two sides, so that the join becomes a comma. What is not in the
+/// clause, or no link in the chain of its join, is skipped. Sources
 /// stay. A join that loses its last condition keeps its kind; brackets that lose all they hold go,
 /// too.
 ///
@@ -69,6 +69,14 @@ void findParentItemComponentOfJoinConditionFieldComponent(
     const Component::SQL::SourceNode* joinNode,
     std::map<Component::SQL::SQLFieldColumnComponent*, Component::SQL::SQLAbstractSourceComponent*>&
         result);
+
+/// The two sources that the link of the join in @p joinNode stands between: those of the first
+/// comparison in its condition that names a field of each side, or else the leaves next to the
+/// join. Each is null where there is none.
+/// Thread: the caller may read the statement.
+void findNeighboursOfJoin(const Component::SQL::SourceNode* joinNode,
+                          Component::SQL::SQLAbstractSourceComponent*& left,
+                          Component::SQL::SQLAbstractSourceComponent*& right);
 
 /// Which of @p items stand left and which right of a join in its group, for placing the ends of a
 /// link. Items of other groups are left out; the lists are replaced.

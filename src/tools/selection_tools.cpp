@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string_view>
 #include <unordered_set>
@@ -23,15 +24,32 @@ namespace {
 using Columns = std::vector<SQLAbstractColumnComponent*>;
 using Names = std::vector<std::string>;
 
+/// The qualifiers of the columns of a table; empty for a source that columns name by its alias
+/// alone.
+Names qualifiersOf(const SQLAbstractSourceComponent* source) {
+    const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
+    if (!table) return {};
+    Names path = table->path;
+    path.push_back(table->name);
+    return path;
+}
+
+std::unique_ptr<SQLFieldColumnComponent> makeColumn(SQLAbstractSourceComponent* source,
+                                                    const Names& path,
+                                                    const std::string& fieldName) {
+    auto column = std::make_unique<SQLFieldColumnComponent>();
+    column->source = source;
+    column->parentPath = path;
+    column->fieldName = fieldName;
+    column->isAsterisk = fieldName.empty();
+    return column;
+}
+
 /// Which columns are of a source, and how one is made for it.
 class SourceColumns {
 public:
-    explicit SourceColumns(SQLAbstractSourceComponent* source) : m_source(source) {
-        const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
-        if (!table) return;
-        m_path = table->path;
-        m_path.push_back(table->name);
-    }
+    explicit SourceColumns(SQLAbstractSourceComponent* source)
+        : m_source(source), m_path(qualifiersOf(source)) {}
 
     bool owns(const SQLFieldColumnComponent& column) const {
         if (column.source) return column.source == m_source;
@@ -39,17 +57,12 @@ public:
     }
 
     std::unique_ptr<SQLFieldColumnComponent> make(const std::string& fieldName) const {
-        auto column = std::make_unique<SQLFieldColumnComponent>();
-        column->source = m_source;
-        column->parentPath = m_path;
-        column->fieldName = fieldName;
-        column->isAsterisk = fieldName.empty();
-        return column;
+        return makeColumn(m_source, m_path, fieldName);
     }
 
 private:
     SQLAbstractSourceComponent* m_source;  // not owned
-    Names m_path;                          ///< empty: a source that columns name by its alias alone
+    Names m_path;
 };
 
 bool isInCurrentStatement(const QBEngine* engine, const SQLAbstractSourceComponent* source) {
@@ -155,6 +168,34 @@ void changeItemComponentFieldSelection(QBEngine* engine, void* sender,
             return column.fieldName == fieldName && ofSource.owns(column);
         });
     });
+}
+
+SelectedFields selectedFields(const SQLSelectStmtComponent* statement) {
+    SelectedFields selected;
+    if (!statement) return selected;
+    std::map<Names, std::vector<const SQLAbstractSourceComponent*>> byPath;
+    std::unordered_set<const SQLAbstractSourceComponent*> sources;
+    visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
+        sources.insert(node->value);
+        Names path = qualifiersOf(node->value);
+        if (!path.empty()) byPath[std::move(path)].push_back(node->value);
+    });
+    for (const SQLAbstractColumnComponent* column : statement->selectColumnExpr->columns) {
+        const auto* field = ifKind<SQLFieldColumnComponent>(column);
+        if (!field) continue;
+        if (sources.count(field->source) > 0) selected[field->source].push_back(field->fieldName);
+        if (field->source) continue;
+        const auto named = byPath.find(field->parentPath);
+        if (named == byPath.end()) continue;
+        for (const SQLAbstractSourceComponent* source : named->second)
+            selected[source].push_back(field->fieldName);
+    }
+    return selected;
+}
+
+std::unique_ptr<SQLFieldColumnComponent> makeFieldColumn(SQLAbstractSourceComponent* source,
+                                                         const std::string& fieldName) {
+    return makeColumn(source, qualifiersOf(source), fieldName);
 }
 
 }  // namespace QB::Tools::SQL

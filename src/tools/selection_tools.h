@@ -1,6 +1,9 @@
 #pragma once
 
+#include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "engine/engine.h"
 #include "model/components.h"
@@ -32,5 +35,17 @@ void changeItemComponentAllSelection(QBEngine* engine, void* sender,
 void changeItemComponentFieldSelection(QBEngine* engine, void* sender,
                                        Component::SQL::SQLAbstractSourceComponent* source,
                                        const std::string& fieldName, bool select);
+
+/// For each source of the FROM clause the names of its fields in the SELECT list, "" for its
+/// wildcard, in the order of the list and as often as they stand there; none for a source without
+/// any. Empty for a null @p statement. Thread: may read the statement. Cost: linear.
+using SelectedFields =
+    std::map<const Component::SQL::SQLAbstractSourceComponent*, std::vector<std::string>>;
+SelectedFields selectedFields(const Component::SQL::SQLSelectStmtComponent* statement);
+
+/// A column that names a field of @p source, or with an empty name all of them: with a reference to
+/// the source and, where it is a table, its path and name as qualifiers.
+[[nodiscard]] std::unique_ptr<Component::SQL::SQLFieldColumnComponent> makeFieldColumn(
+    Component::SQL::SQLAbstractSourceComponent* source, const std::string& fieldName);
 
 }  // namespace QB::Tools::SQL

@@ -1,98 +1,77 @@
 #include <QLabel>
 #include <QRadioButton>
-#include <QTreeWidget>
 #include <QtTest>
 #include <memory>
 
 #include "canvas/drawer/diagram_hint_widget.h"
-#include "diagrampanel/diagram_panel_widget.h"
-#include "diagrampanel/fake_server.h"
+#include "diagrampanel/diagram_desk.h"
 #include "platform/tolk/tolk.h"
 
-namespace QB {
+namespace QB::Test {
 namespace {
 
 using namespace Component::SQL;
 
-constexpr QPoint noPoint(-1, -1);
-
-/// What the engine announced of one change: the layer, and where the panel says it was dropped.
-struct Announcement {
-    int layer;
-    QPoint dropPoint;
-    bool isFromPanel;
+/// A statement, what the user does, the statement then, and what the canvas shows.
+struct Story {
+    const char* name;
+    const char* before;
+    const char* events;
+    const char* after;
+    const char* canvas;
 };
 
-/// A panel that can be told where a drag comes from.
-class Panel : public QBDiagramPanelWidget {
-public:
-    QObject* source = nullptr;
-
-protected:
-    QObject* dragSource(const QDropEvent* event) const override {
-        return source ? source : QBDiagramPanelWidget::dragSource(event);
-    }
-};
-
-struct Desk : Test::ServedEngine {
-    Desk() {
-        panel.setEngine(engine.get());
-        panel.resize(400, 300);
-        QObject::connect(engine->signalEmitter(),
-                         &QBEngineSignalEmitter::topLevelQueryComponentElementModified, &panel,
-                         [this](QBEngine*, const auto&, int layer, void* sender) {
-                             announced.append({layer, panel.dropPoint(), sender == &panel});
-                         });
-        refreshAndWait({});
-        refreshAndWait({"main"});
-    }
-
-    void add(const std::vector<std::string>& path) {
-        panel.addIdentifierCandidateToDiagram(candidate(path));
-    }
-    /// Puts an empty subquery into the root layer and gives its statement.
-    SQLSelectStmtComponent* makeSubquery() {
-        auto* source = new SQLSubquerySourceComponent;
-        auto* statement = new SQLSelectStmtComponent;
-        source->subquery = statement;
-        engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
-            ElementSource, 0,
-            [source](ELEMSQLSourceExpr* from) {
-                from->root = new SourceNode;
-                from->root->value = source;
-                return true;
-            },
-            nullptr);
-        return statement;
-    }
-    bool sendDragEnter() {
-        QMimeData mime;
-        QDragEnterEvent event({5, 5}, Qt::CopyAction, &mime, Qt::LeftButton, {});
-        event.ignore();
-        QCoreApplication::sendEvent(&panel, &event);
-        return event.isAccepted();
-    }
-    bool sendDrop(const QPointF& position) {
-        sendDragEnter();  // or Qt delivers no drop
-        QMimeData mime;
-        QDropEvent event(position, Qt::CopyAction, &mime, Qt::LeftButton, {});
-        event.ignore();
-        QCoreApplication::sendEvent(&panel, &event);
-        return event.isAccepted();
-    }
-    /// A tree whose current row carries @p content as its candidate.
-    void dragFrom(QTreeWidget& tree, const QVariant& content) {
-        auto* item = new QTreeWidgetItem(&tree);
-        item->setData(0, 257, content);
-        tree.setCurrentItem(item);
-        panel.source = &tree;
-    }
-    QVariant pointer(const std::vector<std::string>& path) {
-        return qulonglong(reinterpret_cast<quintptr>(candidate(path)));
-    }
-
-    Panel panel;
-    QVector<Announcement> announced;
+const Story stories[] = {
+    // The text shows on the canvas.
+    {"tables with their fields", "SELECT t.a, t.* FROM t, u", "", "SELECT t.a, t.* FROM t, u", ""},
+    {"a join", "SELECT * FROM t INNER JOIN u ON t.a = u.a", "", "", ""},
+    {"a join between fields", "SELECT * FROM t LEFT JOIN u ON t.a = u.a AND u.d = t.b",
+     "mode field", "", ""},
+    {"every other source", "SELECT s.d FROM ( SELECT a, d FROM u ) AS s, f(1)", "", "", ""},
+    {"one table twice", "SELECT y.a FROM t AS x INNER JOIN t AS y ON x.b = y.a", "", "", ""},
+    {"three in a row", "SELECT * FROM t INNER JOIN u ON t.a = u.a LEFT JOIN v ON t.b = v.a", "", "",
+     ""},
+    {"another text", "SELECT t.a FROM t", "sql SELECT w.a FROM w, v", "", ""},
+    {"a text that is none", "SELECT t.a FROM t", "sql SELECT FROM WHERE", "", ""},
+    // What the user does there shows in the text.
+    {"tick", "SELECT t.a FROM t", "tick t.b; tick t.*", "", ""},
+    {"untick", "SELECT t.a, t.b FROM t", "tick t.a", "", ""},
+    {"drag a link", "SELECT * FROM t, u", "pull t.b u.d", "", ""},
+    {"delete an item", "SELECT t.a FROM t INNER JOIN u ON t.a = u.a", "select u; key Del", "", ""},
+    {"delete all", "SELECT t.a FROM t INNER JOIN u ON t.a = u.a, v",
+     "select t; key Ctrl+A; key Del", "", ""},
+    {"delete what a bracket holds", "SELECT t.a FROM t, ( u INNER JOIN v ON u.a = v.a )",
+     "select u; also v; key Del", "", ""},
+    {"delete a link", "SELECT * FROM t INNER JOIN u ON t.a = u.a", "link; key Del", "",
+     ""},
+    {"delete one of two conditions", "SELECT * FROM t INNER JOIN u ON t.a = u.a AND t.b = u.d",
+     "mode field; link; key Del", "", ""},
+    {"give an alias", "SELECT t.a FROM t", "select t; key F2; type x; key Return", "", ""},
+    {"escape from an alias", "SELECT t.a FROM t", "select t; key F2; type x; key Esc", "", ""},
+    {"a condition by the menu", "SELECT * FROM t", "right t.b; submenu WHERE; choose =", "", ""},
+    {"a group by the menu", "SELECT * FROM t", "right t.b; submenu GROUP BY; choose Group by this field", "", ""},
+    {"an order by the menu", "SELECT * FROM t", "right t.b; submenu ORDER BY; choose DESC", "", ""},
+    {"open the editor of a join", "SELECT * FROM t INNER JOIN u ON t.a = u.a", "link; editor; key Esc", "",
+     ""},
+    // Tables from the tree.
+    {"add a table", "SELECT t.a FROM t", "add v", "", ""},
+    {"add a table that a key links", "SELECT t.a FROM t", "add u", "", ""},
+    {"the same twice while it loads", "SELECT t.a FROM t", "busy; add w; add w; free", "", ""},
+    {"a reset ends the wait", "SELECT t.a FROM t", "busy; add w; reset; free", "", ""},
+    // Layers.
+    {"into a subquery", "SELECT s.d FROM ( SELECT u.a, u.d FROM u, v ) AS s", "double s", "", ""},
+    {"a change there, and back", "SELECT s.d FROM ( SELECT u.a, u.d FROM u ) AS s",
+     "double s; tick u.d; out", "", ""},
+    {"added to the layer it was meant for", "SELECT s.d FROM ( SELECT u.d FROM u ) AS s",
+     "busy; add w; double s; free; out", "", ""},
+    {"added when the layer is entered again", "SELECT s.d FROM ( SELECT u.d FROM u ) AS s",
+     "double s; busy; add w; out; free; double s", "", ""},
+    {"a reset leaves the layers", "SELECT s.d FROM ( SELECT u.d FROM u ) AS s", "double s; reset", "",
+     ""},
+    // While a text is read.
+    {"nothing is done during a parse", "SELECT t.a FROM t, u",
+     "hold; sql SELECT t.b FROM t, u; tick t.c; pull t.b u.d; select u; key Del; add v; deliver",
+     "", ""},
 };
 
 }  // namespace
@@ -101,220 +80,19 @@ class DiagramPanelTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_desk = std::make_unique<Desk>(); }
-    void cleanup() { m_desk.reset(); }
-
-    // ---- adding -----------------------------------------------------------------------------
-
-    void aTableWithKnownFieldsIsAddedAtOnce() {
-        Desk& desk = *m_desk;
-        desk.refreshAndWait({"main", "city"});
-        desk.add({"main", "city"});
-        QCOMPARE(desk.sources(), QStringList("main.city"));
-        QCOMPARE(desk.announced.size(), 1);
-        QVERIFY(desk.announced[0].isFromPanel);
-        QCOMPARE(desk.announced[0].dropPoint, noPoint);
+    void theCanvasAndTheTextAreOne_data() { addStories(stories); }
+    void theCanvasAndTheTextAreOne() {
+        const Story& story = storyOfTest(stories);
+        DiagramDesk desk(hostOfTest());
+        desk.parse(story.before);
+        QCOMPARE(desk.text(), story.before);
+        QVERIFY(desk.run(story.events));
+        qInfo("TEXT  %s", qPrintable(desk.text()));
+        qInfo("CANVAS %s", qPrintable(desk.canvas()));
     }
-
-    void aTableWithUnknownFieldsWaitsForThem() {
-        Desk& desk = *m_desk;
-        desk.server.hold();
-        desk.add({"main", "city"});
-        QCOMPARE(desk.panel.pendingItemCount(), 1);
-        QCOMPARE(desk.sources(), QStringList());
-        desk.server.release();
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(), QStringList("main.city"));
-        QVERIFY(desk.engine->candidateSnapshot(desk.candidate({"main", "city"})).hasChildren);
-        QCOMPARE(desk.panel.pendingItemCount(), 0);
-    }
-
-    void aViewWhoseFieldsCannotBeReadIsAddedAllTheSame() {
-        Desk& desk = *m_desk;
-        desk.add({"main", "places"});
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(), QStringList("main.places"));
-    }
-
-    void theSameTableTwiceWhileItLoadsIsAddedTwice() {
-        Desk& desk = *m_desk;
-        desk.server.hold();
-        desk.add({"main", "city"});
-        desk.add({"main", "city"});
-        desk.server.release();
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(), QStringList({"main.city", "main.city"}));
-    }
-
-    void aTableThatVanishesWhileItWaitsIsNotLost() {
-        Desk& desk = *m_desk;
-        desk.server.hold();
-        desk.refresh({"main"});
-        QTRY_VERIFY(desk.server.fetchCount() >= 3);
-        desk.server.set("main", {{"country", IdentifierTypeTable}});
-        desk.add({"main", "city"});
-        desk.server.release();
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(), QStringList("main.city"));
-        QCOMPARE(desk.panel.pendingItemCount(), 0);
-    }
-
-    void onlyTablesAndViewsOfTheEnginesTreeAreTaken() {
-        Desk& desk = *m_desk;
-        desk.refreshAndWait({"main", "city"});
-        desk.add({"main"});
-        desk.add({"main", "city", "id"});
-        desk.panel.addIdentifierCandidateToDiagram(nullptr);
-        desk.panel.addIdentifierCandidateToDiagram(desk.engine->identifierCandidateRootNode());
-        desk.panel.addIdentifierCandidateToDiagram(
-            reinterpret_cast<QBIdentifierCandidate*>(quintptr(0xdeadbeef)));
-        QBIdentifierCandidate stranger;
-        stranger.type = IdentifierTypeTable;
-        desk.panel.addIdentifierCandidateToDiagram(&stranger);
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(), QStringList());
-        QCOMPARE(desk.panel.pendingItemCount(), 0);
-        QVERIFY(desk.announced.isEmpty());
-    }
-
-    // ---- layers -----------------------------------------------------------------------------
-
-    void aSourceGoesToTheLayerItWasMeantFor() {
-        Desk& desk = *m_desk;
-        auto* subquery = desk.makeSubquery();
-        desk.server.hold();
-        desk.add({"main", "city"});
-        desk.engine->pushNewLayerTopLevelQueryComponent(subquery, "inner");
-        desk.server.release();
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(0), QStringList("main.city"));
-        QCOMPARE(desk.sources(1), QStringList());
-    }
-
-    void aSourceWaitsUntilItsLayerIsEnteredAgain() {
-        Desk& desk = *m_desk;
-        auto* subquery = desk.makeSubquery();
-        desk.engine->pushNewLayerTopLevelQueryComponent(subquery, "inner");
-        desk.server.hold();
-        desk.add({"main", "city"});
-        desk.engine->popCurrentLayerTopLevelQueryComponent();
-        desk.server.release();
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(0), QStringList());
-        QCOMPARE(desk.panel.pendingItemCount(), 1);
-        desk.engine->pushNewLayerTopLevelQueryComponent(subquery, "inner");
-        QCOMPARE(desk.sources(1), QStringList("main.city"));
-        QCOMPARE(desk.panel.pendingItemCount(), 0);
-    }
-
-    void aResetAndANewStatementEndTheWait() {
-        Desk& desk = *m_desk;
-        desk.server.hold();
-        desk.add({"main", "city"});
-        desk.engine->resetUi();
-        QCOMPARE(desk.panel.pendingItemCount(), 0);
-        desk.add({"main", "country"});
-        desk.engine->setDatabaseInfo(DatabaseTypePostgreSQL, 150000);
-        desk.server.release();
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(), QStringList());
-        QCOMPARE(desk.panel.pendingItemCount(), 0);
-    }
-
-    void theEngineMayGoWhileASourceWaits() {
-        Desk& desk = *m_desk;
-        desk.server.hold();
-        desk.add({"main", "city"});
-        QBIdentifierCandidate* city = desk.candidate({"main", "city"});
-        desk.engine.destroy();
-        desk.server.release();
-        desk.host.finishWorkers();
-        desk.panel.addIdentifierCandidateToDiagram(city);
-        QVERIFY(desk.announced.isEmpty());
-    }
-
-    // ---- drops ------------------------------------------------------------------------------
-
-    void onlyTreesAreTaken() {
-        Desk& desk = *m_desk;
-        QVERIFY(!desk.sendDragEnter());
-        QTreeWidget tree;
-        desk.panel.source = &tree;
-        QVERIFY(desk.sendDragEnter());
-        auto* hint = desk.panel.findChild<QBDiagramHintWidget*>();
-        QVERIFY(hint->takesDrop());
-        QDragLeaveEvent leave;
-        QCoreApplication::sendEvent(&desk.panel, &leave);
-        QVERIFY(!hint->takesDrop());
-        QVERIFY(!desk.sendDrop({1, 1}));  // no current row
-        QWidget other;
-        desk.panel.source = &other;
-        QVERIFY(!desk.sendDragEnter());
-    }
-
-    void eachDropKeepsItsPoint() {
-        Desk& desk = *m_desk;
-        QTreeWidget tree;
-        desk.server.hold();
-        desk.dragFrom(tree, desk.pointer({"main", "city"}));
-        QVERIFY(desk.sendDrop({10.5, 20.4}));
-        desk.dragFrom(tree, desk.pointer({"main", "country"}));
-        QVERIFY(desk.sendDrop({30, 40}));
-        desk.add({"main", "places"});
-        desk.server.release();
-        desk.host.finishWorkers();
-        QMap<QString, QPoint> points;
-        const QStringList names = desk.sources();
-        QCOMPARE(names.size(), 3);
-        for (int i = 0; i < 3; ++i)
-            points[names[i]] = desk.announced[i].dropPoint;
-        QCOMPARE(points["main.city"], QPoint(11, 20));
-        QCOMPARE(points["main.country"], QPoint(30, 40));
-        QCOMPARE(points["main.places"], noPoint);
-        QCOMPARE(desk.panel.dropPoint(), noPoint);
-    }
-
-    void aDropOfAnythingElseIsTakenAndDoesNothing() {
-        Desk& desk = *m_desk;
-        for (const QVariant& content :
-             {desk.pointer({"main"}), QVariant(0), QVariant(), QVariant(qlonglong(0xdeadbeef))}) {
-            QTreeWidget tree;
-            desk.dragFrom(tree, content);
-            QVERIFY(desk.sendDrop({50, 50}));
-        }
-        desk.host.finishWorkers();
-        QCOMPARE(desk.sources(), QStringList());
-        QCOMPARE(desk.panel.dropPoint(), noPoint);
-    }
-
-    // ---- form -------------------------------------------------------------------------------
-
-    void theHintLetsTheMouseThrough() {
-        Desk& desk = *m_desk;
-        desk.panel.show();
-        auto* hint = desk.panel.findChild<QBDiagramHintWidget*>();
-        QVERIFY(hint->isVisible());
-        auto* label = hint->findChild<QLabel*>("label");
-        QCOMPARE(label->text(), Tolk::localize(Tolk::TextDiagramHint));
-        const QPoint middle = hint->mapTo(&desk.panel, hint->rect().center());
-        QWidget* below = desk.panel.childAt(middle);
-        QVERIFY(below != hint && below != label);
-    }
-
-    void theRelationSwitchWaitsForLinksToDraw() {
-        Desk& desk = *m_desk;
-        desk.panel.show();
-        auto* table = desk.panel.findChild<QRadioButton*>("tableRelRadioButton");
-        auto* field = desk.panel.findChild<QRadioButton*>("fieldRelRadioButton");
-        QVERIFY(table->isChecked() && !field->isChecked());
-        QVERIFY(!table->isVisible());
-    }
-
-private:
-    std::unique_ptr<Desk> m_desk;
 };
 
-}  // namespace QB
+}  // namespace QB::Test
 
-QTEST_MAIN(QB::DiagramPanelTest)
+QTEST_MAIN(QB::Test::DiagramPanelTest)
 #include "diagram_panel_test.moc"

@@ -4,6 +4,12 @@
 #include <QWindow>
 #include <QtTest>
 
+#include "canvas/base/context.h"
+#include "canvas/diagram/diagram.h"
+#include "canvas/drawer/diagram_drawer_linux.h"
+#include "canvas/items/base_item_body.h"
+#include "canvas/items/item.h"
+#include "canvas/view/lumo_ui_view.h"
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
 #include "diagrampanel/diagram_panel_widget.h"
 #include "diagrampanel/fake_server.h"
@@ -25,7 +31,7 @@ private Q_SLOTS:
         auto* panel = new QBDiagramPanelWidget;
         layout->addWidget(objects);
         layout->addWidget(panel, 1);
-        window.resize(700, 300);
+        window.resize(700, 600);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         panel->setEngine(desk.engine.get());
@@ -34,11 +40,6 @@ private Q_SLOTS:
         QTRY_COMPARE(tree->topLevelItemCount(), 2);
         tree->topLevelItem(0)->setExpanded(true);
         QTRY_COMPARE(tree->topLevelItem(0)->childCount(), 3);
-        QPoint dropPoint;
-        connect(desk.engine->signalEmitter(),
-                &QBEngineSignalEmitter::topLevelQueryComponentElementModified, panel,
-                [&] { dropPoint = panel->dropPoint(); });
-
         QWindow* handle = window.windowHandle();
         const QPoint from = tree->viewport()->mapTo(
             &window, tree->visualItemRect(tree->topLevelItem(0)->child(0)).center());
@@ -57,7 +58,17 @@ private Q_SLOTS:
         QTest::mouseMove(handle, from + QPoint(15, 2));
         QTest::mouseMove(handle, from + QPoint(30, 5));
         QTRY_COMPARE(desk.sources(), QStringList("main.city"));
-        QCOMPARE(dropPoint, QPoint(150, 120));
+        const auto* diagram = panel->drawer()->diagram();
+        QTRY_COMPARE(diagram->items().size(), std::size_t(1));
+        auto* const body = diagram->items().front()->getBody();
+        const auto middleOfTitle = [&] {
+            const LumoRect title = panel->drawer()->getContext()->translateRectToControlSpace(
+                body->titleRect(), body, panel->drawer()->getControl());
+            const QPoint middle(title.origin.x + title.size.width / 2,
+                                title.origin.y + title.size.height / 2);
+            return panel->drawer()->getView()->mapTo(&window, middle);
+        };
+        QTRY_COMPARE(middleOfTitle(), to);  // once it is laid out
     }
 };
 

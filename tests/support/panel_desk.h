@@ -204,8 +204,9 @@ public:
         if (word == "menu") return openMenu(row) && choose(what);
         if (word == "choose") return choose(rest);
         if (word == "drag") return drag(row, what.toInt());
+        if (word != "hold" && word != "deliver") return false;
         isHeld = word == "hold";
-        return isHeld || word == "deliver";
+        return true;
     }
 
     bool press(const QString& keys) { return pressIn(&window, keys); }
