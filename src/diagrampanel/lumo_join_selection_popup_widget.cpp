@@ -21,7 +21,6 @@
 #include "tools/validation_scope.h"
 #include "ui_lumo_join_selection_popup_widget.h"
 #include "widgets/join_words.h"
-#include "widgets/label_palette.h"
 #include "widgets/plain_tool_tip.h"
 
 namespace QB {
@@ -77,7 +76,7 @@ public:
     void leave();
     void showKind(const Join* join);
     void showCondition(const Join* join);
-    void applyPalette();
+    void retranslate();
 
     void takeKind(const SourceJoinChoice& choice);
     void editUsingList();
@@ -179,8 +178,10 @@ void QBLumoJoinSelectionPopupWidget::Private::showKind(const Join* join) {
 }
 
 void QBLumoJoinSelectionPopupWidget::Private::showCondition(const Join* join) {
-    const QString columns = QString::fromStdString(usingListText(join)).simplified();
-    const QString list = QStringLiteral("USING (%1)").arg(columns);
+    const QString columns = oneLine(usingListText(join));
+    const QString prompt = Tolk::localize(Tolk::TextPromptUsingColumns);
+    const QString list = columns.isEmpty() ? QStringLiteral("USING <%1...>").arg(prompt)
+                                           : QStringLiteral("USING (%1)").arg(columns);
     ui.usingButton->setText(onButton(list, ui.usingButton));
     ui.usingButton->setToolTip(plainToolTip(list));
     ui.usingButton->setAccessibleName(list);
@@ -193,10 +194,7 @@ void QBLumoJoinSelectionPopupWidget::Private::showCondition(const Join* join) {
     q->setFocusProxy(join->needsCondition() ? edited : ui.joinButton);
 }
 
-void QBLumoJoinSelectionPopupWidget::Private::applyPalette() {
-    // Readable names on whatever a popup has for its ground.
-    ui.leftTableLabel->setLabelColour(LabelColour::Value);
-    ui.rightTableLabel->setLabelColour(LabelColour::Value);
+void QBLumoJoinSelectionPopupWidget::Private::retranslate() {
     ui.hintLabel->setText(Tolk::localize(Tolk::TextJoinTakesNoCondition));
 }
 
@@ -252,7 +250,7 @@ QBLumoJoinSelectionPopupWidget::QBLumoJoinSelectionPopupWidget(QBEngine_LINUX* e
     connect(d->conditions, &QBConditionBuilderPanelWidget::rootLost, this,
             [this] { d->refresh(); });
     d->connectEngine();
-    d->applyPalette();
+    d->retranslate();
     d->refresh();
 }
 
@@ -278,9 +276,10 @@ bool QBLumoJoinSelectionPopupWidget::eventFilter(QObject* watched, QEvent* event
 
 void QBLumoJoinSelectionPopupWidget::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (event->type() != QEvent::LanguageChange) return;
-    d->applyPalette();
-    d->refresh();
+    if (!d->conditions) return;  // in the making
+    if (event->type() == QEvent::LanguageChange) d->retranslate();
+    if (event->type() == QEvent::LanguageChange || event->type() == QEvent::PaletteChange)
+        d->refresh();
 }
 
 /// The rows come with the first showing.

@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <map>
+#include <utility>
 
 #include "platform/tolk/tolk.h"
 #include "widgets/drawn_icons.h"
@@ -56,12 +57,14 @@ QString joinDescription(SQLJoinType type) {
 }
 
 QPixmap joinPixmap(SQLJoinType type) {
-    static std::map<SQLJoinType, QPixmap> pixmaps;
+    // Where an image is missing, what is drawn for it has the colour of texts.
+    static std::map<std::pair<SQLJoinType, QRgb>, QPixmap> pixmaps;
     const JoinKind& kind = kindOf(type);
-    QPixmap& pixmap = pixmaps[kind.type];
+    const QPalette palette = QGuiApplication::palette();
+    QPixmap& pixmap = pixmaps[{kind.type, palette.color(QPalette::WindowText).rgba()}];
     if (pixmap.isNull())
         pixmap = imageOrSign(QStringLiteral(":/images/%1.png").arg(QLatin1String(kind.image)),
-                             DrawnSign::TwoCircles, QGuiApplication::palette(), 32);
+                             DrawnSign::TwoCircles, palette, 32);
     return pixmap;
 }
 

@@ -1,7 +1,5 @@
 #include "panels/source_selection_panel_widget.h"
 
-#include <QListWidget>
-
 #include "support/from_clause.h"
 #include "support/panel_desk.h"
 #include "support/qt_animations.h"
@@ -55,19 +53,6 @@ public:
         if (word != "back") return false;
         engine->popCurrentLayerTopLevelQueryComponent();
         return true;
-    }
-
-private:
-    static bool chooseJoin(int type) {
-        QWidget* const popup = QApplication::activePopupWidget();
-        auto* const list = popup ? popup->findChild<QListWidget*>() : nullptr;
-        for (int i = 0; list && i < list->count(); ++i) {
-            QListWidgetItem* const item = list->item(i);
-            if (item->data(Qt::UserRole + 1) != type) continue;
-            list->scrollToItem(item);
-            return clickAt(list->viewport(), list->visualItemRect(item).topLeft() + QPoint(9, 9));
-        }
-        return false;
     }
 };
 
@@ -162,6 +147,10 @@ const Story stories[] = {
     {"an alias is taken away", "SELECT x.a FROM t AS x",
      "click 0 aliasLabel; key Del; outside; click 0 aliasLabel; type y; key Esc",
      "SELECT t.a FROM t"},
+    {"an alias that another source has is told and can be mended", "SELECT * FROM t, u AS x",
+     "click 0 aliasLabel; type x; key Return; type 2; outside; click 2 aliasLabel; type t; "
+     "outside",
+     "SELECT * FROM t AS x2, u AS t", "goes by the name x."},
     {"an alias by key", "SELECT 1 FROM t",
      "click 0 row; key Right; key Right; key Return; type y; key Return", "SELECT 1 FROM t AS y"},
     // joins

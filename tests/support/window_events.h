@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QListWidget>
 #include <QMenu>
 #include <QTabBar>
 #include <QTreeWidget>
@@ -78,6 +79,19 @@ struct WindowEvents {
         QWidget* const popup = QApplication::activePopupWidget();
         auto* const bar = popup ? popup->findChild<QTabBar*>() : nullptr;
         return bar && clickAt(bar, bar->tabRect(index).center());
+    }
+
+    /// Clicks a kind (SQLJoinType) in the list of kinds of join.
+    static bool chooseJoin(int type) {
+        QWidget* const popup = QApplication::activePopupWidget();
+        auto* const list = popup ? popup->findChild<QListWidget*>() : nullptr;
+        for (int i = 0; list && i < list->count(); ++i) {
+            QListWidgetItem* const item = list->item(i);
+            if (item->data(Qt::UserRole + 1) != type) continue;
+            list->scrollToItem(item);
+            return clickAt(list->viewport(), list->visualItemRect(item).topLeft() + QPoint(9, 9));
+        }
+        return false;
     }
 
     /// Clicks an entry of the open menu. An entry that cannot be chosen closes it.
