@@ -2,50 +2,41 @@
 
 #include "canvas/base/animation.h"
 #include "canvas/base/context.h"
-#include "canvas/base/image_resource_provider_linux.h"
 #include "canvas/base/object.h"
 
 namespace QB::DiagramLumo {
 namespace {
 
-struct MarginCase {
-    int mask;
-    LumoRect bigger;    // in a parent of 200 x 150
-    LumoRect squeezed;  // in a parent of 10 x 10
-};
-
 /// A child at (10, 20, 30, 40) of a parent of 100 x 100.
-class MarginConstraint : public testing::TestWithParam<MarginCase> {};
-
-TEST_P(MarginConstraint, KeepsWhatItsMaskSaysAndRecoversFromASqueeze) {
-    QBLumoObject parent;
-    parent.setRect({0, 0, 100, 100});
-    auto* const child = new QBLumoObject;
-    child->setRect({10, 20, 30, 40});
-    child->setMarginConstraint(GetParam().mask);
-    parent.addChild(child);
-    const auto resized = [&](int width, int height) {
-        parent.setRect({0, 0, width, height});
-        parent.setRequireToVerifyLayout(true);
+TEST(MarginConstraint, KeepsWhatItsMaskSaysAndRecoversFromASqueeze) {
+    const struct {
+        int mask;
+        LumoRect bigger;    // in a parent of 200 x 150
+        LumoRect squeezed;  // in a parent of 10 x 10
+    } cases[] = {{0, {10, 20, 30, 40}, {10, 20, 30, 40}},
+                 {MarginLeft | MarginTop, {10, 20, 30, 40}, {10, 20, 30, 40}},
+                 {MarginRight, {110, 20, 30, 40}, {-80, 20, 30, 40}},
+                 {MarginBottom, {10, 70, 30, 40}, {10, -70, 30, 40}},
+                 {MarginAll, {10, 20, 130, 90}, {10, 20, 0, 0}}};
+    for (const auto& [mask, bigger, squeezed] : cases) {
+        QBLumoObject parent;
+        parent.setRect({0, 0, 100, 100});
+        auto* const child = new QBLumoObject;
+        child->setRect({10, 20, 30, 40});
+        child->setMarginConstraint(mask);
+        parent.addChild(child);
+        for (const LumoRect& size : {LumoRect(0, 0, 200, 150), {0, 0, 10, 10}, {0, 0, 200, 150}}) {
+            parent.setRect(size);
+            parent.setRequireToVerifyLayout(true);
+            parent.layout();
+            EXPECT_EQ(child->getRect(), size.size.width > 10 ? bigger : squeezed) << mask;
+        }
+        parent.setRect({5, 5, 200, 150});
+        child->setRect({1, 2, 3, 4});
         parent.layout();
-        return child->getRect();
-    };
-    EXPECT_EQ(resized(200, 150), GetParam().bigger);
-    EXPECT_EQ(resized(10, 10), GetParam().squeezed);
-    EXPECT_EQ(resized(200, 150), GetParam().bigger);
-    parent.setRect({5, 5, 200, 150});
-    child->setRect({1, 2, 3, 4});
-    parent.layout();
-    EXPECT_EQ(child->getRect(), LumoRect(1, 2, 3, 4)) << "a move keeps no margins";
+        EXPECT_EQ(child->getRect(), LumoRect(1, 2, 3, 4)) << "a move keeps no margins";
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Masks, MarginConstraint,
-    testing::Values(MarginCase{0, {10, 20, 30, 40}, {10, 20, 30, 40}},
-                    MarginCase{MarginLeft | MarginTop, {10, 20, 30, 40}, {10, 20, 30, 40}},
-                    MarginCase{MarginRight, {110, 20, 30, 40}, {-80, 20, 30, 40}},
-                    MarginCase{MarginBottom, {10, 70, 30, 40}, {10, -70, 30, 40}},
-                    MarginCase{MarginAll, {10, 20, 130, 90}, {10, 20, 0, 0}}));
 
 TEST(CanvasObject, TellsOfItsFormerRectangleOnceForAChange) {
     QBLumoObject object;
@@ -110,16 +101,6 @@ TEST(CanvasContext, LetsASlotReplaceItself) {
     context.diagramEmptinessChanged(true);
     context.diagramEmptinessChanged(true);
     EXPECT_EQ(calls, 1);
-}
-
-TEST(ImageProvider, GivesPicturesByNameAndNothingForAMissingOne) {
-    QBLumoImageResourceProvider_LINUX provider;
-    char* data = nullptr;
-    const unsigned long size = provider.loadImage("ResID_BtnSubqueryEdit", &data);
-    ASSERT_GT(size, 8u);
-    EXPECT_EQ(std::string(data + 1, 3), "PNG");
-    EXPECT_EQ(provider.loadImage(":/no/such.png", &data), 0u);
-    EXPECT_NE(data, nullptr);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "platform/lumo/lumo_paint.h"
 #include "support/application.h"
 #include "support/host_callbacks.h"
+#include "support/pixels.h"
 #include "support/plain_control.h"
 
 namespace QB::DiagramLumo {
@@ -51,17 +52,9 @@ protected:
         return image;
     }
 
-    /// Mean of 3 x 3 device pixels.
     LumoColor meanAt(double scale, double x, double y) {
-        const QImage image = picture(scale);
-        int red = 0, green = 0, blue = 0;
-        for (int i = 0; i < 9; ++i) {
-            const QRgb pixel = image.pixel(int(x * scale) + i % 3 - 1, int(y * scale) + i / 3 - 1);
-            red += qRed(pixel);
-            green += qGreen(pixel);
-            blue += qBlue(pixel);
-        }
-        return {red / 9, green / 9, blue / 9, 1};
+        const QColor mean = QB::Test::meanAt(picture(scale), {x * scale, y * scale});
+        return {mean.red(), mean.green(), mean.blue(), 1};
     }
 
     static int distance(const LumoColor& a, const LumoColor& b) {

@@ -260,36 +260,13 @@ TEST(Diagram, LetsWhatIsNoChildOfItKeepItsLinks) {
     EXPECT_EQ(dumpCanvas(&scene.diagram), before);
 }
 
-TEST(Diagram, DrawsALinkFromFieldToField) {
-    struct Case {
-        const char* target;
-        size_t row;
-        bool escape;
-        const char* told;
-    };
-    const std::vector<Case> cases = {
-        {"b", 2, false, " a.id=b.name"},
-        {"b", 0, false, ""},  // the wildcard
-        {"a", 2, false, ""},  // the same item
-        {"b", 2, true, ""},
-    };
-    for (const Case& test : cases) {
-        DiagramScene scene;
-        scene.control.drag(scene.row(scene.bodies["a"], 1),
-                           scene.row(scene.bodies[test.target], test.row));
-        EXPECT_TRUE(scene.diagram.isLinkDragActive());
-        scene.take();
-        scene.diagram.selectObject(scene.item("a"), false);
-        EXPECT_TRUE(scene.key(LumoKeyLeft));
-        EXPECT_EQ(scene.item("a")->getRect().origin.x, 100) << "moved during a link drag";
-        if (test.escape) scene.key(LumoKeyEscape);
-        scene.take();
-        scene.control.release(scene.row(scene.bodies[test.target], test.row));
-        EXPECT_FALSE(scene.diagram.isLinkDragActive());
-        EXPECT_EQ(scene.take(), test.told);
-    }
+TEST(Diagram, MovesNothingDuringALinkDragAndEndsItWithItsItem) {
     DiagramScene scene;
     scene.control.drag(scene.row(scene.bodies["a"], 1), scene.row(scene.bodies["b"], 1));
+    scene.diagram.selectObject(scene.item("a"), false);
+    EXPECT_TRUE(scene.key(LumoKeyLeft));
+    EXPECT_EQ(scene.item("a")->getRect().origin.x, 100);
+    EXPECT_TRUE(scene.diagram.isLinkDragActive());
     QBLumoItem* const source = scene.item("a");
     scene.diagram.removeChild(source);
     delete source;

@@ -80,7 +80,8 @@ TEST_F(FieldList, TellsTheTicksOfTheUser) {
     EXPECT_TRUE(left->isWildcardSelected());
     scene.control.press(boxPoint(left, 1));
     scene.control.release({5, 5});
-    EXPECT_EQ(ticked, " + +b -b") << "released beside the box";
+    scene.control.click(boxPoint(left, 1), LumoButtonRight);
+    EXPECT_EQ(ticked, " + +b -b") << "released beside the box, by the right button";
 
     left->item()->setFieldSelectionHandler([&](QBLumoItem* item, const std::string&, bool) {
         scene.diagram.removeChild(item);
@@ -159,21 +160,23 @@ TEST_F(FieldList, DrawsALinkFromFieldToFieldAndHoldsTheListStill) {
     const struct {
         const char* what;
         size_t from;
-        size_t to;
+        int to;  // -1: another row of the same item
         int32_t keys;
         const char* drawn;
     } cases[] = {
         {"field to field", 1, 2, LumoButtonLeft, " a=field_2"},
         {"to the wildcard", 1, 0, LumoButtonLeft, ""},
+        {"within the item", 1, -1, LumoButtonLeft, ""},
         {"from the wildcard", 0, 2, LumoButtonLeft, ""},
         {"with another key", 1, 2, LumoButtonLeft | LumoKeyShift, ""},
         {"with the right button", 1, 2, LumoButtonRight, ""},
     };
     for (const auto& c : cases) {
         drawn.clear();
-        scene.control.drag(scene.row(left, c.from), scene.row(right, c.to), c.keys);
+        const LumoPoint to = c.to < 0 ? scene.row(left, 2) : scene.row(right, size_t(c.to));
+        scene.control.drag(scene.row(left, c.from), to, c.keys);
         EXPECT_EQ(still(), c.keys == LumoButtonLeft) << c.what;
-        scene.control.release(scene.row(right, c.to), c.keys);
+        scene.control.release(to, c.keys);
         EXPECT_EQ(drawn, c.drawn) << c.what;
         EXPECT_FALSE(still()) << c.what;
     }
@@ -181,30 +184,18 @@ TEST_F(FieldList, DrawsALinkFromFieldToFieldAndHoldsTheListStill) {
 }
 
 TEST_F(FieldList, EndsALinkDragInEveryWayWithoutATrace) {
-    const std::pair<const char*, std::function<void()>> ends[] = {
-        {"Escape",
-         [&] {
-             scene.control.dispatcher()->keyDown(LumoKeyEscape, LumoButtonLeft);
-         }},
-        {"a cancel",
-         [&] {
-             scene.control.dispatcher()->cancel();
-         }},
-        {"other fields",
-         [&] {
-             left->setFields({"x"});
-         }},
-        {"no fields",
-         [&] {
-             left->setFields({});
-         }},
+    const auto end = [this](const std::string& what) {
+        if (what == "Escape") scene.control.dispatcher()->keyDown(LumoKeyEscape, LumoButtonLeft);
+        if (what == "a cancel") scene.control.dispatcher()->cancel();
+        if (what == "other fields") left->setFields({"x"});
+        if (what == "no fields") left->setFields({});
     };
-    for (const auto& [what, end] : ends) {
+    for (const char* what : {"Escape", "a cancel", "other fields", "no fields"}) {
         left->setFields({"a", "b", "c"});
         scene.diagram.layout();
         scene.control.drag(scene.row(left, 1), scene.row(right, 2));
         ASSERT_TRUE(scene.diagram.isLinkDragActive()) << what;
-        end();
+        end(what);
         EXPECT_FALSE(scene.diagram.isLinkDragActive()) << what;
         scene.control.move(scene.row(right, 3));
         EXPECT_FALSE(scene.diagram.isLinkDragActive()) << what << ", moved on";
@@ -255,35 +246,9 @@ TEST_F(FieldList, ScrollsWhileALinkIsDrawnOverItsLastRow) {
     EXPECT_FALSE(overlay->isScrolling());
 }
 
-TEST_F(FieldList, AsksForTheMenuOfARowOrOfTheItem) {
-    const auto field = [this](LumoPoint at) -> std::string {
-        scene.control.rightClicks.clear();
-        scene.control.click(at, LumoButtonRight);
-        if (scene.control.rightClicks.size() != 1) return "not once";
-        const auto* const block =
-            static_cast<const RightClickBlock*>(scene.control.rightClicks[0].get());
-        if (block->clicked != left->item()) return "not the item";
-        const auto found = block->extras.find("FieldName");
-        return found == block->extras.end() ? "no field" : "field " + found->second.toString();
-    };
-    EXPECT_EQ(field(scene.title(left)), "no field");
-    EXPECT_EQ(field(scene.row(left, 2)), "field b");
-    EXPECT_EQ(field(scene.row(left, 0)), "field ");
-    EXPECT_EQ(ticked, "");
-    EXPECT_EQ(field(boxPoint(left, 1)), "field a") << "the right button ticks nothing";
-    EXPECT_EQ(ticked, "");
-}
-
-TEST_F(FieldList, SelectsOnceInAGestureAndOpensFromTheTitleOnly) {
-    std::string selections;
+TEST_F(FieldList, OpensByADoubleClickOnTheTitleOnly) {
     int opened = 0;
-    context().setItemSelectionChanged(
-        [&](QBLumoItem*, bool selected) { selections += selected ? '+' : '-'; });
     context().setItemBodyDoubleClicked([&](QBLumoBaseItemBody*) { ++opened; });
-    scene.control.click(scene.row(left, 1), LumoButtonLeft | LumoKeyControl);
-    EXPECT_EQ(selections, "+");
-    scene.control.click(scene.row(left, 1), LumoButtonLeft | LumoKeyControl);
-    EXPECT_EQ(selections, "+-");
     const auto doubleClick = [this](LumoPoint at) {
         scene.control.dispatcher()->mouseDoubleClick({at.x, at.y}, LumoButtonLeft);
         scene.control.release(at);

@@ -191,30 +191,6 @@ TEST_F(Items, PutBodyListAndAdaptorWhereLinksAndEdgesExpectThem) {
 
 // ---- moving and resizing with the mouse ----
 
-TEST_F(Items, MoveByTheTitleAndGoBackOnEscape) {
-    QBLumoDatabaseItemBody* const first = scene.table("first", {40, 40});
-    QBLumoDatabaseItemBody* const second = scene.table("second", {400, 40});
-    const LumoPoint at = scene.title(first);
-    scene.control.drag(at, at + LumoPoint{50, 30});
-    EXPECT_EQ(first->item()->getRect().origin, (LumoPoint{90, 70}));
-    EXPECT_TRUE(first->item()->isMoving());
-    scene.control.move(at + LumoPoint{50, 31}, LumoButtonLeft | LumoKeyShift);
-    EXPECT_EQ(first->item()->getRect().origin, (LumoPoint{90, 40})) << "along one axis";
-    scene.control.release(at + LumoPoint{50, 31}, LumoButtonLeft | LumoKeyShift);
-    EXPECT_FALSE(first->item()->isMoving());
-    EXPECT_EQ(second->item()->getRect().origin, (LumoPoint{400, 40}));
-
-    scene.diagram.selectAll();
-    const LumoPoint now = scene.title(first);
-    scene.control.drag(now, now + LumoPoint{20, 60});
-    EXPECT_EQ(second->item()->getRect().origin, (LumoPoint{420, 100}));
-    scene.control.dispatcher()->keyDown(LumoKeyEscape, LumoButtonLeft);
-    scene.control.move(now + LumoPoint{80, 80});
-    scene.control.release(now + LumoPoint{80, 80});
-    EXPECT_EQ(first->item()->getRect().origin, (LumoPoint{90, 40}));
-    EXPECT_EQ(second->item()->getRect().origin, (LumoPoint{400, 40})) << "the whole group";
-}
-
 TEST_F(Items, ResizeByTheirEdgesAndGoBackOnEscape) {
     QBLumoDatabaseItemBody* const body = scene.table("orders", {100, 100}, numberedFields(3));
     QBLumoItem* const item = body->item();

@@ -2,7 +2,6 @@
 
 #include <QPainter>
 #include <QtTest>
-#include <cmath>
 
 #include "canvas/base/canvas_style.h"
 #include "canvas/link_scene.h"
@@ -10,6 +9,7 @@
 #include "platform/lumo/lumo_picture_cache.h"
 #include "platform/lumo/lumo_view.h"
 #include "support/host_callbacks.h"
+#include "support/pixels.h"
 
 namespace QB::DiagramLumo {
 namespace {
@@ -22,20 +22,6 @@ QImage canvasImage(QSize size, double scale) {
     QImage image(size * scale, QImage::Format_RGB32);
     image.fill(toQt(themePalette().canvas));
     return image;
-}
-
-/// The mean of 3 x 3 pixels.
-QColor meanAt(const QImage& image, QPointF place) {
-    const QPoint middle(int(std::floor(place.x())), int(std::floor(place.y())));
-    int sum[3] = {};
-    for (int y = -1; y <= 1; ++y)
-        for (int x = -1; x <= 1; ++x) {
-            const QColor pixel = image.pixelColor(middle + QPoint(x, y));
-            sum[0] += pixel.red();
-            sum[1] += pixel.green();
-            sum[2] += pixel.blue();
-        }
-    return {sum[0] / 9, sum[1] / 9, sum[2] / 9};
 }
 
 bool isNear(const QColor& a, const QColor& b) {
@@ -71,8 +57,8 @@ TEST(JoinSymbol, FillsThePartThatTheJoinKeepsInEachThemeScaleAndAngle) {
                         QImage image = canvasImage({80, 60}, scale);
                         QPainter qtPainter(&image);
                         qtPainter.scale(scale, scale);
-                        qtPainter.translate(0.5 / scale,
-                                            0.5 / scale);  // a pixel lies in the middle
+                        // A pixel lies in the middle.
+                        qtPainter.translate(0.5 / scale, 0.5 / scale);
                         LumoPaintConfig config(&qtPainter, road);
                         const JoinSymbol symbol{{40, 30}, angle, c.type, "", {200, 220, 140, 1}};
                         {
@@ -83,7 +69,7 @@ TEST(JoinSymbol, FillsThePartThatTheJoinKeepsInEachThemeScaleAndAngle) {
                         turn.scale(scale, scale).translate(40, 30).rotate(angle);
                         const auto check = [&](QPointF place, char color) {
                             if (color == '-') return;
-                            const QColor seen = meanAt(image, turn.map(place));
+                            const QColor seen = QB::Test::meanAt(image, turn.map(place));
                             EXPECT_TRUE(isNear(seen, colors.at(color)))
                                 << "type " << c.type << " dark " << isDark << " scale " << scale
                                 << " angle " << angle << " picture " << (road != nullptr) << " at "

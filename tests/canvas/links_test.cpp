@@ -42,49 +42,30 @@ AdaptorEnd endAt(int x, int y, int width) {
 TEST(LinkGeometry, DocksEachEndAtTheSideThatFacesTheCentre) {
     const struct {
         const char* what;
-        AdaptorEnd a;
-        AdaptorEnd b;
+        LumoPoint a, b;  // of the adaptors, which are 100 wide
         Route route;
         LumoPoint middle;
         double angle;
-    } cases[] = {{"left to right",
-                  endAt(0, 0, 100),
-                  endAt(300, 100, 100),
-                  {{100, 3}, {300, 103}, false, true},
-                  {200, 53},
-                  28.5231},
-                 {"right to left",
-                  endAt(300, 100, 100),
-                  endAt(0, 0, 100),
-                  {{300, 103}, {100, 3}, true, false},
-                  {200, 53},
-                  -151.4769},
-                 {"one above the other",
-                  endAt(0, 0, 100),
-                  endAt(0, 200, 100),
-                  {{100, 3}, {100, 203}, false, false},
-                  {108, 103},
-                  90},
-                 {"nearly so",
-                  endAt(1, 200, 100),
-                  endAt(0, 0, 100),
-                  {{1, 203}, {100, 3}, true, false},
-                  {50, 103},
-                  -60.1011},
-                 {"rows of one item",
-                  endAt(0, 0, 100),
-                  endAt(0, 20, 100),
-                  {{100, 3}, {100, 23}, false, false},
-                  {108, 13},
-                  90},
-                 {"half a pixel apart",
-                  endAt(0, 0, 100),
-                  endAt(0, 9, 101),
-                  {{100, 3}, {101, 12}, false, false},
-                  {108, 7},
-                  83.6598}};
+    } cases[] = {
+        {"to the right",
+         {0, 0},
+         {300, 100},
+         {{100, 3}, {300, 103}, false, true},
+         {200, 53},
+         28.5231},
+        {"to the left",
+         {300, 100},
+         {0, 0},
+         {{300, 103}, {100, 3}, true, false},
+         {200, 53},
+         -151.4769},
+        {"above", {0, 0}, {0, 200}, {{100, 3}, {100, 203}, false, false}, {108, 103}, 90},
+        {"nearly so", {1, 200}, {0, 0}, {{1, 203}, {100, 3}, true, false}, {50, 103}, -60.1011},
+        {"rows of one item", {0, 0}, {0, 20}, {{100, 3}, {100, 23}, false, false}, {108, 13}, 90}};
     for (const auto& c : cases) {
-        const Route route = routeBetween(c.a, c.b, linkCentre(c.a, c.b));
+        const AdaptorEnd a = endAt(c.a.x, c.a.y, 100);
+        const AdaptorEnd b = endAt(c.b.x, c.b.y, 100);
+        const Route route = routeBetween(a, b, linkCentre(a, b));
         EXPECT_EQ(route, c.route) << c.what;
         EXPECT_EQ(route.middle(), c.middle) << c.what;
         EXPECT_NEAR(route.angle(), c.angle, 1e-3) << c.what;
@@ -323,53 +304,39 @@ TEST(JoinLink, AndItsAdaptorsGoInAnyOrder) {
 
 // ---- adaptors at lists ----
 
-struct PinCase {
-    const char* what;
-    int row;  // of 10 rows of 20 pixels; -1 for no view
-    long offset;
-    int y;  // in the body, whose list is 100 high and begins at 31
-};
-
-class FieldAdaptor : public testing::TestWithParam<PinCase> {};
-
-TEST_P(FieldAdaptor, RidesOnTheListsEdgeWhileItsRowIsScrolledOut) {
-    LinkScene scene;
-    scene.diagram.setRelationMode(FieldRelation);
-    auto* const body = new QBLumoObject;
-    body->setRect({100, 100, 200, 140});
-    scene.diagram.addChild(body);
-    auto* const scroll = new LumoVirtualScrollView;
-    scroll->setRect({1, 31, 193, 100});
-    body->addChild(scroll);
-    scroll->setContentHeight(200);
-    auto* const list = new QBLumoObject;
-    scroll->contentObject()->addChild(list);
-    auto* const adaptor = new QBLumoFieldJoinLinkAdaptor;
-    body->addChild(adaptor);
-    for (int i = 0; i < 10; ++i) {
-        auto* const row = new QBLumoObject;
-        row->setRect({0, i * 20, 180, 20});
-        list->addChild(row);
-        if (i == GetParam().row) adaptor->setFieldView(row);
+TEST(FieldAdaptor, RidesOnTheListsEdgeWhileItsRowIsScrolledOut) {
+    const struct {
+        const char* what;
+        int row;  // of 10 rows of 20 pixels; -1 for no view
+        int offset;
+        int y;  // in the body, whose list is 100 high and begins at 31
+    } cases[] = {{"at its row", 1, 0, 31 + 20 + 10 - 3},
+                 {"scrolled", 2, 30, 31 + 40 - 30 + 10 - 3},
+                 {"above", 0, 50, 31 - 3},
+                 {"below", 9, 0, 131 - 3},
+                 {"no row", -1, 0, 15 - 3}};
+    for (const auto& c : cases) {
+        LinkScene scene;
+        scene.diagram.setRelationMode(FieldRelation);
+        const auto add = [](LumoObject* parent, auto* child, const LumoRect& rect) {
+            child->setRect(rect);
+            parent->addChild(child);
+            return child;
+        };
+        auto* const body = add(&scene.diagram, new QBLumoObject, {100, 100, 200, 140});
+        auto* const scroll = add(body, new LumoVirtualScrollView, {1, 31, 193, 100});
+        scroll->setContentHeight(200);
+        auto* const list = add(scroll->contentObject(), new QBLumoObject, {0, -c.offset, 180, 200});
+        auto* const adaptor = add(body, new QBLumoFieldJoinLinkAdaptor, {});
+        for (int i = 0; i < 10; ++i) {
+            auto* const row = add(list, new QBLumoObject, {0, i * 20, 180, 20});
+            if (i == c.row) adaptor->setFieldView(row);
+        }
+        scene.diagram.layout();
+        EXPECT_EQ(adaptor->getRect().origin.y, c.y) << c.what;
+        EXPECT_EQ(adaptor->getRect().size.height, 6) << c.what;
     }
-    list->setRect({0, int32_t(-GetParam().offset), 180, 200});
-    adaptor->setRequireToVerifyLayout(true);
-    scene.diagram.layout();
-    EXPECT_EQ(adaptor->getRect().origin.y, GetParam().y);
-    EXPECT_EQ(adaptor->getRect().size.height, 6);
 }
-
-INSTANTIATE_TEST_SUITE_P(Pins, FieldAdaptor,
-                         testing::Values(PinCase{"at its row", 1, 0, 31 + 20 + 10 - 3},
-                                         PinCase{"scrolled", 2, 30, 31 + 40 - 30 + 10 - 3},
-                                         PinCase{"above", 0, 50, 31 - 3},
-                                         PinCase{"below", 9, 0, 131 - 3},
-                                         PinCase{"no row", -1, 0, 15 - 3}),
-                         [](const auto& c) {
-                             std::string name = c.param.what;
-                             std::replace(name.begin(), name.end(), ' ', '_');
-                             return name;
-                         });
 
 }  // namespace
 }  // namespace QB::DiagramLumo

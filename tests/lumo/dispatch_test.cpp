@@ -5,8 +5,8 @@
 #include <set>
 #include <string>
 
-#include "fake_control.h"
 #include "platform/lumo/lumo_timer.h"
+#include "scene.h"
 #include "support/application.h"
 
 namespace Lumo::Test {
@@ -154,7 +154,7 @@ protected:
 
     Log log;
     LumoContext context;
-    FakeControl control{&context};
+    QB::Test::PlainControl control{&context, {1000, 1000}};
     std::unique_ptr<Diagram> diagram = std::make_unique<Diagram>("D", &log, &context);
     Object* item;
     Object* row;
@@ -306,24 +306,17 @@ TEST_F(Dispatch, DeliversADoubleClickThatNobodyTakesAsAPress) {
 // ---- every drag has its end ----
 
 TEST_F(Dispatch, EndsEveryDragWithOneDropAndEveryEnterWithOneLeave) {
-    const auto end = [this](int way) {
-        switch (way) {
-            case 0:
-                return release(onCanvas);
-            case 1:
-                return events().cancel();
-            case 2:
-                return void(events().keyDown(LumoKeyEscape, 0));
-            case 3:
-                return move(onCanvas, 0);  // the release was lost
-            case 4:
-                return context.setActiveDiagram(&control, nullptr);
-            default:
-                diagram->removeChild(item);
-        }
+    const auto end = [this](const std::string& way) {
+        if (way == "release") release(onCanvas);
+        if (way == "cancel") events().cancel();
+        if (way == "Escape") events().keyDown(LumoKeyEscape, 0);
+        if (way == "lost release") move(onCanvas, 0);
+        if (way == "no diagram") context.setActiveDiagram(&control, nullptr);
+        if (way == "removed") diagram->removeChild(item);
     };
     row->consumed = {"Drag"};
-    for (int way = 0; way < 6; ++way) {
+    for (const char* way :
+         {"release", "cancel", "Escape", "lost release", "no diagram", "removed"}) {
         SCOPED_TRACE(way);
         context.setActiveDiagram(&control, diagram.get());
         if (!item->getParent()) diagram->addChild(item);
@@ -434,7 +427,7 @@ TEST_F(Dispatch, LivesOnWhenTheDiagramOrTheContextDiesInsideAnEvent) {
     EXPECT_FALSE(events().isGrabbing() || events().isOver(item));
 
     auto other = std::make_unique<LumoContext>();
-    FakeControl late(other.get());
+    QB::Test::PlainControl late(other.get(), {1000, 1000});
     auto shown = std::make_unique<Diagram>("D", &log, other.get());
     shown->setRect({0, 0, 1000, 1000});
     other->setActiveDiagram(&late, shown.get());
@@ -447,7 +440,7 @@ TEST_F(Dispatch, LivesOnWhenTheDiagramOrTheContextDiesInsideAnEvent) {
 
 TEST_F(Dispatch, LivesOnWhenTheControlDiesInsideAnEvent) {
     for (const char* what : {"Down", "Drag", "drag", "Drop", "Up", "Move"}) {
-        auto gone = std::make_unique<FakeControl>(&context);
+        auto gone = std::make_unique<QB::Test::PlainControl>(&context, LumoSize{1000, 1000});
         context.setActiveDiagram(gone.get(), diagram.get());
         on(diagram.get(), what, [&gone] { gone.reset(); });
         const auto feed = [&](auto event) {

@@ -75,41 +75,33 @@ LumoPicture pictureOf(const LumoPicture::Action& action) {
     return picture;
 }
 
-struct ComposeCase {
-    int mode;
-    bool pictures;
-    double all, ofFirst, ofSecond;  // pixels at ten times the size
-};
-
-class Compose : public testing::TestWithParam<ComposeCase> {};
-
 /// A red and a green disc whose common lens is 10,139 pixels.
-TEST_P(Compose, LeavesTheRightPartOfTwoDiscsAtAnyAngle) {
-    const ComposeCase& wanted = GetParam();
-    for (const double angle : {0.0, 33.0}) {
-        const QTransform at = QTransform().translate(300, 300).rotate(angle).scale(10, 10);
-        const QImage image = drawn({600, 600}, at, [&](LumoPainter* painter) {
-            const auto first = disc(-8.5, red);
-            const auto second = disc(8.5, green);
-            const auto rect = lumoMakeDoubleRect(-21, -12.5, 42, 25);
-            if (wanted.pictures)
-                painter->composePictures(pictureOf(first), pictureOf(second), wanted.mode, rect);
-            else
-                painter->composePaintActions(first, second, wanted.mode, rect);
-        });
-        EXPECT_NEAR(area(image), wanted.all, 60) << angle;
-        EXPECT_NEAR(area(image, qRed), wanted.ofFirst, 60) << angle;
-        EXPECT_NEAR(area(image, qGreen), wanted.ofSecond, 60) << angle;
-    }
+TEST(Compose, LeavesTheRightPartOfTwoDiscsAtAnyAngle) {
+    const struct {
+        int mode;
+        bool pictures;
+        double all, ofFirst, ofSecond;  // pixels at ten times the size
+    } cases[] = {{1, false, 38949, 38949, 0},    {2, false, 49088, 38949, 10139},
+                 {3, false, 10139, 10139, 0},    {1, true, 38949, 38949, 0},
+                 {2, true, 49088, 38949, 10139}, {3, true, 10139, 0, 10139}};
+    const auto first = disc(-8.5, red);
+    const auto second = disc(8.5, green);
+    const auto rect = lumoMakeDoubleRect(-21, -12.5, 42, 25);
+    for (const auto& c : cases)
+        for (const double angle : {0.0, 33.0}) {
+            SCOPED_TRACE(testing::Message() << c.mode << ' ' << c.pictures << ' ' << angle);
+            const QTransform at = QTransform().translate(300, 300).rotate(angle).scale(10, 10);
+            const QImage image = drawn({600, 600}, at, [&](LumoPainter* painter) {
+                if (c.pictures)
+                    painter->composePictures(pictureOf(first), pictureOf(second), c.mode, rect);
+                else
+                    painter->composePaintActions(first, second, c.mode, rect);
+            });
+            EXPECT_NEAR(area(image), c.all, 60);
+            EXPECT_NEAR(area(image, qRed), c.ofFirst, 60);
+            EXPECT_NEAR(area(image, qGreen), c.ofSecond, 60);
+        }
 }
-
-INSTANTIATE_TEST_SUITE_P(Modes, Compose,
-                         testing::Values(ComposeCase{1, false, 38949, 38949, 0},
-                                         ComposeCase{2, false, 49088, 38949, 10139},
-                                         ComposeCase{3, false, 10139, 10139, 0},
-                                         ComposeCase{1, true, 38949, 38949, 0},
-                                         ComposeCase{2, true, 49088, 38949, 10139},
-                                         ComposeCase{3, true, 10139, 0, 10139}));
 
 TEST(Picture, IsOneSheetUnderItsAlphaAndScalesIntoARectangle) {
     LumoPicture picture;
@@ -135,25 +127,6 @@ TEST(Picture, IsOneSheetUnderItsAlphaAndScalesIntoARectangle) {
 
 // ---- path and pen ----
 
-struct ShapeCase {
-    const char* name;
-    Draw draw;
-    double area;
-};
-std::ostream& operator<<(std::ostream& out, const ShapeCase& shape) {
-    return out << shape.name;
-}
-
-class Shape : public testing::TestWithParam<ShapeCase> {};
-
-TEST_P(Shape, CoversItsAreaAtEveryScale) {
-    for (const double scale : {1.0, 1.25, 2.0, 3.0}) {
-        const QTransform at = QTransform().translate(100, 100).scale(scale, scale);
-        const QImage image = drawn({300, 300}, at, GetParam().draw);
-        EXPECT_NEAR(area(image) / scale / scale, GetParam().area, GetParam().area * 0.015) << scale;
-    }
-}
-
 void polyline(LumoPainter* painter, int cap) {
     painter->setLineWidth(4);
     painter->setLineCap(cap);
@@ -162,67 +135,65 @@ void polyline(LumoPainter* painter, int cap) {
     painter->lineTo(20, 0);
     painter->stroke();
 }
+void unionOfTwoDiscs(LumoPainter* painter) {
+    painter->addArc(-8.5, 0, 12.5, 0, 360);
+    painter->addArc(8.5, 0, 12.5, -180, 360);
+    painter->fill();
+}
+void halfDiscThenNothingOfItsPath(LumoPainter* painter) {
+    painter->addArc(0, 0, 12, 0, 180);
+    painter->fill();
+    painter->fill();
+    painter->setColor(red);
+    painter->stroke();
+}
+void cornerByAContinuedArc(LumoPainter* painter) {
+    painter->moveTo(0, 0);
+    painter->lineTo(20, 0);
+    painter->arcTo(20, 20, 20, 270, 360);
+    painter->lineTo(0, 20);
+    painter->closePath();
+    painter->fill();
+}
+void lineWithoutRoundEnds(LumoPainter* painter) {
+    painter->setLineWidth(4);
+    painter->setLineCap(LumoCapRound);
+    painter->drawLine(-20, -15, 20, 15);
+}
+void dashInPixelsWhateverTheWidth(LumoPainter* painter) {
+    painter->setLineWidth(5);
+    painter->setLineDash({6, 4});
+    painter->addLine(0, 0, 40, 0);
+    painter->stroke();
+}
+void clipUntilRestore(LumoPainter* painter) {
+    painter->save();
+    painter->addRect(0, 0, 10, 8);
+    painter->clip();
+    painter->addRect(0, 0, 20, 20);
+    painter->fill();
+    painter->restore();
+    painter->addRect(30, 0, 20, 20);
+    painter->fill();
+}
 
-INSTANTIATE_TEST_SUITE_P(
-    Shapes, Shape,
-    testing::Values(ShapeCase{"winding union of two discs",
-                              [](LumoPainter* painter) {
-                                  painter->addArc(-8.5, 0, 12.5, 0, 360);
-                                  painter->addArc(8.5, 0, 12.5, -180, 360);
-                                  painter->fill();
-                              },
-                              2 * 490.87 - 101.39},
-                    ShapeCase{"lower half disc, then nothing of the same path",
-                              [](LumoPainter* painter) {
-                                  painter->addArc(0, 0, 12, 0, 180);
-                                  painter->fill();
-                                  painter->fill();
-                                  painter->setColor(red);
-                                  painter->stroke();
-                              },
-                              226.19},
-                    ShapeCase{"rounded corner by a continued arc",
-                              [](LumoPainter* painter) {
-                                  painter->moveTo(0, 0);
-                                  painter->lineTo(20, 0);
-                                  painter->arcTo(20, 20, 20, 270, 360);
-                                  painter->lineTo(0, 20);
-                                  painter->closePath();
-                                  painter->fill();
-                              },
-                              400 + 314.16},
-                    ShapeCase{"flat polyline",
-                              [](LumoPainter* painter) { polyline(painter, LumoCapFlat); }, 160},
-                    ShapeCase{"round polyline",
-                              [](LumoPainter* painter) { polyline(painter, LumoCapRound); },
-                              160 + 12.57},
-                    ShapeCase{"drawLine ignores round ends",
-                              [](LumoPainter* painter) {
-                                  painter->setLineWidth(4);
-                                  painter->setLineCap(LumoCapRound);
-                                  painter->drawLine(-20, -15, 20, 15);
-                              },
-                              200},
-                    ShapeCase{"dash in pixels, whatever the width",
-                              [](LumoPainter* painter) {
-                                  painter->setLineWidth(5);
-                                  painter->setLineDash({6, 4});
-                                  painter->addLine(0, 0, 40, 0);
-                                  painter->stroke();
-                              },
-                              24 * 5},
-                    ShapeCase{"clip until restore",
-                              [](LumoPainter* painter) {
-                                  painter->save();
-                                  painter->addRect(0, 0, 10, 8);
-                                  painter->clip();
-                                  painter->addRect(0, 0, 20, 20);
-                                  painter->fill();
-                                  painter->restore();
-                                  painter->addRect(30, 0, 20, 20);
-                                  painter->fill();
-                              },
-                              480}));
+TEST(Shape, CoversItsAreaAtEveryScale) {
+    const std::pair<Draw, double> shapes[] = {
+        {unionOfTwoDiscs, 2 * 490.87 - 101.39},
+        {halfDiscThenNothingOfItsPath, 226.19},
+        {cornerByAContinuedArc, 400 + 314.16},
+        {[](LumoPainter* painter) { polyline(painter, LumoCapFlat); }, 160},
+        {[](LumoPainter* painter) { polyline(painter, LumoCapRound); }, 160 + 12.57},
+        {lineWithoutRoundEnds, 200},
+        {dashInPixelsWhateverTheWidth, 24 * 5},
+        {clipUntilRestore, 480}};
+    for (const auto& [draw, covered] : shapes)
+        for (const double scale : {1.0, 1.25, 2.0, 3.0}) {
+            const QTransform at = QTransform().translate(100, 100).scale(scale, scale);
+            EXPECT_NEAR(area(drawn({300, 300}, at, draw)) / scale / scale, covered, covered * 0.015)
+                << covered << " at " << scale;
+        }
+}
 
 TEST(Painter, JoinsFilledNeighboursWithoutASeamAtAnyZoom) {
     for (const double zoom : {0.25, 0.5, 0.83, 1.0, 1.25, 1.1 * 1.1})

@@ -3,12 +3,13 @@
 #include <QImage>
 #include <QPainter>
 
-#include "fake_control.h"
 #include "platform/lumo/lumo_label.h"
 #include "platform/lumo/lumo_paint.h"
 #include "platform/lumo/lumo_scroll_bar.h"
 #include "platform/lumo/lumo_virtual_scroll_view.h"
+#include "scene.h"
 #include "support/application.h"
+#include "support/pixels.h"
 
 namespace Lumo::Test {
 namespace {
@@ -77,19 +78,6 @@ protected:
     Block* content = nullptr;
 };
 
-/// The mean of 3 x 3 pixels around a place of the canvas.
-QColor meanAt(const QImage& image, int scale, QPoint at) {
-    int sums[3] = {};
-    for (int dx = -1; dx <= 1; ++dx)
-        for (int dy = -1; dy <= 1; ++dy) {
-            const QColor color = image.pixelColor(at * scale + QPoint(dx, dy));
-            sums[0] += color.red();
-            sums[1] += color.green();
-            sums[2] += color.blue();
-        }
-    return QColor(sums[0] / 9, sums[1] / 9, sums[2] / 9);
-}
-
 TEST(ScrollThumb, StandsForThePartThatShows) {
     const struct {
         LumoScrollRange range;
@@ -145,44 +133,41 @@ TEST_F(ScrollView, GivesRoomToPaddingAndBars) {
     EXPECT_EQ(view->getContentRect().size, (LumoSize{0, 0}));
 }
 
-struct WheelCase {
-    const char* name;
-    bool jumpOut, allowed, enabled;
-    long contentHeight, offset;
-    int notches;
-    long offsetAfter;
-    bool reachesBelow;
-};
-class ScrollViewWheel : public ScrollView, public testing::WithParamInterface<WheelCase> {};
-
-TEST_P(ScrollViewWheel, ScrollsOrGoesOn) {
-    const WheelCase& wheelCase = GetParam();
-    Delegate delegate;
-    view->setScrollViewDelegate(&delegate);
-    view->setAutoJumpOut(wheelCase.jumpOut);
-    view->setEnableVerticalScrollBar(wheelCase.enabled, false);
-    view->setContentHeight(wheelCase.contentHeight);
-    view->setContentOffsetY(wheelCase.offset);
-    delegate.allowed = wheelCase.allowed;
-    delegate.changes = 0;
-    EXPECT_EQ(wheel(wheelCase.notches), !wheelCase.reachesBelow);
-    EXPECT_EQ(view->getContentOffsetY(), wheelCase.offsetAfter);
-    EXPECT_EQ(below->wheels, wheelCase.reachesBelow ? 1 : 0);
-    EXPECT_EQ(delegate.changes, wheelCase.offsetAfter != wheelCase.offset ? 1 : 0);
+TEST_F(ScrollView, ScrollsByTheWheelOrLetsItGoOn) {
+    const struct {
+        const char* what;
+        bool jumpOut, allowed, enabled;
+        long contentHeight, offset;
+        int notches;
+        long offsetAfter;
+        bool reachesBelow;
+    } cases[] = {{"a fifth of the view", true, true, true, 1000, 0, 1, 40, false},
+                 {"back", true, true, true, 1000, 100, -2, 20, false},
+                 {"up to the end", true, true, true, 1000, 790, 1, 800, false},
+                 {"jumps out at the end", true, true, true, 1000, 800, 1, 800, true},
+                 {"stays at the end", false, true, true, 1000, 800, 1, 800, false},
+                 {"stays at the start", false, true, true, 1000, 0, -1, 0, false},
+                 {"refused", false, false, true, 1000, 0, 1, 0, true},
+                 {"without a bar", false, true, false, 1000, 0, 1, 0, true},
+                 {"all shows", false, true, true, 150, 0, 1, 0, true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        Delegate delegate;
+        view->setScrollViewDelegate(&delegate);
+        view->setAutoJumpOut(c.jumpOut);
+        view->setEnableVerticalScrollBar(c.enabled, false);
+        view->setContentHeight(c.contentHeight);
+        view->setContentOffsetY(c.offset);
+        delegate.allowed = c.allowed;
+        delegate.changes = 0;
+        below->wheels = 0;
+        EXPECT_EQ(wheel(c.notches), !c.reachesBelow);
+        EXPECT_EQ(view->getContentOffsetY(), c.offsetAfter);
+        EXPECT_EQ(below->wheels, c.reachesBelow ? 1 : 0);
+        EXPECT_EQ(delegate.changes, c.offsetAfter != c.offset ? 1 : 0);
+    }
+    view->setScrollViewDelegate(nullptr);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ScrollViewWheel,
-    testing::Values(WheelCase{"AFifthOfTheView", true, true, true, 1000, 0, 1, 40, false},
-                    WheelCase{"Back", true, true, true, 1000, 100, -2, 20, false},
-                    WheelCase{"UpToTheEnd", true, true, true, 1000, 790, 1, 800, false},
-                    WheelCase{"JumpsOutAtTheEnd", true, true, true, 1000, 800, 1, 800, true},
-                    WheelCase{"StaysAtTheEnd", false, true, true, 1000, 800, 1, 800, false},
-                    WheelCase{"StaysAtTheStart", false, true, true, 1000, 0, -1, 0, false},
-                    WheelCase{"Refused", false, false, true, 1000, 0, 1, 0, true},
-                    WheelCase{"WithoutABar", false, true, false, 1000, 0, 1, 0, true},
-                    WheelCase{"AllShows", false, true, true, 150, 0, 1, 0, true}),
-    [](const auto& testInfo) { return std::string(testInfo.param.name); });
 
 TEST_F(ScrollView, AddsUpTheSmallStepsOfATouchpad) {
     for (int i = 0; i < 30; ++i)
@@ -231,7 +216,7 @@ TEST_F(ScrollView, ShowsAndHitsItsContentOnlyWithinItself) {
     for (const int scale : {1, 2}) {
         const QImage image = rendered(scale);
         const auto seen = [&](int x, int y) {
-            return meanAt(image, scale, {x, y}).name().toStdString();
+            return QB::Test::meanAt(image, QPoint(x, y) * scale).name().toStdString();
         };
         EXPECT_EQ(seen(60, 78), "#ffffff") << "above the view's content";
         EXPECT_EQ(seen(60, 84), "#c80000");
@@ -255,7 +240,7 @@ TEST_F(ScrollView, PaintsABarThatLightsUpUnderThePointer) {
     content->setVisible(false);
     scene.settle();
     const auto greyAt = [&](int scale, QPoint at) {
-        return meanAt(rendered(scale), scale, at).red();
+        return QB::Test::meanAt(rendered(scale), at * scale).red();
     };
     for (const int scale : {1, 2}) {
         scene.control.dispatcher()->mouseMove({10, 10}, 0);

@@ -121,66 +121,47 @@ private Q_SLOTS:
     }
 
     void aPopupAnswersOnceAndGivesTheFocusBackWhicheverWayItEnds() {
-        struct Case {
-            const char* name;
-            bool isAccepted;
-            std::function<void(Host&, QBInputPopup*)> end;
-        };
-        const Case cases[] = {
-            {"Return", true,
-             [](Host& host, QBInputPopup*) {
-                 host.press(Qt::Key_Return);
-             }},
-            {"Esc", false,
-             [](Host& host, QBInputPopup*) {
-                 host.press(Qt::Key_Escape);
-             }},
-            {"a click outside", true,
-             [](Host& host, QBInputPopup*) {
-                 host.clickOutside();
-             }},
-            {"accept", true,
-             [](Host& host, QBInputPopup*) {
-                 host.panel->popup.accept();
-             }},
-            {"cancel", false,
-             [](Host& host, QBInputPopup*) {
-                 host.panel->popup.cancel();
-             }},
-            {"two answers", false,
-             [](Host&, QBInputPopup* popup) {
-                 popup->closePopup(false);
-                 popup->closePopup(true);
-                 popup->close();
-             }},
-            {"a window of the host", true,
-             [](Host&, QBInputPopup*) {
-                 QDialog().show();
-             }},
-        };
-        for (const Case& each : cases) {
+        const std::pair<const char*, bool> cases[] = {{"Return", true},
+                                                      {"Esc", false},
+                                                      {"a click outside", true},
+                                                      {"accept", true},
+                                                      {"cancel", false},
+                                                      {"two answers", false},
+                                                      {"a window of the host", true}};
+        for (const auto& [name, isAccepted] : cases) {
+            const QString way = name;
             Host host;
             QVERIFY(host.isReady);
             QStringList answers;
             QLineEdit* line =
                 host.panel->popup.openLine("old", host.panel->anchor, [&](const QString& text) {
-                    QVERIFY2(!host.panel->popup.isOpen(), each.name);
+                    QVERIFY2(!host.panel->popup.isOpen(), qPrintable(way));
                     answers << text;
                 });
             const QPointer<QBInputPopup> popup = qobject_cast<QBInputPopup*>(line->window());
             QSignalSpy done(popup, &QBInputPopup::done);
             connect(popup, &QBInputPopup::done, this, [&] {
-                QVERIFY2(!popup->isVisible() && host.panel->list->hasFocus(), each.name);
+                QVERIFY2(!popup->isVisible() && host.panel->list->hasFocus(), qPrintable(way));
             });
-            QVERIFY2(line->hasFocus() && host.panel->popup.isOpen(), each.name);
+            QVERIFY2(line->hasFocus() && host.panel->popup.isOpen(), qPrintable(way));
             for (const char key : {'n', 'e', 'w'})
                 QTest::keyClick(host.handle(), key);
-            each.end(host, popup);
-            QVERIFY2(!host.panel->popup.isOpen(), each.name);
-            QTRY_VERIFY2(!popup, each.name);
+            if (way == "Return") host.press(Qt::Key_Return);
+            if (way == "Esc") host.press(Qt::Key_Escape);
+            if (way == "a click outside") host.clickOutside();
+            if (way == "accept") host.panel->popup.accept();
+            if (way == "cancel") host.panel->popup.cancel();
+            if (way == "two answers") {
+                popup->closePopup(false);
+                popup->closePopup(true);
+                popup->close();
+            }
+            if (way == "a window of the host") QDialog().show();
+            QVERIFY2(!host.panel->popup.isOpen(), qPrintable(way));
+            QTRY_VERIFY2(!popup, qPrintable(way));
             QCOMPARE(done.count(), 1);
-            QCOMPARE(done[0][0].toBool(), each.isAccepted);
-            QCOMPARE(answers, each.isAccepted ? QStringList("new") : QStringList());
+            QCOMPARE(done[0][0].toBool(), isAccepted);
+            QCOMPARE(answers, isAccepted ? QStringList("new") : QStringList());
         }
     }
 
@@ -253,27 +234,21 @@ private Q_SLOTS:
     /// Where the panel goes with the popup open there is no answer, and nothing of the panel's
     /// parts is asked to do anything once the panel's own destructor has begun.
     void aPopupGoesWithItsPanel() {
-        const std::function<void(Host&)> deaths[] = {
-            [](Host& host) { delete host.panel; },
-            // In the loop of the first paint, and from an event after the panel was hidden.
-            [](Host& host) {
-                QMetaObject::invokeMethod(
-                    &host.window, [&host] { delete host.panel; }, Qt::QueuedConnection);
-                QTest::qWait(1);
-            },
-            [](Host& host) {
-                host.panel->hide();
-                delete host.panel;
-            },
-        };
-        for (const auto& die : deaths) {
+        // "later": in the loop of the first paint.
+        for (const QString death : {"at once", "later", "hidden"}) {
             Host host;
             PanelBase::focusEventsOfTheDying = 0;
             QLineEdit* line = host.panel->popup.openLine("", host.panel->anchor,
                                                          [](const QString&) { QFAIL("accepted"); });
             const QPointer<QWidget> popup = line->window();
             QSignalSpy done(line->window(), SIGNAL(done(bool)));
-            die(host);
+            if (death == "later") {
+                QMetaObject::invokeMethod(
+                    &host.window, [&host] { delete host.panel; }, Qt::QueuedConnection);
+                QTest::qWait(1);
+            }
+            if (death == "hidden") host.panel->hide();
+            delete host.panel;
             QVERIFY(!host.panel && !popup);
             QTest::qWait(1);
             QCOMPARE(done.count(), 0);
@@ -311,47 +286,41 @@ private Q_SLOTS:
         QVERIFY2(host.panel->list->hasFocus(), "the panel stands in for what had the focus");
     }
 
-    void aPopupStandsUnderOrAboveItsAnchorInsideTheScreen_data() {
-        QTest::addColumn<QRect>("anchor");
-        QTest::addColumn<bool>("isMirrored");
-        QTest::addColumn<QPoint>("pivot");
-        QTest::addColumn<QPoint>("expected");
+    void aPopupStandsUnderOrAboveItsAnchorInsideTheScreen() {
         const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
         const int right = room.right() - 199;
         const int bottom = room.bottom() + 1;
         const QPoint none(-1, -1);
-        const auto add = [](const char* name, QRect anchor, bool isMirrored, QPoint pivot,
-                            QPoint expected) {
-            QTest::newRow(name) << anchor << isMirrored << pivot << expected;
+        const struct {
+            const char* what;
+            QRect anchor;
+            bool isMirrored;
+            QPoint pivot, expected;
+        } cases[] = {
+            {"middle", {300, 300, 50, 20}, false, none, {300, 320}},
+            {"right to left", {300, 300, 50, 20}, true, none, {150, 320}},
+            {"left edge", {-30, 300, 50, 20}, false, none, {0, 320}},
+            {"right edge", {room.right() - 60, 300, 50, 20}, false, none, {right, 320}},
+            {"top edge", {300, 0, 50, 20}, false, none, {300, 20}},
+            {"just fits", {300, bottom - 120, 50, 20}, false, none, {300, bottom - 100}},
+            {"bottom", {300, bottom - 119, 50, 20}, false, none, {300, bottom - 220}},
+            {"corner", {right + 139, bottom - 30, 50, 20}, false, none, {right, bottom - 131}},
+            {"at a point", {300, 300, 50, 20}, false, {5, 7}, {305, 307}},
+            {"at a point, right to left", {300, 300, 50, 20}, true, {45, 7}, {145, 307}},
+            {"as high as the screen", {300, 1, 50, room.height() - 2}, false, none, {300, 0}},
         };
-        add("middle", {300, 300, 50, 20}, false, none, {300, 320});
-        add("right to left", {300, 300, 50, 20}, true, none, {150, 320});
-        add("left edge", {-30, 300, 50, 20}, false, none, {0, 320});
-        add("right edge", {room.right() - 60, 300, 50, 20}, false, none, {right, 320});
-        add("top edge", {300, 0, 50, 20}, false, none, {300, 20});
-        add("just fits below", {300, bottom - 120, 50, 20}, false, none, {300, bottom - 100});
-        add("bottom edge", {300, bottom - 119, 50, 20}, false, none, {300, bottom - 220});
-        add("corner", {room.right() - 60, bottom - 30, 50, 20}, false, none, {right, bottom - 131});
-        add("at a point", {300, 300, 50, 20}, false, QPoint(5, 7), {305, 307});
-        add("at a point, right to left", {300, 300, 50, 20}, true, QPoint(45, 7), {145, 307});
-        add("as high as the screen", {300, 1, 50, room.height() - 2}, false, none, {300, 0});
-    }
-
-    void aPopupStandsUnderOrAboveItsAnchorInsideTheScreen() {
-        QFETCH(QRect, anchor);
-        QFETCH(bool, isMirrored);
-        QFETCH(QPoint, pivot);
-        QFETCH(QPoint, expected);
-        QWidget window(nullptr, Qt::FramelessWindowHint);
-        window.setLayoutDirection(isMirrored ? Qt::RightToLeft : Qt::LeftToRight);
-        window.setGeometry(anchor);
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
-        auto* popup = new QBInputPopup(&window);
-        popup->setContent(fixedContent(), false);
-        popup->popup(&window, pivot.x() < 0 ? nullptr : &pivot);
-        QCOMPARE(popup->geometry(), QRect(expected, QSize(200, 100)));
-        popup->close();
+        for (const auto& each : cases) {
+            QWidget window(nullptr, Qt::FramelessWindowHint);
+            window.setLayoutDirection(each.isMirrored ? Qt::RightToLeft : Qt::LeftToRight);
+            window.setGeometry(each.anchor);
+            window.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&window));
+            auto* popup = new QBInputPopup(&window);
+            popup->setContent(fixedContent(), false);
+            popup->popup(&window, each.pivot == none ? nullptr : &each.pivot);
+            QVERIFY2(popup->geometry() == QRect(each.expected, QSize(200, 100)), each.what);
+            popup->close();
+        }
     }
 
     void aPopupFollowsItsContentAndStaysInside() {
@@ -429,30 +398,12 @@ private Q_SLOTS:
     }
 
     void aDialogFinishesOnceWithItsCode() {
-        struct Case {
-            int code;
-            std::function<void(QBInputDialog*)> end;
+        const auto click = [](QDialog* dialog, QDialogButtonBox::StandardButton which) {
+            const QPushButton* button = dialog->findChild<QDialogButtonBox*>()->button(which);
+            QTest::mouseClick(dialog->windowHandle(), Qt::LeftButton, {},
+                              button->mapTo(dialog, button->rect().center()));
         };
-        const auto press = [](Qt::Key key) {
-            return [key](QBInputDialog* dialog) {
-                QTest::keyPress(dialog->windowHandle(), key);
-            };
-        };
-        const auto click = [](QDialogButtonBox::StandardButton which) {
-            return [which](QBInputDialog* dialog) {
-                const QPushButton* button = dialog->findChild<QDialogButtonBox*>()->button(which);
-                QTest::mouseClick(dialog->windowHandle(), Qt::LeftButton, {},
-                                  button->mapTo(dialog, button->rect().center()));
-            };
-        };
-        const Case cases[] = {{QDialog::Accepted, press(Qt::Key_Return)},
-                              {QDialog::Rejected, press(Qt::Key_Escape)},
-                              {QDialog::Accepted, click(QDialogButtonBox::Ok)},
-                              {QDialog::Rejected, click(QDialogButtonBox::Cancel)},
-                              {QDialog::Rejected, [](QBInputDialog* dialog) {
-                                   dialog->close();
-                               }}};
-        for (const Case& each : cases) {
+        for (const QString way : {"Return", "Ok", "Esc", "Cancel", "close"}) {
             const QPointer<QBInputDialog> dialog = new QBInputDialog;
             auto* content = new QWidget;
             content->setFocusProxy(new QLineEdit(content));
@@ -461,9 +412,14 @@ private Q_SLOTS:
             const QSignalSpy finished(dialog, &QDialog::finished);
             dialog->show();
             QVERIFY(dialog->isModal() && QTest::qWaitForWindowExposed(dialog));
-            each.end(dialog);
+            if (way == "Return") QTest::keyPress(dialog->windowHandle(), Qt::Key_Return);
+            if (way == "Esc") QTest::keyPress(dialog->windowHandle(), Qt::Key_Escape);
+            if (way == "Ok") click(dialog, QDialogButtonBox::Ok);
+            if (way == "Cancel") click(dialog, QDialogButtonBox::Cancel);
+            if (way == "close") dialog->close();
             QCOMPARE(finished.count(), 1);
-            QCOMPARE(finished[0][0].toInt(), each.code);
+            const bool isAccepted = way == "Return" || way == "Ok";
+            QCOMPARE(finished[0][0].toInt(), isAccepted ? QDialog::Accepted : QDialog::Rejected);
             QTRY_VERIFY(!dialog);
         }
     }

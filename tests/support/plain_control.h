@@ -8,22 +8,23 @@
 
 namespace QB::Test {
 
-/// A control without a widget: shows a part of the diagram at its own size, and keeps what the
+/// A control without a widget: shows a part of the diagram, and keeps what the
 /// canvas tells it. Events go in through its dispatcher, in the space of the diagram.
 class PlainControl : public LumoControl {
 public:
     PlainControl(LumoContext* context, LumoSize size) : LumoControl(context), m_size(size) {}
 
-    LumoControlPoint getScrollOrigin() const override { return m_origin; }
-    void setScrollOrigin(LumoControlPoint origin) override { m_origin = origin; }
-    LumoRect getDisplayRect() const override { return {{m_origin.x, m_origin.y}, m_size}; }
-    double getZoom() const override { return 1; }
-    void setZoom(double, LumoControlPoint) override {}
+    LumoControlPoint getScrollOrigin() const override { return origin; }
+    void setScrollOrigin(LumoControlPoint at) override { origin = at; }
+    LumoRect getDisplayRect() const override { return {{origin.x, origin.y}, m_size}; }
+    double getZoom() const override { return zoom; }
+    void setZoom(double to, LumoControlPoint) override { zoom = to; }
     void zoomIn() override {}
     void zoomOut() override {}
     void zoomReset() override {}
     void scrollToVisible(const LumoRect&, bool) override {}
-    void diagramChanged() override {}
+    void diagramChanged() override { ++changes; }
+    void layoutWanted() override { ++layoutsWanted; }
     void updateRegion(const LumoRect& rect) override { dirty.push_back(rect); }
     void cursorChanged(int code) override { cursor = code; }
     void rightClicked(const LumoMessageRightClickParam& param, LumoPoint) override {
@@ -50,6 +51,10 @@ public:
         move(to, keys);
     }
 
+    LumoControlPoint origin;
+    double zoom = 1;
+    int changes = 0;
+    int layoutsWanted = 0;
     int cursor = 0;
     std::vector<LumoRect> dirty;
     std::vector<std::shared_ptr<void>> rightClicks;
@@ -58,7 +63,6 @@ private:
     LumoControlPoint inControl(LumoPoint at) const { return diagramSpaceToControlSpace(at); }
 
     LumoSize m_size;
-    LumoControlPoint m_origin;
 };
 
 }  // namespace QB::Test
