@@ -12,7 +12,9 @@
 #include <utility>
 
 #include "engine/engine_linux.h"
+#include "frame/builder_layout.h"
 #include "frame/clause_tabs.h"
+#include "frame/query_history.h"
 #include "frame/simple_query_preview_panel_widget.h"
 #include "model/callbacks.h"
 #include "platform/tolk/text_ids.h"
@@ -83,14 +85,19 @@ QBQueryBuilderWidget::QBQueryBuilderWidget(std::vector<ClauseTab> clauseTabs, QW
     setupUi();
 }
 
-QBQueryBuilderWidget::~QBQueryBuilderWidget() = default;
+/// The history first: it looks at the diagram when events come to it, and some do while it goes.
+QBQueryBuilderWidget::~QBQueryBuilderWidget() {
+    delete m_history;
+}
 
 void QBQueryBuilderWidget::setupUi() {
     localizeControls();
     ui->horizontalSplitter->setSizes(initialPaneWidths);
     ui->objectTreePanel->setPartnerDiagram(ui->diagramPanel);
+    m_history = new QBQueryHistory(ui->diagramPanel, this);
     connectDiagram();
     updateButtonIcons();
+    m_layout = new BuilderLayout(this, ui.get());
     connectPaneButtons();
     connect(ui->tabWidget, &QTabWidget::currentChanged, this, [this] {
         deactivatePanels(ui->tabWidget->currentWidget());
@@ -133,25 +140,9 @@ void QBQueryBuilderWidget::connectPaneButtons() {
         {{ui->objectTreeButton, ui->objectTreePanel}, {ui->previewButton, ui->previewContainer}}};
     for (const auto& [button, pane] : panes)
         connect(button, &QToolButton::clicked, this, [this, pane = pane] {
-            togglePane(pane);
+            m_layout->togglePane(pane);
             updateButtonIcons();
         });
-}
-
-/// What a pane gives up when it is hidden, and takes back, is the diagram's: left alone, the
-/// splitter would spread it over all panes.
-void QBQueryBuilderWidget::togglePane(QWidget* pane) {
-    QSplitter* splitter = ui->horizontalSplitter;
-    const int index = splitter->indexOf(pane);
-    QList<int> widths = splitter->sizes();
-    const bool isShowing = pane->isHidden();
-    if (!isShowing) m_shownPaneWidths[pane] = widths[index];
-    const int change =
-        isShowing ? m_shownPaneWidths.value(pane, pane->sizeHint().width()) : -widths[index];
-    widths[index] += change;
-    widths[diagramIndex] -= change;
-    pane->setHidden(!isShowing);
-    splitter->setSizes(widths);
 }
 
 void QBQueryBuilderWidget::connectDialogButtons() {
@@ -194,6 +185,19 @@ void QBQueryBuilderWidget::setEngine(QBEngine_LINUX* engine) {
     renewPanelsIfNeeded();
     connectEngine();
     rebuildNavigationBar();
+    m_history->setEngine(engine);
+}
+
+QBQueryHistory* QBQueryBuilderWidget::history() const {
+    return m_history;
+}
+
+QUndoStack* QBQueryBuilderWidget::undoStack() const {
+    return m_history->undoStack();
+}
+
+QBCanvasCommands* QBQueryBuilderWidget::canvasCommands() const {
+    return ui->diagramPanel->commands();
 }
 
 QBEngine_LINUX* QBQueryBuilderWidget::engine() const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QHash>
 #include <QMap>
 #include <QPointer>
 #include <QString>
@@ -22,6 +21,7 @@ class QBQueryBuilderWidget;
 
 namespace QB {
 
+class BuilderLayout;
 class QBAbstractQueryPreviewPanelWidget;
 class QBCanvasCommands;
 class QBEngine_LINUX;
@@ -133,7 +133,6 @@ private:
     void setUpShortcuts();
     void connectDiagram();
     void connectPaneButtons();
-    void togglePane(QWidget* pane);
     void connectDialogButtons();
     void connectEngine();
     void addTab(const ClauseTab& clauseTab, QBTopLevelElementPanelWidget* panel);
@@ -158,8 +157,9 @@ private:
     QPointer<QObject> m_emitter;         // not owned: the engine's signal emitter
     QBAbstractQueryPreviewPanelWidget* m_previewPanel = nullptr;  // not owned: a child
     bool m_supportsBuildAndRun = true;
-    QTabWidget* m_diagramTabs = nullptr;     // not owned: a child; null until asked for
-    QHash<QWidget*, int> m_shownPaneWidths;  // of panes that were hidden
+    QBQueryHistory* m_history = nullptr;  // not owned: a child
+    QTabWidget* m_diagramTabs = nullptr;  // not owned: a child; null until asked for
+    BuilderLayout* m_layout = nullptr;    // not owned: a child
     const std::vector<ClauseTab> m_clauseTabs;
     /// By tab; null until the tab was needed.
     std::vector<QBTopLevelElementPanelWidget*> m_clausePanels;  // not owned: children
