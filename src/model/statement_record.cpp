@@ -110,7 +110,7 @@ public:
         const int kind = m_archive.template component<SourceKinds>(slot);
         if (kind == 0) return;
         m_archive.text(slot->alias);
-        SourceKinds::use(*slot, kind, [this](auto& known) { fields(known); });
+        SourceKinds::use(*slot, kind, [this](auto& known) { this->fields(known); });
     }
 
     void column(Column*& slot) {
@@ -118,7 +118,7 @@ public:
         if (kind == 0) return;
         m_archive.text(slot->alias);
         extraData(slot->extraData);
-        ColumnKinds::use(*slot, kind, [this](auto& known) { fields(known); });
+        ColumnKinds::use(*slot, kind, [this](auto& known) { this->fields(known); });
     }
 
 private:
@@ -151,7 +151,7 @@ private:
     void extraData(Column::ExtraDataBase*& slot) {
         const int kind = m_archive.template object<ExtraDataKinds>(slot);
         if (kind == 0) return;
-        ExtraDataKinds::use(*slot, kind, [this](auto& known) { fields(known); });
+        ExtraDataKinds::use(*slot, kind, [this](auto& known) { this->fields(known); });
     }
 
     void limit(ELEMSQLLimitExpr& element) {
