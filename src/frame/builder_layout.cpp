@@ -17,7 +17,7 @@ namespace {
 
 constexpr int noPosition = std::numeric_limits<int>::max();
 constexpr int diagramIndex = 1;
-constexpr QLatin1String relationModeKey("RelationMode");
+const QLatin1String relationModeKey("RelationMode");
 /// Of a window that would lie outside of all screens: what must show, to get hold of it.
 constexpr QSize handhold(100, 40);
 
