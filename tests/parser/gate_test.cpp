@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+#include <stdexcept>
+
 #include "model/dump.h"
 #include "model/element_expressions.h"
 #include "support/round_trip.h"
@@ -92,6 +95,30 @@ TEST(Gate, RefusesATextThatWouldMeanSomethingElse) {
         EXPECT_EQ(outcome.statement.location, 0);
         EXPECT_EQ(dumpStatement(statement.get()), "statement\n  select\n");
     }
+}
+
+TEST(Gate, AcceptsNothingWithoutAGeneratorAndLeavesFamiliesWithoutAModelAlone) {
+    const StatementText installed = statementText();
+    installStatementText(nullptr);
+    const OwnedStatement statement(new SQLSelectStmtComponent);
+    EXPECT_EQ(parse(statement.get(), "SELECT 1").message,
+              "The query cannot be represented: no text generator is installed to check it with.");
+    installStatementText(installed);
+    std::set<TopLevelQueryComponentElementEnum> changed;
+    statement->limitExpr->rowCount = 5;
+    for (const auto type : {DatabaseTypeNone, DatabaseTypeReserved, DatabaseTypeMongoDB})
+        QBQueryParser::parse(statement.get(), "", type, "", &changed, nullptr, nullptr);
+    EXPECT_TRUE(changed.empty());
+    EXPECT_EQ(statement->limitExpr->rowCount, 5);
+    std::string message;
+    for (std::string* told : {&message, static_cast<std::string*>(nullptr)})
+        QBQueryParser::parse(statement.get(), "UPDATE", DatabaseTypeMariaDB, "", &changed, told,
+                             nullptr);
+    EXPECT_FALSE(message.empty());
+    EXPECT_EQ(changed.count(ElementWhere), 1U);
+    EXPECT_THROW(QBQueryParser::parse_SQL(statement.get(), "", DatabaseTypeReserved, "", nullptr,
+                                          nullptr, nullptr),
+                 std::runtime_error);
 }
 
 TEST(Gate, RunsOnceForTheWholeStatementAndAgainWhereQuotesMatter) {

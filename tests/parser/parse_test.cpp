@@ -125,24 +125,3 @@ TEST(Parse, TellsWhereTheStatementStandsAndWhereAnErrorIs) {
         EXPECT_EQ(outcome.message.empty(), verdict == Verdict::Accepted);
     }
 }
-
-TEST(Parse, ASecondRoundTripGivesTheSameText) {
-    const char* const text =
-        "SELECT DISTINCT a.*, b.x AS \"My X\", COUNT(*) FROM a JOIN b ON a.id = b.id AND (a.x > 1 "
-        "OR "
-        "NOT b.y IS NULL), (SELECT 1 AS one FROM c) AS d WHERE a.z BETWEEN 1 AND 2 AND d.one NOT "
-        "IN "
-        "(1, 2) GROUP BY b.x HAVING COUNT(*) > 1 ORDER BY \"My X\" DESC";
-    for (const auto family :
-         {DatabaseTypePostgreSQL, DatabaseTypeOracle, DatabaseTypeSQLite, DatabaseTypeSQLServer}) {
-        for (const HostStyle style : {HostStyle::AlwaysQuote, HostStyle::Minimal}) {
-            const RoundTrip first = roundTrip(text, family, "s", style);
-            ASSERT_TRUE(first.outcome.isAccepted()) << first.outcome.message;
-            EXPECT_EQ(roundTrip(first.text, family, "s", style).text, first.text);
-        }
-    }
-    EXPECT_EQ(roundTrip("SELECT Id FROM T", DatabaseTypePostgreSQL, "s", HostStyle::Minimal).text,
-              "SELECT\n\tid\nFROM\n\tt");
-    EXPECT_EQ(roundTrip("SELECT Id FROM T", DatabaseTypeOracle, "", HostStyle::AlwaysQuote).text,
-              "SELECT\n\t\"ID\"\nFROM\n\t\"T\"");
-}
