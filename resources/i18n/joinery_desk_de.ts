@@ -63,20 +63,12 @@
 
 Without a database it opens the one used last, or else a sample database. Databases are only read, never written.
 
-Exit codes: 0 all went well, 1 wrong command line, 2 the database could not be opened, 3 no such table, 4 the query failed, 5 the deadline has passed, 6 the picture could not be written, 7 the SQL text could not be read or was refused.</source>
+Exit codes: 0 all went well, 1 wrong command line, 2 the database could not be opened, 3 no such table, 4 the query failed, 5 the deadline has passed, 6 the picture could not be written, 7 the query or the SQL text could not be read or was refused.</source>
         <translation>Stellt SQL-Abfragen auf einer SQLite-Datenbank zusammen: Tabellen wählen, den Text wachsen sehen, ausführen.
 
 Ohne Datenbank wird die zuletzt benutzte geöffnet, sonst eine Beispieldatenbank. Datenbanken werden nur gelesen, nie geschrieben.
 
-Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ sich nicht öffnen, 3 keine solche Tabelle, 4 die Abfrage schlug fehl, 5 die Frist ist verstrichen, 6 das Bild ließ sich nicht schreiben, 7 der SQL-Text ließ sich nicht lesen oder wurde abgelehnt.</translation>
-    </message>
-    <message>
-        <source>A SQLite database, or SQL text in a file named *.sql, or both.</source>
-        <translation>Eine SQLite-Datenbank, oder SQL-Text in einer Datei namens *.sql, oder beides.</translation>
-    </message>
-    <message>
-        <source>Only one SQL text can be opened.</source>
-        <translation>Es kann nur ein SQL-Text geöffnet werden.</translation>
+Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ sich nicht öffnen, 3 keine solche Tabelle, 4 die Abfrage schlug fehl, 5 die Frist ist verstrichen, 6 das Bild ließ sich nicht schreiben, 7 die Abfrage oder der SQL-Text ließ sich nicht lesen oder wurde abgelehnt.</translation>
     </message>
     <message>
         <source>Open SQL text in the SQL tab, and load it into the builder if it is accepted.</source>
@@ -91,8 +83,8 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
         <translation>Eine Klausel nach vorn holen, etwa WHERE oder „GROUP BY“.</translation>
     </message>
     <message>
-        <source>Of the window, picture only the widget with that object name, such as tabWidget for the clauses.</source>
-        <translation>Vom Fenster nur das Element mit diesem Objektnamen abbilden, etwa tabWidget für die Klauseln.</translation>
+        <source>Of the window, picture only the widget with that object name, such as tabWidget for the clauses or diagramPanel.</source>
+        <translation>Vom Fenster nur das Element mit diesem Objektnamen abbilden, etwa tabWidget für die Klauseln oder diagramPanel.</translation>
     </message>
     <message>
         <source>Instead of a database show a diagram of 200 items and 300 links to play with.</source>
@@ -102,16 +94,13 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
         <source>--canvas-demo takes neither a database nor a query nor --part.</source>
         <translation>--canvas-demo nimmt weder eine Datenbank noch eine Abfrage noch --part an.</translation>
     </message>
-</context>
-<context>
-    <name>DiagramPicture</name>
     <message>
-        <source>The diagram is empty.</source>
-        <translation>Das Diagramm ist leer.</translation>
+        <source>Only one query or SQL text can be opened.</source>
+        <translation>Es kann nur eine Abfrage oder ein SQL-Text geöffnet werden.</translation>
     </message>
     <message>
-        <source>The picture could not be written to %1.</source>
-        <translation>Das Bild ließ sich nicht nach %1 schreiben.</translation>
+        <source>A SQLite database, and a saved query (*.joinery) or SQL text (*.sql).</source>
+        <translation>Eine SQLite-Datenbank und eine gespeicherte Abfrage (*.joinery) oder SQL-Text (*.sql).</translation>
     </message>
 </context>
 <context>
@@ -135,6 +124,10 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
     <message>
         <source>The picture &quot;%1&quot; could not be written.</source>
         <translation>Das Bild „%1“ ließ sich nicht schreiben.</translation>
+    </message>
+    <message>
+        <source>&amp;Undo Arrange</source>
+        <translation>Anordnen &amp;rückgängig</translation>
     </message>
 </context>
 <context>
@@ -164,10 +157,6 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
         <translation>Diagramm &amp;anordnen</translation>
     </message>
     <message>
-        <source>&amp;Undo Arrange</source>
-        <translation>Anordnen &amp;rückgängig</translation>
-    </message>
-    <message>
         <source>Save Diagram as &amp;Picture…</source>
         <translation>Diagramm als Bi&amp;ld speichern …</translation>
     </message>
@@ -195,14 +184,6 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
         <translation>„%1“ wird geöffnet …</translation>
     </message>
     <message>
-        <source>Discard the query?</source>
-        <translation>Abfrage verwerfen?</translation>
-    </message>
-    <message>
-        <source>The query has been changed since its text was last copied or run. Discard it?</source>
-        <translation>Die Abfrage wurde geändert, seit ihr Text zuletzt kopiert oder ausgeführt wurde. Verwerfen?</translation>
-    </message>
-    <message>
         <source>The SQL text is on the clipboard.</source>
         <translation>Der SQL-Text ist in der Zwischenablage.</translation>
     </message>
@@ -217,10 +198,6 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
     <message>
         <source>&amp;Copy anyway</source>
         <translation>&amp;Trotzdem kopieren</translation>
-    </message>
-    <message>
-        <source>%1 – %2</source>
-        <translation>%1 – %2</translation>
     </message>
     <message>
         <source>About Joinery</source>
@@ -255,10 +232,6 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <translation>SQL-Text speichern</translation>
     </message>
     <message>
-        <source>The SQL text is saved.</source>
-        <translation>Der SQL-Text ist gespeichert.</translation>
-    </message>
-    <message>
         <source>The file has changed</source>
         <translation>Die Datei hat sich geändert</translation>
     </message>
@@ -275,16 +248,86 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <translation>Der SQL-Text wurde bearbeitet und ist nicht gespeichert.</translation>
     </message>
     <message>
-        <source>Replace the query?</source>
-        <translation>Abfrage ersetzen?</translation>
+        <source>The SQL text is saved in &quot;%1&quot;.</source>
+        <translation>Der SQL-Text ist in „%1“ gespeichert.</translation>
     </message>
     <message>
-        <source>Parts of the present query cannot be brought back once it is replaced, because they are incomplete or cannot be written as SQL text.</source>
-        <translation>Teile der jetzigen Abfrage lassen sich nach dem Ersetzen nicht zurückholen, weil sie unvollständig sind oder sich nicht als SQL-Text schreiben lassen.</translation>
+        <source>The query is saved as it is, though it is incomplete. As long as it is, opening the file brings its text into the SQL tab only.</source>
+        <translation>Die Abfrage ist gespeichert, wie sie ist, obwohl sie unvollständig ist. Solange sie das ist, bringt das Öffnen der Datei ihren Text nur in den SQL-Reiter.</translation>
     </message>
     <message>
-        <source>&amp;Replace</source>
-        <translation>E&amp;rsetzen</translation>
+        <source>The picture is saved in &quot;%1&quot;.</source>
+        <translation>Das Bild ist in „%1“ gespeichert.</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <source>&amp;Undo %1</source>
+        <translation>&amp;Rückgängig: %1</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>&amp;Redo %1</source>
+        <translation>&amp;Wiederholen: %1</translation>
+    </message>
+    <message>
+        <source>Work that was not saved before a crash is damaged, and lies in &quot;%1&quot; now. %2</source>
+        <translation>Arbeit, die vor einem Absturz nicht gespeichert war, ist beschädigt und liegt nun in „%1“. %2</translation>
+    </message>
+    <message>
+        <source>Joinery ended before a query was saved (%1, %2).</source>
+        <translation>Joinery endete, bevor eine Abfrage gespeichert war (%1, %2).</translation>
+    </message>
+    <message>
+        <source>&amp;Restore</source>
+        <translation>&amp;Wiederherstellen</translation>
+    </message>
+    <message>
+        <source>&amp;Discard</source>
+        <translation>&amp;Verwerfen</translation>
+    </message>
+    <message>
+        <source>Open Query</source>
+        <translation>Abfrage öffnen</translation>
+    </message>
+    <message>
+        <source>Queries (*.joinery);;All files (*)</source>
+        <translation>Abfragen (*.joinery);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is a query for %2. Only databases of SQLite can be opened here.</source>
+        <translation>„%1“ ist eine Abfrage für %2. Hier lassen sich nur Datenbanken von SQLite öffnen.</translation>
+    </message>
+    <message>
+        <source>The query in &quot;%1&quot; cannot be read: %2
+Its text is in the SQL tab; the query in the builder is as it was.</source>
+        <translation>Die Abfrage in „%1“ lässt sich nicht lesen: %2
+Ihr Text steht im SQL-Reiter; die Abfrage im Generator ist, wie sie war.</translation>
+    </message>
+    <message>
+        <source>The database &quot;%1&quot; of this query is not there. The query is opened on &quot;%2&quot;.</source>
+        <translation>Die Datenbank „%1“ dieser Abfrage ist nicht da. Die Abfrage ist auf „%2“ geöffnet.</translation>
+    </message>
+    <message>
+        <source>Save Query</source>
+        <translation>Abfrage speichern</translation>
+    </message>
+    <message>
+        <source>The query is saved in &quot;%1&quot;.</source>
+        <translation>Die Abfrage ist in „%1“ gespeichert.</translation>
+    </message>
+    <message>
+        <source>Save the query?</source>
+        <translation>Abfrage speichern?</translation>
+    </message>
+    <message>
+        <source>The query has been changed and is not saved.</source>
+        <translation>Die Abfrage wurde geändert und ist nicht gespeichert.</translation>
     </message>
 </context>
 <context>
@@ -505,14 +548,6 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <translation>Den Text der Abfrage im Generator hier zeigen; Rückgängig holt diesen Text zurück</translation>
     </message>
     <message>
-        <source>&amp;Undo apply</source>
-        <translation>&amp;Zurücknehmen</translation>
-    </message>
-    <message>
-        <source>Give the builder the query back that it had before this text was applied</source>
-        <translation>Dem Generator die Abfrage zurückgeben, die er vor dem Anwenden hatte</translation>
-    </message>
-    <message>
         <source>&amp;Apply</source>
         <translation>An&amp;wenden</translation>
     </message>
@@ -576,10 +611,6 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <translation>An&amp;sicht</translation>
     </message>
     <message>
-        <source>&amp;Theme</source>
-        <translation>&amp;Farben</translation>
-    </message>
-    <message>
         <source>As the &amp;System</source>
         <translation>Wie das &amp;System</translation>
     </message>
@@ -590,10 +621,6 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
     <message>
         <source>&amp;Dark</source>
         <translation>&amp;Dunkel</translation>
-    </message>
-    <message>
-        <source>L&amp;anguage</source>
-        <translation>&amp;Sprache</translation>
     </message>
     <message>
         <source>&amp;Help</source>
@@ -612,14 +639,6 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <translation>SQL-&amp;Text öffnen …</translation>
     </message>
     <message>
-        <source>&amp;Save SQL Text</source>
-        <translation>SQL-Text &amp;speichern</translation>
-    </message>
-    <message>
-        <source>Save SQL Text &amp;As…</source>
-        <translation>SQL-Text speichern &amp;unter …</translation>
-    </message>
-    <message>
         <source>&amp;Edit SQL Text</source>
         <translation>SQL-Text &amp;bearbeiten</translation>
     </message>
@@ -628,20 +647,52 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <translation>SQL-Text an&amp;wenden</translation>
     </message>
     <message>
-        <source>&amp;Undo Apply</source>
-        <translation>Anwenden &amp;zurücknehmen</translation>
-    </message>
-    <message>
-        <source>Red&amp;o Apply</source>
-        <translation>Anwenden w&amp;iederholen</translation>
-    </message>
-    <message>
         <source>Load SQL Text from &amp;Builder</source>
         <translation>SQL-Text aus &amp;Generator laden</translation>
     </message>
     <message>
         <source>&amp;Go to Error</source>
         <translation>Zum Feh&amp;ler</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Open Quer&amp;y…</source>
+        <translation>Abfrag&amp;e öffnen …</translation>
+    </message>
+    <message>
+        <source>&amp;Save Query</source>
+        <translation>Abfrage &amp;speichern</translation>
+    </message>
+    <message>
+        <source>Save Query &amp;As…</source>
+        <translation>Abfrage speichern &amp;unter …</translation>
+    </message>
+    <message>
+        <source>Save SQL Te&amp;xt</source>
+        <translation>S&amp;QL-Text speichern</translation>
+    </message>
+    <message>
+        <source>Sa&amp;ve SQL Text As…</source>
+        <translation>SQL-Te&amp;xt speichern unter …</translation>
+    </message>
+    <message>
+        <source>Links between &amp;Tables</source>
+        <translation>Verbindungen zwischen &amp;Tabellen</translation>
+    </message>
+    <message>
+        <source>&amp;Links between Fields</source>
+        <translation>Verbindungen zwischen &amp;Feldern</translation>
+    </message>
+    <message>
+        <source>T&amp;heme</source>
+        <translation>Farbe&amp;n</translation>
+    </message>
+    <message>
+        <source>Lan&amp;guage</source>
+        <translation>&amp;Sprache</translation>
     </message>
 </context>
 <context>
@@ -652,7 +703,7 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
     </message>
 </context>
 <context>
-    <name>SqlFile</name>
+    <name>TextFile</name>
     <message>
         <source>&quot;%1&quot; is too large: it has %2, and at most %3 are opened.</source>
         <translation>„%1“ ist zu groß: die Datei hat %2, und höchstens %3 werden geöffnet.</translation>
@@ -662,8 +713,8 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <translation>Es gibt keine Datei „%1“.</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; is a folder, not a file with SQL text.</source>
-        <translation>„%1“ ist ein Ordner, keine Datei mit SQL-Text.</translation>
+        <source>&quot;%1&quot; is a folder, not a file.</source>
+        <translation>„%1“ ist ein Ordner, keine Datei.</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is not a regular file.</source>
@@ -680,6 +731,48 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
     <message>
         <source>&quot;%1&quot; cannot be written: %2</source>
         <translation>„%1“ lässt sich nicht schreiben: %2</translation>
+    </message>
+</context>
+<context>
+    <name>QueryFile</name>
+    <message>
+        <source>&quot;%1&quot; is missing.</source>
+        <translation>„%1“ fehlt.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is of a wrong type.</source>
+        <translation>„%1“ ist von falscher Art.</translation>
+    </message>
+    <message>
+        <source>It holds something else.</source>
+        <translation>Sie enthält etwas anderes.</translation>
+    </message>
+    <message>
+        <source>A newer version of Joinery has written it: its format is %1, and this one reads %2.</source>
+        <translation>Eine neuere Version von Joinery hat sie geschrieben: ihr Format ist %1, und diese liest %2.</translation>
+    </message>
+    <message>
+        <source>There is no format %1.</source>
+        <translation>Ein Format %1 gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>There is no database family &quot;%1&quot;.</source>
+        <translation>Die Datenbankfamilie „%1“ gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>It is damaged in line %1 (%2).</source>
+        <translation>Sie ist in Zeile %1 beschädigt (%2).</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a query of Joinery. %2</source>
+        <translation>„%1“ ist keine Abfrage von Joinery. %2</translation>
+    </message>
+</context>
+<context>
+    <name>QB::Desk::Journal</name>
+    <message>
+        <source>Unsaved work cannot be kept in &quot;%1&quot;, in case the program crashes.</source>
+        <translation>Ungespeicherte Arbeit lässt sich nicht in „%1“ für den Fall eines Absturzes aufbewahren.</translation>
     </message>
 </context>
 </TS>

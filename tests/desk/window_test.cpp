@@ -260,6 +260,8 @@ private Q_SLOTS:
         QVERIFY(desk.openAndAdd(first.path(), "city"));
         desk.buildAndRun();
         QTRY_COMPARE(desk.model()->rowCount(), 3);
+        int boxes = 0;
+        answerNextBox(QMessageBox::Discard, &boxes);
         QVERIFY(desk.open(second.path()));
         QTRY_VERIFY2(!desk.preview().contains("city"), qPrintable(desk.preview()));
         QCOMPARE(desk.model()->rowCount(), 0);
