@@ -50,6 +50,15 @@ const Story& storyOfTest(const Story (&stories)[count]) {
     return stories[story];
 }
 
+/// What a user does to a statement.
+struct Story {
+    const char* name;
+    const char* before;
+    const char* events;
+    const char* after;
+    const char* error = "";  ///< a part of what the user is told; empty: nothing
+};
+
 /// A clause panel in a window, over a server with the tables t (a, b, c) and u (a, d) in the schema
 /// main, and more with the field a. All that a user does goes through the windows, told as text:
 ///
@@ -185,6 +194,20 @@ public:
         QCOMPARE(text(), before);
         QVERIFY(run(events));
         QCOMPARE(text(), after);
+    }
+
+    void tell(const Story& story) {
+        tell(story.before, story.events, story.after);
+        const bool isQuiet = !*story.error;
+        QVERIFY2(isQuiet ? errors().isEmpty() : errors().contains(story.error),
+                 qPrintable(errors()));
+    }
+    /// What the user was told.
+    QString errors() const {
+        QStringList all;
+        for (const std::string& error : host.errors)
+            all.append(QString::fromStdString(error));
+        return all.join('|');
     }
 
     /// The events that only the test has.
