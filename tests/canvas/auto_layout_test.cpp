@@ -185,25 +185,6 @@ TEST(AutoLayout, CrossesAsRarelyAsTheBestOfAllOrders) {
     EXPECT_GT(met, 10) << "too few of these graphs must have crossings";
 }
 
-TEST(AutoLayout, SiftingNeverMakesAnOrderWorse) {
-    for (int seed = 1; seed <= 40; ++seed) {
-        LayoutGraph graph = randomTree(seed, 40);
-        const Edges more = randomGraph(seed, 40, 30).edges;
-        graph.edges.insert(graph.edges.end(), more.begin(), more.end());
-        const auto neighbours = AutoLayout::connectedParts(graph).front().neighbours;
-        AutoLayout::LayerOrder order(neighbours, 0);
-        auto random = static_cast<uint32_t>(seed);
-        for (int round = 0; round < 5; ++round) {
-            const int64_t before = order.cost();
-            AutoLayout::Effort effort(200 + 100 * seed);
-            order.sift(effort);
-            EXPECT_LE(order.cost(), before) << "seed " << seed;
-            EXPECT_EQ(order.cost(), order.countedCost()) << "seed " << seed;
-            order.shake(random, effort);
-        }
-    }
-}
-
 TEST(AutoLayout, CentresABoxAmongItsNeighbours) {
     const LayoutGraph graph = graphOf(4, {{0, 1}, {0, 2}, {0, 3}});
     EXPECT_EQ(layoutInLayers(graph), (Places{{40, 318}, {358, 40}, {358, 318}, {358, 596}}));

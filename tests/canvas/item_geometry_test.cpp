@@ -76,16 +76,5 @@ TEST(ItemGeometry, DragsTheRectangleInsideTheCanvas) {
     }
 }
 
-TEST(ItemGeometry, GivesATableTheHeightOfItsRowsUpToTheDefault) {
-    EXPECT_EQ(defaultTableBodySize(), (LumoSize{200, 230}));
-    EXPECT_EQ(defaultTextBodySize(), (LumoSize{240, 120}));
-    const int heights[][2] = {{0, 97}, {3, 97}, {4, 117}, {9, 217}, {10, 230}, {1600, 230}};
-    for (const auto& [rows, height] : heights)
-        EXPECT_EQ(tableBodyHeightFor(rows), height) << rows;
-    EXPECT_EQ(itemSizeFor({200, 230}), (LumoSize{218, 238}));
-    EXPECT_EQ(bodyRectOf({218, 238}), LumoRect(9, 4, 200, 230));
-    EXPECT_EQ(bodyRectOf({10, 238}), LumoRect()) << "no room";
-}
-
 }  // namespace
 }  // namespace QB::DiagramLumo

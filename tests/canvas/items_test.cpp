@@ -176,19 +176,6 @@ TEST_F(Items, AreAsHighAsTheirFieldsUntilTheUserResizesThem) {
     EXPECT_EQ(low->item()->getRect().size.height, 120) << "no further than the canvas";
 }
 
-TEST_F(Items, PutBodyListAndAdaptorWhereLinksAndEdgesExpectThem) {
-    QBLumoDatabaseItemBody* const body = scene.table("orders", {40, 40}, numberedFields(30));
-    EXPECT_EQ(body->getRect(), LumoRect(9, 4, 200, 230));
-    EXPECT_EQ(body->scrollView()->getRect(), LumoRect(1, 31, 193, 193));
-    EXPECT_EQ(body->item()->getAdaptor()->getRect(), LumoRect(6, 16, 206, 6));
-    body->item()->setRect({40, 40, 30, 30});
-    scene.diagram.layout();
-    body->item()->setRect({40, 40, 318, 338});
-    scene.diagram.layout();
-    EXPECT_EQ(body->scrollView()->getRect(), LumoRect(1, 31, 293, 293))
-        << "margins survive a body without room";
-}
-
 // ---- moving and resizing with the mouse ----
 
 TEST_F(Items, ResizeByTheirEdgesAndGoBackOnEscape) {

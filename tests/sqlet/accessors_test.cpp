@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -97,19 +96,6 @@ TEST(Accessors, GiveStretchesOfTheTextThatWasPassed) {
               "SELECT 1 -- one\n FROM t");
 }
 
-TEST(Accessors, GiveEachTextOnceAndKeepIt) {
-    const char* const text = "SELECT COUNT(o.id) AS n FROM s.orders o JOIN t ON o.id = t.id";
-    const QB::ParserHandle parser = parsed(Oracle, text);
-    SqletColumn* column = sqlet_select_column_at(sqlet_select(parser.get()), 0);
-    const char* name = sqlet_select_column_name(column);
-    const char* alias = sqlet_select_column_alias(column);
-    dumpOf(parser.get(), text);
-    EXPECT_EQ(sqlet_select_column_name(column), name);
-    EXPECT_EQ(sqlet_select_column_alias(column), alias);
-    EXPECT_STREQ(name, "ID");
-    EXPECT_STREQ(alias, "N");
-}
-
 TEST(Accessors, OutliveTheTextThatWasPassed) {
     auto text = std::make_unique<std::string>("SELECT alpha FROM beta");
     const QB::ParserHandle parser = parsed(SQLite, text->c_str());
@@ -118,63 +104,6 @@ TEST(Accessors, OutliveTheTextThatWasPassed) {
     SqletSelect* select = sqlet_select(parser.get());
     EXPECT_STREQ(sqlet_select_column_name(sqlet_select_column_at(select, 0)), "alpha");
     EXPECT_STREQ(sqlet_select_tab_complex(sqlet_select_tab(select)), "beta");
-}
-
-struct JoinCase {
-    int dialect;
-    const char* join;
-    const char* shown;
-};
-
-TEST(Accessors, GiveJoinWordsInUpperCaseWithSingleBlanks) {
-    const JoinCase cases[] = {
-        {SQLite, ",", ","},
-        {SQLite, "join", "INNER JOIN"},
-        {SQLite, "natural\n  left /* c */ outer join", "NATURAL LEFT OUTER JOIN"},
-        {MySQL, "straight_join", "STRAIGHT_JOIN"},
-        {SQLServer, "inner  hash join", "INNER HASH JOIN"},
-        {Oracle, "partition by ( a,\"B c\" ) right join", "PARTITION BY ( a,\"B c\" ) RIGHT JOIN"},
-    };
-    for (const JoinCase& test : cases) {
-        const bool needsCondition = std::strchr(test.join, ',') == test.join ||
-                                    std::strstr(test.join, "natural") == test.join;
-        const std::string text = "SELECT 1 FROM t " + std::string(test.join) + " u" +
-                                 (needsCondition ? "" : " ON x = y");
-        const QB::ParserHandle parser = parsed(test.dialect, text.c_str());
-        SqletTable* join = sqlet_select_tab(sqlet_select(parser.get()));
-        EXPECT_STREQ(sqlet_select_tab_join_op(join), test.shown)
-            << text << sqlet_last_error_msg(parser.get());
-    }
-}
-
-TEST(Accessors, WalkAChainOfManyTermsWithoutRecursion) {
-    std::string text = "SELECT 1 FROM t WHERE a.x = 1";
-    const int terms = 100000;
-    for (int i = 1; i < terms; ++i)
-        text += i % 3 ? " AND b IS NULL" : " OR c.y";
-    const QB::ParserHandle parser = parsed(SQLite, text.c_str());
-    int links = 0;
-    SqletExpr* expr = sqlet_select_where_expr(sqlet_select(parser.get()));
-    for (; sqlet_expr_left(expr); expr = sqlet_expr_left(expr))
-        ++links;
-    EXPECT_EQ(links, terms);  // one AND or OR fewer than terms, and the comparison at the left
-    dumpOf(parser.get(), text);
-}
-
-TEST(Accessors, ShowNothingOfWhatIsNoSelect) {
-    const struct {
-        const char* text;
-        int kind;
-    } cases[] = {{"", SQLET_STATEMENT_NONE},
-                 {"-- only a comment", SQLET_STATEMENT_NONE},
-                 {"UPDATE t SET a = 1", SQLET_STATEMENT_OTHER},
-                 {"EXPLAIN SELECT 1", SQLET_STATEMENT_OTHER}};
-    for (const auto& test : cases) {
-        const QB::ParserHandle parser = parsed(SQLite, test.text);
-        EXPECT_EQ(dumpOf(parser.get(), test.text),
-                  "no SELECT, kind " + std::to_string(test.kind) + "\n")
-            << test.text;
-    }
 }
 
 TEST(Accessors, TakeADialectThatDoesNotExist) {

@@ -17,18 +17,6 @@ struct NameCase {
     const char* name;
 };
 
-class EachName : public testing::TestWithParam<NameCase> {};
-
-TEST_P(EachName, IsDecodedAsTheServerReadsIt) {
-    const NameCase& test = GetParam();
-    const std::string text = test.spelled;
-    const sqlet::TokenList list = sqlet::lex(text, test.dialect);
-    ASSERT_EQ(list.count(), 1U) << text;
-    EXPECT_EQ(sqlet::isDecodable(text, list[0], test.dialect), test.name != nullptr) << text;
-    if (!test.name) return;
-    EXPECT_EQ(sqlet::decodedName(text, list[0], test.dialect), test.name);
-}
-
 const NameCase nameCases[] = {
     // A bare word is folded, as far as the server's own folding is known.
     {MySQL, "Total", "Total"},
@@ -70,7 +58,17 @@ const NameCase nameCases[] = {
     {SQLite, "\"a", nullptr},
     {SQLite, "\"a\xFF\"", nullptr},
 };
-INSTANTIATE_TEST_SUITE_P(Names, EachName, testing::ValuesIn(nameCases));
+
+TEST(Names, AreDecodedAsTheServerReadsThem) {
+    for (const auto& [dialect, spelled, name] : nameCases) {
+        const std::string text = spelled;
+        const sqlet::TokenList list = sqlet::lex(text, dialect);
+        ASSERT_EQ(list.count(), 1U) << text;
+        EXPECT_EQ(sqlet::isDecodable(text, list[0], dialect), name != nullptr) << text;
+        if (!name) continue;
+        EXPECT_EQ(sqlet::decodedName(text, list[0], dialect), name);
+    }
+}
 
 TEST(Names, AreUtf8WithoutOverlongFormsAndSurrogates) {
     for (const char* good : {"", "a", "\xC2\x80", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEF\xBF\xBD",

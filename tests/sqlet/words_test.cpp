@@ -37,25 +37,6 @@ TEST_P(EachFamily, ListsItsWordsSortedAndFindsEachInAnyCase) {
     EXPECT_EQ(sqlet_words(GetParam(), -1, &flags), nullptr);
 }
 
-TEST_P(EachFamily, KnowsWhatEveryFamilyHasInCommon) {
-    for (const char* word : {"SELECT", "FROM", "WHERE", "AND", "ORDER", "GROUP", "UNION"})
-        EXPECT_TRUE(classOf(GetParam(), word) & SQLET_WORD_RESERVED) << word;
-    for (const char* word : {"NULL", "CURRENT_DATE", "CURRENT_TIMESTAMP"})
-        EXPECT_TRUE(classOf(GetParam(), word) & SQLET_WORD_CONSTANT) << word;
-    for (const char* word : {"COUNT", "SUM", "AVG", "MIN", "MAX"}) {
-        EXPECT_TRUE(classOf(GetParam(), word) & SQLET_WORD_FUNCTION) << word;
-        EXPECT_FALSE(classOf(GetParam(), word) & SQLET_WORD_RESERVED) << word;
-    }
-    for (const char* word : {"JOIN", "INNER", "LEFT", "NATURAL"}) {
-        if (GetParam() == SQLServer && word == std::string("NATURAL")) continue;
-        // Behind an expression PostgreSQL takes them for its name.
-        const unsigned noName =
-            GetParam() == PostgreSQL ? SQLET_WORD_RESERVED : SQLET_WORD_NO_BARE_ALIAS;
-        EXPECT_TRUE(classOf(GetParam(), word) & noName) << word;
-    }
-    EXPECT_EQ(classOf(GetParam(), "orders"), 0U);
-}
-
 TEST(Words, DifferBetweenRelatedServers) {
     EXPECT_TRUE(classOf(MySQL, "rank") & SQLET_WORD_RESERVED);
     EXPECT_FALSE(classOf(MariaDB, "rank") & SQLET_WORD_RESERVED);

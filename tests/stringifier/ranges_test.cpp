@@ -125,14 +125,4 @@ TEST_F(Ranges, AreKeptByCopiesAndMovesWhenTheGeneratorIsGone) {
     EXPECT_EQ(moved.size(), copy.size());
 }
 
-TEST_F(Ranges, AComponentMetTwiceKeepsTheFirst) {
-    SQLAnyExpressionColumnComponent* shared = expression("xy");
-    const Statement s = newStatement();
-    s->selectColumnExpr->columns = {shared};
-    s->groupByExpr->columns = {shared};
-    run(s.get());
-    EXPECT_EQ(rangeOf(shared), (QBRange{8, 2}));
-    s->groupByExpr->columns.clear();
-}
-
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "stringifier/dialects.h"
+#include "stringifier/query_component_stringifier.h"
 #include "stringifier/statement_builder.h"
 #include "support/host_callbacks.h"
 
@@ -36,14 +36,6 @@ TEST_F(Stringifier, GivesNothingForNothing) {
     EXPECT_EQ(m_mysql->stringifyQuery(&unknown), "");
     EXPECT_TRUE(m_mysql->componentRanges().empty());
     EXPECT_EQ(m_mysql->stringifyQuery(nullptr), "");
-}
-
-TEST_F(Stringifier, WritesAClassDerivedFromOneItKnowsAsThatOne) {
-    struct Derived : SQLAnyExpressionColumnComponent {
-    } column;
-    column.expression = "now()";
-    EXPECT_EQ(m_mysql->stringifyQuery(&column), "now()");
-    EXPECT_EQ(m_mysql->componentRanges().at(&column), (QBRange{0, 5}));
 }
 
 TEST_F(Stringifier, WritesASubqueryAloneAtTheLeftMargin) {
@@ -81,14 +73,6 @@ TEST_F(Stringifier, WritesTheTableOfAFieldThatWasWrittenWithAnAlias) {
     s->sourceExpr->root->value->alias.clear();
     EXPECT_EQ(m_mysql->stringifyQuery(s.get()),
               start + "`shop`.`orders`.`id`\nFROM\n\t`shop`.`orders`");
-}
-
-TEST_F(Stringifier, WritesACommaForAJoinThatHasNoWordsYet) {
-    const Statement s = newStatement();
-    s->sourceExpr->root = join(table("a"), SQLJoinTypeCustom, table("b"));
-    EXPECT_EQ(m_mysql->stringifyQuery(s.get()), "SELECT\n\t*\nFROM\n\t`a`,\n\t`b`");
-    joinOf(s->sourceExpr->root)->joinText = "STRAIGHT_JOIN";
-    EXPECT_EQ(m_mysql->stringifyQuery(s.get()), "SELECT\n\t*\nFROM\n\t`a`\n\tSTRAIGHT_JOIN\n\t`b`");
 }
 
 TEST_F(Stringifier, WritesOperandsThatAreMissing) {
@@ -139,38 +123,6 @@ TEST_F(Stringifier, StaysUsableWhenTheHostThrows) {
     EXPECT_TRUE(m_mysql->componentRanges().empty());
     Callback::formatIdentifier = HostCallbacks::quoteAlways;
     EXPECT_EQ(m_mysql->stringifyQuery(s->sourceExpr->root->value), "`shop`.`t`");
-}
-
-/// Opens the clauses to a call with the wrong enumeration.
-class Exposed : public QBQueryComponentStringifier_SQLITE {
-public:
-    using QBQueryComponentStringifier_SQLITE::QBQueryComponentStringifier_SQLITE;
-
-    template <typename Element>
-    std::string text(StringifiedNode (QBQueryComponentStringifier_SQL::*clause)(
-                         const Element*, int, TopLevelQueryComponentElementEnum),
-                     const Element* element) {
-        ComponentRangeList ranges;
-        return flatten((this->*clause)(element, 0, ElementLimit), ranges);
-    }
-    std::string where(const ELEMSQLConditionExpr* e) {
-        return text(&Exposed::stringifyExpr_ELEMSQLConditionExpr, e);
-    }
-    std::string columns(const ELEMSQLSelectColumnExpr* e) {
-        return text(&Exposed::stringifyExpr_ELEMSQLSelectColumnExpr, e);
-    }
-};
-
-TEST_F(Stringifier, LeavesTheKeywordOutOfAClauseThatIsNotItsOwn) {
-    const Statement s = newStatement();
-    s->whereExpr->root = value({expression("x")});
-    s->selectColumnExpr->columns = {expression("y")};
-    Exposed exposed({DatabaseTypeSQLite, 0});
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(exposed.where(s->whereExpr), "\n\n\tx");
-    EXPECT_EQ(exposed.columns(s->selectColumnExpr), "\n\ty");
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("Inconsistent Top Level Element"),
-              std::string::npos);
 }
 
 }  // namespace

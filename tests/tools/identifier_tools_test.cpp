@@ -5,6 +5,7 @@
 #include "model/detached_parts.h"
 #include "model/dump.h"
 #include "model/notification_names.h"
+#include "parser/query_parser.h"
 #include "support/host_callbacks.h"
 #include "support/owned_engine.h"
 
@@ -201,43 +202,20 @@ TEST_F(IdentifierTools, NothingIsAddedWithoutStatementOrForNoSource) {
 // ---- finding sources --------------------------------------------------------------------------
 
 TEST_F(IdentifierTools, SourcesAreFoundThroughJoinsAndBracketsButNotInSubqueries) {
-    const auto named = [](const Names& path, const std::string& alias) {
-        auto table = std::make_unique<SQLIdentifierSourceComponent>();
-        table->path = path;
-        table->name = "t";
-        table->alias = alias;
-        return table;
+    const auto outcome = QBQueryParser::parseStatement(
+        statement(), "SELECT 1 FROM (s.t x), s.t y, t x, c.s.t x, (SELECT 1 FROM s.t x) d",
+        DatabaseTypePostgreSQL, "shop");
+    ASSERT_TRUE(outcome.isAccepted()) << outcome.message;
+    const auto found = [&](const std::string& alias, bool ignoreAlias) {
+        std::string aliases;
+        for (const auto* source : Tools::findTargetIdentifierSourceNodes(
+                 statement()->sourceExpr, {"s"}, "t", alias, ignoreAlias))
+            aliases += source->alias;
+        return aliases;
     };
-    const auto add = [&](std::unique_ptr<SQLAbstractSourceComponent> source) {
-        return Tools::Identifier::addSourceComponentToExpression(m_engine.get(), nullptr,
-                                                                 std::move(source));
-    };
-    const auto* x = add(named({"s"}, "x"));
-    const auto* y = add(named({"s"}, "y"));
-    add(named({}, "x"));
-    add(named({"c", "s"}, "x"));
-    auto subquery = std::make_unique<SQLSubquerySourceComponent>();
-    auto* inner = new SQLSelectStmtComponent;
-    subquery->subquery = inner;
-    inner->sourceExpr->root = new SourceNode;
-    inner->sourceExpr->root->value = named({"s"}, "x").release();
-    add(std::move(subquery));
-    // The first one into a bracket.
-    SourceNode* pair = statement()->sourceExpr->root->left->left->left;
-    auto* content = new SourceNode;
-    std::swap(content->value, pair->left->value);
-    pair->left->value = new SQLBracketedSourceNodeComponent;
-    pair->left->left = content;
-
-    const auto find = [&](const std::string& alias, bool ignoreAlias) {
-        const auto sources = Tools::findTargetIdentifierSourceNodes(statement()->sourceExpr, {"s"},
-                                                                    "t", alias, ignoreAlias);
-        return std::vector<const SQLAbstractSourceComponent*>(sources.begin(), sources.end());
-    };
-    using Sources = std::vector<const SQLAbstractSourceComponent*>;
-    EXPECT_EQ(find("", true), (Sources{x, y}));
-    EXPECT_EQ(find("y", false), (Sources{y}));
-    EXPECT_EQ(find("", false), Sources());
+    EXPECT_EQ(found("", true), "xy");
+    EXPECT_EQ(found("y", false), "y");
+    EXPECT_EQ(found("", false), "");
     EXPECT_TRUE(Tools::findTargetIdentifierSourceNodes(nullptr, {}, "t", "", true).empty());
 }
 
