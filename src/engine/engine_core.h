@@ -41,7 +41,9 @@ public:
     ///     const auto core = engine->core();                                     // main thread
     ///     auto* statement = engine->topLevelQueryComponent(0);
     ///     const long id = statement->id();
-    ///     ... on the worker:  core->withLiveComponent(id, [&] { text = generate(statement); });
+    ///     ... on the worker:  core->withLiveComponent(id, [&] {
+    ///         text = generate(core->addressNow(statement, id));
+    ///     });
     ///
     /// @p read must not wait for the main thread. Do not call this from inside a runIfAlive with a
     /// component's id: the one who destroys that component holds the mutex and waits for the block.
