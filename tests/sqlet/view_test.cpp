@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
 #include "platform/sqlet/parser.h"
@@ -39,74 +40,8 @@ struct ViewCase {
     const char* schema = nullptr;
 };
 
-class EachView : public testing::TestWithParam<ViewCase> {};
-
-TEST_P(EachView, ShowsWhatCanBeRebuiltAndKeepsTheRestAsText) {
-    const std::string dump = dumpOf(GetParam().dialect, GetParam().text, GetParam().schema);
-    std::string rest = GetParam().lines;
-    while (!rest.empty()) {
-        const std::string line = rest.substr(0, rest.find('\n'));
-        rest.erase(0, line.size() + 1);
-        EXPECT_TRUE(hasLine(dump, line))
-            << "no line " << line << "\nfor " << GetParam().text << "\nin\n"
-            << dump;
-    }
-}
-
-const ViewCase names[] = {
-    {Oracle, "SELECT o.id Key FROM orders o WHERE o.Id = o.\"Id\"",
-     "column <o.id> parent0=O name=ID written=id alias=KEY\n"
-     "table <orders> name=ORDERS alias=O\n"
-     "value <o.Id> parent1=O name=ID\n"
-     "value <o.\"Id\"> parent1=O name=Id"},
-    {Oracle, "SELECT \xC3\xA9t, \"\xC3\xA9\" FROM a.\xC3\xA9t WHERE \xC3\xA9t.x = 1",
-     "column <\xC3\xA9t>\n"
-     "column <\"\xC3\xA9\"> name=\xC3\xA9 written=\"\xC3\xA9\"\n"
-     "source <a.\xC3\xA9t>\n"
-     "value <\xC3\xA9t.x>"},
-    {PostgreSQL, "SELECT U&\"d\\0061t\", \"*\" FROM a.U&\"x\"",
-     "column <U&\"d\\0061t\">\n"
-     "column <\"*\"> name=* written=\"*\"\n"
-     "source <a.U&\"x\">"},
-    // How many qualifiers there is room for.
-    {SQLServer, "SELECT a.b.c.d, a.b.c.d.e FROM a.b.c, q.a.b.c, x.q.a.b.c WHERE b.c.d = a.b.c.d",
-     "column <a.b.c.d>\n"
-     "column <a.b.c.d.e>\n"
-     "table <a.b.c> parent0=a parent=b name=c\n"
-     "table <q.a.b.c> parent1=q parent0=a parent=b name=c\n"
-     "source <x.q.a.b.c>\n"
-     "value <a.b.c.d>"},
-    {SQLServer, "SELECT a.b.c.d FROM a.b.c WHERE b.c.d = a.b.c.d",
-     "column <a.b.c.d> parent0=a parent1=b parent2=c name=d\n"
-     "value <b.c.d> parent1=b parent2=c name=d\n"
-     "value <a.b.c.d>"},
-    // Words that are values as long as they stand bare.
-    {PostgreSQL, "SELECT user, t.user FROM t ORDER BY current_date",
-     "column <user>\n"
-     "column <t.user> parent0=t name=user\n"
-     "column <current_date>"},
-    // "x" of SQLite is a string where no column bears that name.
-    {SQLite,
-     "SELECT \"a\" FROM t WHERE \"b\" = \"c\" AND \"d\" IN (\"e\", t.\"f\", [g]) AND \"h\" BETWEEN "
-     "\"i\" AND t.\"j\" AND \"k\" GROUP BY \"l\" ORDER BY \"m\"",
-     "column <\"a\"> name=a written=\"a\"\n"
-     "value <\"b\"> name=b\n"
-     "value <\"c\">\n"
-     "value <\"d\"> name=d\n"
-     "column <\"e\">\n"
-     "column <t.\"f\"> parent0=t name=f written=\"f\"\n"
-     "column <[g]> name=g written=[g]\n"
-     "value <\"h\"> name=h\n"
-     "value <\"i\">\n"
-     "value <t.\"j\"> parent1=t name=j\n"
-     "value <\"k\">\n"
-     "column <\"l\"> name=l written=\"l\"\n"
-     "column <\"m\"> name=m written=\"m\""},
-    {SQLServer, "SELECT 1 FROM t WHERE \"b\" = \"c\"", "value <\"c\"> name=c"},
-};
-INSTANTIATE_TEST_SUITE_P(Names, EachView, testing::ValuesIn(names));
-
-const ViewCase aliases[] = {
+const ViewCase cases[] = {
+    // Aliases that can be decoded, and others.
     {Oracle, "SELECT a \xC3\xA9, b AS \"\xC3\xA9\" FROM t \xC3\xA9, (SELECT 1 FROM t) d\xC3\xA9",
      "column <a \xC3\xA9>\n"
      "column <b> name=B written=b alias=\xC3\xA9\n"
@@ -121,91 +56,7 @@ const ViewCase aliases[] = {
      "column <\"\xFF\" = c>"},
     {Oracle, "SELECT 1 FROM (t) \xC3\xA9",
      "error 2 [18+2]: line 1, column 19: '\xC3\xA9' cannot be shown"},
-};
-INSTANTIATE_TEST_SUITE_P(Aliases, EachView, testing::ValuesIn(aliases));
-
-const ViewCase aggregates[] = {
-    {PostgreSQL, "SELECT COUNT(*), Sum(t.a), max(a) AS m, count(*) c FROM t ORDER BY COUNT(*)",
-     "column <COUNT(*)> aggregate=count of=*\n"
-     "column <Sum(t.a)> parent0=t name=a aggregate=sum of=t.a\n"
-     "column <max(a)> name=a aggregate=max of=a alias=m\n"
-     "column <count(*)> alias=c"},
-    {Oracle, "SELECT Count(*), sum(a), sum(a) s FROM t GROUP BY b HAVING sum(a) > COUNT(*)",
-     "column <Count(*)> aggregate=COUNT of=*\n"
-     "column <sum(a)>\n"
-     "column <sum(a)> name=A written=a aggregate=SUM of=a alias=S\n"
-     "value <sum(a)> name=A aggregate=SUM\n"
-     "value <COUNT(*)>"},
-};
-INSTANTIATE_TEST_SUITE_P(Aggregates, EachView, testing::ValuesIn(aggregates));
-
-const ViewCase qualifiers[] = {
-    // One schema: the generator drops what it puts in front.
-    {PostgreSQL, "SELECT g.n FROM f() g WHERE g.n = o.n AND t.x = 1",
-     "column <g.n> parent0=g name=n\n"
-     "value <g.n> parent1=g name=n\n"
-     "value <o.n> parent1=o name=n"},
-    // Several: it would keep it.
-    {PostgreSQL, "SELECT 1 FROM a, (SELECT 1 FROM other.o) d WHERE q.n = 2",
-     "value <q.n> parent1=q name=n"},
-    // Behind the condition a source is as good as unknown.
-    {SQLite, "SELECT 1 FROM x.a JOIN b ON a.i = c.i JOIN y.c ON c.i = b.i",
-     "value <a.i> parent1=a name=i\n"
-     "value <c.i>\n"
-     "value <c.i> parent1=c name=i"},
-    {SQLite, "SELECT 1 FROM a JOIN b ON a.i = c.i JOIN c", "value <c.i> parent1=c name=i"},
-    // Two sources of one name.
-    {PostgreSQL, "SELECT t.a, x.t.a FROM x.t, y.t WHERE t.b = x.t.b",
-     "column <t.a>\n"
-     "column <x.t.a> parent0=x parent1=t name=a\n"
-     "value <t.b>\n"
-     "value <x.t.b> parent1=x parent2=t name=b"},
-    {MySQL, "SELECT x.t.a FROM x.t, t", "column <x.t.a>"},
-    {SQLite, "SELECT o.a FROM t AS O, u AS o WHERE O.a = 1",
-     "column <o.a>\n"
-     "value <O.a>"},
-    {PostgreSQL, "SELECT o.a FROM t AS \"O\", u AS o WHERE \"O\".a = 1",
-     "column <o.a> parent0=o name=a\n"
-     "value <\"O\".a> parent1=O name=a"},
-    // Another case finds the source; the accessors give the source's spelling.
-    {SQLite, "SELECT ORD.id, ORD.* FROM Ord WHERE ord.id IN (oRD.x)",
-     "column <ORD.id> parent0=Ord name=id\n"
-     "column <ORD.*> parent0=Ord name=*\n"
-     "value <ord.id> parent1=Ord name=id\n"
-     "column <oRD.x> parent0=Ord name=x"},
-    // With a schema in front: only for a source that bears the name, for the schema may be dropped.
-    {SQLite, "SELECT main.Ord.id, main.ORD.id, main.x.id FROM Ord, t x WHERE main.y.id = 1",
-     "column <main.Ord.id> parent0=main parent1=Ord name=id\n"
-     "column <main.ORD.id>\n"
-     "column <main.x.id>\n"
-     "value <main.y.id>"},
-    {SQLServer, "SELECT 1 FROM t AS A JOIN u b ON a.x = B.x",
-     "value <a.x> parent1=A name=x\n"
-     "value <B.x> parent1=b name=x"},
-    // The asterisk of SQLite takes one qualifier only.
-    {SQLite, "SELECT t.* FROM main.t", "column <t.*>"},
-    // A column takes at most three names in front.
-    {SQLServer, "SELECT t.a, t.* FROM db.dbo.t WHERE t.a = 1",
-     "column <t.a>\n"
-     "column <t.*>\n"
-     "value <t.a> parent1=t name=a"},
-    // Attributes of a column.
-    {Oracle, "SELECT o.addr.city, s.o.city FROM s.o, addr",
-     "column <o.addr.city>\n"
-     "column <s.o.city> parent0=S parent1=O name=CITY written=city"},
-};
-INSTANTIATE_TEST_SUITE_P(Qualifiers, EachView, testing::ValuesIn(qualifiers));
-
-const ViewCase systemTables[] = {
-    {Oracle, "SELECT 1 FROM dual, v$session s, x.t", "source <dual>\nsource <v$session> alias=S"},
-    {SQLServer, "SELECT 1 FROM SysObjects o, #t, dbo.sysusers",
-     "source <SysObjects> alias=o\n"
-     "source <#t>\n"
-     "table <dbo.sysusers> parent=dbo name=sysusers"},
-};
-INSTANTIATE_TEST_SUITE_P(SystemTables, EachView, testing::ValuesIn(systemTables));
-
-const ViewCase knownSchemas[] = {
+    // Schemas that are known.
     {PostgreSQL, "SELECT 1 FROM public.a, pg_class, b WHERE q.n = 2",
      "table <pg_class> name=pg_class\n"
      "value <q.n> parent1=q name=n",
@@ -219,7 +70,18 @@ const ViewCase knownSchemas[] = {
     {SQLite, "SELECT t.* FROM main.t", "column <t.*>", "aux"},
     {SQLite, "SELECT t.* FROM main.t", "column <t.*>", ""},
 };
-INSTANTIATE_TEST_SUITE_P(KnownSchemas, EachView, testing::ValuesIn(knownSchemas));
+
+/// What the construct table does not show of it.
+TEST(View, ShowsWhatCanBeRebuiltAndKeepsTheRestAsText) {
+    for (const ViewCase& view : cases) {
+        const std::string dump = dumpOf(view.dialect, view.text, view.schema);
+        std::istringstream wanted(view.lines);
+        for (std::string line; std::getline(wanted, line);)
+            EXPECT_TRUE(hasLine(dump, line))
+                << "no line " << line << "\nfor " << view.text << "\nin\n"
+                << dump;
+    }
+}
 
 TEST(View, RefusesTheFirstTokenThatNothingShows) {
     // The grammar marks what is structure: take one mark away, as a clause without an accessor
