@@ -200,7 +200,7 @@ bool QBDiagramPanelWidget::dropped(QDropEvent* event) {
     if (!tree || !tree->currentItem()) return false;
     event->acceptProposedAction();
     add(candidateAddress(tree->currentItem()),
-        m_drawer->getView()->mapFrom(this, rounded(event->posF())));
+        m_drawer->getView()->viewport()->mapFrom(this, rounded(event->posF())));
     return true;
 }
 
@@ -303,7 +303,7 @@ void QBDiagramPanelWidget::showLayer() {
 
 /// A text replaces all that the statement held. What it names again stays where it was.
 void QBDiagramPanelWidget::showParsedText() {
-    if (hasItems() && !m_isLayoutForNextText) saveShownLayer();
+    saveShownLayer();
     m_isLayoutForNextText = false;
     const QBLumoDiagramDrawer::LayerRebuild rebuild(m_drawer.get());
     synchroniseDiagramWithModel({ElementSource, ElementSelectColumn});
@@ -382,8 +382,9 @@ bool QBDiagramPanelWidget::hasItems() const {
     return !m_drawer->drawnComponents().empty();
 }
 
+/// Not that of an empty canvas: after a slip in the text all items may come back.
 void QBDiagramPanelWidget::saveShownLayer() {
-    if (m_shownLayerId != noLayer)
+    if (m_shownLayerId != noLayer && hasItems() && !m_isLayoutForNextText)
         m_drawer->saveLayerLayout(static_cast<std::uint64_t>(m_shownLayerId));
 }
 
@@ -411,7 +412,7 @@ QBDiagramPanelWidget::LayerPaths QBDiagramPanelWidget::layerPaths() const {
 }
 
 std::string QBDiagramPanelWidget::saveLayout() {
-    if (!m_isLayoutForNextText) saveShownLayer();
+    saveShownLayer();
     return m_drawer->exportLayouts(layerPaths());
 }
 

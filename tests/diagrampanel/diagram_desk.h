@@ -35,8 +35,9 @@ protected:
 /// The diagram in a window, over the tables t (a, b, c), u (a, d), v and w (a) of the schema main;
 /// u.a refers to t.a. Besides the words of PanelDesk:
 ///
-///     tick t.a; pull t.a u.d; select t; also u; right t.a; double t; mode field
-///     add w; drop w 300 200; sql SELECT ...; out; reset; busy; free
+///     tick t.a; pull t.a u.d; select t; also u; right t.a; double t; link 0 also; mode field
+///     add w; drop w 300 200; sql SELECT ...; out; reset; mark; keep; load; record; restore
+///     server t a b; busy; free: while the server is busy nothing is delivered
 class DiagramDesk : public PanelDesk {
 public:
     explicit DiagramDesk(Delivery delivery) : PanelDesk(delivery, DatabaseTypeSQLite, {"v", "w"}) {
@@ -132,15 +133,23 @@ public:
         if (word == "select") return clickAtView(placeOf(first));
         if (word == "also") return clickAtView(placeOf(first), Qt::LeftButton, Qt::ControlModifier);
         if (word == "right") return clickAtView(placeOf(first), Qt::RightButton);
-        if (word == "link") return clickAtView(middleOfLink(), Qt::LeftButton);
-        if (word == "rightlink") return clickAtView(middleOfLink(), Qt::RightButton);
+        if (word == "link")
+            return clickAtView(middleOfLink(first.toUInt()), Qt::LeftButton,
+                               second == "also" ? Qt::ControlModifier : Qt::NoModifier);
         if (word == "double") return doubleClick(placeOf(first));
         if (word == "submenu") return openSubmenu(rest);
-        if (word == "editor") return QTest::qWaitFor([] { return QApplication::activePopupWidget(); });
+        if (word == "editor")
+            return QTest::qWaitFor([] { return QApplication::activePopupWidget(); });
         if (word == "mode") return clickOn(panel->findChild<QWidget*>(first + "RelRadioButton"));
         if (word == "add") return add(first);
         if (word == "drop") return drop(first, {second.toInt(), rest.section(' ', 2, 2).toInt()});
         if (word == "sql") return parse(rest), true;
+        if (word == "server") return serve(rest);
+        if (word == "mark") return marked = places().split("; "), true;
+        if (word == "keep") return layout = panel->saveLayout(), true;
+        if (word == "load") return panel->restoreLayout(layout), true;
+        if (word == "record") return record = engine->recordQuery(), true;
+        if (word == "restore") return engine->restoreQuery(record, {}, this);
         if (word == "schema") return engine->setCurrentSchema(rest.toStdString()), true;
         if (word == "out") return engine->popCurrentLayerTopLevelQueryComponent(), true;
         if (word == "reset") return engine->resetUi(), true;
@@ -157,6 +166,7 @@ public:
     QPoint placeOf(const QString& name) const {
         QBLumoItem* const of = item(name.section('.', 0, 0));
         if (!of) return {};
+        diagram()->layout();
         QBLumoBaseItemBody* const body = of->getBody();
         if (!name.contains('.')) return inView(body->titleRect(), body);
         QBLumoListView::Cell* const cell = cellOf(name);
@@ -168,17 +178,32 @@ public:
             cell ? cell->findChildren<QBLumoCheckBox>(true) : std::vector<QBLumoCheckBox*>();
         return boxes.empty() ? QPoint() : inView(boxes[0]->getBoundingRect(), boxes[0]);
     }
-    QPoint middleOfLink() const {
+    /// Of the links that show, in the order of children.
+    QPoint middleOfLink(std::size_t index) const {
+        diagram()->layout();
         for (QBLumoJoinLink* link : diagram()->joinLinks()) {
-            if (link->getVisible())
-                return toQt(panel->drawer()->getContext()->translatePointToControlSpace(
-                    link->midPoint(), link, panel->drawer()->getControl()));
+            if (!link->getVisible() || index-- > 0) continue;
+            return toQt(panel->drawer()->getContext()->translatePointToControlSpace(
+                link->midPoint(), link, panel->drawer()->getControl()));
         }
         return {};
     }
 
+    /// "t a b": the table has these fields now.
+    bool serve(const QString& text) {
+        const QStringList names = text.split(' ');
+        FakeServer::Objects objects;
+        for (const QString& name : names.mid(1))
+            objects.emplace_back(name.toStdString(), IdentifierTypeField);
+        server.set("main." + names[0].toStdString(), objects);
+        return true;
+    }
+
     std::unique_ptr<DropPanel> panel;
-    QString jumps;
+    QString jumps;       // the clauses that were to come to the front
+    QStringList marked;  // where items stood
+    std::string layout;
+    std::string record;
 
     static bool openSubmenu(const QString& text) {
         QWidget* const menu = QApplication::activePopupWidget();

@@ -66,7 +66,7 @@ private Q_SLOTS:
                 body->titleRect(), body, panel->drawer()->getControl());
             const QPoint middle(title.origin.x + title.size.width / 2,
                                 title.origin.y + title.size.height / 2);
-            return panel->drawer()->getView()->mapTo(&window, middle);
+            return panel->drawer()->getView()->viewport()->mapTo(&window, middle);
         };
         QTRY_COMPARE(middleOfTitle(), to);  // once it is laid out
     }
