@@ -18,112 +18,87 @@ using QBComponentsListLayout_Private::ColumnVectorLayout;
 
 namespace {
 
+SQLFieldColumnComponent* makeColumn(const std::string& name) {
+    auto* column = new SQLFieldColumnComponent;
+    column->fieldName = name;
+    return column;
+}
+
 /// Columns named by letters, with their rows.
-class Columns {
-public:
-    explicit Columns(const std::string& names) : layout(&m_columns) {
+struct Columns {
+    explicit Columns(const std::string& names) {
         for (const char name : names)
-            m_columns.push_back(make(std::string(1, name)));
+            columns.push_back(makeColumn(std::string(1, name)));
         layout.rebuildItems();
-        layout.updateItemFlags();
     }
     ~Columns() {
-        for (auto* column : m_columns)
+        for (auto* column : columns)
             delete column;
     }
-    Columns(const Columns&) = delete;
-    Columns& operator=(const Columns&) = delete;
-
-    static SQLFieldColumnComponent* make(const std::string& name) {
-        auto* column = new SQLFieldColumnComponent;
-        column->fieldName = name;
-        return column;
-    }
-
     Item* row(std::size_t index) const { return layout.items().at(index); }
-
     /// The names in the vector, after a check that the rows say the same. "_" for no column.
     std::string names() {
         layout.updateItemFlags();
-        std::string text;
-        for (const auto* column : m_columns)
+        ExpectedRows expected;
+        std::string text = columns.empty() ? "_" : "";
+        for (const auto* column : columns) {
             text += dynamic_cast<const SQLFieldColumnComponent*>(column)->fieldName;
-        const Items& rows = layout.items();
-        if (m_columns.empty()) {
-            EXPECT_TRUE(rows.size() == 1 && rows[0]->isPlaceholder && rows[0]->isGroupTail);
-            return "_";
+            expected.push_back({column, 0, nullptr, -1});
         }
-        EXPECT_EQ(rows.size(), m_columns.size());
-        for (std::size_t i = 0; i < rows.size() && i < m_columns.size(); ++i) {
-            EXPECT_EQ(rows[i]->component, m_columns[i]);
-            EXPECT_EQ(rows[i]->level, 0);
-            EXPECT_EQ(rows[i]->isGroupTail, i + 1 == rows.size());
-            EXPECT_FALSE(rows[i]->isPlaceholder);
-        }
+        if (columns.empty()) expected.push_back({nullptr, 0, nullptr, -1});
+        struct Rows {  // which have no slots
+            const Items& items() const { return all; }
+            static const void* slotOf(const Item*) { return nullptr; }
+            const Items& all;
+        };
+        expectRows(Rows{layout.items()}, expected, text);
         return text;
     }
 
-    ColumnVectorLayout layout;
-
-private:
-    std::vector<SQLAbstractColumnComponent*> m_columns;
+    std::vector<SQLAbstractColumnComponent*> columns;
+    ColumnVectorLayout layout{&columns};
 };
 
 }  // namespace
 
-// ---- the column vector ------------------------------------------------------------------------
-
-TEST(ColumnRows, ColumnsLandBeforeTheirTargetOrAtTheEnd) {
-    const auto inserted = [](const char* names, int index) {
-        Columns columns(names);
-        EXPECT_EQ(columns.layout.insertItem(Columns::make("n"), index).size(), 1u);
-        return columns.names();
-    };
-    EXPECT_EQ(inserted("", 7), "n");
-    EXPECT_EQ(inserted("abc", 0), "nabc");
-    EXPECT_EQ(inserted("abc", 2), "abnc");
-    EXPECT_EQ(inserted("abc", -1), "abcn");
-    EXPECT_EQ(inserted("abc", 99), "abcn");
-    const auto moved = [](std::size_t from, unsigned long target) {
+TEST(ColumnRows, FollowTheVectorThroughEveryEdit) {
+    for (const auto& [before, index, after] : {std::tuple("", 7, "n"),
+                                               {"abc", 0, "nabc"},
+                                               {"abc", 2, "abnc"},
+                                               {"abc", -1, "abcn"},
+                                               {"abc", 99, "abcn"}}) {
+        Columns columns(before);
+        EXPECT_EQ(columns.layout.insertItem(makeColumn("n"), index).size(), 1u);
+        EXPECT_EQ(columns.names(), after);
+    }
+    for (const auto& [from, target, after] : {std::tuple(0u, 1ul, "abcd"),
+                                              {0u, 2ul, "bacd"},
+                                              {1u, 99ul, "acdb"},
+                                              {3u, 0ul, "dabc"},
+                                              {2u, 1ul, "acbd"}}) {
         Columns columns("abcd");
         columns.layout.moveItem(columns.row(from), target);
-        return columns.names();
-    };
-    EXPECT_EQ(moved(0, 1), "abcd");
-    EXPECT_EQ(moved(0, 2), "bacd");
-    EXPECT_EQ(moved(1, 99), "acdb");
-    EXPECT_EQ(moved(3, 0), "dabc");
-    EXPECT_EQ(moved(2, 1), "acbd");
-    Columns columns("abc");
-    columns.layout.addItem(Columns::make("n"), 0);
+        EXPECT_EQ(columns.names(), after);
+    }
+    Columns columns("ab");
     SQLIdentifierSourceComponent source;
-    EXPECT_TRUE(columns.layout.insertItem(&source, 0).empty());
-    EXPECT_EQ(columns.names(), "abcn");
-}
-
-TEST(ColumnRows, RemovingTheLastColumnLeavesAPlaceholder) {
-    Columns columns("ab");
     Item foreign;
-    columns.layout.removeItem_internal(columns.row(0));
-    EXPECT_EQ(columns.names(), "b");
-    columns.layout.removeItem_internal(columns.row(0));
-    columns.layout.removeItem_internal(columns.row(0));
-    columns.layout.removeItem_internal(&foreign);
-    EXPECT_EQ(columns.names(), "_");
-    EXPECT_EQ(columns.layout.takeDetachedParts().size(), 2u);
-}
-
-TEST(ColumnRows, ReplaceKeepsTheRowAndDetachesTheOldColumnIfAsked) {
-    Columns columns("ab");
+    EXPECT_TRUE(columns.layout.insertItem(&source, 0).empty());
     Item* row = columns.row(1);
     const std::unique_ptr<AbstractQueryComponent> old(row->component);
-    columns.layout.replaceItemComponent(row, Columns::make("x"), false);
-    columns.layout.replaceItemComponent(row, Columns::make("y"), true);
+    columns.layout.replaceItemComponent(row, makeColumn("x"), false);
+    columns.layout.replaceItemComponent(row, makeColumn("y"), true);
     columns.layout.replaceItemComponent(row, row->component, true);
     columns.layout.replaceItemComponent(row, nullptr, true);
     EXPECT_EQ(columns.names(), "ay");
     EXPECT_EQ(columns.row(1), row);
     EXPECT_EQ(columns.layout.takeDetachedParts().size(), 1u);
+    columns.layout.removeItem_internal(&foreign);
+    for (const char* left : {"y", "_", "_"}) {
+        columns.layout.removeItem_internal(columns.row(0));
+        EXPECT_EQ(columns.names(), left);
+    }
+    EXPECT_EQ(columns.layout.takeDetachedParts().size(), 2u);
 }
 
 // ---- the facade -------------------------------------------------------------------------------
@@ -245,7 +220,7 @@ TEST_F(Facade, ColumnsAreEditedUnderTheirOwnElement) {
     auto& columns = m_statement->selectColumnExpr->columns;
     install(std::make_unique<ColumnVectorLayout>(&columns));
     for (const char* name : {"a", "b"})
-        m_layout.addItem(m_engine.get(), ElementSelectColumn, &m_sender, Columns::make(name), -1);
+        m_layout.addItem(m_engine.get(), ElementSelectColumn, &m_sender, makeColumn(name), -1);
     m_layout.moveItem(m_engine.get(), ElementSelectColumn, &m_sender, row(1), 0);
     ASSERT_EQ(columns.size(), 2u);
     EXPECT_EQ(dynamic_cast<SQLFieldColumnComponent*>(columns[0])->fieldName, "b");

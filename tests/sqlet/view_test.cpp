@@ -56,6 +56,95 @@ const ViewCase cases[] = {
      "column <\"\xFF\" = c>"},
     {Oracle, "SELECT 1 FROM (t) \xC3\xA9",
      "error 2 [18+2]: line 1, column 19: '\xC3\xA9' cannot be shown"},
+    // How many qualifiers there is room for.
+    {SQLServer, "SELECT a.b.c.d, a.b.c.d.e FROM a.b.c, q.a.b.c, x.q.a.b.c WHERE b.c.d = a.b.c.d",
+     "column <a.b.c.d>\n"
+     "column <a.b.c.d.e>\n"
+     "table <a.b.c> parent0=a parent=b name=c\n"
+     "table <q.a.b.c> parent1=q parent0=a parent=b name=c\n"
+     "source <x.q.a.b.c>\n"
+     "value <a.b.c.d>"},
+    {SQLServer, "SELECT a.b.c.d FROM a.b.c WHERE b.c.d = a.b.c.d",
+     "column <a.b.c.d> parent0=a parent1=b parent2=c name=d\n"
+     "value <b.c.d> parent1=b parent2=c name=d\n"
+     "value <a.b.c.d>"},
+    // "x" of SQLite is a string where no column bears that name.
+    {SQLite,
+     "SELECT \"a\" FROM t WHERE \"b\" = \"c\" AND \"d\" IN (\"e\", t.\"f\", [g]) AND \"h\" BETWEEN "
+     "\"i\" AND t.\"j\" AND \"k\" GROUP BY \"l\" ORDER BY \"m\"",
+     "column <\"a\"> name=a written=\"a\"\n"
+     "value <\"b\"> name=b\n"
+     "value <\"c\">\n"
+     "value <\"d\"> name=d\n"
+     "column <\"e\">\n"
+     "column <t.\"f\"> parent0=t name=f written=\"f\"\n"
+     "column <[g]> name=g written=[g]\n"
+     "value <\"h\"> name=h\n"
+     "value <\"i\">\n"
+     "value <t.\"j\"> parent1=t name=j\n"
+     "value <\"k\">\n"
+     "column <\"l\"> name=l written=\"l\"\n"
+     "column <\"m\"> name=m written=\"m\""},
+    {SQLServer, "SELECT 1 FROM t WHERE \"b\" = \"c\"", "value <\"c\"> name=c"},
+    // One schema: the generator drops what it puts in front.
+    {PostgreSQL, "SELECT g.n FROM f() g WHERE g.n = o.n AND t.x = 1",
+     "column <g.n> parent0=g name=n\n"
+     "value <g.n> parent1=g name=n\n"
+     "value <o.n> parent1=o name=n"},
+    // Several: it would keep it.
+    {PostgreSQL, "SELECT 1 FROM a, (SELECT 1 FROM other.o) d WHERE q.n = 2",
+     "value <q.n> parent1=q name=n"},
+    // Behind the condition a source is as good as unknown.
+    {SQLite, "SELECT 1 FROM x.a JOIN b ON a.i = c.i JOIN y.c ON c.i = b.i",
+     "value <a.i> parent1=a name=i\n"
+     "value <c.i>\n"
+     "value <c.i> parent1=c name=i"},
+    {SQLite, "SELECT 1 FROM a JOIN b ON a.i = c.i JOIN c", "value <c.i> parent1=c name=i"},
+    // Two sources of one name.
+    {PostgreSQL, "SELECT t.a, x.t.a FROM x.t, y.t WHERE t.b = x.t.b",
+     "column <t.a>\n"
+     "column <x.t.a> parent0=x parent1=t name=a\n"
+     "value <t.b>\n"
+     "value <x.t.b> parent1=x parent2=t name=b"},
+    {MySQL, "SELECT x.t.a FROM x.t, t", "column <x.t.a>"},
+    {SQLite, "SELECT o.a FROM t AS O, u AS o WHERE O.a = 1",
+     "column <o.a>\n"
+     "value <O.a>"},
+    {PostgreSQL, "SELECT o.a FROM t AS \"O\", u AS o WHERE \"O\".a = 1",
+     "column <o.a> parent0=o name=a\n"
+     "value <\"O\".a> parent1=O name=a"},
+    // Another case finds the source; the accessors give the source's spelling.
+    {SQLite, "SELECT ORD.id, ORD.* FROM Ord WHERE ord.id IN (oRD.x)",
+     "column <ORD.id> parent0=Ord name=id\n"
+     "column <ORD.*> parent0=Ord name=*\n"
+     "value <ord.id> parent1=Ord name=id\n"
+     "column <oRD.x> parent0=Ord name=x"},
+    // With a schema in front: only for a source that bears the name, for the schema may be dropped.
+    {SQLite, "SELECT main.Ord.id, main.ORD.id, main.x.id FROM Ord, t x WHERE main.y.id = 1",
+     "column <main.Ord.id> parent0=main parent1=Ord name=id\n"
+     "column <main.ORD.id>\n"
+     "column <main.x.id>\n"
+     "value <main.y.id>"},
+    {SQLServer, "SELECT 1 FROM t AS A JOIN u b ON a.x = B.x",
+     "value <a.x> parent1=A name=x\n"
+     "value <B.x> parent1=b name=x"},
+    // The asterisk of SQLite takes one qualifier only.
+    {SQLite, "SELECT t.* FROM main.t", "column <t.*>"},
+    // A column takes at most three names in front.
+    {SQLServer, "SELECT t.a, t.* FROM db.dbo.t WHERE t.a = 1",
+     "column <t.a>\n"
+     "column <t.*>\n"
+     "value <t.a> parent1=t name=a"},
+    // Attributes of a column.
+    {Oracle, "SELECT o.addr.city, s.o.city FROM s.o, addr",
+     "column <o.addr.city>\n"
+     "column <s.o.city> parent0=S parent1=O name=CITY written=city"},
+    // Tables of the system.
+    {Oracle, "SELECT 1 FROM dual, v$session s, x.t", "source <dual>\nsource <v$session> alias=S"},
+    {SQLServer, "SELECT 1 FROM SysObjects o, #t, dbo.sysusers",
+     "source <SysObjects> alias=o\n"
+     "source <#t>\n"
+     "table <dbo.sysusers> parent=dbo name=sysusers"},
     // Schemas that are known.
     {PostgreSQL, "SELECT 1 FROM public.a, pg_class, b WHERE q.n = 2",
      "table <pg_class> name=pg_class\n"

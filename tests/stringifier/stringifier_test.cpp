@@ -38,6 +38,22 @@ TEST_F(Stringifier, GivesNothingForNothing) {
     EXPECT_EQ(m_mysql->stringifyQuery(nullptr), "");
 }
 
+TEST_F(Stringifier, WritesAClassDerivedFromOneItKnowsAsThatOne) {
+    struct Derived : SQLAnyExpressionColumnComponent {
+    } column;
+    column.expression = "now()";
+    EXPECT_EQ(m_mysql->stringifyQuery(&column), "now()");
+    EXPECT_EQ(m_mysql->componentRanges().at(&column), (QBRange{0, 5}));
+}
+
+TEST_F(Stringifier, WritesACommaForAJoinThatHasNoWordsYet) {
+    const Statement s = newStatement();
+    s->sourceExpr->root = join(table("a"), SQLJoinTypeCustom, table("b"));
+    EXPECT_EQ(m_mysql->stringifyQuery(s.get()), "SELECT\n\t*\nFROM\n\t`a`,\n\t`b`");
+    joinOf(s->sourceExpr->root)->joinText = "STRAIGHT_JOIN";
+    EXPECT_EQ(m_mysql->stringifyQuery(s.get()), "SELECT\n\t*\nFROM\n\t`a`\n\tSTRAIGHT_JOIN\n\t`b`");
+}
+
 TEST_F(Stringifier, WritesASubqueryAloneAtTheLeftMargin) {
     Statement inner = newStatement();
     inner->sourceExpr->root = table("t", "", {"shop"});
