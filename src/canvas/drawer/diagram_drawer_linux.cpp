@@ -38,6 +38,8 @@ struct QBLumoDiagramDrawer_LINUX::State {
 QBLumoDiagramDrawer_LINUX::QBLumoDiagramDrawer_LINUX() : m_state(std::make_unique<State>()) {}
 
 QBLumoDiagramDrawer_LINUX::~QBLumoDiagramDrawer_LINUX() {
+    // Whoever is told of its end, and asks, finds no view rather than half of one.
+    m_state->view = nullptr;
     delete m_state->widget;
     destroyDiagram();
 }
