@@ -56,6 +56,25 @@ const ViewCase cases[] = {
      "column <\"\xFF\" = c>"},
     {Oracle, "SELECT 1 FROM (t) \xC3\xA9",
      "error 2 [18+2]: line 1, column 19: '\xC3\xA9' cannot be shown"},
+    {Oracle, "SELECT o.id Key FROM orders o WHERE o.Id = o.\"Id\"",
+     "column <o.id> parent0=O name=ID written=id alias=KEY\n"
+     "table <orders> name=ORDERS alias=O\n"
+     "value <o.Id> parent1=O name=ID\n"
+     "value <o.\"Id\"> parent1=O name=Id"},
+    {Oracle, "SELECT \xC3\xA9t, \"\xC3\xA9\" FROM a.\xC3\xA9t WHERE \xC3\xA9t.x = 1",
+     "column <\xC3\xA9t>\n"
+     "column <\"\xC3\xA9\"> name=\xC3\xA9 written=\"\xC3\xA9\"\n"
+     "source <a.\xC3\xA9t>\n"
+     "value <\xC3\xA9t.x>"},
+    {PostgreSQL, "SELECT U&\"d\\0061t\", \"*\" FROM a.U&\"x\"",
+     "column <U&\"d\\0061t\">\n"
+     "column <\"*\"> name=* written=\"*\"\n"
+     "source <a.U&\"x\">"},
+    // Words that are values as long as they stand bare.
+    {PostgreSQL, "SELECT user, t.user FROM t ORDER BY current_date",
+     "column <user>\n"
+     "column <t.user> parent0=t name=user\n"
+     "column <current_date>"},
     // How many qualifiers there is room for.
     {SQLServer, "SELECT a.b.c.d, a.b.c.d.e FROM a.b.c, q.a.b.c, x.q.a.b.c WHERE b.c.d = a.b.c.d",
      "column <a.b.c.d>\n"
