@@ -126,11 +126,13 @@ void BuilderLayout::shown() {
     if (!m_builder->window()->isMaximized()) m_wanted.reset();
 }
 
-/// After the window was maximised, which may come later than the builder shows.
+/// Window managers maximise after the builder shows, in one step or in several.
 void BuilderLayout::resized() {
     if (!m_wanted || !m_builder->isVisible()) return;
-    if (m_builder->window()->isMaximized()) placePanes(*m_wanted);
-    m_wanted.reset();
+    if (m_builder->window()->isMaximized())
+        placePanes(*m_wanted);
+    else
+        m_wanted.reset();
 }
 
 // ---- the text ----

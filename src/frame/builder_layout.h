@@ -19,7 +19,7 @@ namespace QB {
 ///
 /// The diagram has what the panes leave it. A pane that is hidden keeps the width that it had.
 /// Panes that are set before the builder was first shown, when nothing in it has its place, are
-/// set again when it shows, and once more when its window has been maximised.
+/// set again when it shows, and when its window is maximised, until the user sets them.
 /// Ownership: a child of the builder. Thread: main.
 class BuilderLayout : public QObject {
 public:
