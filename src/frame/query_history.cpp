@@ -89,6 +89,7 @@ private:
     QueryStep* lastStep() const;
     DiagramArrangement standing() const;
     void finishLastStep();
+    void keepPlaceHere();
     bool continuesLastStep(const QString& name, const QByteArray& before) const;
 
     int takeUnannounced(int wantedIndex);
@@ -108,8 +109,9 @@ private:
     std::string m_seen;
     QueryOutline m_outline;  ///< of m_seen
     std::vector<long> m_layerPath;
-    DiagramArrangement m_arranged;  ///< before the user touched the diagram, or as it was drawn
-    bool m_isLastStepOpen = false;  ///< the diagram has not shown it yet
+    DiagramArrangement m_arranged;   ///< before the user touched the diagram, or as it was drawn
+    bool m_isLastStepOpen = false;   ///< the diagram has not shown it yet
+    bool m_isDiagramBehind = false;  ///< it has not shown yet what was restored
     bool m_isRestoring = false;
 };
 
@@ -241,12 +243,24 @@ void QBQueryHistory::Private::finishLastStep() {
         last->placeAfter.arrangement = encodeArrangement(standing());
 }
 
+/// Before another place is gone to: the way back leads to how everything stands now. Items take the
+/// size of fields that come late, and hosts load layouts.
+void QBQueryHistory::Private::keepPlaceHere() {
+    if (!diagram || m_isDiagramBehind) return;
+    const QByteArray here = encodeArrangement(standing());
+    if (m_position > 0 && step(m_position - 1)->placeAfter.layerPath == m_layerPath)
+        step(m_position - 1)->placeAfter.arrangement = here;
+    if (m_position < stack.count() && step(m_position)->placeBefore.layerPath == m_layerPath)
+        step(m_position)->placeBefore.arrangement = here;
+}
+
 void QBQueryHistory::Private::rememberArrangement() {
     if (diagram && !m_isRestoring && !diagram->isGestureUnderWay())
         m_arranged = diagram->arrangement();
 }
 
 void QBQueryHistory::Private::synchronised() {
+    m_isDiagramBehind = false;
     if (m_isRestoring) return;
     m_arranged = diagram->arrangement();
     finishLastStep();
@@ -302,6 +316,7 @@ void QBQueryHistory::Private::goTo(int index) {
     if (!engine() || m_rootId == 0 || q->isBusy()) return setStackIndex(m_position);
     index = takeUnannounced(index);
     finishLastStep();
+    keepPlaceHere();
     std::string record = m_record;
     QueryPlace place;
     for (; m_position > index; --m_position) {
@@ -340,6 +355,7 @@ void QBQueryHistory::Private::restore(const std::string& record, const QueryPlac
     const bool isQueryThere = record == m_seen && place.layerPath == m_layerPath;
     {
         const QScopedValueRollback<bool> guard(m_isRestoring, true);
+        m_isDiagramBehind = !isQueryThere;
         if (!isQueryThere && !engine()->restoreQuery(record, place.layerPath, q)) return q->clear();
         if (!engine()) return;  // who was told has ended it
         if (diagram) diagram->setArrangement(decodeArrangement(place.arrangement));
