@@ -1,5 +1,6 @@
 #include "diagrampanel/diagram_callbacks.h"
 
+#include <QPointer>
 #include <QRect>
 #include <algorithm>
 #include <mutex>
@@ -281,17 +282,21 @@ DiagramCallbacks::requestAddWhereComparisonCallback() const {
 void DiagramCallbacks::addWhereComparison(Source* source, const std::string& field,
                                           CompareOp op) const {
     std::unique_ptr<SQLAbstractConditionComponent> condition = makeValue(source, field);
+    SQLAbstractConditionComponent** stillEmpty = nullptr;
     if (op != CompareOpNone) {
         auto compare = std::make_unique<SQLCompareConditionComponent>();
         compare->logicGate = SQLLogicGateAnd;
         compare->compareOp = op;
         compare->leftValue = condition.release();
         compare->rightValue = new SQLConditionValueComponent;
-        Q_EMIT m_panel->signalExcludeInvalidConditionComponent(&compare->rightValue);
+        stillEmpty = &compare->rightValue;
         condition = std::move(compare);
     }
+    const QPointer<QBDiagramPanelWidget> panel(m_panel);
     append<ConditionListLayout>(engine(), ElementWhere, m_panel, &statement()->whereExpr->root,
                                 std::move(condition));
+    // Only now: who hears it looks for the place among the conditions of the clause.
+    if (panel && stillEmpty) Q_EMIT panel->signalExcludeInvalidConditionComponent(stillEmpty);
 }
 
 void DiagramCallbacks::addColumn(TopLevelQueryComponentElementEnum element, Source* source,
