@@ -41,6 +41,7 @@ public:
 
     /// That of the builder, null after its end.
     QBEngine_LINUX* live() const { return m_second ? m_second->get() : engine.get(); }
+    void kill() { m_second ? m_second->destroy() : engine.destroy(); }
     /// Gives the builder another engine, in place of one that has gone.
     void revive() {
         m_second = std::make_unique<OwnedEngine<>>(DatabaseTypeMySQL);
