@@ -257,6 +257,14 @@ private Q_SLOTS:
         QCOMPARE(desk.jumps,
                  QString("%1%2%3").arg(ElementSelectColumn).arg(ElementSource).arg(ElementWhere));
         QCOMPARE(excluded, 1);
+        // While a text is read nothing is done: a tick goes back, what was deleted comes back.
+        const QString jumps = desk.jumps;
+        QVERIFY(desk.run("hold; sql SELECT t.b FROM t, u; tick t.c"));
+        QVERIFY(desk.canvas().contains(": * [a] [b] c;"));
+        QVERIFY(desk.run("pull t.b u.d; select u; key Del"));
+        QVERIFY(desk.canvas().contains("u: * a d"));
+        QCOMPARE(desk.jumps, jumps);
+        QVERIFY(desk.run("deliver"));
     }
 
     void theRelationModeShowsInTheBar() {
