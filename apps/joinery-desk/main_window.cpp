@@ -8,13 +8,11 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
-#include <QScreen>
 #include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
@@ -52,8 +50,8 @@ const char* const rowLimitKey = "result/rowLimit";
 /// Shares of the panes in a window that nobody has arranged yet.
 QList<int> firstSizes(const QSplitter* splitter) {
     if (splitter->orientation() == Qt::Horizontal) return {240, 600, 360};
-    if (splitter->objectName() == QLatin1String("windowSplitter")) return {560, 190};
-    return {290, 220};  // diagram and clauses
+    if (splitter->objectName() == QLatin1String("windowSplitter")) return {620, 150};
+    return {360, 190};  // diagram and clauses
 }
 
 /// The one local file of a drag; empty if it brings something else.
@@ -424,20 +422,12 @@ void MainWindow::restoreState(const WindowState& state) {
     if (std::exchange(m_restoredLayout, state.layout) == state.layout) return;
     m_builder->loadWidgetLayoutJsonString(state.layout);
     if (m_givenSize.isValid()) setGivenSize(m_givenSize);
-    keepOnScreen();
 }
 
 void MainWindow::setGivenSize(const QSize& size) {
     m_givenSize = size;
     setWindowState(windowState() & ~Qt::WindowMaximized);
     resize(size);
-}
-
-/// The screen on which the window was may be gone.
-void MainWindow::keepOnScreen() {
-    if (QGuiApplication::screenAt(geometry().center())) return;
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    if (screen) move(screen->availableGeometry().topLeft());
 }
 
 void MainWindow::saveState() {

@@ -182,7 +182,6 @@ private:
     void restoreSettings();
     void restoreState(const WindowState& state);
     void saveState();
-    void keepOnScreen();
 
     QSettings* m_settings;  // not owned
     const QString m_sampleFile;

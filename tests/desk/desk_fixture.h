@@ -85,6 +85,14 @@ public:
         return table.isEmpty() ? open(database->path()) : openAndAdd(database->path(), table);
     }
 
+    /// Writes a file in the folder, and gives its path.
+    QString write(const QString& name, const QByteArray& content) const {
+        QFile file(folder.filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write");
+        return file.fileName();
+    }
+
     QTreeWidget* tree() const { return window->objectTree()->findChild<QTreeWidget*>(); }
     QTreeWidgetItem* schema() const { return tree()->topLevelItem(0); }
     QTreeWidgetItem* row(const QString& name) const {

@@ -5,6 +5,7 @@
 #include <QTest>
 
 #include "apps/joinery-desk/command_line.h"
+#include "apps/joinery-desk/query_file.h"
 #include "hostkit/sqlite_file.h"
 
 using namespace QB::Desk;
@@ -70,6 +71,8 @@ private Q_SLOTS:
         QTest::newRow("no text") << QStringList{"--sample", "--sql", m_folder.filePath("none")} +
                                         take
                                  << int(ExitNoText) << "none";
+        QTest::newRow("a query that is none")
+            << QStringList{m_folder.filePath("x.joinery")} + take << int(ExitNoText) << "x.joinery";
         QTest::newRow("two texts")
             << QStringList{"a.sql", "--sql", "b.sql"} << int(ExitUsage) << "Only one";
         QTest::newRow("nothing to run")
@@ -94,13 +97,30 @@ private Q_SLOTS:
         QCOMPARE(QFileInfo::exists(picture()), arguments.contains(picture()));
     }
 
-    void aTextIsLoadedAndRun() {
-        QFile file(m_folder.filePath("text.SQL"));
-        QVERIFY(file.open(QIODevice::WriteOnly) &&
-                file.write("SELECT s.name FROM station s JOIN dock d ON d.station_id = s.id") > 0);
-        file.close();
-        const Run result = run({"--sample", file.fileName(), "--run", "--screenshot", picture()});
-        QVERIFY2(result.code == ExitOk, qPrintable(result.errors));
+    void aTextAndASavedQueryAreOpenedAndRun() {
+        const QB::Test::SqliteFile file("CREATE TABLE only (x)");
+        const QDir folder = QFileInfo(file.path()).dir();
+        QFile text(folder.filePath("text.SQL"));
+        QVERIFY(text.open(QIODevice::WriteOnly) && text.write("SELECT x FROM only o") > 0);
+        text.close();
+        const QStringList rest = {"--run", "--screenshot", picture()};
+        const Run typed = run(QStringList{file.path(), text.fileName()} + rest);
+        QVERIFY2(typed.code == ExitOk, qPrintable(typed.errors));
+
+        const QString path = folder.filePath("query.joinery");
+        QueryDocument query;
+        query.family = QB::DatabaseTypeSQLite;
+        query.schema = "main";
+        query.database = file.path();
+        query.sql = "SELECT x FROM only";
+        QCOMPARE(writeQueryFile(path, query), QString());
+        QFile written(path);
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QVERIFY(!written.readAll().contains(folder.path().toUtf8()));  // both can be moved
+        const Run named = run(QStringList{path} + rest);
+        QVERIFY2(named.code == ExitOk, qPrintable(named.errors));
+        // The database that is asked for comes first, and has no such table.
+        QCOMPARE(run(QStringList{"--sample", path} + rest).code, int(ExitQueryFailed));
     }
 
     void aQueryWithoutEndMeetsItsDeadline() {

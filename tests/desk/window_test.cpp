@@ -61,29 +61,6 @@ private Q_SLOTS:
         QCOMPARE(desk.cell(2, 2), QString());
     }
 
-    void keysAloneOpenTheSchemaAddATableAndRun() {
-        DeskFixture& desk = *m_desk;
-        QVERIFY(desk.start(cities));
-        desk.tree()->setFocus();
-        desk.tree()->setCurrentItem(desk.schema());
-        QTest::keyClick(desk.tree(), Qt::Key_Left);
-        QVERIFY(!desk.schema()->isExpanded());
-        QTest::keyClick(desk.tree(), Qt::Key_Right);
-        QVERIFY(desk.schema()->isExpanded());
-        QTest::keyClick(desk.tree(), Qt::Key_Down);
-        QTest::keyClick(desk.tree(), Qt::Key_Down);
-        QTest::keyClick(desk.tree(), Qt::Key_Return);
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM country"));
-
-        // In the tree this key refreshes.
-        desk.window->findChild<QTableView*>()->setFocus();
-        desk.press(Qt::Key_F5);
-        QTRY_COMPARE(desk.model()->rowCount(), 2);
-        desk.model()->reset({});
-        desk.press(Qt::Key_Return, Qt::ControlModifier);
-        QTRY_COMPARE(desk.model()->rowCount(), 2);
-    }
-
     void buildPutsTheTextOnTheClipboard() {
         DeskFixture& desk = *m_desk;
         QVERIFY(desk.start(cities, "city"));
@@ -216,15 +193,6 @@ private Q_SLOTS:
         QCOMPARE(desk.model()->rowCount(), 3);
         QCOMPARE(desk.settings.value("recentFiles").toStringList(), QStringList(good.path()));
         QVERIFY(!QFileInfo::exists(paths["missing"]));
-    }
-
-    void aDatabaseWithoutTablesOpensAndRunsToAnError() {
-        DeskFixture& desk = *m_desk;
-        QVERIFY(desk.start("CREATE TABLE gone (x); DROP TABLE gone;"));
-        QCOMPARE(desk.schema()->childCount(), 0);
-        desk.buildAndRun();
-        QTRY_VERIFY(!desk.grid()->messageBar()->text().isEmpty());
-        QVERIFY(!desk.grid()->isRunning());
     }
 
     void aFileDroppedOnTheWindowIsOpenedAndOtherDropsAreNot() {
