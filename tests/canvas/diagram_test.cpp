@@ -183,6 +183,61 @@ TEST(Diagram, ResizesOneOfAGroupAndShiftsTheOthersWithItsCorner) {
     EXPECT_EQ(scene.selected().size(), 2U) << "a resize is no click";
 }
 
+TEST(Diagram, TellsOnceOfEachGestureThatHasMovedOrResizedItems) {
+    const auto drag = [](DiagramScene& scene, LumoPoint in, LumoPoint by) {
+        const LumoPoint from = scene.bodies["c"]->translatePoint(in, &scene.diagram);
+        scene.control.drag(from, from + LumoPoint{40, 40});
+        scene.control.move(from + by, left);
+        return from + by;
+    };
+    constexpr LumoPoint title{50, 10}, edge{0, 60};
+    using Scene = DiagramScene;
+    const std::vector<std::pair<std::function<void(Scene&)>, std::string>> cases = {
+        {[&](Scene& s) {
+             s.control.release(drag(s, title, {30, 5}));
+         },
+         " moved"},
+        {[&](Scene& s) {
+             s.control.release(drag(s, title, {0, 0}));
+         },
+         ""},
+        {[&](Scene& s) {
+             s.control.release(drag(s, edge, {-30, 5}));
+         },
+         " resized"},
+        {[&](Scene& s) {
+             const LumoPoint at = drag(s, title, {30, 5});
+             s.key(LumoKeyEscape);
+             s.control.release(at);
+         },
+         ""},
+        {[](Scene& s) { s.control.click(s.title(s.bodies["c"]), left); }, ""},
+        {[](Scene& s) { s.key(LumoKeyRight) && s.key(LumoKeyDown); }, " key key"},
+        {[](Scene& s) { s.key(LumoKeyEscape) && s.key(LumoKeyRight); }, ""},
+        {[](Scene& s) { s.key(LumoKeyR) && s.key(LumoKeyRight) && s.key(LumoKeyReturn); },
+         " resized"},
+        {[](Scene& s) { s.key(LumoKeyR) && s.key(LumoKeyRight) && s.key(LumoKeyTab); }, " resized"},
+        {[](Scene& s) { s.key(LumoKeyR) && s.key(LumoKeyRight) && s.key(LumoKeyEscape); }, ""},
+        {[](Scene& s) {
+             s.item("c")->setRect({1, 2, 300, 300});
+         },
+         ""},
+    };
+    for (size_t i = 0; i < cases.size(); ++i) {
+        SCOPED_TRACE(i);
+        DiagramScene scene;
+        select(&scene, "ac");
+        scene.diagram.setFocusedObject(scene.item("c"));
+        std::string told;
+        scene.context.setItemsArranged([&told](QBLumoContext::Arrangement how) {
+            static const char* const names[] = {" moved", " key", " resized", " laid out"};
+            told += names[int(how)];
+        });
+        cases[i].first(scene);
+        EXPECT_EQ(told, cases[i].second);
+    }
+}
+
 TEST(Diagram, DestroysWhatIsDeletedOnceWhetherTheHostDoesSoAtOnceOrLater) {
     enum class Host { Later, AtOnce, All, KeepsB };
     for (const Host host : {Host::Later, Host::AtOnce, Host::All, Host::KeepsB}) {
