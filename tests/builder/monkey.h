@@ -1,17 +1,14 @@
 #pragma once
 
-#include <QDrag>
-#include <QScrollBar>
-#include <QToolButton>
-#include <QWheelEvent>
+#include <QAccessible>
+#include <QNativeGestureEvent>
+#include <QPainter>
 #include <map>
-#include <optional>
 
-#include "builder/monkey_desk.h"
+#include "builder/monkey_hands.h"
 #include "canvas/controls/button.h"
 #include "platform/tolk/tolk.h"
 #include "support/capitals.h"
-#include "support/dice.h"
 
 namespace QB::Test {
 
@@ -35,16 +32,15 @@ inline const std::vector<DatabaseType> monkeyFamilies = {
     DatabaseTypeOracle, DatabaseTypeSQLite,  DatabaseTypeSQLServer};
 
 /// Acts on the desk at random, mostly by events of its windows, and remembers what it did.
-class Monkey {
+class Monkey : private MonkeyHands {
 public:
+    using MonkeyHands::story;
+
     /// How often an action was tried, and how often something came of it.
     using Counts = std::map<std::string, std::pair<int, int>>;
 
-    Monkey(MonkeyDesk& desk, int seed) : m_desk(desk), m_dice(seed) {
-        QObject::connect(&m_pump, &QTimer::timeout, [this] { carryDrag(); });
-        m_pump.start(1);
-    }
-    ~Monkey() {
+    Monkey(MonkeyDesk& desk, int seed) : MonkeyHands(desk, seed) {}
+    ~Monkey() override {
         QCoreApplication::removeTranslator(&m_capitals);
         QApplication::setPalette(m_palette);
     }
@@ -65,7 +61,6 @@ public:
             break;
         }
     }
-    QString story() const { return m_story.mid(m_story.size() - 20).join("\n    "); }
 
 private:
     struct Action {
@@ -124,6 +119,9 @@ private:
             {2, "database", {host}, &Monkey::changeDatabase},
             {2, "another engine", {host}, &Monkey::killEngine},
             {2, "candidates loaded anew", {host}, &Monkey::reload},
+            {2, "pinch", {canvas}, &Monkey::pinch},
+            {2, "assistive technology", {query, canvas, host}, &Monkey::askAccessible},
+            {1, "picture", {host}, &Monkey::paintPicture},
             {2, "look", {host}, &Monkey::changeLook},
             {3, "hold or deliver", {host}, &Monkey::deliver}};
         return all;
@@ -146,52 +144,8 @@ private:
             number -= actions()[chosen++].weight;
         return actions()[chosen];
     }
-    void note(const QString& what) { m_story.last() += ", " + what; }
-    void note(const QPoint& point) { note(QString("%1 %2").arg(point.x()).arg(point.y())); }
-
-    // ---- mouse and keys -----------------------------------------------------------------------
-
-    void click(QWidget* widget, const QPoint& point, Qt::MouseButton button = Qt::LeftButton) {
-        const QWidget* const child = widget->childAt(point);
-        // Qt runs an event loop of its own in the menu of a scroll bar.
-        if (qobject_cast<const QScrollBar*>(child)) button = Qt::LeftButton;
-        note(QString("%1 of %2 %3 (%4)")
-                 .arg(button)
-                 .arg(widget->metaObject()->className(), widget->objectName(),
-                      child ? child->objectName() : QString()));
-        note(point);
-        MonkeyDesk::clickAt(widget, point, button,
-                            m_dice.isOneIn(8) ? Qt::ControlModifier : Qt::NoModifier);
-    }
-    QPoint pointIn(const QWidget* widget) {
-        return QPoint(m_dice.pick(std::max(1, widget->width())),
-                      m_dice.pick(std::max(1, widget->height())));
-    }
-    Qt::MouseButton anyButton() { return m_dice.isOneIn(6) ? Qt::RightButton : Qt::LeftButton; }
-    QWindow* handle() const { return m_desk.window.windowHandle(); }
-    void press(const char* keys) { m_desk.press(keys); }
-
-    /// In the window. What is dragged may be Qt's own drag, whose loop ends with it.
-    void drag(QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {}) {
-        note(from);
-        note(to);
-        m_dropAt = to;
-        QTest::mouseMove(handle(), from);
-        QTest::mousePress(handle(), Qt::LeftButton, modifiers, from);
-        for (int step = 1; step <= 4 && m_dropAt; ++step)
-            QTest::mouseMove(handle(), from + (to - from) * step / 4);
-        if (std::exchange(m_dropAt, std::nullopt))
-            QTest::mouseRelease(handle(), Qt::LeftButton, modifiers, to);
-    }
-    /// Called while Qt's own drag waits for its end.
-    void carryDrag() {
-        if (!m_dropAt || !m_desk.window.findChild<QDrag*>()) return;
-        const QPoint to = *std::exchange(m_dropAt, std::nullopt);
-        QTest::mouseMove(handle(), to - QPoint(5, 5));
-        QTest::mouseMove(handle(), to);
+    void duringDrag() override {
         if (m_dice.isOneIn(8)) removeForeign();
-        if (m_dice.isOneIn(10)) QTest::keyClick(handle(), Qt::Key_Escape);
-        QTest::mouseRelease(handle(), Qt::LeftButton, {}, to);
     }
 
     void clickAnywhere() {
@@ -213,30 +167,24 @@ private:
         note(key);
         press(key);
     }
+    /// Into a popup, or into the filter of the tree, which then is cleared.
     void typeText() {
+        if (!MonkeyDesk::isPopupOpen() && m_dice.isOneIn(2)) clickPart();
+        m_desk.settle();
+        auto* const filter = m_desk.builder->findChild<QLineEdit*>("filterLineEdit");
+        const bool isFilter = !MonkeyDesk::isPopupOpen();
+        if (isFilter) filter->setFocus();
         const QString text = m_dice.isOneIn(2) ? "b7" : "1";
         note(text);
         m_desk.type(text);
+        if (!isFilter) return;
+        if (filter->text() == text) ++m_desk.effects;
+        press("Esc");
     }
     void turnWheel() { wheel(pointIn(&m_desk.window), {}); }
     void zoom() { wheel(inWindow(canvasPoint()), Qt::ControlModifier); }
-    void wheel(QPoint point, Qt::KeyboardModifiers modifiers) {
-        const int notches = m_dice.isOneIn(2) ? 1 + m_dice.pick(3) : -1 - m_dice.pick(3);
-        note(point);
-        QWheelEvent event(point, m_desk.window.mapToGlobal(point), QPoint(),
-                          QPoint(0, 120 * notches), Qt::NoButton, modifiers, Qt::NoScrollPhase,
-                          false);
-        QCoreApplication::sendEvent(handle(), &event);
-    }
-
     // ---- the panels ---------------------------------------------------------------------------
 
-    bool hasRows() const { return m_desk.listPanel && m_desk.listPanel->rowCount() > 0; }
-    int anyRow() {
-        const int row = m_dice.pick(m_desk.listPanel->rowCount());
-        m_desk.view()->scrollTo(m_desk.view()->model()->index(row, 0));
-        return row;
-    }
     /// A label of a row.
     void clickPart() {
         if (!hasRows()) return clickAnywhere();
@@ -279,70 +227,6 @@ private:
 
     // ---- the canvas ---------------------------------------------------------------------------
 
-    DiagramPlaces places() const { return m_desk.places(); }
-    QPoint inWindow(QPoint inView) const {
-        return places().view()->viewport()->mapTo(&m_desk.window, inView);
-    }
-    /// In sight; null if there is none.
-    QBLumoItem* anyItem() {
-        const auto items = places().diagram()->items();
-        if (items.empty()) return nullptr;
-        QBLumoItem* const item = m_dice.pickFrom(items);
-        places().view()->getControl()->scrollToVisible(item->getRect(), false);
-        places().diagram()->layout();
-        note(DiagramPlaces::titleOf(item));
-        return item;
-    }
-    /// A row of its list, in sight; past the end if it has none.
-    size_t anyRowOf(QBLumoItem* item) {
-        const size_t count = item ? item->getBody()->listView()->rows().size() : 0;
-        if (count == 0) return 1;
-        const auto row = size_t(m_dice.pick(int(count)));
-        item->getBody()->scrollToRow(row);
-        places().diagram()->layout();
-        note(QString("row %1").arg(row));
-        return row;
-    }
-    QBLumoJoinLink* anyLink() {
-        std::vector<QBLumoJoinLink*> shown;
-        for (QBLumoJoinLink* link : places().diagram()->joinLinks())
-            if (link->isShown()) shown.push_back(link);
-        if (shown.empty()) return nullptr;
-        QBLumoJoinLink* const link = m_dice.pickFrom(shown);
-        const LumoPoint middle = link->translatePoint(link->midPoint(), places().diagram());
-        places().view()->getControl()->scrollToVisible({middle, {1, 1}}, false);
-        places().diagram()->layout();
-        return link;
-    }
-    /// In the view: on an item, a row, a box, a link, or nothing.
-    QPoint canvasPoint() {
-        QBLumoItem* const item = m_dice.isOneIn(4) ? nullptr : anyItem();
-        if (!item) return pointIn(places().view()->viewport());
-        switch (m_dice.pick(5)) {
-            case 0:
-                return places().titlePlace(item);
-            case 1:
-                return places().linkPlace(anyLink());
-            case 2:
-                return places().boxPlace(item, anyRowOf(item));
-            case 3:
-                return places().rowPlace(item, anyRowOf(item));
-            default:
-                return places().middleOf(item->getBoundingRect(), item);
-        }
-    }
-    bool clickView(QPoint point, Qt::MouseButton button = Qt::LeftButton) {
-        if (!places().view()->viewport()->rect().contains(point)) return false;
-        click(places().view()->viewport(), point, button);
-        m_desk.settle();
-        return true;
-    }
-    void doubleClickView(QPoint point) {
-        if (point.isNull()) return;
-        if (clickView(point)) QTest::mouseDClick(handle(), Qt::LeftButton, {}, inWindow(point));
-        m_desk.settle();
-    }
-
     void clickCanvas() { clickView(canvasPoint(), anyButton()); }
     void pressCanvasKey() {
         static const std::vector<const char*> keys = {
@@ -367,9 +251,6 @@ private:
         m_desk.rest();
         QBLumoItem* const item = anyItem();
         if (item) drag(inWindow(places().titlePlace(item)), nearby(places().titlePlace(item)));
-    }
-    QPoint nearby(QPoint inView) {
-        return inWindow(inView) + QPoint(m_dice.pick(400) - 200, m_dice.pick(400) - 200);
     }
     void resizeItem() {
         m_desk.rest();
@@ -404,40 +285,44 @@ private:
         if (!start.isNull() && !end.isNull()) drag(inWindow(start), inWindow(end));
     }
 
+    void pinch() {
+        QWidget* const viewport = places().view()->viewport();
+        const QPoint at = viewport->rect().center();
+        QNativeGestureEvent event(Qt::ZoomNativeGesture, nullptr, at, at, at,
+                                  m_dice.isOneIn(2) ? 0.2 : -0.2, 0, 0);
+        QCoreApplication::sendEvent(viewport, &event);
+    }
+    /// Down the tree of the diagram, to do there what is offered.
+    void askAccessible() {
+        m_desk.rest();
+        QAccessible::setActive(true);
+        QAccessibleInterface* at = QAccessible::queryAccessibleInterface(places().view());
+        while (at->childCount() > 0 && (at->object() == places().view() || !m_dice.isOneIn(3))) {
+            QAccessibleInterface* const child = at->child(m_dice.pick(at->childCount()));
+            if (!child || !child->isValid()) break;
+            at = child;
+            note(at->text(QAccessible::Name));
+        }
+        at->rect();
+        at->state();
+        QAccessibleActionInterface* const offered = at->actionInterface();
+        const QStringList names = offered ? offered->actionNames() : QStringList();
+        if (at->object() == places().view() || names.isEmpty()) return;
+        const QString name = names[m_dice.pick(names.size())];
+        note(name);
+        offered->doAction(name);
+    }
+    void paintPicture() {
+        QImage image(200, 150, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        const QImage blank = image.copy();
+        QPainter painter(&image);
+        m_desk.builder->canvasCommands()->renderTo(&painter, image.rect());
+        if (image != blank) ++m_desk.effects;
+    }
+
     // ---- menus and popups of the canvas -------------------------------------------------------
 
-    /// Of the open menu, and of what opens from it.
-    void chooseAny() {
-        for (int depth = 0; depth < 2; ++depth) {
-            auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-            QList<QAction*> entries;
-            if (menu)
-                for (QAction* entry : menu->actions())
-                    if (entry->isEnabled() && !entry->isSeparator()) entries << entry;
-            if (entries.isEmpty()) return;
-            QAction* const entry = entries[m_dice.pick(entries.size())];
-            const bool hasMore = entry->menu() != nullptr;
-            note(entry->text());
-            MonkeyDesk::clickAt(menu, menu->actionGeometry(entry).center());
-            m_desk.settle();
-            if (!hasMore) return;
-            awaitMenuAfter(menu);
-        }
-    }
-    bool chooseEntry(const QString& text) {
-        const QWidget* const menu = QApplication::activePopupWidget();
-        if (!MonkeyDesk::choose(text)) return false;
-        note(text);
-        m_desk.settle();
-        awaitMenuAfter(menu);
-        return true;
-    }
-    /// One that opens from @p menu does so after a moment.
-    static void awaitMenuAfter(const QWidget* menu) {
-        if (QApplication::activePopupWidget() == menu)
-            static_cast<void>(QTest::qWaitFor(
-                [menu] { return QApplication::activePopupWidget() != menu; }, 1000));
-    }
     void useAnyMenu() {
         m_desk.rest();
         if (clickView(canvasPoint(), Qt::RightButton)) chooseAny();
@@ -458,20 +343,6 @@ private:
         note(text);
         m_desk.type(text);
         press("Return");
-    }
-    /// Null if there is none.
-    QBLumoItem* anySubquery() {
-        std::vector<QBLumoItem*> all;
-        for (QBLumoItem* item : places().diagram()->items()) {
-            const auto* const body = dynamic_cast<QBLumoTextBasedItemBody*>(item->getBody());
-            if (body && body->hasEditButton()) all.push_back(item);
-        }
-        if (all.empty()) return nullptr;
-        QBLumoItem* const item = m_dice.pickFrom(all);
-        places().view()->getControl()->scrollToVisible(item->getRect(), false);
-        places().diagram()->layout();
-        note(DiagramPlaces::titleOf(item));
-        return item;
     }
     void editSubquery() {
         QBLumoItem* const item = needSubquery();
@@ -541,30 +412,6 @@ private:
         isByKey ? press("Alt+Up") : click(buttons[0], buttons[0]->rect().center());
         m_desk.settle();
         if (layer() < before) ++m_desk.effects;
-    }
-    /// Of a table or view, in sight.
-    QTreeWidgetItem* anyTable() {
-        QTreeWidget* const tree = m_desk.tree();
-        if (tree->topLevelItemCount() == 0) return nullptr;
-        QTreeWidgetItem* const schema =
-            tree->topLevelItem(m_dice.isOneIn(4) ? tree->topLevelItemCount() - 1 : 0);
-        schema->setExpanded(true);
-        m_desk.settle();
-        if (schema->childCount() == 0) return nullptr;
-        QTreeWidgetItem* const table = schema->child(m_dice.pick(schema->childCount()));
-        tree->scrollToItem(table);
-        note(table->text(0));
-        return table;
-    }
-    void showTree() {
-        m_desk.rest();
-        if (!m_desk.tree()->isVisible())
-            MonkeyDesk::clickOn(m_desk.builder->findChild<QToolButton*>("objectTreeButton"));
-        m_desk.settle();
-    }
-    QPoint placeOf(const QTreeWidgetItem* row) const {
-        const QTreeWidget* const tree = m_desk.tree();
-        return tree->viewport()->mapTo(&m_desk.window, tree->visualItemRect(row).center());
     }
     void addFromTree() {
         showTree();
@@ -685,11 +532,6 @@ private:
     }
     void deliver() { m_desk.isHeld = !m_desk.isHeld; }
 
-    MonkeyDesk& m_desk;
-    Dice m_dice;
-    QStringList m_story;
-    QTimer m_pump;
-    std::optional<QPoint> m_dropAt;  // of the drag that goes on
     QString m_layout;
     QString m_window;
     QMap<QString, QVariant> m_preferences;

@@ -85,6 +85,7 @@ public:
         QUndoStack* const stack = m_desk.builder->undoStack();
         const int index = stack->index();
         const Standing before = standing();
+        const std::string text = m_desk.live()->buildQuery();
         stack->setIndex(std::max(0, index - most));
         m_desk.settle();
         const bool hasMoved = stack->index() == std::max(0, index - most);
@@ -92,7 +93,8 @@ public:
         m_desk.settle();
         if (!hasMoved || stack->index() != index) return "history: it does not move";
         const Standing after = standing();
-        if (after.query != before.query) return "history: another query than before";
+        if (after.query != before.query)
+            return "history: " + shown(m_desk.live()->buildQuery()) + "\n    was: " + shown(text);
         // The layer is the one in which the step was done.
         if (after.layers != before.layers || after.items == before.items) return {};
         return "history: " + after.items.join("; ") + "\n    was: " + before.items.join("; ");
@@ -137,7 +139,9 @@ private:
         bool isFound = false;
         Tools::visitOwnedComponents(root, [&](const auto* part) {
             const auto* const value = dynamic_cast<const SQLConditionValueComponent*>(part);
-            if (value && !value->firstValue()) isFound = true;
+            const auto* const join = dynamic_cast<const Join*>(part);
+            const bool isBare = join && join->needsCondition() && !join->hasCondition();
+            if (isBare || (value && !value->firstValue())) isFound = true;
         });
         return isFound;
     }
@@ -278,7 +282,9 @@ private:
         };
         std::vector<const SQLCompareConditionComponent*> compares;
         collect(join->condition, &compares);
-        std::pair<End, End> tables{{left.back(), ""}, {right.front(), ""}};
+        std::pair<End, End> tables;
+        if (!left.empty()) tables.first.source = left.back();
+        if (!right.empty()) tables.second.source = right.front();
         bool isBound = false;
         for (const auto* compare : compares) {
             const auto ends = endsOf(compare, left, right, false);
@@ -289,7 +295,7 @@ private:
             const auto fields = endsOf(compare, left, right, true);
             if (fields.first.source && fields.second.source) add(fields.first, fields.second);
         }
-        add(tables.first, tables.second);
+        if (tables.first.source && tables.second.source) add(tables.first, tables.second);
     }
 
     // ---- the history ----
