@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPainter>
 
+#include "canvas/base/canvas_style.h"
 #include "platform/tolk/tolk.h"
 
 namespace QB {
@@ -35,8 +36,14 @@ void QBDiagramHintWidget::setTakesDrop(bool takesDrop) {
     update();
 }
 
+void QBDiagramHintWidget::showEvent(QShowEvent* event) {
+    applyTheme();
+    QWidget::showEvent(event);
+}
+
 void QBDiagramHintWidget::changeEvent(QEvent* event) {
     if (event->type() == QEvent::LanguageChange) retranslate();
+    if (event->type() == QEvent::PaletteChange) applyTheme();
     QWidget::changeEvent(event);
 }
 
@@ -51,6 +58,14 @@ void QBDiagramHintWidget::paintEvent(QPaintEvent*) {
 
 void QBDiagramHintWidget::retranslate() {
     m_label->setText(Tolk::localize(Tolk::TextDiagramHint));
+}
+
+/// It stands on the canvas, not on a window.
+void QBDiagramHintWidget::applyTheme() {
+    const LumoColor text = DiagramLumo::themePalette().text;
+    QPalette colors = m_label->palette();
+    colors.setColor(QPalette::WindowText, QColor(text.red, text.green, text.blue));
+    m_label->setPalette(colors);
 }
 
 void QBDiagramHintWidget::paintDropFeedback(QPainter& painter) const {

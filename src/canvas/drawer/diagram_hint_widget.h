@@ -21,10 +21,12 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void retranslate();
+    void applyTheme();
     void paintDropFeedback(QPainter& painter) const;
 
     QLabel* m_label;  // owned by the widget
