@@ -87,7 +87,7 @@ private:
         options.wantsSample = m_parser.isSet(m_sample);
         options.tables = m_parser.values(m_add);
         options.run = m_parser.isSet(m_run);
-        options.tab = m_parser.value(m_tab);
+        options.tabs = m_parser.values(m_tab);
         options.canvasDemo = m_parser.isSet(m_canvasDemo);
         options.screenshot = m_parser.value(m_screenshot);
         options.part = m_parser.value(m_part);
@@ -120,7 +120,7 @@ private:
     static bool wantsQuery(const CommandLine& options) {
         return options.wantsSample || !options.file.isEmpty() || !options.sqlFile.isEmpty() ||
                !options.queryFile.isEmpty() || !options.tables.isEmpty() || options.run ||
-               !options.tab.isEmpty() || !options.part.isEmpty();
+               !options.tabs.isEmpty() || !options.part.isEmpty();
     }
 
     QString readDeadline(CommandLine& options) const {
@@ -164,7 +164,9 @@ private:
                                    text(QT_TRANSLATE_NOOP("CommandLine", "Run the query."))};
     const QCommandLineOption m_tab{
         QStringLiteral("tab"),
-        text(QT_TRANSLATE_NOOP("CommandLine", "Bring up a clause, such as WHERE or \"GROUP BY\".")),
+        text(QT_TRANSLATE_NOOP("CommandLine",
+                               "Bring up a clause, such as WHERE or \"GROUP BY\", or DIAGRAM; may "
+                               "be given several times.")),
         QStringLiteral("NAME")};
     const QCommandLineOption m_canvasDemo{
         QStringLiteral("canvas-demo"),

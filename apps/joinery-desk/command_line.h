@@ -25,7 +25,7 @@ struct CommandLine {
     bool wantsSample = false;
     QStringList tables;  ///< to add: "table" or "schema.table"
     bool run = false;
-    QString tab;  ///< the text of a clause tab to bring up
+    QStringList tabs;  ///< to bring up: the texts of clause tabs, or "DIAGRAM"
     bool canvasDemo = false;
     QString screenshot;  ///< empty: an ordinary start
     QString part;        ///< the object name of the widget to picture; empty: the window
@@ -39,7 +39,7 @@ struct CommandLine {
     bool opensOwnDatabase() const { return !queryFile.isEmpty() && file.isEmpty() && !wantsSample; }
     bool isScripted() const {
         return !tables.isEmpty() || !sqlFile.isEmpty() || !queryFile.isEmpty() || run ||
-               !tab.isEmpty() || !screenshot.isEmpty();
+               !tabs.isEmpty() || !screenshot.isEmpty();
     }
 };
 

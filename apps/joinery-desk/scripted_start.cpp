@@ -49,8 +49,8 @@ ScriptedStart::ScriptedStart(MainWindow* window, const CommandLine& options)
     if (!options.sqlFile.isEmpty()) planText(options.sqlFile);
     for (const QString& table : options.tables)
         planAdding(table);
-    if (!options.tab.isEmpty())
-        m_steps.push_back([this, name = options.tab] { return bringUpTab(name); });
+    for (const QString& name : options.tabs)
+        m_steps.push_back([this, name] { return bringUpTab(name); });
     m_steps.push_back([this] { return waitForPreview(); });
     if (options.run) planRun();
     connect(&m_timer, &QTimer::timeout, this, &ScriptedStart::poll);
@@ -198,6 +198,10 @@ void ScriptedStart::planRun() {
 }
 
 ScriptedStart::Progress ScriptedStart::bringUpTab(const QString& name) {
+    if (name.compare(QLatin1String("DIAGRAM"), Qt::CaseInsensitive) == 0) {
+        m_window->builder()->obtainDiagramTabs()->setCurrentIndex(0);
+        return Progress::Done;
+    }
     auto* tabs = m_window->builder()->findChild<QTabWidget*>(QStringLiteral("tabWidget"));
     for (int i = 0; i < tabs->count(); ++i) {
         if (tabs->tabText(i).compare(name, Qt::CaseInsensitive) != 0) continue;

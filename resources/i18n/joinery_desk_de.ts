@@ -79,8 +79,8 @@ Rückgabewerte: 0 alles gelungen, 1 falsche Befehlszeile, 2 die Datenbank ließ 
         <translation>Wie lange --sql, --add, --run und --screenshot dauern dürfen; ohne Angabe 30.</translation>
     </message>
     <message>
-        <source>Bring up a clause, such as WHERE or "GROUP BY".</source>
-        <translation>Eine Klausel nach vorn holen, etwa WHERE oder „GROUP BY“.</translation>
+        <source>Bring up a clause, such as WHERE or "GROUP BY", or DIAGRAM; may be given several times.</source>
+        <translation>Eine Klausel nach vorn holen, etwa WHERE oder „GROUP BY“, oder DIAGRAM; kann mehrfach angegeben werden.</translation>
     </message>
     <message>
         <source>Of the window, picture only the widget with that object name, such as tabWidget for the clauses or diagramPanel.</source>
