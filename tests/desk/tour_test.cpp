@@ -1,13 +1,23 @@
 #include <sqlite3.h>
+#include <QAbstractScrollArea>
+#include <QAccessible>
 #include <QApplication>
 #include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QMenuBar>
+#include <QPainter>
 #include <QTabWidget>
+#include <QUndoStack>
 
+#include "canvas/view/canvas_commands.h"
 #include "desk/desk_fixture.h"
+#include "frame/query_history.h"
 #include "support/qt_animations.h"
 #include "support/window_events.h"
 
+using QB::Desk::MainWindow;
 using QB::Test::DeskFixture;
 using QB::Test::WindowEvents;
 
@@ -37,8 +47,10 @@ QStringList rowsOfSqlite(const QString& file, const QString& sql) {
 
 }  // namespace
 
-/// A user composes a large query on the sample database: with the mouse, and with the keys alone.
-/// All goes through the windows, a step a line; a step waits until what it is for is there:
+/// A user composes queries on the sample database: in the clauses one that runs, and on the diagram
+/// one that goes back and forth through the history and through a file. Each with the mouse, and
+/// with the keys alone. All goes through the windows, a step a line; a step waits until what it is
+/// for is there:
 ///
 ///     tree rental              double click in the object tree
 ///     clause FROM              click a tab
@@ -57,6 +69,24 @@ QStringList rowsOfSqlite(const QString& file, const QString& sql) {
 ///     find rental              type into the chooser, and Return when the first match shows
 ///     settled                  see that the filter of the tree has done its work
 ///     reads FROM rental        see that in the preview
+///
+/// On the diagram, where "rental" is the title of an item, "rental.id" a row, "link 0" a link:
+///
+///     right rental, double rental    click there with the right button, or twice
+///     tick rental.id           click its box
+///     pull t.a u.b             drag from there to there
+///     submenu WHERE            click an entry that opens a menu
+///     bar &File                open a menu of the window
+///     focus rental.id          press Tab, or Down for a row, until the keys mean that
+///     back rental              the same with Shift+Tab
+///     every Ctrl+Z, every 0    undo all: by that key, or by that entry of the Edit menu
+///     file query               answer the next file dialog
+///     reopen                   see a new window, the one before having been closed
+///     station NAME             see that the text is the one of that name in grand.golden, and for
+///                              the second time that the diagram is as it was there
+///
+/// With JOINERY_TOUR_PICTURES=FOLDER each station leaves a picture, "picture NAME" too; dark with
+/// JOINERY_TOUR_THEME=dark.
 class TourTest : public QObject {
     Q_OBJECT
 
@@ -67,11 +97,12 @@ private Q_SLOTS:
         m_desk = std::make_unique<DeskFixture>();
         m_desk->window->resize(1280, 1500);
         m_desk->window->openSample();
-        QTRY_VERIFY(m_desk->window->isDatabaseShown());
-        m_desk->window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_desk->window.get()));
+        QVERIFY(arrive());
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup() {
+        m_desk.reset();
+        m_dumps.clear();
+    }
 
     void theMouseComposesAQueryThatRuns() {
         QVERIFY(run("mouse.tour"));
@@ -83,7 +114,18 @@ private Q_SLOTS:
         compareWithSqlite();
     }
 
+    void theMouseGoesOnTheGrandTour() { QVERIFY(run("grand_mouse.tour")); }
+    void theKeysAloneGoOnTheGrandTour() { QVERIFY(run("grand_keys.tour")); }
+
 private:
+    bool arrive() {
+        MainWindow* const window = m_desk->window.get();
+        if (qgetenv("JOINERY_TOUR_THEME") == "dark") window->setTheme(QB::Desk::Theme::Dark);
+        if (!QTest::qWaitFor([window] { return window->isDatabaseShown(); })) return false;
+        window->activateWindow();
+        return QTest::qWaitForWindowActive(window);
+    }
+
     void compareWithSqlite() {
         const QString golden = fileText(JOINERY_TEST_DATA "/tour.sql");
         QTRY_COMPARE(text(), golden.trimmed());
@@ -141,7 +183,8 @@ private:
         if (word == "keys") return pressKeys(rest);
         if (word == "find") return findChoice(rest);
         if (word == "settled") return m_desk->window->objectTree()->isSettled();
-        return word == "reads" && m_desk->preview().contains(rest);
+        if (word == "reads") return m_desk->preview().contains(rest);
+        return runOnDiagram(word, rest) || runOnWindow(word, rest);
     }
 
     /// The topmost popup, or else the window.
@@ -198,7 +241,7 @@ private:
         return WindowEvents::clickAt(rows->viewport(), place, Qt::RightButton) &&
                WindowEvents::choose(entry);
     }
-    bool chooseEntry(const QString& entry) {
+    bool chooseEntry(const QString& entry) const {
         return qobject_cast<QMenu*>(front()) && WindowEvents::choose(entry);
     }
     bool clickKind(const QString& title) {
@@ -224,7 +267,7 @@ private:
         const auto buttons = path->findChildren<QAbstractButton*>();
         return layer < buttons.size() && WindowEvents::clickOn(buttons[layer]);
     }
-    bool pressKeys(const QString& keys) {
+    bool pressKeys(const QString& keys) const {
         const QStringList all = keys.split(' ', Qt::SkipEmptyParts);
         for (const QString& key : all) {
             WindowEvents::pressIn(m_desk->window.get(), key);
@@ -244,6 +287,179 @@ private:
         return pressKeys("Return");
     }
 
+    // ---- the diagram ----------------------------------------------------------------------------
+
+    bool runOnDiagram(const QString& word, const QString& rest) {
+        if (word == "right") return clickAtCanvas(placeOf(rest), Qt::RightButton);
+        if (word == "double") return doubleClick(placeOf(rest));
+        if (word == "tick") return clickAtCanvas(boxOf(rest));
+        if (word == "pull")
+            return drag(placeOf(rest.section(' ', 0, 0)), placeOf(rest.section(' ', 1)));
+        if (word == "submenu") return openSubmenu(rest);
+        if (word == "back") return moveFocus(rest, "Shift+Tab");
+        return word == "focus" && moveFocus(rest, rest.contains('.') ? "Down" : "Tab");
+    }
+
+    QAbstractScrollArea* view() const {
+        auto* const panel = m_desk->window->builder()->findChild<QWidget*>("diagramPanel");
+        return panel->findChild<QAbstractScrollArea*>();
+    }
+    /// What assistive technology finds under that name.
+    QAccessibleInterface* find(const QString& name) const {
+        QAccessibleInterface* const all = QAccessible::queryAccessibleInterface(view());
+        int links = 0;
+        for (int i = 0; i < all->childCount(); ++i) {
+            QAccessibleInterface* const child = all->child(i);
+            if (child->role() == QAccessible::Button) {
+                if (name == QString("link %1").arg(links++)) return child;
+            } else if (child->text(QAccessible::Name) == name.section('.', 0, 0)) {
+                return name.contains('.') ? findChild(child, name.section('.', 1)) : child;
+            }
+        }
+        return nullptr;
+    }
+    static QAccessibleInterface* findChild(const QAccessibleInterface* item, const QString& name) {
+        for (int i = 0; i < item->childCount(); ++i)
+            if (item->child(i)->text(QAccessible::Name) == name) return item->child(i);
+        return nullptr;
+    }
+    /// In the view; empty for what does not show.
+    QRect rectOf(const QString& name) const {
+        const QAccessibleInterface* const found = find(name);
+        if (!found || found->state().offscreen) return {};
+        const QRect rect = found->rect();
+        return {view()->viewport()->mapFromGlobal(rect.topLeft()), rect.size()};
+    }
+    /// The middle; of an item that of its title.
+    QPoint placeOf(const QString& name) const {
+        const QRect rect = rectOf(name);
+        const bool isItem = !name.contains('.') && !name.startsWith("link ");
+        return isItem && !rect.isEmpty() ? QPoint(rect.center().x(), rect.top() + 8)
+                                         : rect.center();
+    }
+    QPoint boxOf(const QString& name) const {
+        const QRect rect = rectOf(name);
+        return rect.isEmpty() ? QPoint()
+                              : QPoint(rect.left() + rect.height() * 3 / 4, rect.center().y());
+    }
+    bool clickAtCanvas(QPoint point, Qt::MouseButton button = Qt::LeftButton) const {
+        return view()->viewport()->rect().contains(point) && !point.isNull() &&
+               WindowEvents::clickAt(view()->viewport(), point, button);
+    }
+    bool doubleClick(QPoint point) const {
+        if (!clickAtCanvas(point)) return false;
+        QTest::mouseDClick(m_desk->window->windowHandle(), Qt::LeftButton, {}, inWindow(point));
+        return true;
+    }
+    QPoint inWindow(QPoint point) const {
+        return view()->viewport()->mapTo(m_desk->window.get(), point);
+    }
+    bool drag(QPoint from, QPoint to) const {
+        if (from.isNull() || to.isNull()) return false;
+        QWindow* const window = m_desk->window->windowHandle();
+        QTest::mouseMove(window, inWindow(from));
+        QTest::mousePress(window, Qt::LeftButton, {}, inWindow(from));
+        for (const int step : {1, 2, 3, 4})
+            QTest::mouseMove(window, inWindow(from + (to - from) * step / 4));
+        QTest::mouseRelease(window, Qt::LeftButton, {}, inWindow(to));
+        return true;
+    }
+    bool openSubmenu(const QString& entry) const {
+        QWidget* const menu = QApplication::activePopupWidget();
+        return chooseEntry(entry) &&
+               QTest::qWaitFor([menu] { return QApplication::activePopupWidget() != menu; });
+    }
+    bool moveFocus(const QString& name, const QString& key) const {
+        for (int tries = 0; tries < 40; ++tries) {
+            const QAccessibleInterface* const wanted = find(name);
+            if (wanted && wanted->state().focused) return true;
+            pressKeys(key);
+        }
+        return false;
+    }
+
+    // ---- the window -----------------------------------------------------------------------------
+
+    bool runOnWindow(const QString& word, const QString& rest) {
+        if (word == "bar") return openMenuOfBar(rest);
+        if (word == "every") return goToTheEnd(rest);
+        if (word == "file") return answerFileDialog(m_desk->folder.filePath(rest)), true;
+        if (word == "reopen") return reopen();
+        if (word == "picture") return takePicture(rest), true;
+        return word == "station" && stopAt(rest);
+    }
+
+    bool openMenuOfBar(const QString& title) const {
+        QMenuBar* const bar = m_desk->window->menuBar();
+        const auto menus = bar->actions();
+        for (QAction* menu : menus)
+            if (menu->text() == title)
+                return WindowEvents::clickAt(bar, bar->actionGeometry(menu).center());
+        return false;
+    }
+    bool goToTheEnd(const QString& way) const {
+        const QB::QBQueryHistory* const history = m_desk->window->builder()->history();
+        const QUndoStack* const steps = history->undoStack();
+        const bool isBack = way == "0" || way == "Ctrl+Z";
+        while (isBack ? steps->canUndo() : steps->canRedo()) {
+            const int before = steps->index();
+            if (history->isBusy()) return false;
+            way.size() > 1 ? pressKeys(way) : chooseInEditMenu(way.toInt());
+            if (steps->index() == before) return false;
+        }
+        return true;
+    }
+    bool chooseInEditMenu(int index) const {
+        if (!openMenuOfBar("&Edit")) return false;
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        return menu && WindowEvents::choose(menu->actions().at(index)->text());
+    }
+    void answerFileDialog(const QString& file) {
+        auto* const answer = new QTimer(m_desk->window.get());
+        connect(answer, &QTimer::timeout, answer, [answer, file] {
+            auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            if (!dialog) return;
+            answer->stop();
+            answer->deleteLater();
+            auto* const line = dialog->findChild<QLineEdit*>();
+            line->selectAll();
+            QTest::keyClicks(line, file);
+            QTest::keyClick(line, Qt::Key_Return);
+        });
+        answer->start(10);
+    }
+    bool reopen() {
+        if (m_desk->window->isVisible()) return false;
+        m_desk->window = std::make_unique<MainWindow>(&m_desk->settings,
+                                                      m_desk->folder.filePath("sample.sqlite"));
+        m_desk->window->setLanguage("en");
+        m_desk->window->show();
+        m_desk->window->openLast();
+        return arrive();
+    }
+
+    bool stopAt(const QString& name) {
+        static const QStringList golden =
+            fileText(JOINERY_TEST_DATA "/grand.golden").split('\n', Qt::SkipEmptyParts);
+        const QString wanted = golden.value(golden.indexOf("# " + name) + 1);
+        if (m_desk->preview() != wanted) return false;
+        takePicture(name);
+        const QString dump = m_desk->window->builder()->canvasCommands()->dump();
+        if (!m_dumps.contains(name)) m_dumps[name] = dump;
+        return m_dumps[name] == dump;
+    }
+    /// The window with what is open over it.
+    void takePicture(const QString& name) const {
+        const QString folder = qEnvironmentVariable("JOINERY_TOUR_PICTURES");
+        if (folder.isEmpty()) return;
+        QPixmap picture = m_desk->window->grab();
+        if (QWidget* const popup = QApplication::activePopupWidget()) {
+            QPainter painter(&picture);
+            painter.drawPixmap(popup->pos() - m_desk->window->pos(), popup->grab());
+        }
+        picture.save(folder + '/' + QTest::currentTestFunction() + '-' + name + ".png");
+    }
+
     /// Where the user is, for one who looks for a fault.
     QString shown() const {
         QWidget* const focus = QApplication::focusWidget();
@@ -251,6 +467,10 @@ private:
                           .arg(front()->metaObject()->className(),
                                focus ? focus->metaObject()->className() : "nowhere",
                                focus ? focus->objectName() : QString());
+        const QAccessibleInterface* const canvas = QAccessible::queryAccessibleInterface(view());
+        if (const QAccessibleInterface* const focused = canvas->focusChild())
+            all += "on the diagram " + focused->text(QAccessible::Name) + '\n';
+        all += m_desk->window->builder()->canvasCommands()->dump();
         const QTableView* rows = list();
         for (int row = 0; rows && row < rows->model()->rowCount(); ++row) {
             const QModelIndex index = rows->model()->index(row, 0);
@@ -264,6 +484,7 @@ private:
 
     static constexpr int patience = 5000;
     std::unique_ptr<DeskFixture> m_desk;
+    QMap<QString, QString> m_dumps;  // of the diagram, at the stations
 };
 
 QTEST_MAIN(TourTest)
