@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <set>
 
 #include <QVBoxLayout>
@@ -141,6 +143,13 @@ struct DrawnQuery {
 struct ApplicationFirst {
     ApplicationFirst() { needApplication(); }
 };
+
+/// An application that has shown a menu must end before Qt puts its own things away.
+struct ApplicationEnd : testing::Environment {
+    void TearDown() override { application().reset(); }
+};
+inline testing::Environment* const applicationEnd =
+    testing::AddGlobalTestEnvironment(new ApplicationEnd);
 
 /// The drawer in a window, with a plain panel in its place: it answers from the query, does to it
 /// what the canvas asks for, and tells all of it in words.
