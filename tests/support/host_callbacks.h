@@ -40,7 +40,7 @@ public:
     }
 
     ~HostCallbacks() {
-        joinWorkers();
+        finishWorkers();  // some may wait for the main thread
         std::tie(Callback::runOperationOnMainThread, Callback::runOperationOnDispatchedThread,
                  Callback::isDarkTheme, Callback::showError, Callback::formatIdentifier) =
             m_earlier;
