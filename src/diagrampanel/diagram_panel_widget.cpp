@@ -397,8 +397,9 @@ void QBDiagramPanelWidget::placeItems() {
     const DiagramArrangement before = m_drawer->arrangement();
     const bool isCovered = m_drawer->hasLayerLayout(layer) && m_drawer->restoreLayerLayout(layer);
     const DiagramArrangement after = m_drawer->arrangement();
-    if (!isCovered && after.entries == before.entries && after.entries.size() > 1)
-        m_drawer->arrangeAll();
+    if (isCovered || after.entries != before.entries) return;
+    m_drawer->scrollToOrigin();  // where nothing of the layout fits, neither does where it looked
+    if (after.entries.size() > 1) m_drawer->arrangeAll();
 }
 
 QBDiagramPanelWidget::LayerPaths QBDiagramPanelWidget::layerPaths() const {

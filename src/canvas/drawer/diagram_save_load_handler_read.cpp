@@ -155,12 +155,13 @@ private:
                 .push_back(index);
     }
 
-    /// An alias alone fits a text; with name and schema it may fit a table, too.
+    /// An alias alone fits a text; with name and schema it may fit a table, too. Where there is no
+    /// alias, the name tells the entry of a table, whose place no text shall take.
     std::optional<std::size_t> take(const NuvoJsonValue& entry) {
         const std::optional<std::string> alias = textOf(entry, "Alias");
         if (!alias) return std::nullopt;
-        Indices* const texts = waiting(&m_texts, *alias);
         const std::optional<std::string> name = textOf(entry, "Name");
+        Indices* const texts = alias->empty() && name ? nullptr : waiting(&m_texts, *alias);
         const std::optional<std::string> schema = textOf(entry, "Schema");
         Indices* const tables =
             name && schema ? waiting(&m_tables, TableKey{*alias, *name, *schema}) : nullptr;
