@@ -11,7 +11,6 @@
 #include "layouts/column_vector_layout.h"
 #include "model/kind_of.h"
 #include "model/tree_walks.h"
-#include "tools/free_text.h"
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
 #include "popups/column_selection_popup_widget.h"
@@ -19,6 +18,7 @@
 #include "rows/nested_list_dummy_row_widget.h"
 #include "rows/row_interfaces.h"
 #include "rows/row_move_buttons.h"
+#include "tools/free_text.h"
 #include "tools/validation_scope.h"
 #include "widgets/label.h"
 
