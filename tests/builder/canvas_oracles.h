@@ -3,10 +3,10 @@
 #include <QScreen>
 
 #include "builder/monkey_desk.h"
-#include "builder/probes.h"
 #include "canvas/controls/scroll_view.h"
 #include "canvas/items/field_list.h"
 #include "platform/lumo/lumo_timer.h"
+#include "support/canvas_probes.h"
 
 namespace QB::Test {
 

@@ -19,8 +19,8 @@
 #include "canvas/playground/demo_diagram.h"
 #include "canvas/view/canvas_commands.h"
 #include "canvas/view/lumo_ui_view.h"
-#include "canvas_monkey/probes.h"
 #include "model/callbacks.h"
+#include "support/canvas_probes.h"
 #include "support/dice.h"
 
 namespace QB::DiagramLumo {
