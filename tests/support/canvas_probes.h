@@ -4,10 +4,12 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <utility>
 
 #include <QStringList>
 
 #include "canvas/diagram/diagram.h"
+#include "canvas/items/item.h"
 #include "platform/lumo/lumo_control.h"
 #include "platform/lumo/lumo_dispatch.h"
 
