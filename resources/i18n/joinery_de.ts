@@ -200,6 +200,10 @@
         <translation>Diese Tabellen sind über gleichnamige Spalten verbunden (USING). Stellen Sie die Verbindung auf ON um, bevor Sie verschieden benannte Spalten vergleichen.</translation>
     </message>
     <message>
+        <source>These tables are joined by CROSS JOIN, which takes no condition. The comparison is kept, and becomes part of the query once you choose another kind of join.</source>
+        <translation>Diese Tabellen sind durch CROSS JOIN verbunden, der keine Bedingung hat. Der Vergleich bleibt erhalten und wird Teil der Abfrage, sobald Sie eine andere Join-Art wählen.</translation>
+    </message>
+    <message>
         <source>Row offset</source>
         <translation>Zeilenversatz</translation>
     </message>

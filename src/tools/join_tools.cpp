@@ -5,6 +5,7 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <unordered_map>
 #include <utility>
@@ -111,8 +112,8 @@ public:
         return meeting->isMoved || isConverted || hasGrown;
     }
 
-    /// The join found has a USING list, and the fields have different names.
-    bool isRefused() const { return m_isRefused; }
+    /// Why the text does not show the link; none if it does.
+    std::optional<Tolk::TextId> notice() const { return m_notice; }
 
 private:
     /// A custom join that has no words yet is written as a comma, too.
@@ -126,6 +127,7 @@ private:
 
     bool addCondition(SQLJoinSourceNodeComponent* join, bool isInOrder) {
         if (m_link.fields.empty()) return false;
+        if (!join->needsCondition()) m_notice = Tolk::TextCrossLinkKept;
         if (join->isUsing) return addToUsing(join);
         appendComparisons(join, m_link, isInOrder);
         return true;
@@ -134,9 +136,10 @@ private:
     /// A comparison beside a USING list is never written, and the list written as comparisons would
     /// no longer merge its columns, which other clauses may name bare.
     bool addToUsing(SQLJoinSourceNodeComponent* join) {
-        m_isRefused = !m_link.hasSameNames() || !canBeUsingList(join);
+        const bool isFitting = m_link.hasSameNames() && canBeUsingList(join);
+        if (!isFitting) m_notice = Tolk::TextUsingLinkRefused;
         bool hasGrown = false;
-        for (std::size_t i = 0; i < m_link.fields.size() && !m_isRefused; ++i) {
+        for (std::size_t i = 0; i < m_link.fields.size() && isFitting; ++i) {
             const std::string& name = m_link.fields[i].first;
             const QBDatabaseInfo info = m_engine->databaseInfo();
             const std::string quoted =
@@ -148,7 +151,7 @@ private:
 
     const QBEngine* m_engine;
     const Link& m_link;
-    bool m_isRefused = false;
+    std::optional<Tolk::TextId> m_notice;
 };
 
 // ---- unlinking --------------------------------------------------------------------------------
@@ -278,9 +281,8 @@ void makeJoinLinkIfNecessary(QBEngine* engine, void* sender, SQLAbstractSourceCo
     LinkMaker maker(engine, link);
     modifySources(engine, sender,
                   [&](ELEMSQLSourceExpr* element) { return maker.makeIn(&element->root); });
-    if (maker.isRefused()) {
-        Callback::showError(Tolk::localize(Tolk::TextUsingLinkRefused).toStdString());
-    }
+    if (const auto notice = maker.notice())
+        Callback::showError(Tolk::localize(*notice).toStdString());
 }
 
 void removeJoins(

@@ -157,6 +157,8 @@ TEST(Drawer, BringsTheCanvasToWhatTheQuerySaysAndTouchesNothingElse) {
     canvas.edit("comparisons");
     s.removeCondition(s.languages, compare);
     canvas.edit("one less");
+    s.languages->joinType = SQLJoinTypeCross;
+    canvas.edit("a cross join, whose conditions wait");
     s.languages->joinType = SQLJoinTypeComma;
     canvas.edit("a comma");
     s.languages->joinType = SQLJoinTypeInner;

@@ -157,6 +157,16 @@ TEST_F(JoinTools, AddToTheListOfUsingOrRefuse) {
     EXPECT_EQ(conditions(), "\"x\"") << "no list yet";
 }
 
+/// What the text does not show is said, and not lost.
+TEST_F(JoinTools, KeepTheConditionOfACrossJoinAndTellOfIt) {
+    setTree("X(a,b)");
+    run("a-b");
+    EXPECT_EQ(tree() + conditions(), "X(a,b)-");
+    EXPECT_EQ(m_host.errors.size(), 1U);
+    find<Join>("X")->joinType = SQLJoinTypeInner;
+    EXPECT_EQ(conditions(), "a=b");
+}
+
 TEST_F(JoinTools, DoNothingWithoutTwoSourcesOfTheClause) {
     setTree("C(a,[b])");
     SQLIdentifierSourceComponent foreign;

@@ -21,9 +21,11 @@ using namespace DiagramLumo;
 
 namespace {
 
-/// The comparisons in the condition of a join, in text order, at any depth of brackets.
+/// The comparisons in the condition of a join, in text order, at any depth of brackets; none where
+/// it is kept, but not part of the text.
 std::vector<SQLCompareConditionComponent*> comparisonsOf(const SQLJoinSourceNodeComponent* join) {
     std::vector<SQLCompareConditionComponent*> found;
+    if (!join->needsCondition()) return found;
     std::vector<SQLAbstractConditionComponent*> open{join->condition};
     while (!open.empty()) {
         SQLAbstractConditionComponent* const condition = open.back();
