@@ -179,6 +179,10 @@ TEST(Diagram, ResizesOneOfAGroupAndShiftsTheOthersWithItsCorner) {
         text(scene.item("c")->getRect()),
         text({before.origin + LumoPoint{-30, 0}, {before.size.width + 30, before.size.height}}));
     EXPECT_EQ(scene.item("a")->getRect().origin, (LumoPoint{70, 100}));
+    scene.control.move(edge + LumoPoint{-150, 5});
+    EXPECT_EQ(scene.item("a")->getRect().origin, (LumoPoint{0, 100})) << "the canvas ends";
+    scene.control.move(edge + LumoPoint{-30, 5});
+    EXPECT_EQ(scene.item("a")->getRect().origin, (LumoPoint{70, 100}));
     scene.control.release(edge + LumoPoint{-30, 5});
     EXPECT_EQ(scene.selected().size(), 2U) << "a resize is no click";
 }

@@ -177,6 +177,7 @@ private:
     void destroySelected(const std::vector<LumoObject*>& told);
     void rememberDragStart(QBLumoItem* item);
     void dragGroup(QBLumoItem* item, const LumoRect& before);
+    void followCorner(const QBLumoItem* resized);
     static void putItem(QBLumoItem* item, const LumoRect& rect);
     static void shiftItem(QBLumoItem* item, LumoPoint delta);
     /// Tells of the end of a gesture that found the items in @p former, if one is elsewhere now: as

@@ -63,15 +63,9 @@ void QBLumoDiagram::rememberDragStart(QBLumoItem* item) {
 }
 
 void QBLumoDiagram::dragGroup(QBLumoItem* item, const LumoRect& before) {
+    if (item->isResizing()) return followCorner(item);
     LumoPoint delta = item->getRect().origin - before.origin;
     const std::vector<QBLumoItem*> group = selectedItems();
-    if (item->isResizing()) {
-        // The item keeps its new size; the others follow its corner.
-        if (delta == LumoPoint()) return;
-        for (QBLumoItem* other : group)
-            if (other != item) shiftItem(other, delta);
-        return;
-    }
     if (item->getRect() != before) putItem(item, before);
     LumoRect all;
     for (const QBLumoItem* member : group)
@@ -80,6 +74,21 @@ void QBLumoDiagram::dragGroup(QBLumoItem* item, const LumoRect& before) {
     if (delta == LumoPoint()) return;
     for (QBLumoItem* member : group)
         shiftItem(member, delta);
+}
+
+/// The others go with the corner of the item that is resized, as far as the canvas reaches.
+void QBLumoDiagram::followCorner(const QBLumoItem* resized) {
+    LumoRect others;
+    LumoPoint delta;
+    for (const auto& [item, start] : m_dragStart) {
+        if (item == resized)
+            delta = item->getRect().origin - start.origin;
+        else
+            others = lumoUnionRect(others, start);
+    }
+    delta = clampedGroupDelta(others, delta, getBoundingRect());
+    for (const auto& [item, start] : m_dragStart)
+        if (item != resized) putItem(item, {start.origin + delta, start.size});
 }
 
 void QBLumoDiagram::putItem(QBLumoItem* item, const LumoRect& rect) {

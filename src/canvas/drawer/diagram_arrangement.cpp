@@ -7,6 +7,7 @@
 #include <QScopedValueRollback>
 
 #include "canvas/diagram/diagram.h"
+#include "canvas/diagram/placement.h"
 #include "canvas/drawer/diagram_drawer.h"
 #include "canvas/items/item.h"
 #include "canvas/links/join_link.h"
@@ -67,14 +68,20 @@ void QBLumoDiagramDrawer::setArrangement(const DiagramArrangement& arrangement) 
     std::unordered_map<long, QBLumoItem*> items;
     for (const auto& [source, entry] : m_items)
         items[entry.id] = entry.item;
-    if (arrangement.canvas != LumoSize()) m_diagram->setRect(LumoRect({0, 0}, arrangement.canvas));
     std::vector<QBLumoItem*> placed;
     for (const DiagramArrangement::Entry& entry : arrangement.entries) {
         const auto found = items.find(entry.componentId);
         if (found == items.end()) continue;
         placed.push_back(found->second);
         placeItem(found->second, entry);
+        items.erase(found);
     }
+    LumoRect left;
+    for (const auto& [id, item] : items)
+        left = lumoUnionRect(left, item->getRect());
+    const bool isSized = arrangement.canvas != LumoSize();
+    const LumoSize canvas = isSized ? arrangement.canvas : m_diagram->getRect().size;
+    m_diagram->setRect({{0, 0}, grownToHold(canvas, left)});
     putInOrder(m_diagram.get(), placed);
     if (getControl()) scrollTo(getControl(), arrangement.scrollOrigin);
     m_diagram->repaint();
