@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <condition_variable>
 #include <cstddef>
 #include <functional>
 #include <mutex>
@@ -69,9 +70,9 @@ public:
 
     /// Runs main-thread work until every dispatched function has returned.
     void finishWorkers() {
-        while (m_running.load() > 0) {
+        while (hasWorkers()) {
             runPending();
-            std::this_thread::yield();
+            awaitNews();
         }
         runPending();
         joinWorkers();
@@ -86,6 +87,20 @@ public:
 
     bool isDark = false;
     std::vector<std::string> errors;
+
+protected:
+    /// Something has come for the main thread, which may wait for it. Any thread.
+    void tellNews() {
+        const std::lock_guard lock(m_mutex);
+        m_hasNews = true;
+        m_news.notify_one();
+    }
+    /// Until something has come since the last call, or nothing runs that could bring it.
+    void awaitNews() {
+        std::unique_lock lock(m_mutex);
+        m_news.wait(lock, [this] { return m_hasNews || !hasWorkers(); });
+        m_hasNews = false;
+    }
 
 private:
     /// @p name between @p open and @p close, and @p close doubled in it. Without a detour, since
@@ -110,8 +125,11 @@ private:
 
     void onMain(std::function<void()>& f) {
         if (std::this_thread::get_id() == m_mainThread) return f();
-        const std::lock_guard lock(m_mutex);
-        m_pending.push_back(std::move(f));
+        {
+            const std::lock_guard lock(m_mutex);
+            m_pending.push_back(std::move(f));
+        }
+        tellNews();
     }
 
     void dispatch(std::function<void()> f) {
@@ -121,6 +139,7 @@ private:
             f();
             f = nullptr;  // what the closure owns goes before the work counts as done
             m_running.fetch_sub(1);
+            tellNews();
         });
     }
 
@@ -145,6 +164,8 @@ private:
     std::vector<std::function<void()>> m_pending;  // guarded by m_mutex
     std::vector<std::thread> m_workers;            // guarded by m_mutex
     std::atomic<int> m_running{0};
+    std::condition_variable m_news;
+    bool m_hasNews = false;  // guarded by m_mutex
 };
 
 }  // namespace QB::Test

@@ -39,10 +39,8 @@ public:
 
     /// Delivers until every dispatched function has returned and nothing waits.
     void finishAll() {
-        do {
-            deliver();  // which may dispatch more
-            std::this_thread::yield();
-        } while (hasWorkers() || isWaiting());
+        for (deliver(); hasWorkers() || isWaiting(); deliver())  // which may dispatch more
+            awaitNews();
         finishWorkers();
     }
 
@@ -53,8 +51,11 @@ private:
     }
 
     void post(std::function<void()> f) {
-        const std::lock_guard lock(m_queueMutex);
-        m_queue.push_back(std::move(f));
+        {
+            const std::lock_guard lock(m_queueMutex);
+            m_queue.push_back(std::move(f));
+        }
+        tellNews();
     }
 
     bool isWaiting() {
