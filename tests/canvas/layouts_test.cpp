@@ -156,6 +156,25 @@ TEST(Layouts, OfSourcesThatLookAlikeGoToThemInOrder) {
     EXPECT_EQ(text(rectsOf(scene.diagram)[4]), "100,600 218x238");
 }
 
+TEST(Layouts, AreNotExchangedByWhatLiesAbove) {
+    LayoutScene scene;
+    const std::vector<QBLumoItem*> items = scene.diagram.items();
+    for (size_t i = 0; i < items.size(); ++i) {
+        items[i]->setOrder(long(i) + 1);
+        items[i]->getBody()->setAlias({});
+    }
+    const std::string before = scene.places();
+    const std::string json = scene.written();
+    scene.diagram.bringChildToFront(items[0]);  // as a press on it does
+    EXPECT_EQ(scene.written(), json);
+    EXPECT_TRUE(scene.read(json));
+    scene.diagram.bringChildToFront(items[1]);
+    EXPECT_TRUE(scene.read(json));
+    for (QBLumoItem* item : items)
+        scene.diagram.bringChildToFront(item);
+    EXPECT_EQ(scene.places(), before);
+}
+
 TEST(Layouts, OfAnyKindLeaveTheDiagramUsable) {
     const auto at = [](const std::string& place) {
         std::string all = entry(0, place);

@@ -152,6 +152,22 @@ private Q_SLOTS:
                      qPrintable(desk.marked.join("; ") + " | " + now.join("; ")));
     }
 
+    void whateverALayoutSaysAnItemIsInSight() {
+        for (
+            const char* const objects :
+            {R"({"Alias":"","Name":"film","Schema":"","X":2000,"Y":900,"Width":218,"Height":238})",
+             R"({"Alias":"","Name":"t","Schema":"main","X":40,"Y":40,"Width":218,"Height":238})"}) {
+            DiagramDesk desk(Delivery::AtOnce);
+            desk.parse("SELECT * FROM t");
+            desk.panel->restoreLayout(
+                std::string(
+                    R"([{"ID":[],"Width":3000,"Height":3000,"X":2000,"Y":2000,"Objects":[)") +
+                objects + "]}]");
+            const LumoRect seen = desk.panel->drawer()->getControl()->getDisplayRect();
+            QVERIFY(lumoIntersectsRect(desk.item("t")->getRect(), seen));
+        }
+    }
+
     void aLoadedTextIsArranged_data() { addHosts(); }
     void aLoadedTextIsArranged() {
         DiagramDesk desk(hostOfTest());

@@ -191,6 +191,7 @@ void QBLumoDiagramDrawer::addItemComponentInDiagram(Source* component, int x, in
     if (!m_diagram || !component || entryOfLive(component)) return;
     removeComponentFromDiagram(component);  // of another one that was at this address
     QBLumoItem* const item = makeItem(component).release();
+    item->setOrder(component->id());
     m_diagram->addChild(item);
     if ((x & y) == -1)
         m_diagram->autoLayoutChild(item);
@@ -284,14 +285,15 @@ void QBLumoDiagramDrawer::setItemFields(Source* component, const std::vector<std
 
 void QBLumoDiagramDrawer::updateAllComponentsUsingIdentifier(
     const QBIdentifierObjectPath& table, const std::string& currentSchema,
-    const std::vector<std::string>& fields) {
+    const std::vector<std::string>& fields, bool namesHaveCase) {
     const auto named = [&currentSchema](const std::string& schema) -> const std::string& {
         return schema.empty() ? currentSchema : schema;
     };
     for (const auto& [source, entry] : m_items) {
         auto* const body = dynamic_cast<QBLumoDatabaseItemBody*>(entry.item->getBody());
-        if (!body || body->getTableName() != table.object) continue;
-        if (named(body->getSchema()) == named(table.schema)) body->setFields(fields);
+        if (!body || !isSameName(body->getTableName(), table.object, namesHaveCase)) continue;
+        if (isSameName(named(body->getSchema()), named(table.schema), namesHaveCase))
+            body->setFields(fields);
     }
 }
 
@@ -443,7 +445,29 @@ void QBLumoDiagramDrawer::saveLayerLayout(std::uint64_t layerId) {
 }
 
 bool QBLumoDiagramDrawer::restoreLayerLayout(std::uint64_t layerId) {
-    return m_saveLoadHandler->load(layerId, getControl(), m_diagram.get());
+    const bool isCovered = m_saveLoadHandler->load(layerId, getControl(), m_diagram.get());
+    lookAtSomething();
+    return isCovered;
+}
+
+/// A layout may have been made for other items, or look where there are none.
+void QBLumoDiagramDrawer::lookAtSomething() {
+    if (!getControl() || !m_diagram) return;
+    const LumoRect seen = getControl()->getDisplayRect();
+    const std::vector<QBLumoItem*> items = m_diagram->items();
+    if (items.empty() || seen.size == LumoSize()) return;
+    const auto isSeen = [&](const QBLumoItem* item) {
+        return lumoIntersectsRect(item->getRect(), seen);
+    };
+    if (std::any_of(items.begin(), items.end(), isSeen)) return;
+    const auto isNearer = [](const QBLumoItem* a, const QBLumoItem* b) {
+        const LumoPoint first = a->getRect().origin;
+        const LumoPoint second = b->getRect().origin;
+        return first.x + first.y < second.x + second.y;
+    };
+    scrollToOrigin();
+    getControl()->scrollToVisible(
+        (*std::min_element(items.begin(), items.end(), isNearer))->getRect(), false);
 }
 
 bool QBLumoDiagramDrawer::hasLayerLayout(std::uint64_t layerId) const {

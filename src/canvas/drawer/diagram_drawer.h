@@ -81,6 +81,9 @@ public:
         std::function<void(const std::vector<std::pair<Join*, Compare*>>&)> requestRemoveJoins;
         std::function<void(Join*, const Sources&, Sources& left, Sources& right)>
             checkItemComponentsSideOnJoinComponent;
+        /// The columns that a join with USING compares; none for another.
+        std::function<void(const Join*, std::vector<std::string>& columns)>
+            findUsingColumnsOfJoinComponent;
     };
 
     QBLumoDiagramDrawer();
@@ -145,10 +148,13 @@ public:
 
     /// Ticks exactly these fields; "" is the wildcard.
     virtual void setItemFieldSelection(Source* component, const std::vector<std::string>& names);
+    /// Whether names of tables and fields that differ in case alone are of different ones, as at the
+    /// start. Counts for items that are drawn from then on.
+    void setNamesHaveCase(bool haveCase) { m_namesHaveCase = haveCase; }
     /// The fields that an item lists, without the wildcard.
     void setItemFields(Source* component, const std::vector<std::string>& fields);
     /// Gives the items of that table these fields; a table without schema is one of
-    /// @p currentSchema.
+    /// @p currentSchema. Names are compared as setNamesHaveCase() says.
     virtual void updateAllComponentsUsingIdentifier(const QBIdentifierObjectPath& table,
                                                     const std::string& currentSchema,
                                                     const std::vector<std::string>& fields);
@@ -169,7 +175,7 @@ public:
 
     virtual void saveLayerLayout(std::uint64_t layerId);
     /// False if there is none, or it did not fit in full: then items that were not placed and
-    /// overlap have moved to free places.
+    /// overlap have moved to free places. Whatever it says, an item is in sight afterwards.
     virtual bool restoreLayerLayout(std::uint64_t layerId);
     bool hasLayerLayout(std::uint64_t layerId) const;
     virtual std::string exportLayouts(
@@ -223,8 +229,8 @@ private:
     struct LinkEntry {
         Join* join;
         long joinId;
-        Compare* condition;                 // not owned; null for the table link
-        long conditionId;                   // 0 for the table link
+        Compare* condition;  // not owned; null for the table link and for that of a USING list
+        long conditionId;    // 0 for the table link
         DiagramLumo::QBLumoJoinLink* link;  // not owned: a child of the diagram
     };
     using LinkMap = std::multimap<Source*, LinkEntry, std::less<>>;  // by the join
@@ -238,6 +244,7 @@ private:
     bool showComponent(const Source* component, DiagramLumo::QBLumoItem* item) const;
     void putTitleAt(DiagramLumo::QBLumoItem* item, int x, int y);
     void showInView(const DiagramLumo::QBLumoItem* item);
+    void lookAtSomething();
     void requestFields(Source* component) const;
     const ItemEntry* entryOf(const Source* component) const;
     const ItemEntry* entryOfLive(const Source* component) const;
@@ -260,6 +267,7 @@ private:
     std::unique_ptr<DiagramLumo::QBLumoDiagram> m_diagram;
     LumoSize m_firstCanvas;
     int m_layerRebuilds = 0;
+    bool m_namesHaveCase = true;
     bool m_isFocusMuted = false;
 };
 

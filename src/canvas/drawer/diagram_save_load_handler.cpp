@@ -107,8 +107,16 @@ void QBLumoDiagramSaveLoadHandler::writeLayout(LumoControl* control, QBLumoDiagr
     writePoint(scrollOriginOf(control), json);
     NuvoJsonValue* const objects = json->create("Objects");
     objects->writeArray();
-    for (const QBLumoItem* item : diagram->items())
+    for (const QBLumoItem* item : itemsOf(diagram))
         writeItem(item, objects->append());
+}
+
+std::vector<QBLumoItem*> QBLumoDiagramSaveLoadHandler::itemsOf(const QBLumoDiagram* diagram) {
+    std::vector<QBLumoItem*> items = diagram->items();
+    std::stable_sort(items.begin(), items.end(), [](const QBLumoItem* a, const QBLumoItem* b) {
+        return a->order() < b->order();
+    });
+    return items;
 }
 
 // ---- texts ----

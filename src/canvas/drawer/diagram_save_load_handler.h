@@ -16,6 +16,7 @@ namespace QB {
 
 namespace DiagramLumo {
 class QBLumoDiagram;
+class QBLumoItem;
 }
 
 /// Remembers how the user arranged each layer: canvas size, scroll origin and the rectangle of
@@ -64,6 +65,9 @@ public:
     /// default size.
     static bool readLayout(LumoControl* control, DiagramLumo::QBLumoDiagram* diagram,
                            const NuvoJsonValue& json);
+    /// In the order in which entries are written and taken: as QBLumoItem::order, those of one
+    /// order as they are painted.
+    static std::vector<DiagramLumo::QBLumoItem*> itemsOf(const DiagramLumo::QBLumoDiagram* diagram);
 
 private:
     using Path = std::vector<std::string>;  // as stored

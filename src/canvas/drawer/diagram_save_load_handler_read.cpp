@@ -82,7 +82,7 @@ bool isDefaultSize(const QBLumoItem* item, LumoSize size) {
 class Places {
 public:
     explicit Places(QBLumoDiagram* diagram) : m_diagram(diagram) {
-        for (QBLumoItem* item : diagram->items()) {
+        for (QBLumoItem* item : QBLumoDiagramSaveLoadHandler::itemsOf(diagram)) {
             enter(item->getBody());
             m_items.push_back({item, item->getRect()});
         }
@@ -142,7 +142,7 @@ private:
         bool isInTheWay = false;
     };
     using TableKey = std::array<std::string, 3>;  // alias, name, schema
-    using Indices = std::deque<std::size_t>;      // in the order of children
+    using Indices = std::deque<std::size_t>;      // in the order of the items
 
     void enter(const QBLumoBaseItemBody* body) {
         const std::size_t index = m_items.size();

@@ -42,6 +42,10 @@ public:
     /// Gives the body @p height, no more than the canvas has room for below the item, unless the
     /// user chose the size.
     void fitBodyHeight(int height);
+    /// Tells items apart that a layout cannot: those of one key take its entries in this order, as
+    /// the order of painting changes with every click. 0 until the owner gives another.
+    long order() const { return m_order; }
+    void setOrder(long order) { m_order = order; }
 
     /// Marks its adaptors, and by them its links.
     void setRect(const LumoRect& rect) override;
@@ -81,6 +85,7 @@ private:
     LumoPoint m_dragStartPoint;  // in the diagram's space
     int32_t m_hoverEdges = 0;    // during a resize those that it moves
     Gesture m_gesture = Gesture::None;
+    long m_order = 0;
     bool m_sizedByUser = false;
     bool m_sizedBeforeDrag = false;
     std::function<void(QBLumoItem*, std::string, bool)> m_fieldSelection;
