@@ -53,7 +53,7 @@ private Q_SLOTS:
 
 // Asked by the sanitizers only. libxkbcommon-x11 (1.5) copies a name out of the server's reply by
 // `strndup` with its length, where the byte after it counts as read; Qt's plugin for X and the bus
-// that it opens keep memory to the end. drag_test looks for our own leaks in the same drags.
+// that it opens keep memory to the end. The grand tour looks for our own leaks in drags.
 extern "C" const char* __asan_default_suppressions();
 extern "C" const char* __asan_default_suppressions() {
     return "interceptor_via_lib:libxkbcommon-x11";

@@ -2,12 +2,14 @@
 #include <QAbstractScrollArea>
 #include <QAccessible>
 #include <QApplication>
+#include <QDrag>
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QTabWidget>
 #include <QUndoStack>
 
@@ -20,6 +22,12 @@
 using QB::Desk::MainWindow;
 using QB::Test::DeskFixture;
 using QB::Test::WindowEvents;
+
+/// Of Qt, in a header that is not installed.
+class QWindowSystemInterface {
+public:
+    static void handleScreenGeometryChange(QScreen* screen, const QRect& all, const QRect& free);
+};
 
 namespace {
 
@@ -47,12 +55,12 @@ QStringList rowsOfSqlite(const QString& file, const QString& sql) {
 
 }  // namespace
 
-/// A user composes queries on the sample database: in the clauses one that runs, and on the diagram
-/// one that goes back and forth through the history and through a file. Each with the mouse, and
-/// with the keys alone. All goes through the windows, a step a line; a step waits until what it is
-/// for is there:
+/// A user composes a query on the sample database, on the diagram and in the clauses, runs it, and
+/// goes back and forth through the history and through a file: with the mouse, and with the keys
+/// alone. All goes through the windows, a step a line; a step waits until what it is for is there.
+/// The platform is "minimal", since "offscreen" lets no drag begin.
 ///
-///     tree rental              double click in the object tree
+///     drop rental 40 40        drag from the object tree to a place on the diagram
 ///     clause FROM              click a tab
 ///     click 1 joinLabel        click a part of a row: of the list in the popup, or in the tab
 ///     menu 1 Remove            the right mouse button on a row, and an entry of the menu
@@ -70,7 +78,8 @@ QStringList rowsOfSqlite(const QString& file, const QString& sql) {
 ///     settled                  see that the filter of the tree has done its work
 ///     reads FROM rental        see that in the preview
 ///
-/// On the diagram, where "rental" is the title of an item, "rental.id" a row, "link 0" a link:
+/// On the diagram, where "rental" is the title of an item, "rental.id" a row, "link payment" the
+/// link that ends at payment:
 ///
 ///     right rental, double rental    click there with the right button, or twice
 ///     tick rental.id           click its box
@@ -84,6 +93,7 @@ QStringList rowsOfSqlite(const QString& file, const QString& sql) {
 ///     reopen                   see a new window, the one before having been closed
 ///     station NAME             see that the text is the one of that name in grand.golden, and for
 ///                              the second time that the diagram is as it was there
+///     rows                     see that the rows are those that SQLite gives for the text
 ///
 /// With JOINERY_TOUR_PICTURES=FOLDER each station leaves a picture, "picture NAME" too; dark with
 /// JOINERY_TOUR_THEME=dark.
@@ -104,16 +114,6 @@ private Q_SLOTS:
         m_dumps.clear();
     }
 
-    void theMouseComposesAQueryThatRuns() {
-        QVERIFY(run("mouse.tour"));
-        compareWithSqlite();
-    }
-
-    void theKeysAloneComposeTheSameQuery() {
-        QVERIFY(run("keys.tour"));
-        compareWithSqlite();
-    }
-
     void theMouseGoesOnTheGrandTour() { QVERIFY(run("grand_mouse.tour")); }
     void theKeysAloneGoOnTheGrandTour() { QVERIFY(run("grand_keys.tour")); }
 
@@ -124,21 +124,6 @@ private:
         if (!QTest::qWaitFor([window] { return window->isDatabaseShown(); })) return false;
         window->activateWindow();
         return QTest::qWaitForWindowActive(window);
-    }
-
-    void compareWithSqlite() {
-        const QString golden = fileText(JOINERY_TEST_DATA "/tour.sql");
-        QTRY_COMPARE(text(), golden.trimmed());
-        const QStringList wanted = rowsOfSqlite(m_desk->folder.filePath("sample.sqlite"), golden);
-        QVERIFY(wanted.size() > 1);
-        QTRY_COMPARE(m_desk->model()->rowCount(), wanted.size());
-        QTRY_VERIFY(!m_desk->grid()->isRunning());
-        for (int row = 0; row < wanted.size(); ++row) {
-            QStringList cells;
-            for (int column = 0; column < m_desk->model()->columnCount(); ++column)
-                cells << m_desk->cell(row, column);
-            QCOMPARE(cells.join(" | "), wanted[row]);
-        }
     }
 
     QString text() const {
@@ -155,6 +140,7 @@ private:
             if (line.startsWith('#')) continue;
             const QString word = line.section(' ', 0, 0);
             const QString rest = line.section(' ', 1);
+            activate();
             if (!QTest::qWaitFor([&] { return runOne(word, rest); }, patience)) {
                 qWarning("cannot do: %s\n%s\n%s", qPrintable(line), qPrintable(text()),
                          qPrintable(shown()));
@@ -166,8 +152,17 @@ private:
         return true;
     }
 
+    /// What a window manager does when a popup or a dialog has closed.
+    void activate() const {
+        const bool isInFront = m_desk->window->isVisible() && !QApplication::activeModalWidget() &&
+                               front() == m_desk->window.get();
+        if (!isInFront || m_desk->window->isActiveWindow()) return;
+        m_desk->window->activateWindow();
+        QCoreApplication::processEvents();
+    }
+
     bool runOne(const QString& word, const QString& rest) {
-        if (word == "tree") return openInTree(rest);
+        if (word == "drop") return dropFromTree(rest.split(' '));
         if (word == "clause") return clickClause(rest);
         if (word == "click") return clickPart(rest);
         if (word == "menu") return openMenu(rest.section(' ', 0, 0).toInt(), rest.section(' ', 1));
@@ -200,10 +195,27 @@ private:
         return (popup ? popup : clauses()->currentWidget())->findChild<QTableView*>();
     }
 
-    bool openInTree(const QString& name) {
-        QTreeWidgetItem* const row = m_desk->row(name);
-        if (row) m_desk->doubleClick(row);
-        return row;
+    /// The drag has an event loop of its own, in which its end must arrive.
+    bool dropFromTree(const QStringList& what) {
+        QTreeWidgetItem* const row = m_desk->row(what[0]);
+        if (!row) return false;
+        QWindow* const handle = m_desk->window->windowHandle();
+        const QPoint from =
+            m_desk->tree()->viewport()->mapTo(m_desk->window.get(), m_desk->centre(row));
+        const QPoint to = inWindow({what[1].toInt(), what[2].toInt()});
+        QTimer hand;
+        connect(&hand, &QTimer::timeout, handle, [&] {
+            if (!m_desk->tree()->findChild<QDrag*>()) return;
+            hand.stop();
+            QTest::mouseMove(handle, to - QPoint(20, 20));
+            QTest::mouseMove(handle, to);
+            QTest::mouseRelease(handle, Qt::LeftButton, {}, to);
+        });
+        hand.start(1);
+        QTest::mousePress(handle, Qt::LeftButton, {}, from);
+        QTest::mouseMove(handle, from + QPoint(15, 2));
+        QTest::mouseMove(handle, from + QPoint(30, 5));
+        return !hand.isActive();
     }
     bool clickClause(const QString& name) {
         QTabBar* const bar = clauses()->tabBar();
@@ -307,11 +319,11 @@ private:
     /// What assistive technology finds under that name.
     QAccessibleInterface* find(const QString& name) const {
         QAccessibleInterface* const all = QAccessible::queryAccessibleInterface(view());
-        int links = 0;
         for (int i = 0; i < all->childCount(); ++i) {
             QAccessibleInterface* const child = all->child(i);
             if (child->role() == QAccessible::Button) {
-                if (name == QString("link %1").arg(links++)) return child;
+                const QString link = child->text(QAccessible::Name);
+                if (name == "link " + link.section(' ', -1)) return child;
             } else if (child->text(QAccessible::Name) == name.section('.', 0, 0)) {
                 return name.contains('.') ? findChild(child, name.section('.', 1)) : child;
             }
@@ -386,6 +398,7 @@ private:
         if (word == "file") return answerFileDialog(m_desk->folder.filePath(rest)), true;
         if (word == "reopen") return reopen();
         if (word == "picture") return takePicture(rest), true;
+        if (word == "rows") return isResultOfSqlite();
         return word == "station" && stopAt(rest);
     }
 
@@ -419,12 +432,13 @@ private:
         connect(answer, &QTimer::timeout, answer, [answer, file] {
             auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             if (!dialog) return;
+            dialog->activateWindow();
+            if (!dialog->isActiveWindow()) return;
             answer->stop();
             answer->deleteLater();
-            auto* const line = dialog->findChild<QLineEdit*>();
-            line->selectAll();
-            QTest::keyClicks(line, file);
-            QTest::keyClick(line, Qt::Key_Return);
+            dialog->findChild<QLineEdit*>()->setCompleter(nullptr);  // it comes when it likes
+            WindowEvents::typeInto(dialog, file);
+            WindowEvents::pressIn(dialog, "Return");
         });
         answer->start(10);
     }
@@ -444,9 +458,23 @@ private:
         const QString wanted = golden.value(golden.indexOf("# " + name) + 1);
         if (m_desk->preview() != wanted) return false;
         takePicture(name);
-        const QString dump = m_desk->window->builder()->canvasCommands()->dump();
+        // The ring of the keyboard is no part of a query.
+        static const QRegularExpression focus(" focused( in row \\d+)?( without ring)?");
+        const QString dump = m_desk->window->builder()->canvasCommands()->dump().remove(focus);
         if (!m_dumps.contains(name)) m_dumps[name] = dump;
         return m_dumps[name] == dump;
+    }
+    bool isResultOfSqlite() const {
+        const QStringList wanted =
+            rowsOfSqlite(m_desk->folder.filePath("sample.sqlite"), m_desk->preview());
+        QStringList shown;
+        for (int row = 0; row < m_desk->model()->rowCount(); ++row) {
+            QStringList cells;
+            for (int column = 0; column < m_desk->model()->columnCount(); ++column)
+                cells << m_desk->cell(row, column);
+            shown << cells.join(" | ");
+        }
+        return !m_desk->grid()->isRunning() && wanted.size() > 1 && shown == wanted;
     }
     /// The window with what is open over it.
     void takePicture(const QString& name) const {
@@ -487,5 +515,12 @@ private:
     QMap<QString, QString> m_dumps;  // of the diagram, at the stations
 };
 
-QTEST_MAIN(TourTest)
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "minimal:enable_fonts");
+    const QApplication application(argc, argv);
+    const QRect screen(0, 0, 1920, 1600);  // it would have 240 x 320
+    QWindowSystemInterface::handleScreenGeometryChange(application.primaryScreen(), screen, screen);
+    TourTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tour_test.moc"
