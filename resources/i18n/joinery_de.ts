@@ -204,6 +204,10 @@
         <translation>Diese Tabellen sind durch CROSS JOIN verbunden, der keine Bedingung hat. Der Vergleich bleibt erhalten und wird Teil der Abfrage, sobald Sie eine andere Join-Art wählen.</translation>
     </message>
     <message>
+        <source>Without a condition the join is written as %s now, which compares all columns of the same name. Give it a condition, or choose another kind of join.</source>
+        <translation>Ohne Bedingung wird der Join jetzt als %s geschrieben, der alle gleichnamigen Spalten vergleicht. Geben Sie ihm eine Bedingung, oder wählen Sie eine andere Join-Art.</translation>
+    </message>
+    <message>
         <source>Row offset</source>
         <translation>Zeilenversatz</translation>
     </message>
@@ -590,6 +594,14 @@
     <message>
         <source>The condition names a table that this join cannot see.</source>
         <translation>Die Bedingung nennt eine Tabelle, die diese Verbindung nicht sieht.</translation>
+    </message>
+    <message>
+        <source>This join needs a condition.</source>
+        <translation>Dieser Join braucht eine Bedingung.</translation>
+    </message>
+    <message>
+        <source>Without a condition this join compares all columns of the same name (NATURAL).</source>
+        <translation>Ohne Bedingung vergleicht dieser Join alle gleichnamigen Spalten (NATURAL).</translation>
     </message>
     <message>
         <source>Move the row up</source>

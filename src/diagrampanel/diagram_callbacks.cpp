@@ -25,6 +25,7 @@
 #include "tools/source_edits.h"
 #include "tools/subquery_conversion.h"
 #include "tools/validation_scope.h"
+#include "tools/using_list.h"
 
 namespace QB {
 
@@ -114,6 +115,9 @@ QBLumoDiagramDrawer::Callbacks DiagramCallbacks::callbacks() const {
     all.requestRemoveJoins = requestRemoveJoinsCallback();
     all.checkItemComponentsSideOnJoinComponent = checkItemComponentsSideOnJoinComponentCallback();
     return all;
+    all.findUsingColumnsOfJoinComponent = [](const Join* join, std::vector<std::string>& columns) {
+        columns = Tools::SQL::usingColumns(join);
+    };
 }
 
 // ---- what may be done -------------------------------------------------------------------------
@@ -165,7 +169,9 @@ DiagramCallbacks::requestRemoveComponentsCallback() const {
         auto* const present = statement();
         if (!present || engine()->isParsingQuery()) return;
         const auto rows = rowsOf<SourceTreeLayout>(&present->sourceExpr->root);
-        SourceEdits(engine(), rows.get(), m_panel).remove(sources);
+        SourceEdits edits(engine(), rows.get(), m_panel);
+        edits.remove(sources);
+        edits.tellConditions();
     };
 }
 

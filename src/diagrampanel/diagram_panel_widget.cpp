@@ -4,6 +4,7 @@
 #include <QDropEvent>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cmath>
 #include <mutex>
 #include <utility>
@@ -20,10 +21,13 @@
 #include "diagrampanel/pending_diagram_items.h"
 #include "engine/engine_linux.h"
 #include "layouts/source_tree_surgery.h"
+#include "model/names.h"
+#include "platform/lumo/lumo_control.h"
 #include "platform/tolk/tolk.h"
 #include "tools/foreign_key_joins.h"
 #include "tools/identifier_tools.h"
 #include "tools/selection_tools.h"
+#include "tools/source_edits.h"
 #include "tools/source_field_lists.h"
 #include "tools/validation_scope.h"
 #include "ui_diagram_panel_widget.h"
@@ -84,7 +88,7 @@ QBDiagramPanelWidget::QBDiagramPanelWidget(QWidget* parent)
           std::make_unique<PendingDiagramItems>([this](auto source, int layer, QPoint point) {
               addSource(std::move(source), layer, point);
           }))
-    , m_fields(std::make_unique<ItemFields>(this, m_drawer.get(), [this] { synchroniseTicks(); }))
+    , m_fields(std::make_unique<ItemFields>(this, m_drawer.get(), [this] { fieldsFilled(); }))
     , m_callbacks(std::make_unique<DiagramCallbacks>(this, m_fields.get())) {
     ui->setupUi(this);
     m_relationGroup->addButton(ui->tableRelRadioButton, tableRelation);
@@ -148,6 +152,7 @@ void QBDiagramPanelWidget::connectEngine() {
                 takeFocus(component, isFocused, sender);
             });
     connect(emitter, &Emitter::currentSchemaChanged, this, [this] { askForFields(); });
+    connect(emitter, &Emitter::databaseTypeChanged, this, [this] { showLayer(); });
     connect(emitter, &QObject::destroyed, this, [this] { showLayer(); });
     showLayer();
 }
@@ -226,6 +231,11 @@ void QBDiagramPanelWidget::add(QBIdentifierCandidate* candidate, QPoint dropPoin
 
 void QBDiagramPanelWidget::addSource(std::unique_ptr<SQLIdentifierSourceComponent> source,
                                      int layer, QPoint dropPoint) {
+    const auto* target =
+        dynamic_cast<const SQLSelectStmtComponent*>(engine()->topLevelQueryComponent(layer));
+    if (target)
+        source->alias =
+            freeAlias(target->sourceExpr->root, *source, namesHaveCase(engine()->databaseType()));
     SQLIdentifierSourceComponent* const added = source.get();
     const long id = added->id();
     m_dropPoints[id] = dropPoint;
@@ -292,13 +302,26 @@ void QBDiagramPanelWidget::showLayer() {
     {
         const QBLumoDiagramDrawer::LayerRebuild rebuild(m_drawer.get());
         m_drawer->clearDiagram();
-        m_shownLayerId = statement() ? statement()->id() : noLayer;
+        m_drawer->setNamesHaveCase(!engine() || namesHaveCase(engine()->databaseType()));
+        turnToLayer(statement() ? statement()->id() : noLayer);
         synchroniseDiagramWithModel({ElementSource, ElementSelectColumn});
         m_drawer->scrollToOrigin();
         placeItems();
     }
     Q_EMIT signalSynchronised();
     if (engine()) m_pendingItems->deliverReady(*engine());
+}
+
+/// Each layer keeps its zoom; one that was made small to see a large diagram does not make another
+/// small.
+void QBDiagramPanelWidget::turnToLayer(long id) {
+    if (id == m_shownLayerId) return;
+    LumoControl* const control = m_drawer->getControl();
+    const double zoom = control->getZoom();
+    m_zooms[m_shownLayerId] = zoom;
+    m_shownLayerId = id;
+    const auto found = m_zooms.find(id);
+    control->setZoom(found == m_zooms.end() ? std::max(zoom, 1.0) : found->second, {0, 0});
 }
 
 /// A text replaces all that the statement held. What it names again stays where it was.
@@ -351,6 +374,17 @@ void QBDiagramPanelWidget::synchroniseParts(const SQLSelectStmtComponent* statem
     }
 }
 
+/// Which source a column of USING comes from can be told by its fields alone.
+void QBDiagramPanelWidget::fieldsFilled() {
+    const SQLSelectStmtComponent* const present = statement();
+    if (!isShown(present)) return;
+    for (const DiagramPart& part : diagramPartsOf(present->sourceExpr->root)) {
+        const auto* join = dynamic_cast<const SQLJoinSourceNodeComponent*>(part.component);
+        if (join && join->isUsing) m_drawer->updateComponentInDiagram(part.component);
+    }
+    synchroniseTicks();
+}
+
 QPoint QBDiagramPanelWidget::takeDropPoint(long sourceId) {
     const auto found = m_dropPoints.find(sourceId);
     if (found == m_dropPoints.end()) return noDropPoint;
@@ -363,7 +397,7 @@ void QBDiagramPanelWidget::synchroniseTicks() {
     const SQLSelectStmtComponent* const present = statement();
     if (!isShown(present)) return;
     const Lock lock(engine()->queryComponentAccessMutex());
-    Tools::SQL::SelectedFields selected = Tools::SQL::selectedFields(present);
+    Tools::SQL::SelectedFields selected = Tools::SQL::selectedFields(engine(), present);
     for (const DiagramPart& part : diagramPartsOf(present->sourceExpr->root)) {
         if (!part.isJoin) m_drawer->setItemFieldSelection(part.component, selected[part.component]);
     }

@@ -148,8 +148,10 @@ private:
     void synchroniseDiagramWithModel(const Elements& elements);
     void synchroniseParts(const Component::SQL::SQLSelectStmtComponent* statement);
     void synchroniseTicks();
+    void fieldsFilled();
     QPoint takeDropPoint(long sourceId);
     void saveShownLayer();
+    void turnToLayer(long id);
     void placeItems();
     bool hasItems() const;
 
@@ -159,7 +161,8 @@ private:
     const std::unique_ptr<PendingDiagramItems> m_pendingItems;
     /// Where sources that are not drawn yet were dropped, by their ids; in pixels of the view.
     std::map<long, QPoint> m_dropPoints;
-    long m_shownLayerId = noLayer;  ///< of the statement that is on the canvas
+    long m_shownLayerId = noLayer;   ///< of the statement that is on the canvas
+    std::map<long, double> m_zooms;  ///< of layers that were left, by the ids of their statements
     /// A layout was loaded for the text that is being parsed: what the canvas shows now is another
     /// query's.
     bool m_isLayoutForNextText = false;

@@ -14,6 +14,7 @@
 #include "popups/join_choice.h"
 #include "popups/join_selection_popup_widget.h"
 #include "popups/panel_popup.h"
+#include "rows/invalid_reason.h"
 #include "rows/row_texts.h"
 #include "tools/join_tools.h"
 #include "tools/source_edits.h"
@@ -76,7 +77,6 @@ public:
     void leave();
     void showKind(const Join* join);
     void showCondition(const Join* join);
-    void retranslate();
 
     void takeKind(const SourceJoinChoice& choice);
     void editUsingList();
@@ -189,13 +189,12 @@ void QBLumoJoinSelectionPopupWidget::Private::showCondition(const Join* join) {
     conditions->setVisible(!join->isUsing);
     conditions->setRelatedComponents(sourcesInSight());
     ui.conditionBuilderContainerWidget->setEnabled(join->needsCondition());
-    ui.hintLabel->setVisible(!join->needsCondition());
+    const QString hint = join->needsCondition() ? joinLackText(join, engine->databaseType())
+                                                : Tolk::localize(Tolk::TextJoinTakesNoCondition);
+    ui.hintLabel->setText(hint);
+    ui.hintLabel->setVisible(!hint.isEmpty());
     QWidget* const edited = join->isUsing ? static_cast<QWidget*>(ui.usingButton) : conditions;
     q->setFocusProxy(join->needsCondition() ? edited : ui.joinButton);
-}
-
-void QBLumoJoinSelectionPopupWidget::Private::retranslate() {
-    ui.hintLabel->setText(Tolk::localize(Tolk::TextJoinTakesNoCondition));
 }
 
 // ---- answers ----------------------------------------------------------------------------------
@@ -250,7 +249,6 @@ QBLumoJoinSelectionPopupWidget::QBLumoJoinSelectionPopupWidget(QBEngine_LINUX* e
     connect(d->conditions, &QBConditionBuilderPanelWidget::rootLost, this,
             [this] { d->refresh(); });
     d->connectEngine();
-    d->retranslate();
     d->refresh();
 }
 
@@ -277,7 +275,6 @@ bool QBLumoJoinSelectionPopupWidget::eventFilter(QObject* watched, QEvent* event
 void QBLumoJoinSelectionPopupWidget::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (!d->conditions) return;  // in the making
-    if (event->type() == QEvent::LanguageChange) d->retranslate();
     if (event->type() == QEvent::LanguageChange || event->type() == QEvent::PaletteChange)
         d->refresh();
 }

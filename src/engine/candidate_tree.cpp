@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "model/names.h"
+
 namespace QB {
 namespace {
 
@@ -84,10 +86,15 @@ QBIdentifierCandidate* CandidateTree::findChild(const QBIdentifierCandidate* nod
     const std::lock_guard lock(m_mutex);
     const QBIdentifierCandidate* const owner = known(node);
     if (!owner) return nullptr;
-    const auto found =
-        std::find_if(owner->children.begin(), owner->children.end(),
-                     [&name](const QBIdentifierCandidate* child) { return child->name == name; });
-    return found == owner->children.end() ? nullptr : *found;
+    const auto find = [&](bool hasCase) {
+        const auto found = std::find_if(owner->children.begin(), owner->children.end(),
+                                        [&](const QBIdentifierCandidate* child) {
+                                            return isSameName(child->name, name, hasCase);
+                                        });
+        return found == owner->children.end() ? nullptr : *found;
+    };
+    QBIdentifierCandidate* const exact = find(true);
+    return exact || m_namesHaveCase ? exact : find(false);
 }
 
 bool CandidateTree::hasChildren(const QBIdentifierCandidate* node) const {

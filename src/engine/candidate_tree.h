@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -42,7 +43,9 @@ public:
     QBIdentifierCandidateSnapshot snapshot(const QBIdentifierCandidate* node) const;
     /// The names below the root, outermost first; also for a node that was taken out.
     std::vector<std::string> path(const QBIdentifierCandidate* node) const;
-    /// The first child of exactly that name, or null.
+    /// Whether names that differ in case alone are names of different things, as at the start.
+    void setNamesHaveCase(bool haveCase) { m_namesHaveCase = haveCase; }
+    /// The first child of exactly that name, or else the first that goes by it; null if none does.
     QBIdentifierCandidate* findChild(const QBIdentifierCandidate* node,
                                      const std::string& name) const;
     bool hasChildren(const QBIdentifierCandidate* node) const;
@@ -54,6 +57,7 @@ private:
     const QBIdentifierCandidate* known(const QBIdentifierCandidate* node) const;
     QBIdentifierCandidate& orRoot(QBIdentifierCandidate* node) { return node ? *node : m_root; }
 
+    std::atomic<bool> m_namesHaveCase{true};
     mutable std::mutex m_mutex;
     QBIdentifierCandidate m_root;
     std::deque<QBIdentifierCandidate> m_arena;

@@ -10,6 +10,7 @@
 #include "engine/protocol_error.h"
 #include "model/detached_parts.h"
 #include "model/liveness.h"
+#include "model/names.h"
 #include "model/notification_names.h"
 #include "platform/tolk/tolk.h"
 #include "stringifier/query_component_stringifier.h"
@@ -65,6 +66,7 @@ void QBEngine::setDatabaseInfo(DatabaseType type, int version) {
         const std::lock_guard lock(m_stateMutex);
         m_databaseInfo = {type, version};
     }
+    m_core->candidates.setNamesHaveCase(namesHaveCase(type));
     const long id = m_id;
     dbInfoChanged();
     if (!isAlive(id)) return;

@@ -280,7 +280,8 @@ public:
     QBIdentifierCandidateSnapshot candidateSnapshot(const QBIdentifierCandidate* node) const;
     /// The names from below the root down to @p node; empty for the root and for an unknown node.
     std::vector<std::string> candidatePath(const QBIdentifierCandidate* node) const;
-    /// The first child of exactly that name, or null, without a copy of all the others.
+    /// The first child of exactly that name, or else the first that the server takes for it (see
+    /// model/names.h), or null; without a copy of all the others.
     QBIdentifierCandidate* findChildCandidate(const QBIdentifierCandidate* node,
                                               const std::string& name) const;
     /// True if @p node is the root or hangs below it. Any address may be asked for, such as one

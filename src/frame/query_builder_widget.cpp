@@ -20,6 +20,7 @@
 #include "platform/tolk/text_ids.h"
 #include "platform/tolk/tolk.h"
 #include "rows/row_list_panel_widget.h"
+#include "tools/validation.h"
 #include "ui_query_builder_widget.h"
 #include "widgets/invalid_excluder.h"
 #include "widgets/panel_widget.h"
@@ -301,6 +302,8 @@ void QBQueryBuilderWidget::enumeratePanelWidgets(const std::function<void(QBPane
 }
 
 bool QBQueryBuilderWidget::needShowBuildWarning() const {
+    // Panels know of the layer that they show.
+    if (Tools::Validation::hasFaultsInOtherLayers(engine())) return true;
     const auto panels = tabPanels();
     return std::any_of(panels.begin(), panels.end(), [](const QBTopLevelElementPanelWidget* panel) {
         return panel->hasInvalidComponents();

@@ -73,8 +73,8 @@ public:
     void selectPanel(TopLevelQueryComponentElementEnum element);
     /// Calls @p visit for every panel, also for one that is in no tab.
     void enumeratePanelWidgets(const std::function<void(QBPanelWidget*)>& visit);
-    /// Whether a panel has components that would make the query fail. A host asks before it uses
-    /// the text of okDialogButtonClicked().
+    /// Whether a panel, or a layer that no panel shows, has components that would make the query
+    /// fail. A host asks before it uses the text of okDialogButtonClicked().
     bool needShowBuildWarning() const;
 
     /// Shows or hides the button that builds and runs.

@@ -8,10 +8,10 @@
 #include "engine/engine_linux.h"
 #include "layouts/source_tree_layout.h"
 #include "model/tree_walks.h"
-#include "panels/join_marks.h"
 #include "panels/source_selection_panel_answers.h"
 #include "platform/tolk/tolk.h"
 #include "rows/identifier_source_row_widget.h"
+#include "rows/invalid_reason.h"
 #include "rows/nested_list_any_expression_row_widget.h"
 #include "rows/nested_list_close_bracket_row_widget.h"
 #include "rows/nested_list_dummy_row_widget.h"
@@ -19,6 +19,7 @@
 #include "rows/nested_list_subquery_row_widget.h"
 #include "rows/row_database.h"
 #include "rows/source_selection_join_row_widget.h"
+#include "tools/join_lack.h"
 #include "tools/join_tools.h"
 #include "tools/source_edits.h"
 #include "tools/subquery_conversion.h"
@@ -152,9 +153,8 @@ void QBSourceSelectionPanelWidget::markRow(QBNestedListRowWidget* widget, const 
         case JoinRow: {
             auto* join = static_cast<QBSourceSelectionJoinRowWidget*>(widget);
             join->setDatabase(info, schemaLeftOut());
-            const bool isBlind = validityOf(item.component) >= 0;
-            join->setConditionFault(isBlind ? Tolk::localize(Tolk::TextJoinConditionBlind)
-                                            : QString());
+            join->setConditionFault(joinFaultText(static_cast<const Join*>(item.component),
+                                                  validityOf(item.component), info.databaseType));
             break;
         }
         case SubqueryRow: {
@@ -205,10 +205,8 @@ void QBSourceSelectionPanelWidget::checkInvalidComponents() {
          Tools::Validation::invalidateSourceComponents(engine(), this)) {
         invalid.emplace(source->id(), reason);
     }
-    SQLSelectStmtComponent* const statement = Tools::Validation::currentStatement(engine());
-    if (!statement) return;
-    for (const long join : joinsOutOfSight(statement, engine()->databaseType()))
-        invalid.emplace(join, Tools::Validation::InvalidSource);
+    for (const auto& [join, reason] : Tools::Validation::invalidateJoins(engine()))
+        invalid.emplace(join->id(), reason);
 }
 
 bool QBSourceSelectionPanelWidget::hasInvalidComponents() const {

@@ -28,4 +28,22 @@ QString invalidReasonText(int reason) {
     }
 }
 
+QString joinLackText(const Component::SQL::SQLJoinSourceNodeComponent* join, DatabaseType type) {
+    switch (Tools::SQL::lackOf(join, type)) {
+        case Tools::SQL::JoinLack::Condition:
+            return Tolk::localize(Tolk::TextJoinConditionLacking);
+        case Tools::SQL::JoinLack::Natural:
+            return Tolk::localize(Tolk::TextJoinIsNatural);
+        default:
+            return QString();
+    }
+}
+
+QString joinFaultText(const Component::SQL::SQLJoinSourceNodeComponent* join, int reason,
+                      DatabaseType type) {
+    if (reason == InvalidSource) return Tolk::localize(Tolk::TextJoinConditionBlind);
+    const QString lack = reason == InvalidMissingValue ? joinLackText(join, type) : QString();
+    return lack.isEmpty() ? invalidReasonText(reason) : lack;
+}
+
 }  // namespace QB

@@ -92,6 +92,7 @@ public:
     void closeWhatHasGone();
     AbstractQueryComponent* findComponent(QBRowKey key) const;
     void tellFocus(int row);
+    void hideFocus();
     void tell(AbstractQueryComponent* component, bool isFocused);
     void takeFocus(AbstractQueryComponent* component);
 
@@ -99,7 +100,8 @@ public:
     bool isStale = false;  // the rows were let go while the panel was hidden
     bool isChecking = false;
     int rowToSelect = -1;
-    QBRowKey focused;  // what tellFocus() told last
+    QBRowKey focused;           // what tellFocus() told last, or took
+    bool isFocusTaken = false;  // from another panel
     // The statement that the rows are of; compared, never dereferenced.
     const void* statement = nullptr;
     long statementId = -1;
@@ -247,8 +249,16 @@ void QBRowListPanelWidget::Private::tellFocus(int row) {
     if (q->engine() == nullptr) return;
     const QBRowKey earlier = std::exchange(focused, q->m_view->shownKey(row));
     if (earlier == focused) return;
+    isFocusTaken = false;
     tell(findComponent(earlier), false);
     tell(findComponent(focused), true);
+}
+
+/// What another panel has focused stays so there.
+void QBRowListPanelWidget::Private::hideFocus() {
+    if (!isFocusTaken) return tellFocus(-1);
+    isFocusTaken = false;
+    focused = QBRowKey();
 }
 
 void QBRowListPanelWidget::Private::tell(AbstractQueryComponent* component, bool isFocused) {
@@ -269,7 +279,9 @@ void QBRowListPanelWidget::Private::takeFocus(AbstractQueryComponent* component)
     const int row = static_cast<int>(found - items.begin());
     const QBRowKey earlier = std::exchange(focused, q->m_view->shownKey(row));
     q->m_view->selectOnly(row);  // tellFocus() finds nothing new
-    if (earlier != focused) tell(findComponent(earlier), false);
+    if (earlier == focused) return;
+    isFocusTaken = true;
+    tell(findComponent(earlier), false);
 }
 
 // The panel
@@ -357,7 +369,7 @@ void QBRowListPanelWidget::showEvent(QShowEvent* event) {
 
 void QBRowListPanelWidget::hideEvent(QHideEvent* event) {
     QBTopLevelElementPanelWidget::hideEvent(event);
-    if (!event->spontaneous()) d->tellFocus(-1);
+    if (!event->spontaneous()) d->hideFocus();
 }
 
 // Rows

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "model/kind_of.h"
+#include "model/names.h"
 #include "model/tree_walks.h"
-#include "platform/sqlet/lex_traits.h"
 #include "platform/sqlet/words.h"
 
 namespace QB {
@@ -45,10 +45,7 @@ const SQLIdentifierSourceComponent* tableByAnotherName(const SQLFieldColumnCompo
     const auto* table = ifKind<SQLIdentifierSourceComponent>(field->source);
     if (!table || field->parentPath.empty()) return nullptr;
     const std::string& name = field->parentPath.back();
-    const bool isSame =
-        std::equal(name.begin(), name.end(), table->name.begin(), table->name.end(),
-                   [](char a, char b) { return sqlet::toLower(a) == sqlet::toLower(b); });
-    return isSame ? nullptr : table;
+    return equalWithoutCase(name, table->name) ? nullptr : table;
 }
 
 /// A join of the user's own words that has none yet stands for the neutral one: with nothing

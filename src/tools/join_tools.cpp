@@ -16,6 +16,7 @@
 #include "model/detached_parts.h"
 #include "platform/tolk/tolk.h"
 #include "tools/join_edits.h"
+#include "tools/join_lack.h"
 #include "tools/join_sight.h"
 #include "tools/selection_tools.h"
 #include "tools/using_list.h"
@@ -290,12 +291,16 @@ void removeJoins(
     const std::vector<std::pair<SQLJoinSourceNodeComponent*, SQLCompareConditionComponent*>>&
         joins) {
     if (!engine || joins.empty()) return;
+    std::vector<std::string> natural;
     modifySources(engine, sender, [&](ELEMSQLSourceExpr* element) {
+        const NaturalJoinWatch watch(element->root, engine->databaseType());
         JoinRemover remover(&element->root, joins);
         const bool hasChanged = remover.remove();
         engine->retire(remover.takeDetachedParts());
+        natural = watch.newlyNatural(element->root);
         return hasChanged;
     });
+    tellNaturalJoins(natural);
 }
 
 }  // namespace QB::Tools::SQL

@@ -50,9 +50,9 @@ void makeJoinLinkIfNecessary(QBEngine* engine, void* sender,
 
 /// Removes links: of each join listed the compare conditions that come with it, or if the first one
 /// is null all that binds the two sides, so that the join becomes a comma. What is not in the
-/// clause, or no link in the chain of its join, is skipped. Sources
-/// stay. A join that loses its last condition keeps its kind; brackets that lose all they hold go,
-/// too.
+/// clause, or no link in the chain of its join, is skipped. Sources stay. A join that loses its
+/// last condition keeps its kind, and the user is told if its text says NATURAL now (showError);
+/// brackets that lose all they hold go, too.
 ///
 /// Then conditions that no longer see their sources are removed: from the joins behind each one
 /// listed, up to the next comma, and from those before one that became a comma itself.

@@ -4,15 +4,17 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <string_view>
 #include <unordered_set>
 #include <vector>
 
 #include "model/detached_parts.h"
 #include "model/kind_of.h"
+#include "model/names.h"
 #include "model/tree_walks.h"
+#include "tools/bare_names.h"
 #include "tools/identifier_tools.h"
 #include "tools/subquery_fields.h"
+#include "tools/validation_scope.h"
 
 namespace QB::Tools::SQL {
 
@@ -48,13 +50,24 @@ std::unique_ptr<SQLFieldColumnComponent> makeColumn(SQLAbstractSourceComponent* 
 /// Which columns are of a source, and how one is made for it.
 class SourceColumns {
 public:
-    explicit SourceColumns(SQLAbstractSourceComponent* source)
-        : m_source(source), m_path(qualifiersOf(source)) {}
+    SourceColumns(QBEngine* engine, SQLAbstractSourceComponent* source)
+        : m_source(source)
+        , m_path(qualifiersOf(source))
+        , m_haveCase(namesHaveCase(engine->databaseType()))
+        , m_bareNames(engine, Validation::currentStatement(engine)) {}
 
     bool owns(const SQLFieldColumnComponent& column) const {
         if (column.source) return column.source == m_source;
         return !m_path.empty() && column.parentPath == m_path;
     }
+
+    /// True for what a tick of that field stands for: the field as it is, in no aggregate.
+    bool isTick(const SQLFieldColumnComponent& column, const std::string& fieldName) const {
+        if (!isSameName(column.fieldName, fieldName, m_haveCase)) return false;
+        if (isBareName(column)) return m_bareNames.ownerOf(column.fieldName) == m_source;
+        return column.aggregateFunction.empty() && owns(column);
+    }
+    std::string keyOf(const std::string& name) const { return foldedName(name, m_haveCase); }
 
     std::unique_ptr<SQLFieldColumnComponent> make(const std::string& fieldName) const {
         return makeColumn(m_source, m_path, fieldName);
@@ -63,6 +76,8 @@ public:
 private:
     SQLAbstractSourceComponent* m_source;  // not owned
     Names m_path;
+    bool m_haveCase;
+    BareNames m_bareNames;
 };
 
 bool isInCurrentStatement(const QBEngine* engine, const SQLAbstractSourceComponent* source) {
@@ -82,7 +97,7 @@ void modifySelectList(QBEngine* engine, void* sender, SQLAbstractSourceComponent
     if (!engine || !source) return;
     const auto block = [&](ELEMSQLSelectColumnExpr* element) {
         if (!isInCurrentStatement(engine, source)) return false;
-        return change(element->columns, SourceColumns(source));
+        return change(element->columns, SourceColumns(engine, source));
     };
     engine->modifyInTopLevelQueryComponentElement<ELEMSQLSelectColumnExpr*>(
         ElementSelectColumn, engine->currentTopLevelQueryComponentLayer(), block, sender);
@@ -129,14 +144,14 @@ Names selectableNames(QBEngine* engine, const SQLAbstractSourceComponent* source
 }
 
 bool addMissing(Columns& columns, const SourceColumns& ofSource, const Names& names) {
-    std::unordered_set<std::string_view> present(columns.size() + names.size());
+    std::unordered_set<std::string> present(columns.size() + names.size());
     for (const SQLAbstractColumnComponent* column : columns) {
         const auto* field = ifKind<SQLFieldColumnComponent>(column);
-        if (field && ofSource.owns(*field)) present.insert(field->fieldName);
+        if (field && ofSource.owns(*field)) present.insert(ofSource.keyOf(field->fieldName));
     }
     const std::size_t earlier = columns.size();
     for (const std::string& name : names) {
-        const bool isMissing = present.insert(name).second;
+        const bool isMissing = present.insert(ofSource.keyOf(name)).second;
         if (isMissing) columns.push_back(ofSource.make(name).release());
     }
     return columns.size() > earlier;
@@ -165,14 +180,15 @@ void changeItemComponentFieldSelection(QBEngine* engine, void* sender,
             return true;
         }
         return removeColumns(engine, columns, [&](const SQLFieldColumnComponent& column) {
-            return column.fieldName == fieldName && ofSource.owns(column);
+            return ofSource.isTick(column, fieldName);
         });
     });
 }
 
-SelectedFields selectedFields(const SQLSelectStmtComponent* statement) {
+SelectedFields selectedFields(QBEngine* engine, const SQLSelectStmtComponent* statement) {
     SelectedFields selected;
-    if (!statement) return selected;
+    if (!engine || !statement) return selected;
+    const BareNames bareNames(engine, statement);
     std::map<Names, std::vector<const SQLAbstractSourceComponent*>> byPath;
     std::unordered_set<const SQLAbstractSourceComponent*> sources;
     visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
@@ -182,7 +198,9 @@ SelectedFields selectedFields(const SQLSelectStmtComponent* statement) {
     });
     for (const SQLAbstractColumnComponent* column : statement->selectColumnExpr->columns) {
         const auto* field = ifKind<SQLFieldColumnComponent>(column);
-        if (!field) continue;
+        if (!field || !field->aggregateFunction.empty()) continue;
+        if (const auto* owner = isBareName(*field) ? bareNames.ownerOf(field->fieldName) : nullptr)
+            selected[owner].push_back(field->fieldName);
         if (sources.count(field->source) > 0) selected[field->source].push_back(field->fieldName);
         if (field->source) continue;
         const auto named = byPath.find(field->parentPath);

@@ -6,11 +6,13 @@
 
 #include "layouts/source_tree_surgery.h"
 #include "model/callbacks.h"
+#include "model/names.h"
 #include "model/tree_walks.h"
 #include "platform/tolk/tolk.h"
 #include "stringifier/query_component_stringifier.h"
 #include "tools/free_text.h"
 #include "tools/join_edits.h"
+#include "tools/join_lack.h"
 #include "tools/join_sight.h"
 #include "tools/validation_scope.h"
 
@@ -38,7 +40,7 @@ bool namesAny(const SQLAbstractConditionComponent* condition, const Sources& sou
 }
 
 /// Whether no source of the clause but @p except goes by that name.
-bool isNameFree(const SourceNode* root, const std::string& name,
+bool isNameFree(const SourceNode* root, const std::string& name, bool haveCase,
                 const SQLAbstractSourceComponent* except) {
     bool isFree = true;
     Tools::visitSourceNodes(root, [&](const SourceNode* node) {
@@ -46,7 +48,7 @@ bool isNameFree(const SourceNode* root, const std::string& name,
         if (source == except) return;
         const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
         const std::string& known = table && source->alias.empty() ? table->name : source->alias;
-        isFree = isFree && known != name;
+        isFree = isFree && !isSameName(known, name, haveCase);
     });
     return isFree;
 }
@@ -79,8 +81,11 @@ void SourceEdits::modify(const std::function<void(Slot root)>& change) {
     m_engine->modifyInTopLevelQueryComponentElement<ELEMSQLSourceExpr*>(
         ElementSource, m_engine->currentTopLevelQueryComponentLayer(),
         [&](ELEMSQLSourceExpr* element) {
+            const Tools::SQL::NaturalJoinWatch watch(element->root, m_engine->databaseType());
             change(&element->root);
             m_rows->updateItemFlags();
+            for (const std::string& word : watch.newlyNatural(element->root))
+                m_natural.push_back(word);
             m_engine->retire(m_rows->takeDetachedParts());
             return true;
         },
@@ -199,7 +204,8 @@ void SourceEdits::replace(int row, std::unique_ptr<Source> replacement) {
 
 std::string SourceEdits::aliasAfter(const Source* old, const Source* replacement) const {
     const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(old);
-    if (!old->alias.empty() || !table || !isNameFree(*m_rows->root(), table->name, old))
+    const bool haveCase = namesHaveCase(m_engine->databaseType());
+    if (!old->alias.empty() || !table || !isNameFree(*m_rows->root(), table->name, haveCase, old))
         return old->alias;
     const auto* text = dynamic_cast<const SQLAnyExpressionSourceComponent*>(replacement);
     const bool takesAlias = !text || isOnePiece(text->expression, m_engine->databaseType());
@@ -352,6 +358,7 @@ QString SourceEdits::textOf(const Condition* condition) const {
 void SourceEdits::tellConditions() const {
     tell(Tolk::TextConditionsRemoved, m_removed);
     tell(Tolk::TextConditionsBlind, m_blind);
+    Tools::SQL::tellNaturalJoins(m_natural);
 }
 
 // ---- from outside a list of rows --------------------------------------------------------------
@@ -383,10 +390,33 @@ void editSource(QBEngine* engine, void* sender, long id,
     edits.tellConditions();
 }
 
+std::string freeAlias(const SourceNode* root, const SQLIdentifierSourceComponent& table,
+                      bool haveCase) {
+    const auto isTaken = [&](const SQLAbstractSourceComponent* source) {
+        const auto* other = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
+        if (!other || !source->alias.empty())
+            return isSameName(source->alias, table.name, haveCase);
+        // Tables of two schemas are told apart by these.
+        return isSameName(other->name, table.name, haveCase) && other->path == table.path;
+    };
+    bool isNeeded = false;
+    Tools::visitSourceNodes(
+        root, [&](const SourceNode* node) { isNeeded = isNeeded || isTaken(node->value); });
+    if (!isNeeded) return {};
+    int number = 2;
+    const auto alias = [&] {
+        return table.name + '_' + std::to_string(number);
+    };
+    while (!isNameFree(root, alias(), haveCase, nullptr))
+        ++number;
+    return alias();
+}
+
 QString aliasFault(const QBEngine* engine, long id, const std::string& alias) {
     const SQLSelectStmtComponent* const statement = Tools::Validation::currentStatement(engine);
     if (!statement || alias.empty()) return {};
-    if (isNameFree(statement->sourceExpr->root, alias, findSource(engine, id))) return {};
+    const bool haveCase = namesHaveCase(engine->databaseType());
+    if (isNameFree(statement->sourceExpr->root, alias, haveCase, findSource(engine, id))) return {};
     return Tolk::localizeWithArgs(Tolk::TextAliasTaken, alias.c_str());
 }
 

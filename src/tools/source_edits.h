@@ -112,6 +112,7 @@ private:
     // A line for each condition.
     QStringList m_removed;
     QStringList m_blind;
+    std::vector<std::string> m_natural;  // see NaturalJoinWatch
 };
 
 /// The source or join of that id in the FROM clause of the current layer; null if it is not there,
@@ -123,6 +124,12 @@ Component::SQL::SQLAbstractSourceComponent* findSource(const QBEngine* engine, l
 /// engine: the caller does not touch it after this.
 void editSource(QBEngine* engine, void* sender, long id,
                 const std::function<void(SourceEdits&, int row)>& edit);
+
+/// The alias that a table needs to stand in the clause in @p root: none where nothing there goes by
+/// its name, or else the first of name_2, name_3 ... that is free. @p haveCase as in model/names.h.
+/// Thread: may read the statement.
+std::string freeAlias(const Component::SQL::SourceNode* root,
+                      const Component::SQL::SQLIdentifierSourceComponent& table, bool haveCase);
 
 /// Why that source of the current layer cannot have @p alias, to the user: another one goes by it.
 /// Empty where it can; an empty alias is always free.

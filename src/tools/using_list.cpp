@@ -4,6 +4,8 @@
 #include <memory>
 #include <vector>
 
+#include "model/names.h"
+
 namespace QB::Tools::SQL {
 
 using namespace Component::SQL;
@@ -52,14 +54,8 @@ std::vector<ListedName> namesIn(const std::string& list) {
     return names;
 }
 
-char lowerCase(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 bool isSame(const ListedName& listed, const std::string& name) {
-    if (listed.isQuoted) return listed.name == name;
-    return std::equal(listed.name.begin(), listed.name.end(), name.begin(), name.end(),
-                      [](char a, char b) { return lowerCase(a) == lowerCase(b); });
+    return isSameName(listed.name, name, listed.isQuoted);
 }
 
 }  // namespace
@@ -70,6 +66,16 @@ bool canBeUsingList(const SQLJoinSourceNodeComponent* join) {
     if (!value) return false;
     const auto* first = value->firstValue();
     return !first || dynamic_cast<const SQLAnyExpressionColumnComponent*>(first);
+}
+
+std::vector<std::string> usingColumns(const SQLJoinSourceNodeComponent* join) {
+    if (!join->isUsing || !join->condition || !canBeUsingList(join)) return {};
+    const auto* list = dynamic_cast<const SQLAnyExpressionColumnComponent*>(
+        static_cast<const SQLConditionValueComponent*>(join->condition)->firstValue());
+    std::vector<std::string> columns;
+    for (ListedName& listed : namesIn(list ? list->expression : std::string()))
+        if (!listed.name.empty()) columns.push_back(std::move(listed.name));
+    return columns;
 }
 
 bool addToUsingList(SQLJoinSourceNodeComponent* join, const std::string& name,

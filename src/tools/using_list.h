@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "model/components.h"
 
@@ -9,6 +10,9 @@ namespace QB::Tools::SQL {
 
 /// True if the condition of @p join is such a list, or there is none yet.
 bool canBeUsingList(const Component::SQL::SQLJoinSourceNodeComponent* join);
+
+/// The names in the list as they are without quotes; none for a condition that is no such list.
+std::vector<std::string> usingColumns(const Component::SQL::SQLJoinSourceNodeComponent* join);
 
 /// Adds a column to the list, for which canBeUsingList is true; @p quoted is @p name as the text is
 /// to have it. Nothing if it is there already, with or without quotes, in whatever case if without.

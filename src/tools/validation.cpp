@@ -1,11 +1,14 @@
 #include "tools/validation.h"
 
 #include <algorithm>
+#include <set>
 #include <unordered_set>
 #include <utility>
 
 #include "model/element_expressions.h"
 #include "model/tree_walks.h"
+#include "tools/join_lack.h"
+#include "tools/join_marks.h"
 #include "tools/validation_scope.h"
 
 namespace QB::Tools::Validation {
@@ -15,6 +18,9 @@ using namespace Component::SQL;
 
 namespace {
 
+/// Whether fields are looked for in their tables; these may not have been fetched in another layer.
+enum class Fields { Checked, Trusted };
+
 /// The faults of one check, and whether listeners have to hear of it. The first fault of a key
 /// stays; unknown fields are found at the end.
 template <typename Key>
@@ -23,7 +29,14 @@ public:
     using Map = std::map<Key, int>;
 
     Findings(QBEngine* engine, const Map* known)
-        : m_scope(engine), m_known(known), m_fields(engine) {}
+        : m_scope(engine, currentLayers(engine)), m_known(known), m_fields(engine) {}
+    /// Only looks at a statement of those layers, the last one.
+    Findings(QBEngine* engine, const ValidationScope::Layers& layers, Fields fields)
+        : m_isRepairing(false)
+        , m_looksForFields(fields == Fields::Checked)
+        , m_scope(engine, layers)
+        , m_known(nullptr)
+        , m_fields(engine) {}
 
     void add(Key key, InvalidReason reason) {
         m_map.emplace(key, reason);
@@ -33,10 +46,13 @@ public:
     void checkField(SQLFieldColumnComponent* field, Key key) {
         const SQLAbstractSourceComponent* const source = m_scope.sourceOf(field);
         if (const auto fault = m_scope.findFault(field, source)) {
-            if (fault == InvalidSource) m_scope.keepAlias(field);
-            if (fault == InvalidSource) repair(field->source);
+            if (fault == InvalidSource && m_isRepairing) {
+                m_scope.keepAlias(field);
+                repair(field->source);
+            }
             return add(key, *fault);
         }
+        if (!m_looksForFields) return;
         const QBIdentifierCandidate* const table =
             source && !field->isAsterisk ? m_scope.tableOf(source) : nullptr;
         if (!table) return;
@@ -84,6 +100,8 @@ private:
         const SQLFieldColumnComponent* field;
     };
 
+    const bool m_isRepairing = true;
+    const bool m_looksForFields = true;
     ValidationScope m_scope;
     const Map* const m_known;  // not owned: the caller's; null: there is none
     Map m_map;
@@ -102,12 +120,14 @@ bool isBetween(CompareOp op) {
     return op == CompareOpBetween || op == CompareOpNotBetween;
 }
 
-/// Walks chains of conditions with all that is nested in them, by a loop.
+/// Walks chains of conditions with all that is nested in them, by a loop. Tells its @p Sink what to
+/// add() and checkField() for the slot of a value.
+template <typename Sink>
 class ConditionCheck {
 public:
     using Slot = SQLAbstractConditionComponent**;
 
-    explicit ConditionCheck(Findings<Slot>& findings) : m_findings(findings) {}
+    explicit ConditionCheck(Sink& findings) : m_findings(findings) {}
 
     void run(Slot root) {
         m_chains = {root};
@@ -175,9 +195,44 @@ private:
         }
     }
 
-    Findings<Slot>& m_findings;
+    Sink& m_findings;
     std::vector<Slot> m_chains;  ///< still to be walked
 };
+
+// ---- joins ------------------------------------------------------------------------------------
+
+/// Takes the faults of the slots in its condition for those of a join.
+struct JoinSink {
+    using Slot = SQLAbstractConditionComponent**;
+
+    void add(Slot, InvalidReason reason) { findings.add(join, reason); }
+    void checkField(SQLFieldColumnComponent* field, Slot) { findings.checkField(field, join); }
+
+    Findings<SQLAbstractSourceComponent*>& findings;
+    SQLJoinSourceNodeComponent* join;
+};
+
+/// The list of USING is a text.
+void checkJoin(SQLJoinSourceNodeComponent* join, DatabaseType type,
+               Findings<SQLAbstractSourceComponent*>& findings) {
+    if (SQL::lackOf(join, type) != SQL::JoinLack::None) findings.add(join, InvalidMissingValue);
+    if (!join->needsCondition()) return;
+    JoinSink sink = {findings, join};
+    ConditionCheck<JoinSink>(sink).run(&join->condition);
+}
+
+InvalidSources faultyJoins(QBEngine* engine, const ValidationScope::Layers& layers, Fields fields) {
+    Findings<SQLAbstractSourceComponent*> findings(engine, layers, fields);
+    const DatabaseType type = engine->databaseType();
+    const std::set<long> blind = SQL::joinsOutOfSight(layers.back(), type);
+    visitSourceNodes(layers.back()->sourceExpr->root, [&](const SourceNode* node) {
+        auto* const join = dynamic_cast<SQLJoinSourceNodeComponent*>(node->value);
+        if (!join) return;
+        if (blind.count(join->id()) > 0) findings.add(join, InvalidSource);
+        checkJoin(join, type, findings);
+    });
+    return findings.finish();
+}
 
 // ---- columns ----------------------------------------------------------------------------------
 
@@ -269,6 +324,94 @@ InvalidSources invalidateSourceComponents(QBEngine* engine, void*) {
         if (isUnnamedSubquery(node->value)) found.emplace(node->value, InvalidUnnamedSubquery);
     });
     return found;
+}
+
+InvalidSources invalidateJoins(QBEngine* engine) {
+    if (!currentStatement(engine)) return {};
+    return faultyJoins(engine, currentLayers(engine), Fields::Checked);
+}
+
+// ---- other layers -----------------------------------------------------------------------------
+
+namespace {
+
+using Layers = ValidationScope::Layers;
+
+bool hasFaultyConditions(QBEngine* engine, const Layers& layers,
+                         SQLAbstractConditionComponent** root) {
+    Findings<SQLAbstractConditionComponent**> findings(engine, layers, Fields::Trusted);
+    ConditionCheck(findings).run(root);
+    return !findings.finish().empty();
+}
+
+bool hasFaultyColumns(QBEngine* engine, const Layers& layers) {
+    const SQLSelectStmtComponent* const statement = layers.back();
+    const Columns& selected = statement->selectColumnExpr->columns;
+    ColumnFindings findings(engine, layers, Fields::Trusted);
+    checkSelected(selected, findings);
+    for (const auto* list : {statement->groupByExpr, statement->orderByExpr})
+        checkFields(list->columns, [&](SQLFieldColumnComponent* field) {
+            if (!field->referencedColumn) findings.checkField(field, field);
+        });
+    return !findings.finish().empty();
+}
+
+bool hasUnnamedSubquery(const SQLSelectStmtComponent* statement) {
+    bool isFound = false;
+    visitSourceNodes(statement->sourceExpr->root, [&isFound](const SourceNode* node) {
+        isFound = isFound || isUnnamedSubquery(node->value);
+    });
+    return isFound;
+}
+
+bool hasFaults(QBEngine* engine, const Layers& layers) {
+    const SQLSelectStmtComponent* const statement = layers.back();
+    return hasUnnamedSubquery(statement) || hasFaultyColumns(engine, layers) ||
+           hasFaultyConditions(engine, layers, &statement->whereExpr->root) ||
+           hasFaultyConditions(engine, layers, &statement->havingExpr->root) ||
+           !faultyJoins(engine, layers, Fields::Trusted).empty();
+}
+
+/// A statement with the number of the one around it.
+struct NestedStatement {
+    const SQLSelectStmtComponent* statement;
+    std::size_t around;
+};
+
+/// The statements of the query, each behind the one around it; the first is its own.
+std::vector<NestedStatement> statementsOf(const SQLSelectStmtComponent* root) {
+    std::vector<NestedStatement> all = {{root, 0}};
+    for (std::size_t i = 0; i < all.size(); ++i)
+        visitSourceNodes(all[i].statement->sourceExpr->root, [&all, i](const SourceNode* node) {
+            const auto* derived = dynamic_cast<const SQLSubquerySourceComponent*>(node->value);
+            const auto* inner =
+                derived ? dynamic_cast<const SQLSelectStmtComponent*>(derived->subquery) : nullptr;
+            if (inner) all.push_back({inner, i});
+        });
+    return all;
+}
+
+Layers layersDownTo(const std::vector<NestedStatement>& all, std::size_t index) {
+    Layers layers = {all[index].statement};
+    for (; index > 0; index = all[index].around)
+        layers.push_back(all[all[index].around].statement);
+    std::reverse(layers.begin(), layers.end());
+    return layers;
+}
+
+}  // namespace
+
+bool hasFaultsInOtherLayers(QBEngine* engine) {
+    if (!currentStatement(engine)) return false;
+    const auto* root =
+        dynamic_cast<const SQLSelectStmtComponent*>(engine->topLevelQueryComponent(0));
+    if (!root) return false;
+    const std::vector<NestedStatement> all = statementsOf(root);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const bool isShown = all[i].statement == currentStatement(engine);
+        if (!isShown && hasFaults(engine, layersDownTo(all, i))) return true;
+    }
+    return false;
 }
 
 }  // namespace QB::Tools::Validation

@@ -17,7 +17,7 @@
 /// at once the panel has no new map yet while the announcement runs: it must not check then.
 /// A map's keys are compared, never dereferenced: what they name may be gone when they are used.
 ///
-/// Names are compared exactly, but for those of fields where the server knows no case. A table that
+/// Names are compared exactly, but for those of tables and fields where the server knows no case. A table that
 /// the candidates do not have passes with all of its fields; one whose fields are not fetched has
 /// none: who checks does it again when fields came. The result is empty without engine or
 /// statement, and for an element of another kind. Thread: main; not inside another modification
@@ -61,5 +61,15 @@ InvalidColumns invalidateRefComponents_column(int element, QBEngine* engine, voi
 
 /// The derived tables of the FROM clause that have no alias. Changes nothing.
 InvalidSources invalidateSourceComponents(QBEngine* engine, void* sender);
+
+/// The joins of the FROM clause whose condition a server does not take, or takes for another than
+/// the one meant: InvalidSource if it names a source out of the join's sight, InvalidMissingValue
+/// if it lacks (see SQL::lackOf) or is not finished, else the first fault in it. Changes nothing.
+InvalidSources invalidateJoins(QBEngine* engine);
+
+/// Whether a statement of the query but that of the current layer has anything that the checks
+/// above would mark there. Fields count as known: those of a layer that is not shown may not have
+/// been fetched. Changes nothing.
+bool hasFaultsInOtherLayers(QBEngine* engine);
 
 }  // namespace QB::Tools::Validation

@@ -8,7 +8,6 @@
 #include "model/element_expressions.h"
 #include "model/kind_of.h"
 #include "model/tree_walks.h"
-#include "platform/sqlet/lex_traits.h"
 #include "tools/identifier_tools.h"
 
 namespace QB::Tools::Validation {
@@ -65,10 +64,18 @@ SQLSelectStmtComponent* currentStatement(const QBEngine* engine) {
     return dynamic_cast<SQLSelectStmtComponent*>(engine->currentTopLevelQueryComponent());
 }
 
-ValidationScope::ValidationScope(QBEngine* engine) : m_engine(engine) {
-    addOwnSources(currentStatement(engine));
-    for (int layer = engine->currentTopLevelQueryComponentLayer() - 1; layer >= 0; --layer)
-        addNamesAround(layer);
+std::vector<const SQLSelectStmtComponent*> currentLayers(const QBEngine* engine) {
+    std::vector<const SQLSelectStmtComponent*> layers;
+    for (int layer = 0; layer <= engine->currentTopLevelQueryComponentLayer(); ++layer)
+        layers.push_back(
+            dynamic_cast<const SQLSelectStmtComponent*>(engine->topLevelQueryComponent(layer)));
+    return layers;
+}
+
+ValidationScope::ValidationScope(QBEngine* engine, const Layers& layers) : m_engine(engine) {
+    addOwnSources(layers.back());
+    for (std::size_t layer = layers.size() - 1; layer > 0; --layer)
+        addNamesAround(layers[layer - 1], layers[layer]);
 }
 
 void ValidationScope::addOwnSources(const Statement* statement) {
@@ -80,10 +87,9 @@ void ValidationScope::addOwnSources(const Statement* statement) {
     });
 }
 
-/// What the layer above @p layer sees of it.
-void ValidationScope::addNamesAround(int layer) {
-    const auto* statement = dynamic_cast<const Statement*>(m_engine->topLevelQueryComponent(layer));
-    if (!statement || !maySeeAround(m_engine->topLevelQueryComponent(layer + 1), statement)) return;
+/// What @p inner sees of the statement around it.
+void ValidationScope::addNamesAround(const Statement* statement, const Statement* inner) {
+    if (!statement || !maySeeAround(inner, statement)) return;
     visitSources(statement, [this](const Source* source) { addOutsideNames(source); });
 }
 
@@ -147,8 +153,7 @@ const QBIdentifierCandidate* ValidationScope::tableOf(const Source* source) {
 
 FieldLookup::FieldLookup(const QBEngine* engine)
     : m_engine(engine)
-    , m_hasCase(engine->databaseType() == DatabaseTypePostgreSQL ||
-                engine->databaseType() == DatabaseTypeOracle) {}
+    , m_hasCase(namesHaveCase(engine->databaseType())) {}
 
 void FieldLookup::run() {
     constexpr std::size_t atOnce = 1000;
@@ -156,7 +161,7 @@ void FieldLookup::run() {
         for (std::size_t first = 0; !missing.empty(); first += atOnce) {
             auto fields = m_engine->childrenSnapshot(table, first, atOnce);
             for (QBIdentifierCandidateSnapshot& field : fields)
-                missing.erase(folded(std::move(field.name)));
+                missing.erase(foldedName(std::move(field.name), m_hasCase));
             if (fields.size() < atOnce) break;
         }
     }
@@ -164,12 +169,7 @@ void FieldLookup::run() {
 
 bool FieldLookup::isMissing(Table table, const std::string& name) const {
     const auto names = m_missing.find(table);
-    return names != m_missing.end() && names->second.count(folded(name)) > 0;
-}
-
-std::string FieldLookup::folded(std::string name) const {
-    if (!m_hasCase) std::transform(name.begin(), name.end(), name.begin(), sqlet::toLower);
-    return name;
+    return names != m_missing.end() && names->second.count(foldedName(name, m_hasCase)) > 0;
 }
 
 }  // namespace QB::Tools::Validation

@@ -9,6 +9,7 @@
 
 #include "engine/engine.h"
 #include "model/components.h"
+#include "model/names.h"
 #include "tools/validation.h"
 
 namespace QB::Tools::Validation {
@@ -19,7 +20,10 @@ bool isUnnamedSubquery(const Component::SQL::SQLAbstractSourceComponent* source)
 /// The statement of the current layer; null if there is none, or no engine.
 Component::SQL::SQLSelectStmtComponent* currentStatement(const QBEngine* engine);
 
-/// What the fields of the current layer may name. Made for one check: gathers the sources once, and
+/// The statements of the layers up to the current one, null for one of another kind.
+std::vector<const Component::SQL::SQLSelectStmtComponent*> currentLayers(const QBEngine* engine);
+
+/// What the fields of a layer may name. Made for one check: gathers the sources once, and
 /// looks for the table of a source once, so that a field costs a few look-ups.
 ///
 /// A field refers to sources of its own statement only. Its path may also name one of a statement
@@ -31,8 +35,12 @@ public:
     using Source = Component::SQL::SQLAbstractSourceComponent;
     using Field = Component::SQL::SQLFieldColumnComponent;
 
-    /// @p engine has a current statement.
-    explicit ValidationScope(QBEngine* engine);
+    using Statement = Component::SQL::SQLSelectStmtComponent;
+    /// Statements from the outermost to the one that is checked.
+    using Layers = std::vector<const Statement*>;
+
+    /// For the last of @p layers, which is not null; others may be.
+    ValidationScope(QBEngine* engine, const Layers& layers);
 
     /// The source that @p field refers to, valid or not, or else the first that has its path; null
     /// if there is none.
@@ -47,11 +55,10 @@ public:
     const QBIdentifierCandidate* tableOf(const Source* source);
 
 private:
-    using Statement = Component::SQL::SQLSelectStmtComponent;
     using Names = std::vector<std::string>;
 
     void addOwnSources(const Statement* statement);
-    void addNamesAround(int layer);
+    void addNamesAround(const Statement* statement, const Statement* inner);
     void addOutsideNames(const Source* source);
     const std::string* aliasOfRetired(const Source* source);
 
@@ -74,14 +81,14 @@ public:
     /// @p engine outlives the object.
     explicit FieldLookup(const QBEngine* engine);
 
-    void add(Table table, const std::string& name) { m_missing[table].insert(folded(name)); }
+    void add(Table table, const std::string& name) {
+        m_missing[table].insert(foldedName(name, m_hasCase));
+    }
     void run();
     /// After run(): @p name was added, and is no field of @p table.
     bool isMissing(Table table, const std::string& name) const;
 
 private:
-    std::string folded(std::string name) const;
-
     const QBEngine* const m_engine;
     const bool m_hasCase;
     std::unordered_map<Table, std::unordered_set<std::string>> m_missing;

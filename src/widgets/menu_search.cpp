@@ -19,14 +19,30 @@ protected:
     bool eventFilter(QObject*, QEvent* event) override {
         if (event->type() != QEvent::KeyPress) return false;
         const QString text = static_cast<QKeyEvent*>(event)->text();
-        return !text.isEmpty() && text.at(0).isPrint() && type(text);
+        if (text.isEmpty() || !text.at(0).isPrint()) return false;
+        // The word whose first letters have opened this menu goes on.
+        MenuSearch* const outer = outerSearch();
+        return (outer && outer->isTyping() ? outer : this)->type(text);
     }
 
 private:
+    /// That of the menu that this one belongs to; null if there is none.
+    MenuSearch* outerSearch() const {
+        const auto* const outer = qobject_cast<QMenu*>(m_menu->parent());
+        if (!outer) return nullptr;
+        for (QObject* child : outer->children())
+            if (auto* const search = dynamic_cast<MenuSearch*>(child)) return search;
+        return nullptr;
+    }
+
+    bool isTyping() const {
+        return m_sinceKey.isValid() &&
+               m_sinceKey.elapsed() <= QApplication::keyboardInputInterval();
+    }
+
     /// False where the key is none of the search's: a blank chooses an entry.
     bool type(const QString& text) {
-        const bool isNew =
-            !m_sinceKey.isValid() || m_sinceKey.elapsed() > QApplication::keyboardInputInterval();
+        const bool isNew = !isTyping();
         if (isNew && text == QLatin1String(" ")) return false;
         m_typed = isNew ? text : m_typed + text;
         m_sinceKey.start();

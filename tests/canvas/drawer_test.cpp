@@ -168,8 +168,10 @@ TEST(Drawer, BringsTheCanvasToWhatTheQuerySaysAndTouchesNothingElse) {
     s.drawer.setItemFieldSelection(s.film, {"language"});
     canvas.edit("other ticks");
     s.drawer.updateAllComponentsUsingIdentifier({"y", "film"}, "public", {"wrong"});
+    s.drawer.updateAllComponentsUsingIdentifier({"public", "Film"}, "public", {"wrong"});
     s.drawer.updateAllComponentsUsingIdentifier({"public", "film"}, "public", {"title"});
-    s.drawer.updateAllComponentsUsingIdentifier({"y", "l"}, "public", {"id", "code"});
+    s.drawer.setNamesHaveCase(false);
+    s.drawer.updateAllComponentsUsingIdentifier({"Y", "L"}, "public", {"id", "code"});
     canvas.edit("fields of tables, by schema");
     s.root() = s.without(s.root(), {s.lang});
     canvas.edit("a table less");
@@ -411,9 +413,25 @@ TEST(Drawer, OffersMenusForWhatIsClickedAndDoesWhatTheyAreAskedFor) {
     s.diagram()->setFocusedObject(s.item(s.lang), 1);
     s.key(Qt::Key_Menu);
     canvas.choose("row, by key", {"WHERE", "is null"});
+    // A word goes on in the menu that its first letter has opened.
+    s.key(Qt::Key_Menu);
+    for (const char letter : {'o', 'r', 'd', 'e', 'r'})
+        QTest::keyClick(QApplication::activePopupWidget(), letter);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    s.settle();
+    EXPECT_EQ(s.take(), "") << "the first Return goes into the submenu";
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    s.settle();
+    EXPECT_EQ(s.take(), "order lang id 1; ");
     s.click({20, 500}, Qt::RightButton);
     canvas.choose("canvas", {"Zoom", "Zoom in\tCtrl++; Ctrl+="});
-    EXPECT_NEAR(s.drawer.getControl()->getZoom(), 1.1, 1e-9);
+    for (const auto& [entry, zoom] : {std::pair("Zoom in\tCtrl++; Ctrl+=", 1.21),
+                                      {"Zoom out\tCtrl+-", 1.1},
+                                      {"Actual size\tCtrl+0", 1.0}}) {
+        s.click({20, 500}, Qt::RightButton);
+        s.choose({"Zoom", entry});
+        EXPECT_NEAR(s.drawer.getControl()->getZoom(), zoom, 1e-9) << entry;
+    }
     EXPECT_TRUE(s.drawer.getView()->findChildren<QMenu*>().isEmpty());
 }
 
@@ -522,9 +540,11 @@ TEST(Drawer, PutsBackWhereEverythingStood) {
     // What it does not know stays, what is not there is skipped.
     DiagramArrangement partial = scene.drawer.arrangement();
     partial.entries = {{987654321, {1, 2, 3, 4}, true, true}, partial.entries.front()};
+    partial.canvas = {400, 300};
     const LumoRect place = film->getRect();
     scene.drawer.setArrangement(partial);
     EXPECT_EQ(film->getRect(), place);
+    EXPECT_TRUE(lumoContainsRect(scene.diagram()->getRect(), place));
     EXPECT_EQ(scene.drawer.arrangement().entries.back(), partial.entries.back());
 }
 

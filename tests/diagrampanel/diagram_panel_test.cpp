@@ -27,6 +27,14 @@ const Deed deeds[] = {
      "t: * a b c; u: * a d; inner t=u"},
     {"a join between fields", "SELECT * FROM t LEFT JOIN u ON t.a = u.a AND u.d = t.b",
      "mode field", "", "t: * a b c; u: * a d; left t.a=u.a; left t.b=u.d"},
+    {"names without case", "SELECT T.B FROM T INNER JOIN U ON T.A = U.a", "mode field", "",
+     "T: * a [b] c; U: * a d; inner T.a=U.a"},
+    {"columns of USING", "SELECT * FROM t INNER JOIN u USING (a) LEFT JOIN t AS x USING (a, \"b\")",
+     "mode field", "",
+     "t (x): * a b c; t: * a b c; u: * a d; inner t.a=u.a; left u.a=t (x).a t.b=t (x).b"},
+    {"bare names of the one that has them", "SELECT b, d, a FROM t, u", "", "",
+     "t: * a [b] c; u: * a [d]"},
+    {"bare names beside an unknown source", "SELECT b FROM t, f(1)", "", "", "<?>:; t: * a b c"},
     {"every other source", "SELECT s.d FROM ( SELECT a, d FROM u ) AS s, f(1)", "", "",
      "<?>:; s: * a [d]"},
     {"one table twice", "SELECT y.a FROM t AS x INNER JOIN t AS y ON x.b = y.a", "", "",
@@ -40,6 +48,10 @@ const Deed deeds[] = {
     {"tick", "SELECT t.a FROM t", "tick t.b; tick t.*", "SELECT t.a, t.b, t.* FROM t",
      "t: [*] [a] [b] c"},
     {"untick", "SELECT t.a, t.b FROM t", "tick t.a", "SELECT t.b FROM t", "t: * a [b] c"},
+    {"untick a bare name", "SELECT b, A FROM t", "tick t.a; tick t.c", "SELECT b, t.c FROM t",
+     "t: * a [b] [c]"},
+    {"a field in an aggregate is no tick", "SELECT max(t.a), t.b FROM t", "tick t.a; tick t.a", "",
+     "t: * a [b] c"},
     {"drag a link", "SELECT * FROM t, u", "pull t.b u.d",
      "SELECT * FROM t INNER JOIN u ON t.b = u.d", "t selected: * a b c; u: * a d; inner t=u"},
     {"delete an item", "SELECT t.a FROM t INNER JOIN u ON t.a = u.a", "select u; key Del",
@@ -53,6 +65,8 @@ const Deed deeds[] = {
     {"delete one of two conditions", "SELECT * FROM t INNER JOIN u ON t.a = u.a AND t.b = u.d",
      "mode field; link 1; key Del", "SELECT * FROM t INNER JOIN u ON t.b = u.d",
      "t: * a b c; u: * a d; inner t.b=u.d"},
+    {"delete a link of USING", "SELECT * FROM t INNER JOIN u USING (a)",
+     "mode field; link 0; key Del", "SELECT * FROM t, u", "t: * a b c; u: * a d"},
     {"delete both", "SELECT * FROM t INNER JOIN u ON t.a = u.a AND t.b = u.d, v",
      "mode field; link 0; link 1 also; key Del", "SELECT * FROM t INNER JOIN u, v",
      "t: * a b c; u: * a d; v: * a"},
@@ -78,9 +92,16 @@ const Deed deeds[] = {
     {"add a table that a key links", "SELECT t.a FROM t", "add u",
      "SELECT t.a FROM t INNER JOIN u ON t.a = u.a", "t: * [a] b c; u: * a d; inner t=u"},
     {"the same twice while it loads", "SELECT t.a FROM t", "busy; add w; add w; free",
-     "SELECT t.a FROM t, w, w", "t: * [a] b c; w: * a; w: * a"},
+     "SELECT t.a FROM t, w, w AS w_2", "t: * [a] b c; w (w_2): * a; w: * a"},
+    {"once more, where the next name is taken", "SELECT 1 FROM t, v AS t_2", "add t; add v",
+     "SELECT 1 FROM t, v AS t_2, t AS t_3, v",
+     "t (t_3): * a b c; t: * a b c; v (t_2): * a; v: * a"},
     {"a reset ends the wait", "SELECT t.a FROM t", "busy; add w; reset; free", "", "t: * [a] b c"},
+    {"the schema turns out to be another", "SELECT * FROM t",
+     "schema ; sql SELECT * FROM v; schema main", "SELECT * FROM v", "v: * a"},
     // Layers.
+    {"the keys find the first item of a layer", "SELECT s.a FROM ( SELECT t.a FROM t ) AS s",
+     "select s; key Return; key Tab; key Space", "", "t selected: * [a] b c"},
     {"into a subquery", "SELECT s.d FROM ( SELECT u.a, u.d FROM u, v ) AS s", "double s", "",
      "u: * [a] [d]; v: * a"},
     {"a change there, and back", "SELECT s.d FROM ( SELECT u.a, u.d FROM u ) AS s",
@@ -232,6 +253,8 @@ private Q_SLOTS:
         QDragLeaveEvent leave;
         QCoreApplication::sendEvent(desk.panel.get(), &leave);
         QVERIFY(!hint->takesDrop());
+        QVERIFY(desk.run("drop none 5 5"));
+        QVERIFY(hint->isVisible() && !hint->takesDrop());
         desk.parse("SELECT * FROM t");
         QVERIFY(!hint->isVisible());
     }
@@ -268,7 +291,11 @@ private Q_SLOTS:
         desk.parse("SELECT t.a FROM t, u");
         int excluded = 0;
         connect(desk.panel.get(), &QBDiagramPanelWidget::signalExcludeInvalidConditionComponent,
-                [&excluded](auto** slot) { excluded += *slot != nullptr; });
+                [&](auto** slot) {
+                    auto* const condition = desk.statement()->whereExpr->root;
+                    auto* const compare = dynamic_cast<SQLCompareConditionComponent*>(condition);
+                    excluded += compare && slot == &compare->rightValue;
+                });
         QVERIFY(desk.run("tick t.b; pull t.a u.a; right t.b; submenu WHERE; choose ="));
         QCOMPARE(desk.jumps,
                  QString("%1%2%3").arg(ElementSelectColumn).arg(ElementSource).arg(ElementWhere));
@@ -315,11 +342,29 @@ private Q_SLOTS:
     void theThemeIsTaken() {
         DiagramDesk desk(Delivery::AtOnce);
         desk.parse("SELECT * FROM t");
-        desk.host.isDark = true;
-        QEvent change(QEvent::PaletteChange);
-        QCoreApplication::sendEvent(desk.panel.get(), &change);
-        const QImage picture = desk.view()->viewport()->grab().toImage();
-        QVERIFY(picture.pixelColor(picture.width() - 5, 5).lightness() < 100);
+        for (const QEvent::Type type : {QEvent::PaletteChange, QEvent::StyleChange}) {
+            desk.host.isDark = !desk.host.isDark;
+            QEvent change(type);
+            QCoreApplication::sendEvent(desk.panel.get(), &change);
+            const QImage picture = desk.view()->viewport()->grab().toImage();
+            const bool isDark = picture.pixelColor(picture.width() - 5, 5).lightness() < 100;
+            QCOMPARE(isDark, desk.host.isDark);
+        }
+    }
+
+    void eachLayerHasItsZoom() {
+        DiagramDesk desk(Delivery::AtOnce);
+        desk.parse("SELECT * FROM ( SELECT t.a FROM t, u ) AS s");
+        LumoControl* const control = desk.panel->drawer()->getControl();
+        for (const double zoom : {0.5, 1.5}) {
+            control->setZoom(zoom, {0, 0});
+            desk.panel->drawer()->scrollToOrigin();
+            QVERIFY(desk.run("double s"));
+            QCOMPARE(control->getZoom(), zoom == 0.5 ? 1.0 : 2.0);
+            control->setZoom(2, {0, 0});
+            QVERIFY(desk.run("out"));
+            QCOMPARE(control->getZoom(), zoom);
+        }
     }
 };
 

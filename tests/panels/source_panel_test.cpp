@@ -175,6 +175,8 @@ const Test::Story stories[] = {
     {"ON becomes USING", "SELECT * FROM t INNER JOIN u ON t.a = u.a",
      "menu 1 Change to USING; click 1 conditionLabel; type b; outside",
      "SELECT * FROM t INNER JOIN u USING (b)"},
+    {"an outer join that waits for its columns says so", "SELECT * FROM t LEFT JOIN u ON t.a = u.a",
+     "menu 1 Change to USING", "SELECT * FROM t NATURAL LEFT JOIN u", "NATURAL LEFT JOIN"},
     {"USING becomes ON", "SELECT * FROM t INNER JOIN u USING (a)", "menu 1 Change to ON",
      "SELECT * FROM t INNER JOIN u"},
     {"conditions of ON stay with the first escape",
@@ -185,6 +187,9 @@ const Test::Story stories[] = {
     {"a table goes with its join and what names it",
      "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = u.b AND v.a = t.a",
      "click 2 deleteLabel", "SELECT * FROM t INNER JOIN v ON v.a = t.a"},
+    {"a join whose condition it was compares other columns then",
+     "SELECT * FROM t INNER JOIN u ON t.a = u.a LEFT JOIN v ON v.a = u.a", "click 2 deleteLabel",
+     "SELECT * FROM t NATURAL LEFT JOIN v", "NATURAL LEFT JOIN"},
     {"the last one leaves the prompt", "SELECT 1 FROM t, u",
      "click 0 row; key Del; key Del; key Del", "SELECT 1"},
     {"brackets go with all in them", "SELECT * FROM ( t INNER JOIN u ), v", "menu 4 Remove",
@@ -309,6 +314,18 @@ private Q_SLOTS:
             QCOMPARE(desk.part(4, "conditionLabel")->colour(), LabelColour::Invalid);
             QCOMPARE(desk.part(1, "conditionLabel")->colour(), LabelColour::Value);
         }
+    }
+
+    void aJoinWithoutWhatItNeedsIsMarked() {
+        Desk desk(Delivery::Later, DatabaseTypeSQLServer);
+        desk.parse("SELECT * FROM t LEFT JOIN u ON t.a = u.a");
+        QVERIFY(!desk.sources()->hasInvalidComponents());
+        QVERIFY(desk.run("click 1 conditionLabel; key Del; key Esc"));
+        QVERIFY(desk.sources()->hasInvalidComponents());
+        QCOMPARE(desk.part(1, "conditionLabel")->colour(), LabelColour::Invalid);
+        QVERIFY(desk.part(1, "conditionLabel")->toolTip().contains("needs a condition"));
+        QVERIFY(desk.run("click 1 joinLabel; join 5"));
+        QVERIFY(!desk.sources()->hasInvalidComponents());
     }
 
     void ownEditsKeepTheRowsAndForeignOnesRebuildThem() {

@@ -5,6 +5,7 @@
 #include "join_fixture.h"
 #include "model/dump.h"
 #include "parser/query_parser.h"
+#include "tools/join_lack.h"
 
 namespace QB::Test {
 
@@ -165,6 +166,71 @@ TEST_F(JoinTools, KeepTheConditionOfACrossJoinAndTellOfIt) {
     EXPECT_EQ(m_host.errors.size(), 1U);
     find<Join>("X")->joinType = SQLJoinTypeInner;
     EXPECT_EQ(conditions(), "a=b");
+}
+
+TEST_F(JoinTools, TellWhenAJoinComesToCompareColumnsThatNobodyWrote) {
+    struct Line {
+        const char* tree;
+        const char* steps;
+        DatabaseType family;
+        const char* told;
+    };
+    const Line lines[] = {
+        {"L(a,b)", "a-b ~L0", DatabaseTypeMySQL, "NATURAL LEFT JOIN"},
+        {"L(a,b)", "a-b ~L0", DatabaseTypeSQLServer, ""},  // which refuses it
+        {"L(a,b)", "a-b a-b ~L0", DatabaseTypeMySQL, ""},
+        {"L(a,b)", "a-b ~L", DatabaseTypeMySQL, ""},
+        {"I(a,b)", "a-b ~I0", DatabaseTypeMySQL, ""},
+        {"R(I(a,b),c)", "a-b a-c ~I", DatabaseTypeOracle, "NATURAL RIGHT JOIN"},
+        {"F(L(I(a,b),c),d)", "a-b a-c a-d ~I", DatabaseTypeSQLite,
+         "NATURAL LEFT JOIN, NATURAL FULL OUTER JOIN"},
+    };
+    for (const Line& line : lines) {
+        SCOPED_TRACE(testing::Message() << line.tree << " " << line.steps);
+        m_host.errors.clear();
+        m_engine->setDatabaseInfo(line.family, 1);
+        setTree(line.tree);
+        run(line.steps);
+        const std::string told = m_host.errors.empty() ? "" : m_host.errors.back();
+        EXPECT_EQ(told.empty(), !*line.told);
+        EXPECT_NE(told.find(line.told), std::string::npos) << told;
+    }
+}
+
+TEST_F(JoinTools, KnowWhichJoinLacksACondition) {
+    using Tools::SQL::JoinLack;
+    using Tools::SQL::lackOf;
+    struct Line {
+        const char* joins;
+        std::vector<DatabaseType> families;
+        JoinLack lack;
+    };
+    constexpr auto mySql = DatabaseTypeMySQL, sqlite = DatabaseTypeSQLite;
+    constexpr auto postgres = DatabaseTypePostgreSQL, server = DatabaseTypeSQLServer;
+    const Line lines[] = {
+        {"JCX", {mySql, postgres, server}, JoinLack::None},
+        {"I", {mySql, sqlite, DatabaseTypeMariaDB}, JoinLack::None},
+        {"I", {postgres, server, DatabaseTypeOracle}, JoinLack::Condition},
+        {"LRF", {mySql, sqlite, postgres, DatabaseTypeOracle}, JoinLack::Natural},
+        {"LRF", {server}, JoinLack::Condition},
+    };
+    for (const Line& line : lines)
+        for (const DatabaseType family : line.families)
+            for (const char* word = line.joins; *word; ++word) {
+                setTree(std::string(1, *word) + "(a,b)");
+                Join* const join = find<Join>(std::string(1, *word));
+                SCOPED_TRACE(testing::Message() << *word << family);
+                EXPECT_EQ(lackOf(join, family), line.lack);
+                if (line.lack == JoinLack::Natural) {
+                    join->joinText = "natural left JOIN";
+                    EXPECT_EQ(lackOf(join, family), JoinLack::None) << "it was read so";
+                }
+                run("a-b");
+                EXPECT_EQ(lackOf(join, family), JoinLack::None);
+            }
+    setTree("I(a,b)");
+    find<Join>("I")->isUsing = true;
+    EXPECT_EQ(lackOf(find<Join>("I"), mySql), JoinLack::Condition);
 }
 
 TEST_F(JoinTools, DoNothingWithoutTwoSourcesOfTheClause) {

@@ -37,6 +37,15 @@ const Case cases[] = {
     {"o.id, o.*, o.*", "orders o", 0, "-*", "o.id"},
     {"x.id, y.id", "orders x, orders y", 0, "-id", "y.id"},
     {"o.id", "orders o", 0, "-total", nullptr},
+    // Bare names are of the one source that has them.
+    {"total, id, \"ID\"", "orders", 0, "-id", "total, ID"},
+    {"total, price, id", "orders, items", 0, "-total", "price, id"},
+    {"total, price, id", "orders, items", 1, "-price", "total, id"},
+    {"total, price, id", "orders, items", 1, "-id", nullptr},
+    {"price", "orders, empty, items", 2, "-price", nullptr},
+    {"x", "missing", 0, "-x", "*"},
+    {"total", "(SELECT total FROM orders) AS s, items", 0, "-total", "*"},
+    {"max(o.id), o.id AS x, max(total)", "orders o", 0, "-id", "max(o.id), max(total)"},
     // Tables of which less is known.
     {"1", "empty", 0, "+all*", "1, empty.*"},
     {"1", "empty", 0, "+all", nullptr},

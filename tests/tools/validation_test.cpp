@@ -333,6 +333,64 @@ TEST(Validation, ACaseThatTheServerDoesNotKnowIsNoFault) {
     }
 }
 
+/// A join is marked for what its condition lacks or names; a query for what another layer has.
+TEST(Validation, JoinsAndOtherLayersAreLookedAtWithoutAChange) {
+    struct Line {
+        const char* from;  ///< a comparison with "missing" loses its right side
+        DatabaseType family;
+        const char* joins;  ///< the reasons of the joins in text order
+        bool isFaultBelow;  ///< as a subquery
+    };
+    const Line lines[] = {
+        {"t INNER JOIN u ON t.id = u.id", DatabaseTypePostgreSQL, "- ", false},
+        {"t INNER JOIN u ON t.id = missing", DatabaseTypeSQLite, "6 ", true},
+        {"t LEFT JOIN u ON (u.id = 1 OR t.id = missing)", DatabaseTypeMySQL, "6 ", true},
+        {"t INNER JOIN u ON t.no = u.id", DatabaseTypeSQLite, "3 ", false},
+        {"t CROSS JOIN u", DatabaseTypeSQLServer, "- ", false},
+        {"t INNER JOIN u", DatabaseTypeMySQL, "- ", false},
+        {"t NATURAL LEFT JOIN u", DatabaseTypeMySQL, "- ", false},
+        {"t, u INNER JOIN v ON v.id = t.id", DatabaseTypePostgreSQL, "- 1 ", true},
+        {"t INNER JOIN u USING (id)", DatabaseTypeMySQL, "- ", false},
+        {"t, (SELECT 1)", DatabaseTypeSQLite, "- ", true},
+        {"t WHERE t.x = missing", DatabaseTypeSQLite, "", true},
+        {"t GROUP BY t.x HAVING t.x = missing ORDER BY t.no", DatabaseTypeSQLite, "", true},
+        {"t ORDER BY t.no", DatabaseTypeSQLite, "", false},
+    };
+    for (const Line& line : lines) {
+        SCOPED_TRACE(line.from);
+        Validator v(std::string("SELECT 1 FROM (SELECT t.id FROM ") + line.from + ") AS s",
+                    line.family);
+        auto* const inner = dynamic_cast<SQLSubquerySourceComponent*>(v.source("s"))->subquery;
+        Tools::visitOwnedComponents(inner, [](const Component::AbstractQueryComponent* part) {
+            const auto* compare = dynamic_cast<const SQLCompareConditionComponent*>(part);
+            const auto* value =
+                compare ? dynamic_cast<const SQLConditionValueComponent*>(compare->rightValue)
+                        : nullptr;
+            const auto* field =
+                value ? dynamic_cast<const SQLFieldColumnComponent*>(value->firstValue()) : nullptr;
+            if (field && field->fieldName == "missing")
+                delete std::exchange(const_cast<SQLConditionValueComponent*>(value)->values[0],
+                                     nullptr);
+        });
+        const std::string before = v.dump();
+        EXPECT_EQ(hasFaultsInOtherLayers(v.engine.get()), line.isFaultBelow);
+        v.engine->pushNewLayerTopLevelQueryComponent(inner, "s");
+        EXPECT_FALSE(hasFaultsInOtherLayers(v.engine.get()));
+        const InvalidSources found = invalidateJoins(v.engine.get());
+        std::string joins;
+        for (auto* each : v.sources()) {
+            if (!dynamic_cast<SQLJoinSourceNodeComponent*>(each)) continue;
+            const auto fault = found.find(each);
+            joins += fault == found.end() ? "- " : std::to_string(fault->second) + " ";
+        }
+        EXPECT_EQ(joins, line.joins);
+        v.engine->popCurrentLayerTopLevelQueryComponent();
+        EXPECT_EQ(v.dump(), before);
+        EXPECT_EQ(v.notifications, 0);
+    }
+    EXPECT_FALSE(hasFaultsInOtherLayers(nullptr));
+}
+
 TEST(Validation, ChainsAndBracketsOfAnyLengthAreWalked) {
     Validator v("SELECT 1 FROM t");
     auto** slot = &v.statement()->whereExpr->root;

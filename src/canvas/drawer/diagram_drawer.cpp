@@ -17,6 +17,7 @@
 #include "canvas/items/text_based_item_body.h"
 #include "canvas/links/join_link_adaptor.h"
 #include "canvas/view/lumo_ui_view.h"
+#include "model/names.h"
 #include "platform/lumo/lumo_control.h"
 
 namespace QB {
@@ -85,6 +86,7 @@ void QBLumoDiagramDrawer::clearDiagram() {
     m_items.clear();
     m_joinLinks.clear();
     m_diagram->clearChildren();
+    m_diagram->setFocusedObject(nullptr, -1);  // nor where it was: what comes is something else
     m_diagram->setRect(LumoRect({0, 0}, m_firstCanvas));
     applyTheme();
 }
@@ -209,6 +211,7 @@ std::unique_ptr<QBLumoItem> QBLumoDiagramDrawer::makeItem(Source* component) {
         item->setBody(new QBLumoDatabaseItemBody);
     else
         item->setBody(new QBLumoTextBasedItemBody);
+    item->getBody()->setNamesHaveCase(m_namesHaveCase);
     if (dynamic_cast<Subquery*>(component)) {
         auto* const body = static_cast<QBLumoTextBasedItemBody*>(item->getBody());
         body->setEditButtonHandler([this](QBLumoTextBasedItemBody* pressed) {
@@ -285,14 +288,14 @@ void QBLumoDiagramDrawer::setItemFields(Source* component, const std::vector<std
 
 void QBLumoDiagramDrawer::updateAllComponentsUsingIdentifier(
     const QBIdentifierObjectPath& table, const std::string& currentSchema,
-    const std::vector<std::string>& fields, bool namesHaveCase) {
+    const std::vector<std::string>& fields) {
     const auto named = [&currentSchema](const std::string& schema) -> const std::string& {
         return schema.empty() ? currentSchema : schema;
     };
     for (const auto& [source, entry] : m_items) {
         auto* const body = dynamic_cast<QBLumoDatabaseItemBody*>(entry.item->getBody());
-        if (!body || !isSameName(body->getTableName(), table.object, namesHaveCase)) continue;
-        if (isSameName(named(body->getSchema()), named(table.schema), namesHaveCase))
+        if (!body || !isSameName(body->getTableName(), table.object, m_namesHaveCase)) continue;
+        if (isSameName(named(body->getSchema()), named(table.schema), m_namesHaveCase))
             body->setFields(fields);
     }
 }

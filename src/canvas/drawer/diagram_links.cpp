@@ -40,6 +40,10 @@ std::vector<SQLCompareConditionComponent*> comparisonsOf(const SQLJoinSourceNode
     return found;
 }
 
+bool isUsingList(const SQLJoinSourceNodeComponent* join) {
+    return join->isUsing && join->condition && join->needsCondition();
+}
+
 /// The field that an operand is; null if it is anything else, or several values.
 SQLFieldColumnComponent* fieldOf(const SQLAbstractConditionComponent* operand) {
     const auto* const value = dynamic_cast<const SQLConditionValueComponent*>(operand);
@@ -66,9 +70,10 @@ public:
 
     void draw() {
         findSources();
-        show(nullptr, tablePair());
+        show({}, {tablePair()});
         for (Compare* const condition : comparisonsOf(m_join))
-            if (const Pair pair = fieldPair(condition); pair.first) show(condition, pair);
+            show({condition, condition->id()}, {fieldPair(condition)});
+        if (isUsingList(m_join)) show({nullptr, m_join->condition->id()}, usingPairs());
         for (const auto& [id, link] : m_former)
             m_drawer->removeLink(link);
         if (m_drawer->m_layerRebuilds > 0) return;
@@ -78,6 +83,13 @@ public:
 
 private:
     using Pair = QBLumoJoinLink::AdaptorPair;
+    using Pairs = std::vector<Pair>;  // without nulls
+
+    /// What a link stands for, as in LinkEntry.
+    struct Meaning {
+        Compare* condition = nullptr;
+        long conditionId = 0;
+    };
 
     void findSources() {
         tell(m_drawer->m_callbacks.findParentItemComponentOfJoinConditionFieldComponent, m_join,
@@ -89,11 +101,16 @@ private:
         return entry ? entry->item : nullptr;
     }
 
-    Pair tablePair() const {
+    std::pair<Source*, Source*> neighbours() const {
         Source* left = nullptr;
         Source* right = nullptr;
         tell(m_drawer->m_callbacks.findNeighbouringItemSourceComponentOfJoinComponent, m_join, left,
              right);
+        return {left, right};
+    }
+
+    Pair tablePair() const {
+        const auto [left, right] = neighbours();
         QBLumoItem* const leftItem = itemOf(left);
         QBLumoItem* const rightItem = itemOf(right);
         if (!leftItem || !rightItem) return {};
@@ -127,39 +144,72 @@ private:
                 rightItem->getBody()->adaptorForField(b->fieldName)};
     }
 
-    void show(Compare* condition, const Pair& pair) {
-        const auto former = m_former.find(condition ? condition->id() : 0);
-        if (former == m_former.end()) return showNew(condition, pair);
+    /// Each name of a USING list is a column of both neighbours, or of a source further left.
+    Pairs usingPairs() const {
+        std::vector<std::string> columns;
+        tell(m_drawer->m_callbacks.findUsingColumnsOfJoinComponent, m_join, columns);
+        const auto [left, right] = neighbours();
+        QBLumoItem* const rightItem = itemOf(right);
+        Pairs pairs;
+        for (const std::string& column : columns) {
+            QBLumoItem* const leftItem = leftItemWith(column, left, rightItem);
+            if (!leftItem || !rightItem) continue;
+            pairs.emplace_back(leftItem->getBody()->adaptorForField(column),
+                               rightItem->getBody()->adaptorForField(column));
+        }
+        return pairs;
+    }
+
+    /// The neighbour unless it is known not to have that field.
+    QBLumoItem* leftItemWith(const std::string& field, const Source* neighbour,
+                             const QBLumoItem* right) const {
+        QBLumoItem* const next = itemOf(neighbour);
+        const bool isKnown = next && !next->getBody()->fieldNames().empty();
+        if (!isKnown || next->getBody()->hasField(field)) return next;
+        Sources having;
+        for (const auto& [source, entry] : m_drawer->m_items)
+            if (entry.item != right && entry.item->getBody()->hasField(field))
+                having.push_back(source);
+        Sources atLeft;
+        Sources atRight;
+        tell(m_drawer->m_callbacks.checkItemComponentsSideOnJoinComponent, m_join, having, atLeft,
+             atRight);
+        return atLeft.empty() ? next : itemOf(atLeft.front());
+    }
+
+    void show(const Meaning& meaning, Pairs pairs) {
+        pairs.erase(std::remove(pairs.begin(), pairs.end(), Pair()), pairs.end());
+        const bool isTable = meaning.conditionId == 0;
+        if (pairs.empty() && !isTable) return;
+        const auto former = m_former.find(meaning.conditionId);
+        if (former == m_former.end()) return showNew(meaning, pairs);
         LinkEntry& entry = former->second->second;
         m_former.erase(former);
-        entry.condition = condition;
-        if (isUpToDate(entry.link, pair)) return;
+        entry.condition = meaning.condition;
+        if (isUpToDate(entry.link, pairs)) return;
         entry.link->removeAllAdaptors();
-        fill(entry.link, condition != nullptr, pair);
+        fill(entry.link, isTable, pairs);
     }
 
-    void showNew(Compare* condition, const Pair& pair) {
+    void showNew(const Meaning& meaning, const Pairs& pairs) {
         auto* const link = new QBLumoJoinLink;
         m_drawer->m_diagram->addChild(link, 0);
-        m_drawer->m_joinLinks.emplace(m_join, LinkEntry{m_join, m_join->id(), condition,
-                                                        condition ? condition->id() : 0, link});
-        fill(link, condition != nullptr, pair);
+        m_drawer->m_joinLinks.emplace(
+            m_join, LinkEntry{m_join, m_join->id(), meaning.condition, meaning.conditionId, link});
+        fill(link, meaning.conditionId == 0, pairs);
     }
 
-    bool isUpToDate(const QBLumoJoinLink* link, const Pair& pair) const {
-        const std::vector<Pair> wanted = pair.first ? std::vector<Pair>{pair} : std::vector<Pair>{};
+    bool isUpToDate(const QBLumoJoinLink* link, const Pairs& wanted) const {
         return link->getJoinType() == m_join->joinType && link->getLabel() == m_label &&
                link->allAdaptorPairs() == wanted;
     }
 
-    void fill(QBLumoJoinLink* link, bool isField, const Pair& pair) {
+    void fill(QBLumoJoinLink* link, bool isTable, const Pairs& pairs) {
         link->setJoinType(m_join->joinType);
         link->setLabel(m_label);
-        if (isField)
-            link->addFieldAdaptors(pair.first, pair.second);
-        else
-            link->setTableAdaptors(pair.first, pair.second);
-        if (pair.first) m_changed.push_back(link);
+        for (const auto& [left, right] : pairs)
+            isTable ? link->setTableAdaptors(left, right) : link->addFieldAdaptors(left, right);
+        if (!pairs.empty()) m_changed.push_back(link);
     }
 
     QBLumoDiagramDrawer* const m_drawer;  // not owned
@@ -196,6 +246,7 @@ void QBLumoDiagramDrawer::rebindConditions(const Join* join) {
     std::unordered_map<long, Compare*> conditions{{0, nullptr}};
     for (Compare* const condition : comparisonsOf(join))
         conditions[condition->id()] = condition;
+    if (isUsingList(join)) conditions[join->condition->id()] = nullptr;
     for (auto link = m_joinLinks.find(join); link != m_joinLinks.end() && link->first == join;) {
         const auto condition = conditions.find(link->second.conditionId);
         if (condition == conditions.end()) {

@@ -109,7 +109,7 @@ void QBLumoBaseItemBody::setRowsForFields() {
     m_rowOf.clear();
     if (!m_fields.empty()) rows.push_back(FieldCellDelegate::wildcardRow(m_wildcardTicked));
     for (const std::string& field : m_fields) {
-        m_rowOf.emplace(field, rows.size());
+        m_rowOf.emplace(keyOf(field), rows.size());
         rows.push_back(FieldCellDelegate::fieldRow(field, isFieldSelected(field)));
     }
     m_list->setRowData(std::move(rows));
@@ -137,16 +137,16 @@ void QBLumoBaseItemBody::showTick(size_t row, bool ticked) {
 }
 
 void QBLumoBaseItemBody::showTicksOf(const std::string& name) {
-    const auto [first, end] = m_rowOf.equal_range(name);
+    const auto [first, end] = m_rowOf.equal_range(keyOf(name));
     for (auto row = first; row != end; ++row)
         showTick(row->second, isFieldSelected(name));
 }
 
 void QBLumoBaseItemBody::setFieldSelected(const std::string& name, bool selected) {
     if (selected)
-        m_ticked.insert(name);
+        m_ticked.insert(keyOf(name));
     else
-        m_ticked.erase(name);
+        m_ticked.erase(keyOf(name));
     showTicksOf(name);
 }
 
@@ -160,11 +160,14 @@ void QBLumoBaseItemBody::clearFieldSelection() {
 }
 
 void QBLumoBaseItemBody::setFieldSelection(const std::set<std::string>& names, bool wildcard) {
-    const std::set<std::string> before = std::exchange(m_ticked, names);
-    for (const std::string& name : before)
-        showTicksOf(name);
+    std::set<std::string> keys;
     for (const std::string& name : names)
-        showTicksOf(name);
+        keys.insert(keyOf(name));
+    const std::set<std::string> before = std::exchange(m_ticked, keys);
+    for (const std::string& key : before)
+        showTicksOf(key);
+    for (const std::string& key : keys)
+        showTicksOf(key);
     setWildcardSelected(wildcard);
 }
 
@@ -182,7 +185,7 @@ void QBLumoBaseItemBody::tickRowByUser(size_t row, bool selected) {
 // ---- adaptors ----
 
 QBLumoFieldJoinLinkAdaptor* QBLumoBaseItemBody::adaptorForField(const std::string& name) {
-    QBLumoFieldJoinLinkAdaptor*& adaptor = m_adaptors[name];
+    QBLumoFieldJoinLinkAdaptor*& adaptor = m_adaptors[keyOf(name)];
     if (adaptor) return adaptor;
     adaptor = new QBLumoFieldJoinLinkAdaptor;
     adaptor->setFieldView(cellOf(name));
@@ -192,7 +195,7 @@ QBLumoFieldJoinLinkAdaptor* QBLumoBaseItemBody::adaptorForField(const std::strin
 }
 
 QBLumoListView::Cell* QBLumoBaseItemBody::cellOf(const std::string& name) const {
-    const auto [first, end] = m_rowOf.equal_range(name);
+    const auto [first, end] = m_rowOf.equal_range(keyOf(name));
     if (first == end) return nullptr;
     const auto topmost = std::min_element(
         first, end, [](const auto& a, const auto& b) { return a.second < b.second; });

@@ -11,6 +11,7 @@
 #include "canvas/controls/list_view.h"
 #include "canvas/items/item_look.h"
 #include "engine/event_listener.h"
+#include "model/names.h"
 
 namespace QB::DiagramLumo {
 
@@ -36,14 +37,17 @@ public:
     /// Adaptors dock again at the rows of their fields, their links are laid out anew. Ticks belong
     /// to names: they stay when rows come and go.
     void setFields(const std::vector<std::string>& fields);
+    /// Before any field: whether names of fields that differ in case alone are of different ones.
+    void setNamesHaveCase(bool haveCase) { m_namesHaveCase = haveCase; }
     const std::vector<std::string>& fieldNames() const { return m_fields; }  // no wildcard
+    bool hasField(const std::string& name) const { return m_rowOf.count(keyOf(name)) > 0; }
     /// These tell nobody. Rows of one name are ticked together.
     void setFieldSelected(const std::string& name, bool selected);
     void setWildcardSelected(bool selected);
     void clearFieldSelection();
     /// Ticks just these; touches only the rows that change.
     void setFieldSelection(const std::set<std::string>& names, bool wildcard);
-    bool isFieldSelected(const std::string& name) const { return m_ticked.count(name) > 0; }
+    bool isFieldSelected(const std::string& name) const { return m_ticked.count(keyOf(name)) > 0; }
     bool isWildcardSelected() const { return m_wildcardTicked; }
     /// As a click on the box of a row (0 is the wildcard): ticks it and tells the item's handler.
     void tickRowByUser(size_t row, bool selected);
@@ -96,13 +100,16 @@ private:
     QBLumoListView::Cell* cellOf(const std::string& name) const;
     void showTick(size_t row, bool ticked);
     void showTicksOf(const std::string& name);
+    std::string keyOf(const std::string& name) const { return foldedName(name, m_namesHaveCase); }
 
     std::string m_alias;
     std::unique_ptr<FieldCellDelegate> m_delegate;
-    ScrollViewExtraActionReceiver* m_overlay = nullptr;             // owned by the scroll view
+    ScrollViewExtraActionReceiver* m_overlay = nullptr;  // owned by the scroll view
+    // All by keyOf() their names.
     std::map<std::string, QBLumoFieldJoinLinkAdaptor*> m_adaptors;  // owned as children
     std::vector<std::string> m_fields;
     std::unordered_multimap<std::string, size_t> m_rowOf;
+    bool m_namesHaveCase = true;
     std::set<std::string> m_ticked;
     bool m_wildcardTicked = false;
     ItemColors m_colors;

@@ -1,6 +1,7 @@
 #include "canvas/view/overview_map.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -117,8 +118,26 @@ void OverviewMap::place() {
                            .scaled(largest, Qt::KeepAspectRatio)
                            .toSize()
                            .expandedTo({1, 1});
-    setGeometry(room.width() - distanceToEdge - size.width(),
-                room.height() - distanceToEdge - size.height(), size.width(), size.height());
+    const int right = room.width() - distanceToEdge - size.width();
+    const int bottom = room.height() - distanceToEdge - size.height();
+    const QPoint corners[] = {{right, bottom},
+                              {right, distanceToEdge},
+                              {distanceToEdge, bottom},
+                              {distanceToEdge, distanceToEdge}};
+    const auto isFree = [&](QPoint corner) {
+        return !coversItem({corner, size});
+    };
+    const auto* const free = std::find_if(std::begin(corners), std::end(corners), isFree);
+    setGeometry({free == std::end(corners) ? corners[0] : *free, size});
+}
+
+bool OverviewMap::coversItem(const QRect& place) const {
+    const QRectF display = toQt(m_content.display);
+    const double scale = display.width() / m_content.room.width();
+    const QRectF covered(display.topLeft() + QPointF(place.topLeft()) * scale,
+                         QSizeF(place.size()) * scale);
+    return std::any_of(m_content.boxes.begin(), m_content.boxes.end(),
+                       [&](const Box& box) { return toQt(box.rect).intersects(covered); });
 }
 
 QTransform OverviewMap::diagramToMap() const {

@@ -58,6 +58,7 @@ private:
     Content currentContent() const;
     void refresh();
     void place();
+    bool coversItem(const QRect& place) const;
     void centreViewOn(const QPoint& point);
     void translateTexts();
 

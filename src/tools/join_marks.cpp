@@ -1,4 +1,4 @@
-#include "panels/join_marks.h"
+#include "tools/join_marks.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -7,11 +7,10 @@
 #include "model/element_expressions.h"
 #include "tools/join_sight.h"
 
-namespace QB {
+namespace QB::Tools::SQL {
 
 using namespace Component;
 using namespace Component::SQL;
-using Tools::SQL::JoinSight;
 
 namespace {
 
@@ -29,7 +28,7 @@ std::vector<std::size_t> bracketStarts(const std::vector<SourceTree::Place>& pla
 
 }  // namespace
 
-std::set<long> joinsOutOfSight(SQLSelectStmtComponent* statement, DatabaseType type) {
+std::set<long> joinsOutOfSight(const SQLSelectStmtComponent* statement, DatabaseType type) {
     std::set<long> marked;
     if (!statement) return marked;
     const JoinSight sight(&statement->sourceExpr->root);
@@ -55,4 +54,4 @@ std::set<long> joinsOutOfSight(SQLSelectStmtComponent* statement, DatabaseType t
     return marked;
 }
 
-}  // namespace QB
+}  // namespace QB::Tools::SQL

@@ -4,14 +4,14 @@
 
 #include "model/components.h"
 
-namespace QB {
+namespace QB::Tools::SQL {
 
 /// The ids of the joins whose written condition names a source that the server does not see from
 /// there: one before a comma, behind the join, or outside of its brackets. SQLite looks past
 /// commas.
 /// Linear. Null has none.
 /// Thread: may read the statement.
-std::set<long> joinsOutOfSight(Component::SQL::SQLSelectStmtComponent* statement,
+std::set<long> joinsOutOfSight(const Component::SQL::SQLSelectStmtComponent* statement,
                                DatabaseType type);
 
-}  // namespace QB
+}  // namespace QB::Tools::SQL
