@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <QRect>
+#include <QScopedValueRollback>
 #include <algorithm>
 #include <mutex>
 
@@ -24,8 +25,8 @@
 #include "tools/selection_tools.h"
 #include "tools/source_edits.h"
 #include "tools/subquery_conversion.h"
-#include "tools/validation_scope.h"
 #include "tools/using_list.h"
+#include "tools/validation_scope.h"
 
 namespace QB {
 
@@ -114,10 +115,10 @@ QBLumoDiagramDrawer::Callbacks DiagramCallbacks::callbacks() const {
     all.requestEditJoin = requestEditJoinCallback();
     all.requestRemoveJoins = requestRemoveJoinsCallback();
     all.checkItemComponentsSideOnJoinComponent = checkItemComponentsSideOnJoinComponentCallback();
-    return all;
     all.findUsingColumnsOfJoinComponent = [](const Join* join, std::vector<std::string>& columns) {
         columns = Tools::SQL::usingColumns(join);
     };
+    return all;
 }
 
 // ---- what may be done -------------------------------------------------------------------------
@@ -130,11 +131,19 @@ SQLSelectStmtComponent* DiagramCallbacks::statement() const {
     return engine() ? Tools::Validation::currentStatement(engine()) : nullptr;
 }
 
-SourceNode* DiagramCallbacks::nodeOf(const Join* join) const {
+void DiagramCallbacks::withFixedSources(const std::function<void()>& draw) {
     auto* const present = statement();
-    if (!present) return nullptr;
-    const auto path = SourceTree::pathToValue(&present->sourceExpr->root, join);
-    return path.empty() ? nullptr : *path.back();
+    const Tools::SQL::JoinEnds ends(present ? present->sourceExpr->root : nullptr);
+    const QScopedValueRollback<const Tools::SQL::JoinEnds*> held(m_fixedEnds, &ends);
+    draw();
+}
+
+void DiagramCallbacks::askEnds(const std::function<void(const Tools::SQL::JoinEnds&)>& ask) const {
+    if (m_fixedEnds) return ask(*m_fixedEnds);
+    auto* const present = statement();
+    if (!present) return ask(Tools::SQL::JoinEnds(nullptr));
+    const Lock lock(engine()->queryComponentAccessMutex());
+    ask(Tools::SQL::JoinEnds(present->sourceExpr->root));
 }
 
 /// The address is compared before anything else: what lay there when it was drawn may be gone, and
@@ -338,20 +347,18 @@ DiagramCallbacks::requestAddOrderByItemFieldCallback() const {
 decltype(DiagramCallbacks::Callbacks::findNeighbouringItemSourceComponentOfJoinComponent)
 DiagramCallbacks::findNeighbouringItemSourceComponentOfJoinComponentCallback() const {
     return [this](Join* join, Source*& left, Source*& right) {
-        left = right = nullptr;
-        if (!engine()) return;
-        const Lock lock(engine()->queryComponentAccessMutex());
-        Tools::SQL::findNeighboursOfJoin(nodeOf(join), left, right);
+        askEnds([&](const auto& ends) {
+            const auto found = ends.neighboursOf(join);
+            left = found.left;
+            right = found.right;
+        });
     };
 }
 
 decltype(DiagramCallbacks::Callbacks::findParentItemComponentOfJoinConditionFieldComponent)
 DiagramCallbacks::findParentItemComponentOfJoinConditionFieldComponentCallback() const {
     return [this](Join* join, std::map<SQLFieldColumnComponent*, Source*>& parents) {
-        parents.clear();
-        if (!engine()) return;
-        const Lock lock(engine()->queryComponentAccessMutex());
-        Tools::SQL::findParentItemComponentOfJoinConditionFieldComponent(nodeOf(join), parents);
+        askEnds([&](const auto& ends) { parents = ends.sourcesOfFields(join); });
     };
 }
 
@@ -359,14 +366,11 @@ decltype(DiagramCallbacks::Callbacks::checkItemComponentsSideOnJoinComponent)
 DiagramCallbacks::checkItemComponentsSideOnJoinComponentCallback() const {
     return [this](Join* join, const std::vector<Source*>& items, std::vector<Source*>& left,
                   std::vector<Source*>& right) {
-        left.clear();
-        right.clear();
-        if (!engine()) return;
-        const Lock lock(engine()->queryComponentAccessMutex());
-        auto* const present = statement();
-        if (!present) return;
-        Tools::SQL::checkItemComponentsSideOnJoinComponent(present->sourceExpr->root, nodeOf(join),
-                                                           items, left, right);
+        askEnds([&](const auto& ends) {
+            auto sides = ends.sidesOf(join, items);
+            left = std::move(sides.left);
+            right = std::move(sides.right);
+        });
     };
 }
 
@@ -384,10 +388,9 @@ decltype(DiagramCallbacks::Callbacks::requestEditJoin) DiagramCallbacks::request
     const {
     return [this](Join* join, int x, int y, bool) {
         if (!mayEdit(join)) return;
-        Source* left = nullptr;
-        Source* right = nullptr;
-        Tools::SQL::findNeighboursOfJoin(nodeOf(join), left, right);
-        m_popups->editJoin(join, left, right, QPoint(x, y));
+        Tools::SQL::JoinEnds::Neighbours ends;
+        askEnds([&](const auto& all) { ends = all.neighboursOf(join); });
+        m_popups->editJoin(join, ends.left, ends.right, QPoint(x, y));
     };
 }
 

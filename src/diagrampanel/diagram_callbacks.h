@@ -10,6 +10,7 @@
 #include "canvas/drawer/diagram_drawer.h"
 #include "model/components.h"
 #include "model/vocabulary.h"
+#include "tools/join_ends.h"
 
 class QRect;
 class QWidget;
@@ -47,6 +48,10 @@ public:
     /// All of them; diagramEmptyChanged is left to the drawer.
     Callbacks callbacks() const;
 
+    /// Runs @p draw, who asks for the ends of many links while the FROM clause stays as it is: the
+    /// caller has locked the statement, and nobody edits it.
+    void withFixedSources(const std::function<void()>& draw);
+
     // Each does what the field of its name says.
 
     decltype(Callbacks::requestRemoveComponents) requestRemoveComponentsCallback() const;
@@ -76,7 +81,8 @@ public:
 private:
     QBEngine_LINUX* engine() const;
     Component::SQL::SQLSelectStmtComponent* statement() const;
-    Component::SQL::SourceNode* nodeOf(const Join* join) const;
+    /// Gives @p ask the ends of the links of the current statement, locked; of none without one.
+    void askEnds(const std::function<void(const Tools::SQL::JoinEnds&)>& ask) const;
     /// Whether it stands in the current layer, and is what is drawn for that address.
     bool isCurrent(const Source* component) const;
     bool mayEdit(const Source* component) const;
@@ -93,6 +99,7 @@ private:
     ItemFields* const m_fields;           // not owned
     const long m_id;                      ///< in the liveness registry, for what is posted
     std::unique_ptr<DiagramPopups> m_popups;
+    const Tools::SQL::JoinEnds* m_fixedEnds = nullptr;  // not owned: of withFixedSources()
 };
 
 }  // namespace QB

@@ -344,7 +344,7 @@ void QBDiagramPanelWidget::synchroniseDiagramWithModel(const Elements& elements)
     if (elements.contains(ElementSource)) {
         m_fields->collectDuring([&] {
             const Lock lock(engine()->queryComponentAccessMutex());
-            synchroniseParts(present);
+            m_callbacks->withFixedSources([&] { synchroniseParts(present); });
         });
     }
     synchroniseTicks();

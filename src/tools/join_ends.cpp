@@ -1,12 +1,12 @@
 // Where the ends of a link stand: the sources that a join's condition compares, and their sides.
 
+#include "tools/join_ends.h"
+
 #include <algorithm>
-#include <optional>
-#include <unordered_set>
+#include <utility>
 
 #include "layouts/condition_chain_surgery.h"
 #include "layouts/source_tree_surgery.h"
-#include "model/tree_walks.h"
 #include "tools/join_sight.h"
 #include "tools/join_tools.h"
 
@@ -14,8 +14,6 @@ namespace QB::Tools::SQL {
 
 using namespace Component;
 using namespace Component::SQL;
-using SourceTree::Path;
-using SourceTree::Slot;
 using Sources = std::vector<SQLAbstractSourceComponent*>;
 
 namespace {
@@ -53,117 +51,157 @@ bool isNamedBy(const SQLAbstractSourceComponent* source,
                                                 table->path.begin(), table->path.end());
 }
 
-/// The sources below a join, to find those of its fields.
-class SourcesBelow {
-public:
-    explicit SourcesBelow(const SourceNode* joinNode) {
-        visitSourceNodes(joinNode, [this](const SourceNode* node) {
-            if (hasFields(node->value)) m_sources.push_back(node->value);
-        });
-        m_known.insert(m_sources.begin(), m_sources.end());
-    }
-
-    SQLAbstractSourceComponent* sourceOf(const SQLFieldColumnComponent* field) const {
-        if (field->source) return m_known.count(field->source) > 0 ? field->source : nullptr;
-        const auto found = std::find_if(
-            m_sources.begin(), m_sources.end(),
-            [field](const auto* source) { return isNamedBy(source, field->parentPath); });
-        return found == m_sources.end() ? nullptr : *found;
-    }
-
-private:
-    Sources m_sources;  // in text order
-    std::unordered_set<const SQLAbstractSourceComponent*> m_known;
-};
-
-bool isRightEdge(const Path& path, std::size_t step) {
-    return step > 0 && path[step] == &(*path[step - 1])->right;
-}
-
-/// The top of the group that holds the node at the end of @p path: what its join joins from the
-/// left, without what stands in front of a comma or around a bracket.
-Slot groupTop(const Path& path) {
-    std::size_t top = 0;
-    for (std::size_t i = 1; i < path.size(); ++i) {
-        const SQLAbstractSourceComponent* above = (*path[i - 1])->value;
-        const bool isApart = SourceTree::isComma(above) || SourceTree::isBracket(above);
-        if (isApart || isRightEdge(path, i)) top = i;
-    }
-    return path[top];
-}
-
-enum class End { Left, Right };
-
-/// From the left side of the join on, at @p step of @p path. None behind a comma on the left.
-std::optional<End> leftEnd(const Path& path, std::size_t step) {
-    for (std::size_t i = step; i + 1 < path.size(); ++i) {
-        const SQLAbstractSourceComponent* value = (*path[i])->value;
-        if (SourceTree::isBracket(value) || isRightEdge(path, i + 1)) break;
-        if (SourceTree::isComma(value)) return std::nullopt;
-    }
-    return End::Left;
-}
-
-/// The side of the join at which the end of @p path stands; none if the join does not reach there.
-std::optional<End> endOf(const Path& path, const SourceNode* joinNode) {
-    if (path.empty()) return std::nullopt;
-    const auto join =
-        std::find_if(path.begin(), path.end(), [joinNode](Slot slot) { return *slot == joinNode; });
-    // What the join does not hold is joined to its group later.
-    if (join == path.end()) return End::Right;
-    const auto behind = static_cast<std::size_t>(join - path.begin()) + 1;
-    if (behind == path.size()) return std::nullopt;
-    return isRightEdge(path, behind) ? End::Right : leftEnd(path, behind);
-}
-
-/// The leaves below a node, from the left to the right.
-Sources leavesBelow(const SourceNode* node) {
-    Sources leaves;
-    visitSourceNodes(node, [&leaves](const SourceNode* below) {
-        if (SourceTree::isLeaf(below->value)) leaves.push_back(below->value);
-    });
-    return leaves;
-}
-
-/// The sources of one comparison, on either side of a join.
-struct Neighbours {
-    SQLAbstractSourceComponent* left = nullptr;
-    SQLAbstractSourceComponent* right = nullptr;
-};
-
-/// Those that the first comparison across the join names; none if there is no such one.
-std::optional<Neighbours> comparedNeighbours(const SourceNode* joinNode, const Sources& leftLeaves,
-                                             SQLJoinSourceNodeComponent* join) {
-    const SourcesBelow sources(joinNode);
-    const std::unordered_set<const SQLAbstractSourceComponent*> left(leftLeaves.begin(),
-                                                                     leftLeaves.end());
-    for (const ConditionChain::Place& place : ConditionChain::flatten(&join->condition)) {
-        const auto* compare = dynamic_cast<const SQLCompareConditionComponent*>(place.component);
-        const SQLFieldColumnComponent* const a = compare ? firstField(compare->leftValue) : nullptr;
-        const SQLFieldColumnComponent* const b =
-            compare ? firstField(compare->rightValue) : nullptr;
-        if (!a || !b) continue;
-        auto* const sourceA = sources.sourceOf(a);
-        auto* const sourceB = sources.sourceOf(b);
-        if (!sourceA || !sourceB || left.count(sourceA) == left.count(sourceB)) continue;
-        return left.count(sourceA) > 0 ? Neighbours{sourceA, sourceB}
-                                       : Neighbours{sourceB, sourceA};
-    }
-    return std::nullopt;
-}
-
 }  // namespace
+
+JoinEnds::JoinEnds(const SourceNode* root) {
+    addNodes(root);
+    measure();
+    countRows();
+    findSights();
+}
+
+void JoinEnds::addNodes(const SourceNode* root) {
+    struct Step {
+        const SourceNode* node;
+        std::size_t parent;
+        bool isRight;
+    };
+    std::vector<Step> steps = {{root, none, false}};
+    while (!steps.empty()) {
+        const Step step = steps.back();
+        steps.pop_back();
+        if (!step.node || !step.node->value) continue;
+        const std::size_t at = m_nodes.size();
+        m_nodes.push_back({step.node->value, step.parent});
+        m_places.emplace(step.node->value, at);
+        if (step.parent != none)
+            (step.isRight ? m_nodes[step.parent].right : m_nodes[step.parent].left) = at;
+        steps.push_back({step.node->right, at, true});
+        steps.push_back({step.node->left, at, false});
+    }
+}
+
+/// From the leaves up: how many rows lie below each node, for now from 0 on, and its outer leaves.
+void JoinEnds::measure() {
+    std::for_each(m_nodes.rbegin(), m_nodes.rend(), [this](Node& node) {
+        node.isComma = SourceTree::isComma(node.value);
+        node.isBracket = SourceTree::isBracket(node.value);
+        if (SourceTree::isLeaf(node.value)) node.firstLeaf = node.lastLeaf = node.value;
+        node.below.end = 1;
+        for (const std::size_t side : {node.left, node.right}) {
+            if (side == none) continue;
+            const Node& below = m_nodes[side];
+            node.below.end += below.below.end;
+            if (!node.firstLeaf) node.firstLeaf = below.firstLeaf;
+            if (below.lastLeaf) node.lastLeaf = below.lastLeaf;
+        }
+    });
+}
+
+/// From the root down. A bracket stands before its content, a join between its sides.
+void JoinEnds::countRows() {
+    m_rows.resize(m_nodes.size());
+    for (std::size_t at = 0; at < m_nodes.size(); ++at) {
+        Node& node = m_nodes[at];
+        const Node* const parent = node.parent == none ? nullptr : &m_nodes[node.parent];
+        const bool isRight = parent && parent->right == at;
+        if (parent)
+            node.below.first = isRight || parent->isBracket ? parent->row + 1 : parent->below.first;
+        node.below.end += node.below.first;
+        node.row = node.below.first;
+        if (!node.isBracket) node.row += belowOf(node.left).end;  // not counted from the first yet
+        const bool isTop = !parent || parent->isComma || parent->isBracket || isRight;
+        node.group = isTop ? node.below : parent->group;
+        m_rows[node.row] = node.value;
+    }
+}
+
+void JoinEnds::findSights() {
+    std::for_each(m_nodes.rbegin(), m_nodes.rend(), [this](Node& node) {
+        const bool isDown = !node.isComma && !node.isBracket && node.left != none;
+        node.sightBegin = isDown         ? m_nodes[node.left].sightBegin
+                          : node.isComma ? node.row
+                                         : node.below.first;
+    });
+}
+
+const JoinEnds::Node* JoinEnds::find(const Source* source) const {
+    const auto found = m_places.find(source);
+    return found == m_places.end() ? nullptr : &m_nodes[found->second];
+}
+
+const JoinEnds::Node* JoinEnds::findJoin(const Source* join) const {
+    const Node* const node = find(join);
+    return node && dynamic_cast<const Join*>(node->value) ? node : nullptr;
+}
+
+/// The source below @p join that @p field belongs to; null if there is none.
+JoinEnds::Source* JoinEnds::sourceOf(const Field* field, const Node& join) const {
+    if (field->source) {
+        const Node* const source = find(field->source);
+        const bool isBelow = source && join.below.holds(source->row);
+        return isBelow && hasFields(source->value) ? source->value : nullptr;
+    }
+    for (std::size_t row = join.below.first; row < join.below.end; ++row) {
+        if (hasFields(m_rows[row]) && isNamedBy(m_rows[row], field->parentPath)) return m_rows[row];
+    }
+    return nullptr;
+}
+
+/// Those that the first comparison across the join names, or else those next to it.
+JoinEnds::Neighbours JoinEnds::neighboursOf(const Source* join) const {
+    const Node* const node = findJoin(join);
+    if (!node) return {};
+    const Span left = belowOf(node->left);
+    auto* const component = static_cast<Join*>(node->value);
+    for (const ConditionChain::Place& place : ConditionChain::flatten(&component->condition)) {
+        const auto* compare = dynamic_cast<const SQLCompareConditionComponent*>(place.component);
+        const Field* const a = compare ? firstField(compare->leftValue) : nullptr;
+        const Field* const b = compare ? firstField(compare->rightValue) : nullptr;
+        Source* const sourceA = a && b ? sourceOf(a, *node) : nullptr;
+        Source* const sourceB = a && b ? sourceOf(b, *node) : nullptr;
+        if (!sourceA || !sourceB) continue;
+        const bool isLeftA = left.holds(find(sourceA)->row);
+        if (isLeftA == left.holds(find(sourceB)->row)) continue;
+        return isLeftA ? Neighbours{sourceA, sourceB} : Neighbours{sourceB, sourceA};
+    }
+    return {node->left == none ? nullptr : m_nodes[node->left].lastLeaf,
+            node->right == none ? nullptr : m_nodes[node->right].firstLeaf};
+}
+
+std::map<JoinEnds::Field*, JoinEnds::Source*> JoinEnds::sourcesOfFields(const Source* join) const {
+    std::map<Field*, Source*> sources;
+    const Node* const node = findJoin(join);
+    if (!node) return sources;
+    for (Field* field : comparedFields(static_cast<Join*>(node->value))) {
+        if (Source* const source = sourceOf(field, *node)) sources.emplace(field, source);
+    }
+    return sources;
+}
+
+/// What the join does not hold, but its group, is joined to it later: on the right.
+JoinEnds::Sides JoinEnds::sidesOf(const Source* join, const Sources& items) const {
+    Sides sides;
+    const Node* const node = find(join);
+    if (!node) return sides;
+    for (Source* item : items) {
+        const Node* const place = find(item);
+        if (!place || place == node || !node->group.holds(place->row)) continue;
+        if (!belowOf(node->left).holds(place->row))
+            sides.right.push_back(item);
+        else if (place->row >= m_nodes[node->left].sightBegin)
+            sides.left.push_back(item);
+    }
+    return sides;
+}
+
+// ---- for one join, which names nothing but what is below it
+// -------------------------------------------------------------------------------
 
 void findNeighboursOfJoin(const SourceNode* joinNode, SQLAbstractSourceComponent*& left,
                           SQLAbstractSourceComponent*& right) {
-    left = right = nullptr;
-    auto* join = joinNode ? dynamic_cast<SQLJoinSourceNodeComponent*>(joinNode->value) : nullptr;
-    if (!join) return;
-    const Sources leftLeaves = leavesBelow(joinNode->left);
-    const Sources rightLeaves = leavesBelow(joinNode->right);
-    const Neighbours next = {leftLeaves.empty() ? nullptr : leftLeaves.back(),
-                             rightLeaves.empty() ? nullptr : rightLeaves.front()};
-    const Neighbours found = comparedNeighbours(joinNode, leftLeaves, join).value_or(next);
+    const auto found =
+        joinNode ? JoinEnds(joinNode).neighboursOf(joinNode->value) : JoinEnds::Neighbours{};
     left = found.left;
     right = found.right;
 }
@@ -172,25 +210,14 @@ void findParentItemComponentOfJoinConditionFieldComponent(
     const SourceNode* joinNode,
     std::map<SQLFieldColumnComponent*, SQLAbstractSourceComponent*>& result) {
     result.clear();
-    auto* join = joinNode ? dynamic_cast<SQLJoinSourceNodeComponent*>(joinNode->value) : nullptr;
-    if (!join) return;
-    const SourcesBelow sources(joinNode);
-    for (SQLFieldColumnComponent* field : comparedFields(join)) {
-        if (auto* source = sources.sourceOf(field)) result.emplace(field, source);
-    }
+    if (joinNode) result = JoinEnds(joinNode).sourcesOfFields(joinNode->value);
 }
 
 void checkItemComponentsSideOnJoinComponent(SourceNode* root, SourceNode* joinNode,
                                             const Sources& items, Sources& left, Sources& right) {
-    left.clear();
-    right.clear();
-    const Path path = joinNode ? SourceTree::pathToValue(&root, joinNode->value) : Path();
-    if (path.empty()) return;
-    const Slot top = groupTop(path);
-    for (SQLAbstractSourceComponent* item : items) {
-        const std::optional<End> end = endOf(SourceTree::pathToValue(top, item), joinNode);
-        if (end) (*end == End::Left ? left : right).push_back(item);
-    }
+    auto sides = joinNode ? JoinEnds(root).sidesOf(joinNode->value, items) : JoinEnds::Sides();
+    left = std::move(sides.left);
+    right = std::move(sides.right);
 }
 
 }  // namespace QB::Tools::SQL
