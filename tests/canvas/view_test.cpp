@@ -91,6 +91,18 @@ TEST(CanvasView, the_overview_shows_moves_hides_and_rests) {
     EXPECT_TRUE(scene.map()->isHidden());
 }
 
+TEST(CanvasView, the_overview_keeps_off_items_where_nearly_all_shows) {
+    CommandScene scene;
+    scene.table("upper", {500, 20}, {"id"});
+    scene.table("lower", {500, 330}, {"id"});
+    scene.view->resize(700, 500);
+    scene.settle();
+    EXPECT_TRUE(scene.map()->isHidden());
+    scene.view->resize(400, 300);
+    scene.settle();
+    EXPECT_TRUE(scene.map()->isVisible());
+}
+
 TEST(CanvasView, arrange_is_taken_back_but_not_over_what_moved_since) {
     CommandScene scene;
     std::vector<LumoRect> before;

@@ -26,6 +26,7 @@ constexpr int largestWidth = 220;
 constexpr int largestHeight = 150;
 constexpr int shareOfView = 3;  // at most a third of the view either way
 constexpr int extentMargin = 40;
+constexpr double mostlySeen = 1.5;   // the extent in views, either way
 constexpr double lineOpacity = 0.4;  // boxes are what is looked for
 
 QRectF toQt(const LumoRect& rect) {
@@ -103,13 +104,17 @@ void OverviewMap::refresh() {
     }
     if (isVisible() && content == m_content) return;
     m_content = std::move(content);
-    place();
+    if (!place()) {
+        hide();
+        return;
+    }
     show();
     raise();
     update();
 }
 
-void OverviewMap::place() {
+/// False where it had better not be: it would cover items, and little lies out of sight.
+bool OverviewMap::place() {
     const QSize room = m_content.room;
     const QSize largest(std::min(largestWidth, room.width() / shareOfView),
                         std::min(largestHeight, room.height() / shareOfView));
@@ -128,7 +133,12 @@ void OverviewMap::place() {
         return !coversItem({corner, size});
     };
     const auto* const free = std::find_if(std::begin(corners), std::end(corners), isFree);
-    setGeometry({free == std::end(corners) ? corners[0] : *free, size});
+    const bool isFound = free != std::end(corners);
+    setGeometry({isFound ? *free : corners[0], size});
+    const LumoSize& whole = m_content.extent.size;
+    const LumoSize& seen = m_content.display.size;
+    return isFound || whole.width > mostlySeen * seen.width ||
+           whole.height > mostlySeen * seen.height;
 }
 
 bool OverviewMap::coversItem(const QRect& place) const {

@@ -13,8 +13,8 @@ namespace QB::DiagramLumo {
 class QBLumoUIView;
 
 /// The whole diagram in a corner of its view, with a frame around what shows. A click or a drag in
-/// it moves the frame. Hides by itself where everything shows.
-/// Ownership: the view's.
+/// it moves the frame. Hides by itself where everything shows, and nearly everything if it would
+/// cover items. Ownership: the view's.
 class OverviewMap : public QWidget {
     Q_OBJECT
 
@@ -57,7 +57,7 @@ private:
     };
     Content currentContent() const;
     void refresh();
-    void place();
+    bool place();
     bool coversItem(const QRect& place) const;
     void centreViewOn(const QPoint& point);
     void translateTexts();
