@@ -117,7 +117,11 @@ void SqlTab::connectEngine() {
     m_heldText.reset();
     using Emitter = QBEngineSignalEmitter;
     const Emitter* emitter = engine()->signalEmitter();
-    connect(emitter, &Emitter::databaseTypeChanged, this, &SqlTab::recheck);
+    m_textStatement = noStatement;
+    connect(emitter, &Emitter::databaseTypeChanged, this, [this] {
+        m_textStatement = noStatement;  // the root is another one now
+        recheck();
+    });
     connect(emitter, &Emitter::currentSchemaChanged, this, &SqlTab::recheck);
     connect(emitter, &Emitter::topLevelQueryComponentLayerChanged, this, [this] {
         followBuilder();
@@ -143,9 +147,23 @@ DatabaseType SqlTab::family() const {
     return engine() ? engine()->databaseType() : DatabaseTypeNone;
 }
 
-long SqlTab::statementId() const {
-    const auto* statement = engine() ? engine()->currentTopLevelQueryComponent() : nullptr;
-    return statement ? statement->id() : -1;
+long SqlTab::statementId(int layer) const {
+    const auto* statement =
+        engine() && layer >= 0 ? engine()->topLevelQueryComponent(layer) : nullptr;
+    return statement ? statement->id() : noStatement;
+}
+
+long SqlTab::statementUnderEdit() const {
+    return engine() ? statementId(engine()->currentTopLevelQueryComponentLayer()) : noStatement;
+}
+
+/// The open layer that the text is for; none while that subquery is closed, or gone.
+std::optional<int> SqlTab::targetLayer() const {
+    const int shown = engine() ? engine()->currentTopLevelQueryComponentLayer() : 0;
+    if (m_textStatement == noStatement) return shown;
+    for (int layer = 0; layer <= shown; ++layer)
+        if (statementId(layer) == m_textStatement) return layer;
+    return std::nullopt;
 }
 
 // ---- Text from the builder
@@ -165,8 +183,11 @@ void SqlTab::takeBuilderText() {
     const bool isWanted = std::exchange(m_isBuilderWanted, false);
     // The applier asks for the text, too.
     if (!isWanted && (!m_isFollowing || m_applier->isBusy() || m_isFileWaiting)) return;
+    // A file has the text of one layer.
+    if (m_textStatement != noStatement && m_textStatement != statementUnderEdit()) leaveFile();
     fill(documentText(m_builderText->text()));
     m_isFollowing = true;
+    m_textStatement = statementUnderEdit();
     m_heldText.reset();
     showState();
 }
@@ -184,6 +205,7 @@ void SqlTab::fill(const QString& text) {
 void SqlTab::takeEdit() {
     const bool isTyped = !m_isFilling && !m_editor->isStarting();
     if (isTyped) {
+        if (isBlank()) m_textStatement = statementUnderEdit();
         m_isFollowing = false;
         m_isTextNew = true;
         m_isFileWaiting = false;
@@ -265,7 +287,22 @@ void SqlTab::continueApply() {
     if (m_state == State::Held) return finishApply(true);
     if (!canApply()) return finishApply(false);
     if (!m_result) return checkNow();
-    applyNow();
+    if (openTarget()) return applyNow();
+    m_applyError =
+        tr("This text is that of a subquery which is closed. Open the subquery to put it "
+           "back there, or apply again to put it into the query that is shown.");
+    m_textStatement = noStatement;
+    showState();
+    finishApply(false);
+}
+
+/// Closes the layers above the one that the text is for. False if that one is closed.
+bool SqlTab::openTarget() {
+    const std::optional<int> target = targetLayer();
+    if (!target) return false;
+    while (engine()->currentTopLevelQueryComponentLayer() > *target)
+        engine()->popCurrentLayerTopLevelQueryComponent();
+    return true;
 }
 
 void SqlTab::applyNow() {
@@ -278,7 +315,8 @@ void SqlTab::takeApplied(bool isApplied, const QString& error) {
         m_isBuilderChanged = false;
         // Not if somebody has typed meanwhile, nor if the text is another one's.
         if (m_applyDone) m_isTextNew = false;
-        m_heldStatement = statementId();
+        m_heldStatement = statementUnderEdit();
+        if (m_applyDone) m_textStatement = m_heldStatement;
         m_heldText = m_applier->appliedText();
         followBuilder();
     }
@@ -315,6 +353,7 @@ void SqlTab::takeFile(const SqlFile& file, QString error, int revision) {
     if (!error.isEmpty()) return Q_EMIT fileFailed(error);
     m_file = file;
     m_isFollowing = false;
+    m_textStatement = statementId(0);
     m_editor->startAnew(std::exchange(m_file.text, QString()));
     m_isFileWaiting = true;
     m_isTextNew = true;
@@ -352,6 +391,7 @@ void SqlTab::leaveFile() {
     m_isFileWaiting = false;
     m_file = SqlFile();
     m_heldText.reset();
+    m_textStatement = noStatement;
 }
 
 void SqlTab::openText(const QString& text, bool isSaved) {
@@ -380,6 +420,10 @@ bool SqlTab::hasUnsavedText() const {
     return !m_file.path.isEmpty() || !isBlank();
 }
 
+bool SqlTab::holdsQuery() const {
+    return m_state == State::Held && !m_isFollowing && m_heldStatement == statementId(0);
+}
+
 std::optional<QString> SqlTab::ownText() const {
     if (m_isFollowing || isBlank()) return std::nullopt;
     return m_editor->wholeText();
@@ -393,7 +437,8 @@ SqlTab::State SqlTab::judge() const {
     if (!m_result) return isBlank() ? State::Blank : State::Checking;
     if (!m_result->isAccepted()) return State::Refused;
     const bool wasApplied = m_heldText && *m_heldText == m_checked->text;
-    if (!wasApplied || m_heldStatement != statementId()) return State::Acceptable;
+    const std::optional<int> target = targetLayer();
+    if (!wasApplied || !target || m_heldStatement != statementId(*target)) return State::Acceptable;
     return m_isBuilderChanged ? State::Outdated : State::Held;
 }
 
@@ -472,7 +517,7 @@ void SqlTab::goToError() {
 QString SqlTab::title() const {
     QString name = tr("SQL");
     if (!m_file.path.isEmpty()) name += QStringLiteral(" – ") + QFileInfo(m_file.path).fileName();
-    const int layer = engine() ? engine()->currentTopLevelQueryComponentLayer() : 0;
+    const int layer = engine() ? targetLayer().value_or(0) : 0;
     if (layer > 0)
         name = tr("%1 for %2")
                    .arg(name,

@@ -21,8 +21,9 @@ class BuilderText;
 class SqlEditor;
 
 /// A page with SQL text: typed, pasted, from a file or from the builder. It is checked on a worker
-/// whenever typing pauses; "Apply" puts a text that is accepted into the layer under edit. A text
-/// that is refused changes nothing but what is said below it.
+/// whenever typing pauses; "Apply" puts a text that is accepted into the layer that it is for: the
+/// one under edit when the typing began, or where it was applied before. A text that is refused
+/// changes nothing but what is said below it.
 ///
 /// As long as the user types nothing, the text follows the builder, and there is no typing to take
 /// back. What was typed is only ever replaced by an edit that undo takes back, or after openFile(),
@@ -65,8 +66,8 @@ public:
     bool hasUnsavedText() const;
     /// What the user has typed, or opened; none while the text follows the builder, or is blank.
     std::optional<QString> ownText() const;
-    /// True if all that the builder has came from this text.
-    bool holdsQuery() const { return m_state == State::Held && !m_isFollowing; }
+    /// True if all that the builder has came from this text: not if it is that of a subquery.
+    bool holdsQuery() const;
 
     /// Reads a file; fileOpened() or fileFailed() follows. Its text takes the place of the present
     /// one, and is applied to the main query when it is accepted. What is typed while it is read
@@ -105,6 +106,8 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    static constexpr long noStatement = -1;
+
     void setUpLayout();
     void connectParts();
     void connectEngine();
@@ -121,11 +124,14 @@ private:
     void takeApplied(bool isApplied, const QString& error);
     void takeFile(const SqlFile& file, QString error, int revision);
     void continueApply();
+    bool openTarget();
     void applyNow();
     void finishApply(bool isApplied);
     QBEngine_LINUX* engine() const;
     DatabaseType family() const;
-    long statementId() const;
+    long statementId(int layer) const;
+    long statementUnderEdit() const;
+    std::optional<int> targetLayer() const;
     bool isBlank() const;
     State judge() const;
     void showState();
@@ -151,13 +157,14 @@ private:
     std::optional<SqlCheckRequest> m_checked;  // what m_result is about
     std::optional<SqlCheckResult> m_result;    // none while the text has not been checked
     std::optional<std::string> m_heldText;     // applied last, to m_heldStatement
-    long m_heldStatement = -1;
-    bool m_isBuilderChanged = false;  ///< since m_heldText was applied
-    bool m_isFollowing = true;        ///< the text is the builder's, and nobody has edited it
-    bool m_isTextNew = false;         ///< edited since a text was applied
-    bool m_isFilling = false;         ///< the edit is ours
-    bool m_isBuilderWanted = false;   ///< the builder's text is to take the place of this one
-    bool m_isFileWaiting = false;     ///< to be applied as soon as it is checked
+    long m_heldStatement = noStatement;
+    long m_textStatement = noStatement;  // that the text is for
+    bool m_isBuilderChanged = false;     ///< since m_heldText was applied
+    bool m_isFollowing = true;           ///< the text is the builder's, and nobody has edited it
+    bool m_isTextNew = false;            ///< edited since a text was applied
+    bool m_isFilling = false;            ///< the edit is ours
+    bool m_isBuilderWanted = false;      ///< the builder's text is to take the place of this one
+    bool m_isFileWaiting = false;        ///< to be applied as soon as it is checked
     QString m_applyError;
     std::function<void(bool)> m_applyDone;  // set while an apply() is under way
 };

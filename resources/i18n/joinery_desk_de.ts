@@ -559,6 +559,10 @@ Ihr Text steht im SQL-Reiter; die Abfrage im Generator ist, wie sie war.</transl
         <source>Very long lines were broken after commas and before keywords.</source>
         <translation>Sehr lange Zeilen wurden nach Kommas und vor Schlüsselwörtern umbrochen.</translation>
     </message>
+    <message>
+        <source>This text is that of a subquery which is closed. Open the subquery to put it back there, or apply again to put it into the query that is shown.</source>
+        <translation>Dieser Text ist der einer Unterabfrage, die geschlossen ist. Öffnen Sie die Unterabfrage, um ihn dorthin zurückzubringen, oder wenden Sie ihn erneut an, um ihn in die gezeigte Abfrage zu setzen.</translation>
+    </message>
 </context>
 <context>
     <name>QB::Desk::WindowActions</name>

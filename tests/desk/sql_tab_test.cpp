@@ -232,14 +232,52 @@ private Q_SLOTS:
         auto* source = dynamic_cast<SQLSubquerySourceComponent*>(root->sourceExpr->root->value);
         QVERIFY(source);
         engine->pushNewLayerTopLevelQueryComponent(source->subquery, "Subquery s");
-        QVERIFY2(tab()->title().contains("Subquery s"), qPrintable(tab()->title()));
-        QTRY_COMPARE(tab()->state(), SqlTab::State::Acceptable);
         click("sqlLoad");
         QTRY_COMPARE(editor()->text().simplified(), QString("SELECT id FROM city"));
+        QVERIFY2(tab()->title().contains("Subquery s"), qPrintable(tab()->title()));
         paste("SELECT id FROM city WHERE name = 'Paris'");
         m_desk->press(Qt::Key_Return, Qt::ControlModifier);
         QTRY_VERIFY2(m_desk->preview().contains("'Paris' ) AS s"), qPrintable(m_desk->preview()));
         QCOMPARE(engine->currentTopLevelQueryComponentLayer(), 1);
+    }
+
+    void aTextGoesToTheLayerThatItIsFor() {
+        const QString path =
+            m_desk->write("whole.sql", "SELECT s.id FROM (SELECT id FROM city) AS s");
+        open("whole.sql");
+        auto* engine = m_desk->window->workspace()->engine();
+        const auto enter = [engine] {
+            using namespace QB::Component::SQL;
+            auto* root = dynamic_cast<SQLSelectStmtComponent*>(engine->topLevelQueryComponent(0));
+            auto* source = dynamic_cast<SQLSubquerySourceComponent*>(root->sourceExpr->root->value);
+            engine->pushNewLayerTopLevelQueryComponent(source->subquery, "Subquery s");
+        };
+        enter();
+        QCOMPARE(tab()->state(), SqlTab::State::Held);
+        QVERIFY2(!tab()->title().contains("Subquery"), qPrintable(tab()->title()));
+        editor()->moveCursor(QTextCursor::End);
+        QTest::keyClicks(editor(), " LIMIT 1");
+        m_desk->press(Qt::Key_Return, Qt::ControlModifier);
+        QTRY_VERIFY2(m_desk->preview().endsWith("LIMIT 1"), qPrintable(m_desk->preview()));
+        QCOMPARE(engine->currentTopLevelQueryComponentLayer(), 0);
+
+        // The subquery's text is not the file's, and what is in it is not all of the query.
+        enter();
+        click("sqlLoad");
+        QTRY_COMPARE(editor()->text().simplified(), QString("SELECT id FROM city"));
+        QCOMPARE(tab()->filePath(), QString());
+        QTest::keyClicks(editor(), " ");
+        m_desk->press(Qt::Key_Return, Qt::ControlModifier);
+        QTRY_COMPARE(tab()->state(), SqlTab::State::Held);
+        QVERIFY(!tab()->holdsQuery());
+        engine->popCurrentLayerTopLevelQueryComponent();
+        paste("SELECT 2 FROM city");
+        m_desk->press(Qt::Key_Return, Qt::ControlModifier);
+        QTRY_VERIFY2(tab()->message().contains("closed"), qPrintable(tab()->message()));
+        QVERIFY2(m_desk->preview().endsWith("LIMIT 1"), qPrintable(m_desk->preview()));
+        m_desk->press(Qt::Key_Return, Qt::ControlModifier);
+        QTRY_COMPARE(m_desk->preview(), QString("SELECT 2 FROM city"));
+        QVERIFY(read(path).startsWith("SELECT s.id"));
     }
 
     // ---- the text and the builder -----------------------------------------------------------
