@@ -298,6 +298,15 @@ TEST(Layouts, BelongToLayersByTheirPaths) {
     EXPECT_EQ(widthOf(handler, 11), 1004);
     EXPECT_EQ(widthOf(handler, 4), 1002) << "an undo may bring it back";
 
+    // Each parse makes new statements.
+    for (std::uint64_t id = 100; id < 1000; ++id)
+        handler.match({{9, {}}, {10, {"a"}}, {id, {"a", "b"}}});
+    EXPECT_EQ(widthOf(handler, 999), 1004);
+    EXPECT_EQ(widthOf(handler, 9), 1001);
+    EXPECT_EQ(widthOf(handler, 10), 1002);
+    EXPECT_FALSE(handler.contains(700)) << "no undo goes back that far";
+    EXPECT_TRUE(handler.contains(900));
+
     // Out and in again, with the layer on screen as it stands.
     LayoutScene scene;
     scene.diagram.setRect({0, 0, 2222, 1600});

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -156,6 +157,17 @@ void QBLumoDiagramSaveLoadHandler::match(const LayerPaths& layerPaths) {
     }
     for (const auto& [layerId, path] : layerPaths)
         m_formerLayers[asStored(path)] = layerId;
+    forgetOldest(layerPaths);
+}
+
+void QBLumoDiagramSaveLoadHandler::forgetOldest(const LayerPaths& layerPaths) {
+    const std::size_t most = layerPaths.size() + mostOtherLayers;
+    for (auto each = m_layouts.begin(); each != m_layouts.end() && m_layouts.size() > most;)
+        each = layerPaths.count(each->first) > 0 ? std::next(each) : m_layouts.erase(each);
+    for (auto each = m_formerLayers.begin(); each != m_formerLayers.end();)
+        each = contains(each->second) || layerPaths.count(each->second) > 0
+                   ? std::next(each)
+                   : m_formerLayers.erase(each);
 }
 
 std::unique_ptr<NuvoJson> QBLumoDiagramSaveLoadHandler::takeImported(const Path& path) {

@@ -17,7 +17,7 @@ namespace QB {
 namespace DiagramLumo {
 class QBLumoDiagram;
 class QBLumoItem;
-}
+}  // namespace DiagramLumo
 
 /// Remembers how the user arranged each layer: canvas size, scroll origin and the rectangle of
 /// every item, as one JSON document a layer. A layout never makes items: it moves those that are
@@ -51,10 +51,12 @@ public:
     void importLayouts(const std::string& text, const LayerPaths& layerPaths);
     /// Gives layers without a layout those of the last import that nobody has taken yet, else a
     /// copy of that of a layer with the same path which is gone: a parse makes new statements of
-    /// all subqueries. @p layerPaths: all layers that there are now.
+    /// all subqueries. @p layerPaths: all layers that there are now and have a path. Of all others
+    /// the newest mostOtherLayers are kept: they have no path, or an undo may bring them back.
     void match(const LayerPaths& layerPaths);
     /// In bytes: 50,000 items.
     static constexpr std::size_t largestText = 8 << 20;
+    static constexpr std::size_t mostOtherLayers = 200;
 
     static void writeLayout(LumoControl* control, DiagramLumo::QBLumoDiagram* diagram,
                             NuvoJson* json);
@@ -72,6 +74,7 @@ public:
 private:
     using Path = std::vector<std::string>;  // as stored
 
+    void forgetOldest(const LayerPaths& layerPaths);
     std::unique_ptr<NuvoJson> takeImported(const Path& path);
     std::unique_ptr<NuvoJson> copyOfFormer(const Path& path, const LayerPaths& layerPaths) const;
 
