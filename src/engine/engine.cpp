@@ -240,7 +240,10 @@ void QBEngine::modify_notify(TopLevelQueryComponentElementEnum element, int laye
 void QBEngine::postModified(TopLevelQueryComponentElementEnum element, int layer, void* sender,
                             std::function<void()> delivered) {
     QBNotificationParameters params = modifiedParameters({element}, layer, sender);
-    if (FollowUp::isOneFor(m_core.get())) params["followsUp"] = true;
+    if (const FollowUp* const followUp = FollowUp::innermostFor(m_core.get()))
+        params["followsUp"] = followUp->m_isNext;
+    else
+        ++m_core->userModificationCount;
     postToMainThread(
         m_id, [this, id = m_id, params = std::move(params), delivered = std::move(delivered)] {
             notifyChange(Notification::topLevelQueryComponentElementModified, &params);

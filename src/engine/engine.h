@@ -159,22 +159,29 @@ public:
     bool restoreQuery(const std::string& record, const std::vector<long>& layerPath, void* sender);
 
     /// While one exists, the modifications on this thread follow from others that were announced
-    /// before: references are repaired, nothing is done that a user has asked for. Their
-    /// notifications carry "followsUp", true.
+    /// before: references are repaired, proposals made, nothing is done that a user has asked for.
+    /// Their notifications carry "followsUp": true if nothing else has been done since.
     class QB_EXPORT FollowUp {
     public:
+        /// From whatever was announced last.
         explicit FollowUp(QBEngine* engine);
+        /// From what was the last when userModificationCount() told @p count.
+        FollowUp(QBEngine* engine, unsigned long count);
         ~FollowUp();
         FollowUp(const FollowUp&) = delete;
         FollowUp& operator=(const FollowUp&) = delete;
 
     private:
         friend class QBEngine;
-        static bool isOneFor(const QBEngineCore* core);
+        static const FollowUp* innermostFor(const QBEngineCore* core);
 
         const std::shared_ptr<QBEngineCore> m_core;
+        const bool m_isNext;      ///< nothing else has been done since
         FollowUp* const m_outer;  // not owned: further down the stack of this thread
     };
+
+    /// How many modifications have been made that follow from no other one. Thread: any.
+    unsigned long userModificationCount() const;
 
     /// The text of the root statement, whatever layer is current; empty without statement or
     /// generator. Takes no lock: another thread than main locks queryComponentAccessMutex() first.

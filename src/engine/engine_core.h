@@ -94,6 +94,7 @@ public:
     RefreshCount runningRefreshes;
     /// Parses that were asked for and not delivered.
     std::atomic<int> runningParseCount{0};
+    std::atomic<unsigned long> userModificationCount{0};  ///< see QBEngine
 
 private:
     mutable std::mutex m_callbackMutex;

@@ -151,17 +151,26 @@ thread_local QBEngine::FollowUp* innermostFollowUp = nullptr;
 }  // namespace
 
 QBEngine::FollowUp::FollowUp(QBEngine* engine)
-    : m_core(engine->m_core), m_outer(std::exchange(innermostFollowUp, this)) {}
+    : FollowUp(engine, engine->userModificationCount()) {}
+
+QBEngine::FollowUp::FollowUp(QBEngine* engine, unsigned long count)
+    : m_core(engine->m_core)
+    , m_isNext(engine->userModificationCount() == count)
+    , m_outer(std::exchange(innermostFollowUp, this)) {}
 
 QBEngine::FollowUp::~FollowUp() {
     innermostFollowUp = m_outer;
 }
 
-bool QBEngine::FollowUp::isOneFor(const QBEngineCore* core) {
+const QBEngine::FollowUp* QBEngine::FollowUp::innermostFor(const QBEngineCore* core) {
     const FollowUp* followUp = innermostFollowUp;
     while (followUp && followUp->m_core.get() != core)
         followUp = followUp->m_outer;
-    return followUp != nullptr;
+    return followUp;
+}
+
+unsigned long QBEngine::userModificationCount() const {
+    return m_core->userModificationCount;
 }
 
 }  // namespace QB

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "canvas/drawer/diagram_drawer_linux.h"
+#include "canvas/view/canvas_commands.h"
 #include "canvas/view/lumo_ui_view.h"
 #include "diagrampanel/diagram_panel_widget.h"
 #include "engine/engine_linux.h"
@@ -43,10 +44,16 @@ bool isCovered(const DiagramArrangement& part, const DiagramArrangement& whole) 
                        [&ids](const auto& entry) { return ids.count(entry.componentId) > 0; });
 }
 
-/// What the user may do on the canvas next, or has stopped doing there.
+/// Of equal bytes, those of @p former are the ones to keep.
+void keepOnce(QByteArray& bytes, const QByteArray& former) {
+    if (bytes == former) bytes = former;
+}
+
+/// What the user may do on the canvas next, by a key that is a menu's, too; or has stopped doing
+/// there.
 bool isBeginOrEndOfUse(QEvent::Type type) {
-    return type == QEvent::MouseButtonPress || type == QEvent::KeyPress || type == QEvent::Leave ||
-           type == QEvent::FocusOut;
+    return type == QEvent::MouseButtonPress || type == QEvent::KeyPress ||
+           type == QEvent::ShortcutOverride || type == QEvent::Leave || type == QEvent::FocusOut;
 }
 
 }  // namespace
@@ -83,12 +90,13 @@ private:
 
     void takeModification(std::string record, const QString& name, std::vector<long> layerPath);
     void push(const QString& name, QueryPlace before, QueryPlace after, bool isRepeatable);
+    bool isPartOfLastStep(const QBNotificationParameters& params) const;
     QString nameOf(const QBNotificationParameters& params) const;
 
     QueryStep* step(int index) const;
     QueryStep* lastStep() const;
     DiagramArrangement standing() const;
-    void finishLastStep();
+    void keepPlace(const QueryPlace& here);
     void keepPlaceHere();
     bool continuesLastStep(const QString& name, const QByteArray& before) const;
 
@@ -110,7 +118,6 @@ private:
     QueryOutline m_outline;  ///< of m_seen
     std::vector<long> m_layerPath;
     DiagramArrangement m_arranged;   ///< before the user touched the diagram, or as it was drawn
-    bool m_isLastStepOpen = false;   ///< the diagram has not shown it yet
     bool m_isDiagramBehind = false;  ///< it has not shown yet what was restored
     bool m_isRestoring = false;
 };
@@ -149,12 +156,19 @@ long QBQueryHistory::Private::rootId() const {
 void QBQueryHistory::Private::modified(const QBNotificationParameters& params) {
     if (m_isRestoring || rootId() != m_rootId) return;
     std::string record = engine()->recordQuery();
-    const bool isFollowUp = params.count("followsUp") > 0;
-    if (isFollowUp) return followed(std::move(record));
+    if (isPartOfLastStep(params)) return followed(std::move(record));
     const QString given = std::exchange(nextName, QString());
     if (record == m_seen) return;
     takeModification(std::move(record), given.isEmpty() ? nameOf(params) : given,
                      engine()->layerPath());
+}
+
+/// What comes late is a step of its own when the user has gone on. After an undo it is none: it
+/// must not take away what can be redone.
+bool QBQueryHistory::Private::isPartOfLastStep(const QBNotificationParameters& params) const {
+    const auto followsUp = params.find("followsUp");
+    if (followsUp == params.end()) return false;
+    return followsUp->second.toInt() != 0 || stack.index() < stack.count();
 }
 
 QString QBQueryHistory::Private::nameOf(const QBNotificationParameters& params) const {
@@ -171,7 +185,6 @@ void QBQueryHistory::Private::followed(std::string record) {
     if (stack.index() < stack.count()) return;
     if (QueryStep* const last = lastStep()) {
         last->record = TextDifference(last->record.reverted(m_record), m_seen);
-        m_isLastStepOpen = true;
         if (stack.isClean()) stack.resetClean();
     }
     m_record = m_seen;
@@ -183,7 +196,7 @@ void QBQueryHistory::Private::layerChanged() {
     std::string record = engine()->recordQuery();
     if (record != m_seen)
         takeModification(std::move(record), Tolk::localize(Tolk::TextStepChangeQuery), m_layerPath);
-    finishLastStep();
+    keepPlaceHere();
     m_layerPath = engine()->layerPath();
     m_arranged = {};
 }
@@ -192,21 +205,18 @@ void QBQueryHistory::Private::layerChanged() {
 
 void QBQueryHistory::Private::takeModification(std::string record, const QString& name,
                                                std::vector<long> layerPath) {
-    finishLastStep();
     const QueryPlace before = {m_layerPath, encodeArrangement(standing())};
     m_seen = std::move(record);
     m_outline = outlineOf(engine()->topLevelQueryComponent(0));
     m_layerPath = std::move(layerPath);
-    m_isLastStepOpen = true;
     push(name, before, {m_layerPath, before.arrangement}, false);
 }
 
 void QBQueryHistory::Private::push(const QString& name, QueryPlace before, QueryPlace after,
                                    bool isRepeatable) {
-    const QueryStep* const last = lastStep();
-    if (last && last->placeAfter.arrangement == before.arrangement)
-        before.arrangement = last->placeAfter.arrangement;  // which is then kept once
-    if (before.arrangement == after.arrangement) after.arrangement = before.arrangement;
+    keepPlace(before);
+    if (m_position > 0) keepOnce(before.arrangement, step(m_position - 1)->placeAfter.arrangement);
+    keepOnce(after.arrangement, before.arrangement);
     auto taken = std::make_unique<QueryStep>(name, TextDifference(m_record, m_seen),
                                              std::move(before), std::move(after));
     taken->isRepeatable = isRepeatable;
@@ -230,51 +240,46 @@ QueryStep* QBQueryHistory::Private::lastStep() const {
 }
 
 /// How the diagram stood before the change that has just been announced. When the user deletes
-/// items they are gone by now.
+/// items they are gone by now; and what he drags is nowhere yet.
 DiagramArrangement QBQueryHistory::Private::standing() const {
     if (!diagram) return {};
+    if (diagram->isGestureUnderWay()) return m_arranged;
     DiagramArrangement present = diagram->arrangement();
     return isCovered(m_arranged, present) ? present : m_arranged;
 }
 
-void QBQueryHistory::Private::finishLastStep() {
-    QueryStep* const last = lastStep();
-    if (std::exchange(m_isLastStepOpen, false) && last)
-        last->placeAfter.arrangement = encodeArrangement(standing());
+/// Steps lead to how everything stood when that place was left: items take the size of fields that
+/// come late, users scroll and select, hosts load layouts.
+void QBQueryHistory::Private::keepPlace(const QueryPlace& here) {
+    const auto keep = [&here](QueryPlace& place) {
+        const bool isHere = place.layerPath == here.layerPath;
+        if (isHere && place.arrangement != here.arrangement) place.arrangement = here.arrangement;
+    };
+    if (m_position > 0) keep(step(m_position - 1)->placeAfter);
+    if (m_position < stack.count()) keep(step(m_position)->placeBefore);
 }
 
-/// Before another place is gone to: the way back leads to how everything stands now. Items take the
-/// size of fields that come late, and hosts load layouts.
 void QBQueryHistory::Private::keepPlaceHere() {
-    if (!diagram || m_isDiagramBehind) return;
-    const QByteArray here = encodeArrangement(standing());
-    if (m_position > 0 && step(m_position - 1)->placeAfter.layerPath == m_layerPath)
-        step(m_position - 1)->placeAfter.arrangement = here;
-    if (m_position < stack.count() && step(m_position)->placeBefore.layerPath == m_layerPath)
-        step(m_position)->placeBefore.arrangement = here;
+    if (diagram && !m_isDiagramBehind) keepPlace({m_layerPath, encodeArrangement(standing())});
 }
 
+/// Items that are gone by now are those of a change that has not been announced yet.
 void QBQueryHistory::Private::rememberArrangement() {
-    if (diagram && !m_isRestoring && !diagram->isGestureUnderWay())
-        m_arranged = diagram->arrangement();
+    if (diagram && !m_isRestoring) m_arranged = standing();
 }
 
 void QBQueryHistory::Private::synchronised() {
     m_isDiagramBehind = false;
-    if (m_isRestoring) return;
-    m_arranged = diagram->arrangement();
-    finishLastStep();
+    if (!m_isRestoring && !diagram->isGestureUnderWay()) m_arranged = diagram->arrangement();
 }
 
 void QBQueryHistory::Private::arranged(const QString& name, bool isRepeatable) {
     if (m_isRestoring || !engine()) return;
     const QByteArray before = encodeArrangement(m_arranged);
-    QueryStep* const last = lastStep();
-    if (std::exchange(m_isLastStepOpen, false) && last) last->placeAfter.arrangement = before;
     m_arranged = diagram->arrangement();
     const QByteArray after = encodeArrangement(m_arranged);
     if (isRepeatable && continuesLastStep(name, before)) {
-        last->placeAfter.arrangement = after;
+        lastStep()->placeAfter.arrangement = after;
         return Q_EMIT q->changed();
     }
     push(name, {m_layerPath, before}, {m_layerPath, after}, isRepeatable);
@@ -295,7 +300,6 @@ void QBQueryHistory::Private::startAnew() {
         stack.clear();
     }
     m_position = 0;
-    m_isLastStepOpen = false;
     nextName.clear();
     m_rootId = rootId();
     lookAround();
@@ -315,7 +319,6 @@ void QBQueryHistory::Private::goTo(int index) {
     if (stack.count() == 0) return q->clear();  // the host has emptied it
     if (!engine() || m_rootId == 0 || q->isBusy()) return setStackIndex(m_position);
     index = takeUnannounced(index);
-    finishLastStep();
     keepPlaceHere();
     std::string record = m_record;
     QueryPlace place;
@@ -378,6 +381,8 @@ QBQueryHistory::QBQueryHistory(QBDiagramPanelWidget* diagram, QObject* parent)
     if (!diagram) return;
     connect(diagram, &QBDiagramPanelWidget::signalSynchronised, this,
             [this] { d->synchronised(); });
+    connect(diagram->commands(), &QBCanvasCommands::aboutToArrange, this,
+            [this] { d->rememberArrangement(); });
     connect(diagram, &QBDiagramPanelWidget::signalArranged, this,
             [this](const QString& name, bool isRepeatable) { d->arranged(name, isRepeatable); });
     auto* const view = diagram->drawer()->getView();

@@ -16,7 +16,8 @@ class QBEngine_LINUX;
 
 /// One history over everything that a query is edited with: clause panels, diagram, SQL text,
 /// layers. Each modification that the engine announces is a step, and so is each arrangement of the
-/// diagram; what follows from a step by itself (QBEngine::FollowUp) is part of it.
+/// diagram; what follows from a step by itself (QBEngine::FollowUp) is part of it: repairs, and
+/// links by foreign keys.
 ///
 /// Going back restores the statement to the byte: texts that no parser reads, halves of conditions,
 /// ids; then the layer in which the step was done, what was selected, and where everything stood. A
@@ -28,7 +29,7 @@ class QB_EXPORT QBQueryHistory : public QObject {
     Q_OBJECT
 
 public:
-    /// @p diagram may be null: then there is no arrangement to keep.
+    /// @p diagram goes after the history, or is null: then there is no arrangement to keep.
     explicit QBQueryHistory(QBDiagramPanelWidget* diagram, QObject* parent = nullptr);
     ~QBQueryHistory() override;
 

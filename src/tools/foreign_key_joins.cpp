@@ -272,7 +272,10 @@ void makeJoinLinksByForeignKeys(QBEngine* engine, void* sender,
 
 void makeJoinLinkByForeignKeyIfNecessary(QBEngine* engine, void* sender,
                                          SQLIdentifierSourceComponent* source) {
-    findForeignKeyJoins(engine, source, [engine, sender](const std::vector<ForeignKeyJoin>& joins) {
+    if (!engine) return;
+    const unsigned long count = engine->userModificationCount();
+    findForeignKeyJoins(engine, source, [=](const std::vector<ForeignKeyJoin>& joins) {
+        const QBEngine::FollowUp followUp(engine, count);  // of the table that was added
         proposeAll(engine, sender, joins);
     });
 }

@@ -149,14 +149,20 @@ TEST_F(EngineHistoryTest, WhatFollowsSaysSo) {
     const auto followsUp = [this] {
         engine->notices.clear();
         addColumn(0);
-        return engine->notices.back().parameters.count("followsUp") > 0;
+        const auto& parameters = engine->notices.back().parameters;
+        const auto found = parameters.find("followsUp");
+        return found == parameters.end() ? -1 : found->second.toInt();
     };
-    EXPECT_FALSE(followsUp());
-    {
-        const QBEngine::FollowUp followUp(engine.get());
-        const QBEngine::FollowUp inner(other.get());
-        EXPECT_TRUE(followsUp());
+    const unsigned long count = engine->userModificationCount();
+    for (const bool isNext : {true, false}) {
+        {
+            const QBEngine::FollowUp followUp(engine.get(), count);
+            const QBEngine::FollowUp inner(other.get());
+            EXPECT_EQ(followsUp(), isNext);
+            const QBEngine::FollowUp repair(engine.get());
+            EXPECT_EQ(followsUp(), true);
+        }
+        const QBEngine::FollowUp followUp(other.get());
+        EXPECT_EQ(followsUp(), -1);
     }
-    const QBEngine::FollowUp followUp(other.get());
-    EXPECT_FALSE(followsUp());
 }

@@ -106,6 +106,7 @@ void QBCanvasCommands::setOverviewVisible(bool visible) {
 void QBCanvasCommands::arrange() {
     QBLumoDiagram* const diagram = m_state->view->lumoDiagram();
     if (!diagram) return;
+    Q_EMIT aboutToArrange();
     const auto moved = diagram->autoLayout();
     if (moved.empty()) return;
     m_state->arranged.clear();
@@ -121,6 +122,7 @@ void QBCanvasCommands::arrange() {
 
 void QBCanvasCommands::undoArrange() {
     if (m_state->arranged.empty()) return;
+    Q_EMIT aboutToArrange();
     const std::vector<State::Move> moves = std::move(m_state->arranged);
     m_state->arranged.clear();
     Q_EMIT undoArrangeAvailable(false);

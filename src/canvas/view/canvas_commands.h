@@ -56,6 +56,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void zoomChanged(double zoom);
+    /// Of arrange() and undoArrange(), before anything moves.
+    void aboutToArrange();
     void undoArrangeAvailable(bool available);
 
 private:
