@@ -16,6 +16,8 @@ namespace QB {
 namespace {
 
 constexpr int noPosition = std::numeric_limits<int>::max();
+/// Object tree, diagram, preview: in proportion to each other, since the splitter scales them.
+const QList<int> initialPaneWidths = {230, 520, 350};
 constexpr int diagramIndex = 1;
 const QLatin1String relationModeKey("RelationMode");
 /// Of a window that would lie outside of all screens: what must show, to get hold of it.
@@ -59,6 +61,9 @@ QPoint usablePosition(const QWidget* window, QPoint position) {
 
 BuilderLayout::BuilderLayout(QWidget* builder, Ui::QBQueryBuilderWidget* ui)
     : QObject(builder), m_builder(builder), m_ui(ui) {
+    ui->horizontalSplitter->setSizes(initialPaneWidths);
+    m_hiddenWidths = {{ui->objectTreePanel, initialPaneWidths.front()},
+                      {ui->previewContainer, initialPaneWidths.back()}};
     builder->installEventFilter(this);
     for (const QSplitter* splitter : {ui->horizontalSplitter, ui->verticalSplitter})
         connect(splitter, &QSplitter::splitterMoved, this, [this] { m_wanted.reset(); });
@@ -66,9 +71,9 @@ BuilderLayout::BuilderLayout(QWidget* builder, Ui::QBQueryBuilderWidget* ui)
 
 // ---- panes ----
 
-/// Of a hidden pane, the one that it had.
+/// Of a hidden pane, the one that it had. The splitter has no widths before the builder shows.
 int BuilderLayout::widthOf(QWidget* pane) const {
-    if (pane->isHidden()) return m_hiddenWidths.value(pane, pane->sizeHint().width());
+    if (pane->isHidden() || !m_wasShown) return m_hiddenWidths.value(pane);
     return m_ui->horizontalSplitter->sizes()[m_ui->horizontalSplitter->indexOf(pane)];
 }
 

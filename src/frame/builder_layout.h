@@ -50,7 +50,7 @@ private:
 
     QWidget* const m_builder;              // not owned: the parent
     Ui::QBQueryBuilderWidget* const m_ui;  // not owned: the builder's
-    QHash<QWidget*, int> m_hiddenWidths;   // of panes that were hidden
+    QHash<QWidget*, int> m_hiddenWidths;   // that hidden panes had, or are to have
     std::optional<Panes> m_wanted;         // until there is room for them
     bool m_wasShown = false;
 };

@@ -28,8 +28,6 @@
 namespace QB {
 namespace {
 
-/// Object tree, diagram, preview: in proportion to each other, since the splitter scales them.
-const QList<int> initialPaneWidths = {230, 520, 350};
 constexpr int diagramIndex = 1;
 
 QIcon paneIcon(const QString& direction, bool isPaneHidden) {
@@ -93,7 +91,6 @@ QBQueryBuilderWidget::~QBQueryBuilderWidget() {
 
 void QBQueryBuilderWidget::setupUi() {
     localizeControls();
-    ui->horizontalSplitter->setSizes(initialPaneWidths);
     ui->objectTreePanel->setPartnerDiagram(ui->diagramPanel);
     m_history = new QBQueryHistory(ui->diagramPanel, this);
     connectDiagram();

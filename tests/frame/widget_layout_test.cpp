@@ -136,6 +136,14 @@ private Q_SLOTS:
         }
     }
 
+    void aPaneThatWasHiddenSinceTheStartHasItsFirstWidth() {
+        Desk desk(false);
+        desk.load(sampleWith(noTree));
+        desk.show();
+        desk.toggleTree();
+        QCOMPARE(desk.widths()[0], 230);
+    }
+
     void aMaximisedWindowHasItsPanesToo() {
         for (const bool isShownFirst : {true, false}) {
             Desk desk(isShownFirst);
