@@ -208,6 +208,14 @@
         <translation>Ohne Bedingung wird der Join jetzt als %s geschrieben, der alle gleichnamigen Spalten vergleicht. Geben Sie ihm eine Bedingung, oder wählen Sie eine andere Join-Art.</translation>
     </message>
     <message>
+        <source>The join compared all columns of the same name (NATURAL). Now it compares only what its condition says.</source>
+        <translation>Der Join hat alle gleichnamigen Spalten verglichen (NATURAL). Jetzt vergleicht er nur, was seine Bedingung sagt.</translation>
+    </message>
+    <message>
+        <source>A NATURAL JOIN takes no condition. Choose another kind of join, or remove the comparison again.</source>
+        <translation>Ein NATURAL JOIN hat keine Bedingung. Wählen Sie eine andere Join-Art, oder entfernen Sie den Vergleich wieder.</translation>
+    </message>
+    <message>
         <source>Row offset</source>
         <translation>Zeilenversatz</translation>
     </message>
@@ -588,6 +596,14 @@
 
 %s</source>
         <translation>Diese Bedingungen nennen Tabellen, die ihre Verbindungen nicht mehr sehen. Ändern Sie sie oder stellen Sie die Klammern wieder her:
+
+%s</translation>
+    </message>
+    <message>
+        <source>These expressions are texts that name the table as before. Change them, too:
+
+%s</source>
+        <translation>Diese Ausdrücke sind Texte, die die Tabelle noch wie vorher nennen. Ändern Sie auch sie:
 
 %s</translation>
     </message>

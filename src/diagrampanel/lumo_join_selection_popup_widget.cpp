@@ -78,6 +78,7 @@ public:
     void showKind(const Join* join);
     void showCondition(const Join* join);
 
+    bool isForTheLink(const QEvent* event);
     void takeKind(const SourceJoinChoice& choice);
     void editUsingList();
     QString takeUsingList(const QString& typed);
@@ -88,6 +89,7 @@ public:
     const long leftId;
     const long rightId;
     bool isGone = false;
+    bool isTouched = false;  // the user has done something in here
     Ui::QBLumoJoinSelectionPopupWidget ui;
     QBConditionBuilderPanelWidget* conditions = nullptr;  // owned by the container
     QBPanelPopup popup;  // last, so that it goes before what its answers use
@@ -231,6 +233,15 @@ QString QBLumoJoinSelectionPopupWidget::Private::takeUsingList(const QString& ty
     return {};
 }
 
+/// A link opens the editor a while after it was clicked. A Delete that comes first was meant for
+/// the link: it must not take a condition.
+bool QBLumoJoinSelectionPopupWidget::Private::isForTheLink(const QEvent* event) {
+    const bool isKey = event->type() == QEvent::KeyPress;
+    const bool isDelete = isKey && static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Delete;
+    isTouched |= (isKey && !isDelete) || event->type() == QEvent::MouseButtonPress;
+    return isDelete && !isTouched;
+}
+
 // ---- the widget -------------------------------------------------------------------------------
 
 QBLumoJoinSelectionPopupWidget::QBLumoJoinSelectionPopupWidget(QBEngine_LINUX* engine, Join* join,
@@ -241,8 +252,11 @@ QBLumoJoinSelectionPopupWidget::QBLumoJoinSelectionPopupWidget(QBEngine_LINUX* e
     d->conditions = makeJoinConditionPanel(engine, join, d->sourcesInSight(),
                                            d->ui.conditionBuilderContainerWidget);
     d->ui.containerLayout->addWidget(d->conditions);
-    for (QPushButton* const button : {d->ui.joinButton, d->ui.usingButton})
-        button->installEventFilter(this);
+    auto* const rows = d->conditions->rowView();
+    for (QWidget* const watched :
+         {static_cast<QWidget*>(d->ui.joinButton), static_cast<QWidget*>(d->ui.usingButton),
+          static_cast<QWidget*>(rows), rows->viewport()})
+        watched->installEventFilter(this);
     connect(d->ui.joinButton, &QPushButton::clicked, this,
             &QBLumoJoinSelectionPopupWidget::slotEditJoinType);
     connect(d->ui.usingButton, &QPushButton::clicked, this, [this] { d->editUsingList(); });
@@ -264,8 +278,15 @@ void QBLumoJoinSelectionPopupWidget::slotEditJoinType() {
     d->popup.open(kinds, d->ui.joinButton, [this, kinds] { d->takeKind(chosenJoin(kinds)); });
 }
 
+/// The rows come with the first showing.
+void QBLumoJoinSelectionPopupWidget::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!event->spontaneous()) d->conditions->rowView()->selectOnly(0);
+}
+
 /// In a popup no button is the default one, which Return would press.
 bool QBLumoJoinSelectionPopupWidget::eventFilter(QObject* watched, QEvent* event) {
+    if (d->isForTheLink(event)) return true;
     auto* const button = qobject_cast<QPushButton*>(watched);
     if (!button || !isReturn(event)) return QWidget::eventFilter(watched, event);
     button->click();
@@ -277,12 +298,6 @@ void QBLumoJoinSelectionPopupWidget::changeEvent(QEvent* event) {
     if (!d->conditions) return;  // in the making
     if (event->type() == QEvent::LanguageChange || event->type() == QEvent::PaletteChange)
         d->refresh();
-}
-
-/// The rows come with the first showing.
-void QBLumoJoinSelectionPopupWidget::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
-    if (!event->spontaneous()) d->conditions->rowView()->selectOnly(0);
 }
 
 }  // namespace QB

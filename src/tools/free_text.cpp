@@ -1,5 +1,6 @@
 #include "tools/free_text.h"
 
+#include "model/names.h"
 #include "platform/sqlet/lexer.h"
 
 namespace QB {
@@ -20,6 +21,20 @@ bool isName(const sqlet::Token& token) {
 }
 
 }  // namespace
+
+bool namesTable(const std::string& text, const std::string& table, DatabaseType family) {
+    const sqlet::TokenList list = sqlet::lex(text, family);
+    for (sqlet::TokenIndex at = 0; at + 1 < list.count(); ++at) {
+        const sqlet::Token& token = list[at];
+        const bool isFirst = at == 0 || list[at - 1].kind != sqlet::TokenKind::Dot;
+        if (!isName(token) || !isFirst || list[at + 1].kind != sqlet::TokenKind::Dot) continue;
+        const bool isQuoted = token.kind == sqlet::TokenKind::QuotedName;
+        const std::string_view written(text.data() + token.offset, token.length);
+        const std::string_view name = isQuoted ? written.substr(1, written.size() - 2) : written;
+        if (equalWithoutCase(name, table)) return true;
+    }
+    return false;
+}
 
 std::string withLineEnded(const std::string& text, DatabaseType family) {
     // An open quote or comment of several lines is no better for it.

@@ -16,4 +16,8 @@ std::string withLineEnded(const std::string& text, DatabaseType family);
 /// Thread: any.
 bool isOnePiece(const std::string& text, DatabaseType family);
 
+/// Whether @p text names something by the table of that name or alias before it, whatever the case.
+/// Thread: any.
+bool namesTable(const std::string& text, const std::string& table, DatabaseType family);
+
 }  // namespace QB

@@ -18,13 +18,6 @@ namespace {
 
 using Join = SQLJoinSourceNodeComponent;
 
-/// As it was read: somebody wrote it.
-bool saysNatural(const Join* join) {
-    constexpr std::string_view natural = "natural ";
-    const std::string_view read(join->joinText);
-    return equalWithoutCase(read.substr(0, natural.size()), natural);
-}
-
 /// Without a condition they are written as NATURAL.
 bool isOuter(const Join* join) {
     return join->joinType == SQLJoinTypeLeft || join->joinType == SQLJoinTypeRight ||
@@ -45,6 +38,12 @@ void visitJoins(const SourceNode* root, const Visit& visit) {
 }
 
 }  // namespace
+
+bool saysNatural(const Join* join) {
+    constexpr std::string_view natural = "natural ";
+    const std::string_view read(join->joinText);
+    return equalWithoutCase(read.substr(0, natural.size()), natural);
+}
 
 JoinLack lackOf(const Join* join, DatabaseType type) {
     if (!join->needsCondition() || join->hasCondition()) return JoinLack::None;

@@ -16,6 +16,9 @@ enum class JoinLack {
     Natural,
 };
 
+/// True if @p join was read as NATURAL, so that it compares all columns of the same name.
+bool saysNatural(const Component::SQL::SQLJoinSourceNodeComponent* join);
+
 /// What the lack of a condition comes to with servers of that family. Nothing is known of joins in
 /// the user's own words.
 JoinLack lackOf(const Component::SQL::SQLJoinSourceNodeComponent* join, DatabaseType type);

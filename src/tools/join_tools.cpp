@@ -126,9 +126,17 @@ private:
         return true;
     }
 
+    /// What a comparison more comes to where it is not what was drawn.
+    static std::optional<Tolk::TextId> noticeOfComparison(const SQLJoinSourceNodeComponent* join) {
+        if (!join->needsCondition()) return Tolk::TextCrossLinkKept;
+        if (!saysNatural(join) || join->hasCondition()) return {};
+        const bool isCustom = join->joinType == SQLJoinTypeCustom;
+        return isCustom ? Tolk::TextNaturalTakesNoCondition : Tolk::TextNaturalReplaced;
+    }
+
     bool addCondition(SQLJoinSourceNodeComponent* join, bool isInOrder) {
         if (m_link.fields.empty()) return false;
-        if (!join->needsCondition()) m_notice = Tolk::TextCrossLinkKept;
+        m_notice = noticeOfComparison(join);
         if (join->isUsing) return addToUsing(join);
         appendComparisons(join, m_link, isInOrder);
         return true;

@@ -27,14 +27,14 @@ using FieldPair = std::pair<std::string, std::string>;
 /// between, the right one moves next to the left one; in a clause that a text gives, nothing else
 /// changes places. Between sources that are joined already only the condition is new, on the
 /// innermost join that holds both. A join of another kind keeps its kind: a condition on a cross
-/// join is kept, but not written, and the user is told (showError). No source and no condition is
-/// lost, and each condition sees its sources.
-/// A join with a USING list takes one more name when both names are equal. Otherwise nothing
-/// happens, and the user is told (showError): USING has no room for a comparison, and written out
-/// it would no longer merge its columns, which other clauses may name bare.
-/// With both names empty the groups are joined without condition; with one empty name that side of
-/// the condition stays to be filled in. Nothing happens for a source that is null, of another kind,
-/// not in this FROM clause, or linked with itself.
+/// join is kept, but not written, one on a NATURAL join replaces what that compares, or stands
+/// where none can; the user is told (showError). No source and no condition is lost, and each
+/// condition sees its sources. A join with a USING list takes one more name when both names are
+/// equal. Otherwise nothing happens, and the user is told (showError): USING has no room for a
+/// comparison, and written out it would no longer merge its columns, which other clauses may name
+/// bare. With both names empty the groups are joined without condition; with one empty name that
+/// side of the condition stays to be filled in. Nothing happens for a source that is null, of
+/// another kind, not in this FROM clause, or linked with itself.
 void makeJoinLinkIfNecessary(QBEngine* engine, void* sender,
                              Component::SQL::SQLAbstractSourceComponent* sourceA,
                              const std::string& fieldA,

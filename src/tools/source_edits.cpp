@@ -223,7 +223,37 @@ void SourceEdits::takeOverFields(const Source* old, Source* replacement) const {
 }
 
 void SourceEdits::setAlias(int row, const std::string& alias) {
-    change<Source>(row, [&](Source* source) { source->alias = alias; });
+    change<Source>(row, [&](Source* source) {
+        const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
+        const std::string former = table && source->alias.empty() ? table->name : source->alias;
+        source->alias = alias;
+        if (!former.empty() && former != alias) noteTextsNaming(former);
+    });
+}
+
+/// Of this statement: those of a subquery may mean one of its own.
+void SourceEdits::noteTextsNaming(const std::string& table) {
+    const auto note = [&](const std::string& text) {
+        if (namesTable(text, table, m_engine->databaseType()))
+            m_stale.append(QString::fromStdString(text));
+    };
+    const auto noteIn = [&](const AbstractQueryComponent* root) {
+        Tools::visitOwnedComponents(root, [&](const AbstractQueryComponent* part) {
+            const auto* column = dynamic_cast<const SQLAnyExpressionColumnComponent*>(part);
+            if (column) note(column->expression);
+        });
+    };
+    const SQLSelectStmtComponent* const statement = Tools::Validation::currentStatement(m_engine);
+    for (const auto* columns : {&statement->selectColumnExpr->columns,
+                                &statement->groupByExpr->columns, &statement->orderByExpr->columns})
+        std::for_each(columns->begin(), columns->end(), noteIn);
+    noteIn(statement->whereExpr->root);
+    noteIn(statement->havingExpr->root);
+    Tools::visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
+        if (const auto* join = dynamic_cast<const Join*>(node->value)) noteIn(join->condition);
+        if (const auto* text = dynamic_cast<const SQLAnyExpressionSourceComponent*>(node->value))
+            note(text->expression);
+    });
 }
 
 void SourceEdits::setExpression(int row, const std::string& text) {
@@ -358,6 +388,7 @@ QString SourceEdits::textOf(const Condition* condition) const {
 void SourceEdits::tellConditions() const {
     tell(Tolk::TextConditionsRemoved, m_removed);
     tell(Tolk::TextConditionsBlind, m_blind);
+    tell(Tolk::TextExpressionsKeepName, m_stale);
     Tools::SQL::tellNaturalJoins(m_natural);
 }
 

@@ -70,6 +70,7 @@ public:
     void changeConditionForm(int row);
     /// Null: none.
     void setUsingList(int row, std::unique_ptr<Condition> list);
+    /// Fields follow. Texts that name the source do not: they are told.
     void setAlias(int row, const std::string& alias);
     void setTable(int row, const std::vector<std::string>& path, const std::string& name);
     void setExpression(int row, const std::string& text);
@@ -78,8 +79,8 @@ public:
     void group(const Items& items);
     void ungroup(const Items& items);
 
-    /// Tells the user (showError) what the edits so far did to conditions, if anything. To be
-    /// called last: the host may end all of this.
+    /// Tells the user (showError) what the edits so far did to conditions and texts, if anything.
+    /// To be called last: the host may end all of this.
     void tellConditions() const;
 
 private:
@@ -105,6 +106,7 @@ private:
     void removeBlind(Slot root, const Conditions& before, const std::set<const Source*>& gone);
     void tellBlind(Slot root, const Conditions& before);
     QString textOf(const Condition* condition) const;
+    void noteTextsNaming(const std::string& table);
 
     QBEngine* const m_engine;  // not owned
     Rows* const m_rows;        // not owned
@@ -112,6 +114,7 @@ private:
     // A line for each condition.
     QStringList m_removed;
     QStringList m_blind;
+    QStringList m_stale;                 // texts that name what has another name now
     std::vector<std::string> m_natural;  // see NaturalJoinWatch
 };
 

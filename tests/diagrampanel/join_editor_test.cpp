@@ -3,10 +3,7 @@
 
 #include "diagrampanel/diagram_popups.h"
 #include "diagrampanel/lumo_join_selection_popup_widget.h"
-#include "support/from_clause.h"
-#include "support/panel_desk.h"
-#include "support/qt_animations.h"
-#include "support/text_check.h"
+#include "support/story_desk.h"
 #include "tools/join_tools.h"
 
 namespace QB {
@@ -19,7 +16,7 @@ using Test::Delivery;
 ///
 ///     alias t       the popup for the alias of that source; text x: for the text of a subquery
 ///     link 0        the editor of the join of that number, in text order
-///     kind, using   its buttons; join 3: that kind (SQLJoinType) in the list
+///     kind, using   its buttons
 ///
 /// What happens elsewhere:
 ///
@@ -46,7 +43,7 @@ public:
         window.resize(500, 300);
         window.show();
         window.activateWindow();
-        isReady = QTest::qWaitForWindowActive(&window);
+        QVERIFY(QTest::qWaitForWindowActive(&window));
         view->setFocus();
     }
     ~Desk() override { popups.reset(); }
@@ -124,7 +121,6 @@ public:
         if (word == "link") return editJoin(rest.toInt());
         if (word == "kind") return clickOn(button("joinButton"));
         if (word == "using") return clickOn(button("usingButton"));
-        if (word == "join") return chooseJoin(rest.toInt());
         if (word == "shows") return shown() == rest || (qWarning() << shown(), false);
         if (word == "offers" || word == "hides") return isOffered(rest) == (word == "offers");
         if (word == "open") return popups->isOpen();
@@ -169,7 +165,6 @@ public:
     QWidget* view;  // owned by the panel
     std::unique_ptr<DiagramPopups> popups;
     std::string record;
-    bool isReady = false;
 };
 
 #define TU "SELECT * FROM t INNER JOIN u ON t.a = u.a"
@@ -229,7 +224,9 @@ const Test::Story stories[] = {
      "link 0; key Ins; key Return; key Down; key Down; key Return; key Return; key Down; "
      "key Down; key Down; key Return; key Esc; closed",
      "SELECT * FROM t INNER JOIN u ON t.a = t.b"},
-    {"a condition removed", TU, "link 0; key Del; shows t INNER JOIN u",
+    {"a Delete that was meant for the link takes no condition", TU,
+     "link 0; key Del; key Del; key Esc", TU},
+    {"a condition removed", TU, "link 0; key Up; key Del; shows t INNER JOIN u",
      "SELECT * FROM t INNER JOIN u"},
     {"only what the join sees is offered", "SELECT * FROM v, t INNER JOIN u ON t.a = u.a",
      "link 1; key Return; offers t.a; hides v.a; key Esc; turn 0 2; shows t INNER JOIN u; "
@@ -245,7 +242,7 @@ const Test::Story stories[] = {
     {"another's kind and names show", TU, "link 0; turn 0 4; rename t x; shows x RIGHT JOIN u",
      "SELECT * FROM t AS x RIGHT JOIN u ON x.a = u.a"},
     {"an undone change leaves the editor", TU,
-     "link 0; turn 0 4; undo; shows t INNER JOIN u; key Del; kind; join 5",
+     "link 0; turn 0 4; undo; shows t INNER JOIN u; key Up; key Del; kind; join 5",
      "SELECT * FROM t CROSS JOIN u"},
     {"a layer of its own", SUB, "push x; link 0; kind; join 2; key Esc; pop",
      "SELECT x.a FROM ( SELECT t.a FROM t INNER JOIN u ON t.a = u.a ) AS x, v"},
@@ -283,12 +280,7 @@ private Q_SLOTS:
     void cleanupTestCase() { QB::Test::outliveAnimations(); }
 
     void everyEditGivesItsText_data() { Test::addStories(stories); }
-    void everyEditGivesItsText() {
-        const Test::TextCheck textCheck;
-        Desk desk(Test::hostOfTest());
-        QVERIFY(desk.isReady);
-        desk.tell(Test::storyOfTest(stories));
-    }
+    void everyEditGivesItsText() { Test::tellStory<Desk>(stories); }
 
     void popupsEndWithWhatTheyAreForAndChangeNothing_data() { Test::addStories(ends); }
     void popupsEndWithWhatTheyAreForAndChangeNothing() {

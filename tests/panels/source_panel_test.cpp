@@ -1,9 +1,6 @@
 #include "panels/source_selection_panel_widget.h"
 
-#include "support/from_clause.h"
-#include "support/panel_desk.h"
-#include "support/qt_animations.h"
-#include "support/text_check.h"
+#include "support/story_desk.h"
 
 namespace QB {
 namespace {
@@ -14,7 +11,6 @@ using Test::Delivery;
 /// The FROM panel over a server with the tables t, u, v and w. Parts of rows go by the names in
 /// their forms. Further events:
 ///
-///     join 3        that kind of join (SQLJoinType) in the popup
 ///     back          leave the layer
 class Desk : public Test::PanelDesk {
 public:
@@ -42,8 +38,7 @@ public:
         return all.join('|');
     }
 
-    bool runOwn(const QString& word, const QString& rest) override {
-        if (word == "join") return chooseJoin(rest.toInt());
+    bool runOwn(const QString& word, const QString&) override {
         if (word != "back") return false;
         engine->popCurrentLayerTopLevelQueryComponent();
         return true;
@@ -130,6 +125,11 @@ const Test::Story stories[] = {
     // aliases
     {"fields follow an alias", "SELECT t.a FROM t INNER JOIN u ON t.a = u.a",
      "click 0 aliasLabel; type x; key Return", "SELECT x.a FROM t AS x INNER JOIN u ON x.a = u.a"},
+    {"texts do not follow, and are told",
+     "SELECT lower(t.a), lower(x.t.a), lower('t.a') FROM t INNER JOIN u ON t.a = upper(`t`.b)",
+     "click 0 aliasLabel; type x; key Return",
+     "SELECT lower(t.a), lower(x.t.a), lower('t.a') FROM t AS x INNER JOIN u ON x.a = upper(`t`.b)",
+     "lower(t.a)\nupper(`t`.b)"},
     {"an alias is taken away", "SELECT x.a FROM t AS x",
      "click 0 aliasLabel; key Del; outside; click 0 aliasLabel; type y; key Esc",
      "SELECT t.a FROM t"},
@@ -238,11 +238,7 @@ private Q_SLOTS:
     void cleanupTestCase() { QB::Test::outliveAnimations(); }
 
     void everyEditGivesItsText_data() { Test::addStories(stories); }
-    void everyEditGivesItsText() {
-        const Test::TextCheck textCheck;
-        Desk desk(Test::hostOfTest());
-        desk.tell(Test::storyOfTest(stories));
-    }
+    void everyEditGivesItsText() { Test::tellStory<Desk>(stories); }
 
     void theMenuOffersWhatTheRowAllows() {
         struct Row {

@@ -62,7 +62,9 @@ struct Story {
 /// A clause panel in a window, over a server with the tables t (a, b, c) and u (a, d) in the schema
 /// main, and more with the field a. All that a user does goes through the windows, told as text:
 ///
-///     desk.run("click 0 add; pick t.c; key Ctrl+Up")
+///     desk.run("click 0 add; pick t.c; key Ctrl+Up; join 3")
+///
+/// "join 3" is a click at that kind (SQLJoinType) in a list of them.
 class PanelDesk : public WindowEvents {
 public:
     PanelDesk(Delivery delivery, DatabaseType family,
@@ -226,6 +228,7 @@ public:
         if (word == "button") return clickOn(listPanel->findChild<QAbstractButton*>(rest));
         if (word == "menu") return openMenu(row) && choose(what);
         if (word == "choose") return choose(rest);
+        if (word == "join") return chooseJoin(rest.toInt());
         if (word == "drag") return drag(row, what.toInt());
         if (word != "hold" && word != "deliver") return false;
         isHeld = word == "hold";

@@ -166,6 +166,14 @@ TEST_F(JoinTools, KeepTheConditionOfACrossJoinAndTellOfIt) {
     EXPECT_EQ(m_host.errors.size(), 1U);
     find<Join>("X")->joinType = SQLJoinTypeInner;
     EXPECT_EQ(conditions(), "a=b");
+    for (const char* const natural : {"L", "J"}) {
+        setTree(natural + std::string("(a,b)"));
+        find<Join>(natural)->joinText = "Natural Join";
+        m_host.errors.clear();
+        run("a-b a-b");
+        EXPECT_EQ(conditions(), "a=b&a=b");
+        EXPECT_EQ(m_host.errors.size(), 1U) << natural;
+    }
 }
 
 TEST_F(JoinTools, TellWhenAJoinComesToCompareColumnsThatNobodyWrote) {
