@@ -70,16 +70,22 @@ void QBDiagramObjectTreePanelWidget::setUpFilterLine() {
 }
 
 void QBDiagramObjectTreePanelWidget::setUpShortcuts() {
-    const auto add = [this](const QKeySequence& keys, auto action) {
-        auto* shortcut = new QShortcut(keys, this);
-        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
-        connect(shortcut, &QShortcut::activated, this, action);
-    };
-    add(QKeySequence(Qt::Key_F5), [this] { refreshCurrentOrAll(); });
-    add(QKeySequence(QKeySequence::Find), [this] {
-        ui->filterLineEdit->setFocus(Qt::ShortcutFocusReason);
-        ui->filterLineEdit->selectAll();
-    });
+    addShortcut(this, QKeySequence(Qt::Key_F5), [this] { refreshCurrentOrAll(); });
+    addShortcut(this, QKeySequence::Find, [this] { find(); });
+}
+
+/// Anywhere in @p where, which owns the result.
+QShortcut* QBDiagramObjectTreePanelWidget::addShortcut(QWidget* where, const QKeySequence& keys,
+                                                       const std::function<void()>& action) {
+    auto* shortcut = new QShortcut(keys, where);
+    shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(shortcut, &QShortcut::activated, this, action);
+    return shortcut;
+}
+
+void QBDiagramObjectTreePanelWidget::find() {
+    ui->filterLineEdit->setFocus(Qt::ShortcutFocusReason);
+    ui->filterLineEdit->selectAll();
 }
 
 void QBDiagramObjectTreePanelWidget::retranslate() {
@@ -203,6 +209,8 @@ void QBDiagramObjectTreePanelWidget::refreshCurrentOrAll() {
 
 void QBDiagramObjectTreePanelWidget::setPartnerDiagram(QBDiagramPanelWidget* diagram) {
     m_partnerDiagram = diagram;
+    delete m_findFromDiagram;
+    if (diagram) m_findFromDiagram = addShortcut(diagram, QKeySequence::Find, [this] { find(); });
 }
 
 QBDiagramPanelWidget* QBDiagramObjectTreePanelWidget::partnerDiagram() const {

@@ -2,13 +2,16 @@
 
 #include <QPointer>
 #include <QString>
+#include <functional>
 #include <memory>
 #include <vector>
 
 #include "model/export.h"
 #include "widgets/panel_widget.h"
 
+class QKeySequence;
 class QPoint;
+class QShortcut;
 class QTimer;
 class QTreeWidgetItem;
 
@@ -32,9 +35,9 @@ struct QBIdentifierCandidate;
 ///
 /// Mouse and keyboard: a double click, Enter or Return hands a table or view to the partner
 /// diagram, as does dragging it there; F5 refreshes the current row, or everything if there is
-/// none; the menu key opens the row's menu; Ctrl+F goes to the filter line, from which Escape
-/// clears the text, and Down or Enter goes on to the first row found.
-/// Thread: main.
+/// none; the menu key opens the row's menu; Ctrl+F, in the diagram too, goes to the filter line,
+/// from which Escape clears the text, and Down or Enter goes on to the first row found. Thread:
+/// main.
 class QB_EXPORT QBDiagramObjectTreePanelWidget : public QBPanelWidget {
     Q_OBJECT
 
@@ -83,6 +86,9 @@ private:
     void setUpTree();
     void setUpFilterLine();
     void setUpShortcuts();
+    QShortcut* addShortcut(QWidget* where, const QKeySequence& keys,
+                           const std::function<void()>& action);
+    void find();
     void retranslate();
     void connectEngine();
     void setLoadingWholeTree(bool isLoading);
@@ -100,6 +106,7 @@ private:
 
     const std::unique_ptr<Ui::QBDiagramObjectTreePanelWidget> ui;
     QPointer<QBDiagramPanelWidget> m_partnerDiagram;  // not owned: cleared when it is destroyed
+    QPointer<QShortcut> m_findFromDiagram;            // owned by the partner
     std::unique_ptr<ObjectTreeRows> m_rows;
     QTimer* m_filterDelay;  // owned by the widget
     QString m_appliedFilter;

@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 #include <QtTest>
 
+#include "canvas/view/lumo_ui_view.h"
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
 #include "diagrampanel/diagram_panel_widget.h"
 #include "frame/clause_tabs.h"
@@ -368,6 +369,10 @@ private Q_SLOTS:
             if (QApplication::focusWidget() == expected[next]) ++next;
         }
         QCOMPARE(next, expected.size());
+        // From the diagram, to which letters are commands.
+        m_builder->findChild<DiagramLumo::QBLumoUIView*>()->setFocus();
+        QTest::keyClick(m_builder->windowHandle(), Qt::Key_F, Qt::ControlModifier);
+        QCOMPARE(QApplication::focusWidget(), filter);
     }
 
 private:
