@@ -118,6 +118,11 @@ QBLumoDiagramDrawer::Callbacks DiagramCallbacks::callbacks() const {
     all.findUsingColumnsOfJoinComponent = [](const Join* join, std::vector<std::string>& columns) {
         columns = Tools::SQL::usingColumns(join);
     };
+    all.requestRemoveUsingColumns = [this](const Tools::SQL::UsingColumns& columns) {
+        m_panel->synchroniseLater();
+        if (!statement() || engine()->isParsingQuery()) return;
+        Tools::SQL::removeUsingColumns(engine(), m_panel, columns);
+    };
     return all;
 }
 

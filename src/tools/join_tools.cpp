@@ -14,6 +14,7 @@
 #include "layouts/source_tree_surgery.h"
 #include "model/callbacks.h"
 #include "model/detached_parts.h"
+#include "model/tree_walks.h"
 #include "platform/tolk/tolk.h"
 #include "tools/join_edits.h"
 #include "tools/join_lack.h"
@@ -309,6 +310,20 @@ void removeJoins(
         return hasChanged;
     });
     tellNaturalJoins(natural);
+}
+
+void removeUsingColumns(QBEngine* engine, void* sender, const UsingColumns& columns) {
+    if (!engine || columns.empty()) return;
+    modifySources(engine, sender, [&](ELEMSQLSourceExpr* element) {
+        bool hasChanged = false;
+        visitSourceNodes(element->root, [&](const SourceNode* node) {
+            auto* const join = dynamic_cast<SQLJoinSourceNodeComponent*>(node->value);
+            const auto found = join ? columns.find(join) : columns.end();
+            if (found == columns.end()) return;
+            hasChanged = removeFromUsingList(join, found->second) || hasChanged;
+        });
+        return hasChanged;
+    });
 }
 
 }  // namespace QB::Tools::SQL

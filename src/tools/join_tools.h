@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,6 +61,12 @@ void removeJoins(
     QBEngine* engine, void* sender,
     const std::vector<std::pair<Component::SQL::SQLJoinSourceNodeComponent*,
                                 Component::SQL::SQLCompareConditionComponent*>>& joins);
+
+/// Columns of USING, by their places in the list, and the joins that they belong to.
+using UsingColumns =
+    std::map<const Component::SQL::SQLJoinSourceNodeComponent*, std::set<std::size_t>>;
+/// Takes columns out of USING lists, in one modification. Joins are found by their address.
+void removeUsingColumns(QBEngine* engine, void* sender, const UsingColumns& columns);
 
 /// The fields that the condition of the join in @p joinNode begins its operands with, each with the
 /// source below the join that it belongs to: by its reference, or without one by its qualifiers,

@@ -29,6 +29,7 @@ char closingQuote(char open) {
 struct ListedName {
     std::string name;
     bool isQuoted = false;
+    std::string written;  // with what stands around it
 };
 
 std::vector<ListedName> namesIn(const std::string& list) {
@@ -36,8 +37,10 @@ std::vector<ListedName> namesIn(const std::string& list) {
     char quote = 0;
     for (std::size_t i = 0; i < list.size(); ++i) {
         const char letter = list[i];
+        if (quote || letter != ',') names.back().written += letter;
         if (quote && letter == quote && i + 1 < list.size() && list[i + 1] == quote) {
-            names.back().name += list[++i];
+            names.back().written += list[++i];
+            names.back().name += letter;
         } else if (quote && letter == quote) {
             quote = 0;
         } else if (quote) {
@@ -76,6 +79,21 @@ std::vector<std::string> usingColumns(const SQLJoinSourceNodeComponent* join) {
     for (ListedName& listed : namesIn(list ? list->expression : std::string()))
         if (!listed.name.empty()) columns.push_back(std::move(listed.name));
     return columns;
+}
+
+bool removeFromUsingList(SQLJoinSourceNodeComponent* join, const std::set<std::size_t>& places) {
+    if (usingColumns(join).empty()) return false;
+    std::string& list = textOfList(join);
+    std::string rest;
+    std::size_t place = 0;
+    for (const ListedName& listed : namesIn(list)) {
+        if (listed.name.empty() || places.count(place++) > 0) continue;
+        rest += rest.empty() ? listed.written.substr(listed.written.find_first_not_of(' '))
+                             : ',' + listed.written;
+    }
+    const bool isChange = rest != list;
+    list = std::move(rest);
+    return isChange;
 }
 
 bool addToUsingList(SQLJoinSourceNodeComponent* join, const std::string& name,

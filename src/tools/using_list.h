@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,10 @@ bool canBeUsingList(const Component::SQL::SQLJoinSourceNodeComponent* join);
 
 /// The names in the list as they are without quotes; none for a condition that is no such list.
 std::vector<std::string> usingColumns(const Component::SQL::SQLJoinSourceNodeComponent* join);
+
+/// Takes names out of the list, by their places in usingColumns(). Returns true if there was one.
+bool removeFromUsingList(Component::SQL::SQLJoinSourceNodeComponent* join,
+                         const std::set<std::size_t>& places);
 
 /// Adds a column to the list, for which canBeUsingList is true; @p quoted is @p name as the text is
 /// to have it. Nothing if it is there already, with or without quotes, in whatever case if without.

@@ -194,8 +194,9 @@ private:
         std::set<std::string> sure, possible;
         for (const auto* column : columns) {
             const auto* const field = dynamic_cast<const SQLFieldColumnComponent*>(column);
-            if (field && field->source == source) sure.insert(field->fieldName);
-            if (field && !field->source) possible.insert(field->fieldName);
+            if (!field || !field->aggregateFunction.empty()) continue;  // which are no ticks
+            if (field->source == source) sure.insert(field->fieldName);
+            if (!field->source) possible.insert(field->fieldName);
         }
         for (const std::string& name : body->fieldNames()) {
             const bool isTicked = body->isFieldSelected(name);

@@ -84,6 +84,9 @@ public:
         /// The columns that a join with USING compares; none for another.
         std::function<void(const Join*, std::vector<std::string>& columns)>
             findUsingColumnsOfJoinComponent;
+        /// Some columns of USING lists, by their places there; as requestRemoveJoins.
+        std::function<void(const std::map<const Join*, std::set<std::size_t>>&)>
+            requestRemoveUsingColumns;
     };
 
     QBLumoDiagramDrawer();
@@ -148,8 +151,8 @@ public:
 
     /// Ticks exactly these fields; "" is the wildcard.
     virtual void setItemFieldSelection(Source* component, const std::vector<std::string>& names);
-    /// Whether names of tables and fields that differ in case alone are of different ones, as at the
-    /// start. Counts for items that are drawn from then on.
+    /// Whether names of tables and fields that differ in case alone are of different ones, as at
+    /// the start. Counts for items that are drawn from then on.
     void setNamesHaveCase(bool haveCase) { m_namesHaveCase = haveCase; }
     /// The fields that an item lists, without the wildcard.
     void setItemFields(Source* component, const std::vector<std::string>& fields);
@@ -229,8 +232,8 @@ private:
     struct LinkEntry {
         Join* join;
         long joinId;
-        Compare* condition;  // not owned; null for the table link and for that of a USING list
-        long conditionId;    // 0 for the table link
+        Compare* condition;  // not owned; null for the table link and columns of USING
+        long conditionId;    // 0 for the table link; -1, -2 ... for columns of USING
         DiagramLumo::QBLumoJoinLink* link;  // not owned: a child of the diagram
     };
     using LinkMap = std::multimap<Source*, LinkEntry, std::less<>>;  // by the join
@@ -256,6 +259,7 @@ private:
     LinkMap::iterator removeLink(LinkMap::iterator link);
     void removeLinks(const Source* join);
     void rebindConditions(const Join* join);
+    bool showsUsingColumns(const Source* join) const;
     const LinkEntry* entryOf(const DiagramLumo::QBLumoJoinLink* link) const;
     const LinkEntry* shownLinkOf(const Source* join) const;
     void askToEdit(const LinkEntry& link, bool byUser) const;

@@ -70,10 +70,10 @@ public:
 
     void draw() {
         findSources();
-        show({}, {tablePair()});
+        show({}, tablePair());
         for (Compare* const condition : comparisonsOf(m_join))
-            show({condition, condition->id()}, {fieldPair(condition)});
-        if (isUsingList(m_join)) show({nullptr, m_join->condition->id()}, usingPairs());
+            show({condition, condition->id()}, fieldPair(condition));
+        if (isUsingList(m_join)) showUsingColumns();
         for (const auto& [id, link] : m_former)
             m_drawer->removeLink(link);
         if (m_drawer->m_layerRebuilds > 0) return;
@@ -83,8 +83,6 @@ public:
 
 private:
     using Pair = QBLumoJoinLink::AdaptorPair;
-    using Pairs = std::vector<Pair>;  // without nulls
-
     /// What a link stands for, as in LinkEntry.
     struct Meaning {
         Compare* condition = nullptr;
@@ -145,19 +143,19 @@ private:
     }
 
     /// Each name of a USING list is a column of both neighbours, or of a source further left.
-    Pairs usingPairs() const {
+    void showUsingColumns() {
         std::vector<std::string> columns;
         tell(m_drawer->m_callbacks.findUsingColumnsOfJoinComponent, m_join, columns);
         const auto [left, right] = neighbours();
         QBLumoItem* const rightItem = itemOf(right);
-        Pairs pairs;
+        long number = 0;
         for (const std::string& column : columns) {
             QBLumoItem* const leftItem = leftItemWith(column, left, rightItem);
+            --number;
             if (!leftItem || !rightItem) continue;
-            pairs.emplace_back(leftItem->getBody()->adaptorForField(column),
-                               rightItem->getBody()->adaptorForField(column));
+            show({nullptr, number}, {leftItem->getBody()->adaptorForField(column),
+                                     rightItem->getBody()->adaptorForField(column)});
         }
-        return pairs;
     }
 
     /// The neighbour unless it is known not to have that field.
@@ -177,39 +175,56 @@ private:
         return atLeft.empty() ? next : itemOf(atLeft.front());
     }
 
-    void show(const Meaning& meaning, Pairs pairs) {
-        pairs.erase(std::remove(pairs.begin(), pairs.end(), Pair()), pairs.end());
+    /// With nulls for a pair only the link of the tables stays.
+    void show(const Meaning& meaning, const Pair& pair) {
         const bool isTable = meaning.conditionId == 0;
-        if (pairs.empty() && !isTable) return;
+        if (!pair.first && !isTable) return;
         const auto former = m_former.find(meaning.conditionId);
-        if (former == m_former.end()) return showNew(meaning, pairs);
+        if (former == m_former.end()) return showNew(meaning, pair);
         LinkEntry& entry = former->second->second;
         m_former.erase(former);
         entry.condition = meaning.condition;
-        if (isUpToDate(entry.link, pairs)) return;
+        if (isUpToDate(entry.link, pair)) return;
         entry.link->removeAllAdaptors();
-        fill(entry.link, isTable, pairs);
+        fill(entry.link, isTable, pair);
     }
 
-    void showNew(const Meaning& meaning, const Pairs& pairs) {
+    /// Below the items and the other links of the join, whenever it comes: a query looks the same
+    /// however it was made.
+    int placeOfNew() const {
+        std::unordered_set<const LumoObject*> own;
+        const auto range = m_drawer->m_joinLinks.equal_range(m_join);
+        for (auto link = range.first; link != range.second; ++link)
+            own.insert(link->second.link);
+        int place = 0;
+        for (const LumoObject* child : m_drawer->m_diagram->getChildren()) {
+            if (own.count(child) > 0) return place;
+            if (dynamic_cast<const QBLumoItem*>(child)) break;
+            ++place;
+        }
+        return 0;
+    }
+
+    void showNew(const Meaning& meaning, const Pair& pair) {
         auto* const link = new QBLumoJoinLink;
-        m_drawer->m_diagram->addChild(link, 0);
+        m_drawer->m_diagram->addChild(link, placeOfNew());
         m_drawer->m_joinLinks.emplace(
             m_join, LinkEntry{m_join, m_join->id(), meaning.condition, meaning.conditionId, link});
-        fill(link, meaning.conditionId == 0, pairs);
+        fill(link, meaning.conditionId == 0, pair);
     }
 
-    bool isUpToDate(const QBLumoJoinLink* link, const Pairs& wanted) const {
+    bool isUpToDate(const QBLumoJoinLink* link, const Pair& pair) const {
+        const std::vector<Pair> wanted = pair.first ? std::vector<Pair>{pair} : std::vector<Pair>{};
         return link->getJoinType() == m_join->joinType && link->getLabel() == m_label &&
                link->allAdaptorPairs() == wanted;
     }
 
-    void fill(QBLumoJoinLink* link, bool isTable, const Pairs& pairs) {
+    void fill(QBLumoJoinLink* link, bool isTable, const Pair& pair) {
         link->setJoinType(m_join->joinType);
         link->setLabel(m_label);
-        for (const auto& [left, right] : pairs)
-            isTable ? link->setTableAdaptors(left, right) : link->addFieldAdaptors(left, right);
-        if (!pairs.empty()) m_changed.push_back(link);
+        isTable ? link->setTableAdaptors(pair.first, pair.second)
+                : link->addFieldAdaptors(pair.first, pair.second);
+        if (pair.first) m_changed.push_back(link);
     }
 
     QBLumoDiagramDrawer* const m_drawer;  // not owned
@@ -246,14 +261,14 @@ void QBLumoDiagramDrawer::rebindConditions(const Join* join) {
     std::unordered_map<long, Compare*> conditions{{0, nullptr}};
     for (Compare* const condition : comparisonsOf(join))
         conditions[condition->id()] = condition;
-    if (isUsingList(join)) conditions[join->condition->id()] = nullptr;
     for (auto link = m_joinLinks.find(join); link != m_joinLinks.end() && link->first == join;) {
         const auto condition = conditions.find(link->second.conditionId);
-        if (condition == conditions.end()) {
+        const bool isUsing = link->second.conditionId < 0 && isUsingList(join);
+        if (condition == conditions.end() && !isUsing) {
             link = removeLink(link);
             continue;
         }
-        link->second.condition = condition->second;
+        link->second.condition = isUsing ? nullptr : condition->second;
         ++link;
     }
 }
@@ -275,13 +290,27 @@ void QBLumoDiagramDrawer::joinLinksWillBeDeleted(const std::vector<QBLumoJoinLin
     for (auto entry = m_joinLinks.begin(); entry != m_joinLinks.end(); ++entry)
         entries.emplace(entry->second.link, entry);
     std::vector<std::pair<Join*, Compare*>> removed;
+    std::map<const Join*, std::set<std::size_t>> columns;
     for (const QBLumoJoinLink* link : links) {
         const auto found = entries.find(link);
         if (found == entries.end()) continue;
-        removed.emplace_back(found->second->second.join, found->second->second.condition);
+        const LinkEntry entry = found->second->second;
         m_joinLinks.erase(found->second);
+        if (entry.conditionId < 0)
+            columns[entry.join].insert(static_cast<std::size_t>(-entry.conditionId - 1));
+        if (entry.conditionId >= 0 || !showsUsingColumns(entry.join))
+            removed.emplace_back(entry.join, entry.condition);
     }
+    for (const auto& [join, condition] : removed)
+        if (!condition) columns.erase(join);  // all of it goes
     if (!removed.empty()) tell(m_callbacks.requestRemoveJoins, removed);
+    if (!columns.empty()) tell(m_callbacks.requestRemoveUsingColumns, columns);
+}
+
+bool QBLumoDiagramDrawer::showsUsingColumns(const Source* join) const {
+    const auto range = m_joinLinks.equal_range(join);
+    return std::any_of(range.first, range.second,
+                       [](const auto& entry) { return entry.second.conditionId < 0; });
 }
 
 void QBLumoDiagramDrawer::editJoin(Join* join, bool byUser) {
