@@ -380,7 +380,8 @@ void QBDiagramPanelWidget::fieldsFilled() {
     if (!isShown(present)) return;
     for (const DiagramPart& part : diagramPartsOf(present->sourceExpr->root)) {
         const auto* join = dynamic_cast<const SQLJoinSourceNodeComponent*>(part.component);
-        if (join && join->isUsing) m_drawer->updateComponentInDiagram(part.component);
+        const bool isDrawn = m_drawer->drawnId(part.component) == part.id;
+        if (isDrawn && join && join->isUsing) m_drawer->updateComponentInDiagram(part.component);
     }
     synchroniseTicks();
 }
