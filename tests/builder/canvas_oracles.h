@@ -38,6 +38,10 @@ public:
         diagram()->getAnimationTimer()->step(10);
         if (!QTest::qWaitFor([] { return LumoTimer::repeatingCount() == 0; }))
             m_faults << "a timer runs for ever";
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(view()->viewport(), &leave);
+        m_probes.checkHover(dispatcher(), true);
+        m_faults += m_probes.takeFaults();
         checkDump();
         checkIdle();
         return m_faults.join("; ");
@@ -75,6 +79,8 @@ private:
         require(!dispatcher()->isDragging(), "a drag without a button");
         require(!diagram()->draggedItem(), "an item is dragged without a button");
         require(!isGrabLost(), "a grab without a button");
+        require(LumoTimer::repeatingCount() <= diagram()->getAnimationTimer()->isTicking(),
+                "a timer without a gesture");
         const bool keys = diagram()->focusedObject() != nullptr;
         require(keys || !diagram()->isLinkDragActive(), "a link without a gesture");
         for (const QBLumoItem* item : diagram()->items()) {
@@ -128,12 +134,16 @@ private:
         const QImage after = onScreen();
         if (before == after || before.size() != after.size()) return;
         const QRect differs = difference(before, after);
-        if (!differs.isEmpty())
-            m_faults << QString("painted anew it differs at %1,%2 %3x%4")
-                            .arg(differs.x())
-                            .arg(differs.y())
-                            .arg(differs.width())
-                            .arg(differs.height());
+        if (differs.isEmpty()) return;
+        if (const char* const folder = std::getenv("JOINERY_MONKEY_PICTURES")) {
+            before.save(QString(folder) + "/before.png");
+            after.save(QString(folder) + "/after.png");
+        }
+        m_faults << QString("painted anew it differs at %1,%2 %3x%4")
+                        .arg(differs.x())
+                        .arg(differs.y())
+                        .arg(differs.width())
+                        .arg(differs.height());
     }
     /// Edges that a clip cuts are smoothed a little differently.
     static QRect difference(const QImage& a, const QImage& b) {

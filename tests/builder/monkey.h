@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QNativeGestureEvent>
 #include <QPainter>
+#include <QTemporaryDir>
 #include <map>
 
 #include "builder/monkey_hands.h"
@@ -89,6 +90,7 @@ private:
             {4, "move of an item", {canvas}, &Monkey::moveItem},
             {4, "resize of an item", {canvas}, &Monkey::resizeItem},
             {4, "rubber band", {canvas}, &Monkey::dragBand},
+            {8, "gesture disturbed", {query, canvas, host}, &Monkey::disturbGesture},
             {8, "link drawn", {query}, &Monkey::drawLink},
             {4, "wheel", {canvas, host}, &Monkey::turnWheel},
             {4, "wheel with Ctrl", {canvas}, &Monkey::zoom},
@@ -108,7 +110,7 @@ private:
             {3, "size of the window", {host}, &Monkey::resizeWindow},
             {3, "pane", {host}, &Monkey::togglePane},
             {3, "relation mode", {canvas}, &Monkey::changeRelation},
-            {3, "arrange", {canvas}, &Monkey::arrange},
+            {4, "command of the canvas", {canvas, host}, &Monkey::commandCanvas},
             {3, "layout saved", {host}, &Monkey::saveLayout},
             {4, "layout loaded", {canvas}, &Monkey::loadLayout},
             {3, "bad layout loaded", {host}, &Monkey::loadBadLayout},
@@ -240,7 +242,8 @@ private:
             places().view()->setFocus(Qt::TabFocusReason);
         const char* const key = m_dice.pickFrom(keys);
         note(key);
-        press(key);
+        for (int times = m_dice.isOneIn(6) ? 5 : 1, i = 0; i < times; ++i)
+            m_desk.press(key, i > 0);
     }
     void tick() {
         m_desk.rest();
@@ -269,6 +272,44 @@ private:
         drag(inWindow(pointIn(area)), inWindow(pointIn(area)),
              m_dice.isOneIn(3) ? Qt::ControlModifier : Qt::NoModifier);
     }
+    /// Something else comes before its end, which is not told to who does not look any more.
+    void disturbGesture() {
+        static const std::vector<Qt::MouseButton> buttons = {
+            Qt::LeftButton, Qt::LeftButton, Qt::LeftButton, Qt::MiddleButton, Qt::RightButton};
+        static const std::vector<void (Monkey::*)()> disturbances = {
+            &Monkey::pressCanvasKey, &Monkey::pressCanvasKey, &Monkey::zoom,
+            &Monkey::removeForeign,  &Monkey::removeForeign,  &Monkey::parse,
+            &Monkey::undo,           &Monkey::commandCanvas,  &Monkey::hideAndShow,
+            &Monkey::pressOther,     &Monkey::reload};
+        m_desk.rest();
+        const QPoint from = inWindow(canvasPoint());
+        const Qt::MouseButton button = m_dice.pickFrom(buttons);
+        note(QString::number(button));
+        note(from);
+        send(QEvent::MouseMove, from);
+        send(QEvent::MouseButtonPress, from, button);
+        const auto wander = [&] {
+            for (int step = m_dice.pick(4); step > 0; --step)
+                send(QEvent::MouseMove, from + QPoint(m_dice.pick(600) - 300, m_dice.pick(400)));
+        };
+        wander();
+        (this->*m_dice.pickFrom(disturbances))();
+        if (m_dice.isOneIn(2)) m_desk.settle();
+        wander();
+        send(QEvent::MouseButtonRelease, from + QPoint(m_dice.pick(90), 20), button);
+    }
+    void pressOther() {
+        const QPoint place = inWindow(pointIn(places().view()->viewport()));
+        send(QEvent::MouseButtonPress, place, Qt::MiddleButton);
+        send(QEvent::MouseButtonRelease, place, Qt::MiddleButton);
+    }
+    void hideAndShow() {
+        note("hidden");
+        m_desk.window.hide();
+        m_desk.settle();
+        m_desk.window.show();
+        m_desk.window.activateWindow();
+    }
     void drawLink() {
         m_desk.rest();
         if (places().diagram()->items().size() < 2) return;
@@ -295,7 +336,7 @@ private:
     /// Down the tree of the diagram, to do there what is offered.
     void askAccessible() {
         m_desk.rest();
-        QAccessible::setActive(true);
+        QAccessible::setActive(m_dice.isOneIn(2));
         QAccessibleInterface* at = QAccessible::queryAccessibleInterface(places().view());
         while (at->childCount() > 0 && (at->object() == places().view() || !m_dice.isOneIn(3))) {
             QAccessibleInterface* const child = at->child(m_dice.pick(at->childCount()));
@@ -305,6 +346,7 @@ private:
         }
         at->rect();
         at->state();
+        if (QAccessibleInterface* const parent = at->parent()) parent->indexOfChild(at);
         QAccessibleActionInterface* const offered = at->actionInterface();
         const QStringList names = offered ? offered->actionNames() : QStringList();
         if (at->object() == places().view() || names.isEmpty()) return;
@@ -313,6 +355,13 @@ private:
         offered->doAction(name);
     }
     void paintPicture() {
+        if (m_dice.isOneIn(3)) {
+            const QTemporaryDir folder;
+            const QString file = folder.filePath("a.pdf");
+            m_desk.builder->canvasCommands()->exportPdf(file);
+            if (QFileInfo(file).size() > 0) ++m_desk.effects;
+            return;
+        }
         QImage image(200, 150, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
         const QImage blank = image.copy();
@@ -448,9 +497,14 @@ private:
         m_desk.rest();
         MonkeyDesk::clickOn(m_desk.panel()->findChild<QWidget*>(other));
     }
-    void arrange() {
-        if (m_dice.isOneIn(4)) return m_desk.builder->canvasCommands()->fitToView();
-        m_desk.builder->canvasCommands()->arrange();
+    void commandCanvas() {
+        QBCanvasCommands* const commands = m_desk.builder->canvasCommands();
+        const int command = m_dice.pick(6);
+        note(QString::number(command));
+        if (command < 2) return commands->arrange();
+        if (command == 2) return commands->undoArrange();
+        if (command == 3) return commands->fitToView();
+        commands->setOverviewVisible(!commands->isOverviewVisible());
     }
     void saveLayout() {
         m_layout = m_desk.builder->obtainDiagramLayoutJsonString();
@@ -521,11 +575,13 @@ private:
     void changeLook() {
         const int look = m_dice.pick(4);
         note(QString::number(look));
-        m_desk.host.isDark = look == 0;
-        QPalette dark = m_palette;
-        dark.setColor(QPalette::Base, Qt::black);
-        dark.setColor(QPalette::Text, Qt::white);
-        if (look < 2) QApplication::setPalette(look == 0 ? dark : m_palette);
+        if (look < 2) {
+            m_desk.host.isDark = look == 0;
+            QPalette dark = m_palette;
+            dark.setColor(QPalette::Base, Qt::black);
+            dark.setColor(QPalette::Text, Qt::white);
+            QApplication::setPalette(look == 0 ? dark : m_palette);
+        }
         if (look == 2) QCoreApplication::installTranslator(&m_capitals);
         if (look == 3) QCoreApplication::removeTranslator(&m_capitals);
         ++m_desk.effects;

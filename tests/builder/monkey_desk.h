@@ -58,13 +58,16 @@ public:
     QTabBar* tabBar() const { return pages()->tabBar(); }
 
     /// At once: QTest presses Ctrl by itself first, whereafter the window may be another one.
-    void press(const QString& keys) {
+    void press(const QString& keys, bool isRepeated = false) {
         const int code = QKeySequence(keys)[0];
         const auto modifiers = Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask));
-        qt_handleKeyEvent(activeWindow(&window), QEvent::KeyPress,
-                          code & ~int(Qt::KeyboardModifierMask), modifiers);
+        const auto key = Qt::Key(code & ~int(Qt::KeyboardModifierMask));
+        if (key >= Qt::Key_Left && key <= Qt::Key_Down) keyReach += 3;
+        qt_handleKeyEvent(activeWindow(&window), QEvent::KeyPress, key, modifiers, {}, isRepeated);
         QCoreApplication::processEvents();
     }
+    /// How far arrow keys can have taken items out of the canvas: no edge holds these back.
+    int keyReach = 0;
 
     /// Everything arrives, every popup and every gesture ends.
     void rest() {
@@ -121,7 +124,8 @@ private:
         for (const int number :
              {effects, window.width(), window.height(), pages()->currentIndex(), int(isHeld),
               server.fetchCount(), int(host.isDark), int(pages()->isEnabled()),
-              listPanel ? view()->currentRow() : -1, tree()->currentIndex().row()})
+              listPanel ? view()->currentRow() : -1, tree()->currentIndex().row(),
+              int(builder->canvasCommands()->isOverviewVisible())})
             add(number);
         for (const QSplitter* splitter : builder->findChildren<QSplitter*>())
             for (const int size : splitter->sizes())

@@ -40,8 +40,13 @@ protected:
                  .arg(widget->metaObject()->className(), widget->objectName(),
                       child ? child->objectName() : QString()));
         note(point);
-        MonkeyDesk::clickAt(widget, point, button,
-                            m_dice.isOneIn(8) ? Qt::ControlModifier : Qt::NoModifier);
+        MonkeyDesk::clickAt(widget, point, button, anyModifiers());
+    }
+    Qt::KeyboardModifiers anyModifiers() {
+        static const std::vector<Qt::KeyboardModifiers> some = {
+            Qt::ControlModifier, Qt::ControlModifier, Qt::ShiftModifier, Qt::AltModifier,
+            Qt::ShiftModifier | Qt::ControlModifier};
+        return m_dice.isOneIn(6) ? m_dice.pickFrom(some) : Qt::NoModifier;
     }
     QPoint pointIn(const QWidget* widget) {
         return QPoint(m_dice.pick(std::max(1, widget->width())),
@@ -76,12 +81,21 @@ protected:
         QTest::mouseRelease(handle(), Qt::LeftButton, {}, to);
     }
 
+    /// Several buttons may be held.
+    void send(QEvent::Type type, QPoint at, Qt::MouseButton button = Qt::NoButton) {
+        if (type == QEvent::MouseButtonPress) m_held |= button;
+        if (type == QEvent::MouseButtonRelease) m_held &= ~Qt::MouseButtons(button);
+        qt_handleMouseEvent(handle(), at, m_desk.window.mapToGlobal(at), m_held, button, type, {},
+                            m_time += 40);
+        QCoreApplication::processEvents();
+    }
+
     void wheel(QPoint point, Qt::KeyboardModifiers modifiers) {
         const int notches = m_dice.isOneIn(2) ? 1 + m_dice.pick(3) : -1 - m_dice.pick(3);
         note(point);
-        QWheelEvent event(point, m_desk.window.mapToGlobal(point), QPoint(),
-                          QPoint(0, 120 * notches), Qt::NoButton, modifiers, Qt::NoScrollPhase,
-                          false);
+        const QPoint angle(m_dice.isOneIn(4) ? 40 * notches : 0, 120 * notches);
+        QWheelEvent event(point, m_desk.window.mapToGlobal(point), QPoint(), angle, m_held,
+                          modifiers, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(handle(), &event);
     }
 
@@ -242,6 +256,8 @@ protected:
 
 private:
     QTimer m_pump;
+    Qt::MouseButtons m_held;
+    int m_time = 1000000;
     QPointer<QDrag> m_carried;
     std::optional<QPoint> m_dropAt;  // of the drag that goes on
 };

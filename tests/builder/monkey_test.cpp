@@ -39,7 +39,9 @@ const Fault faults[] = {
      }},
     {"a text that nobody reads", "text: refused", &Oracles::text,
      [](Desk& desk) {
-         Desk::statement(desk.live())->selectColumnExpr->columns[2]->alias = "x) (";
+         auto* const column = new SQLAnyExpressionColumnComponent;
+         column->expression = "x) (";
+         Desk::statement(desk.live())->selectColumnExpr->columns.push_back(column);
      }},
     {"an alias", "diagram: alias", &Oracles::diagram,
      [](Desk& desk) {

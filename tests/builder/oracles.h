@@ -1,12 +1,10 @@
 #pragma once
 
-#include <optional>
 #include <set>
 
 #include "builder/monkey_desk.h"
-#include "model/statement_text.h"
+#include "engine/text_check.h"
 #include "model/tree_walks.h"
-#include "parser/query_parser.h"
 
 namespace QB::Test {
 
@@ -42,17 +40,20 @@ public:
         return faults;
     }
 
-    /// The text, read and written, is the text, but for what means nothing: ASC, and the brackets
-    /// that reading puts around inner joins and takes from single sources; read and written again
-    /// it is the same to the byte. Only what is marked as incomplete is refused.
+    /// It says what the statement says. Only what is marked as incomplete is refused.
     QString text() const {
-        const std::string text = m_desk.live()->buildQuery();
-        const auto again = rewritten(text);
-        if (!again)
-            return isMarked(text) ? QString() : "text: refused, and not marked: " + shown(text);
-        if (plain(*again) != plain(text))
-            return "text: " + shown(text) + "\n    read: " + shown(*again);
-        return rewritten(*again) == again ? QString() : "text: read twice: " + shown(*again);
+        const QBEngine* const engine = m_desk.live();
+        const auto* const root =
+            dynamic_cast<const SQLSelectStmtComponent*>(engine->topLevelQueryComponent(0));
+        if (!root) return {};
+        const TextReading reading =
+            readOwnText(*root, engine->databaseType(), engine->currentSchema());
+        const QString text = shown(reading.text);
+        if (!reading.isAccepted)
+            return isMarked(root, text) ? QString() : "text: refused, and not marked: " + text;
+        // Which of two sources of one name is meant no text can tell.
+        if (reading.faults.empty() || hasNamesakes(root)) return {};
+        return "text: " + shown(reading.faults) + "\n    in " + text;
     }
 
     /// Each source and each join of the statement is drawn, once, as what it is.
@@ -93,7 +94,7 @@ public:
         m_desk.settle();
         if (!hasMoved || stack->index() != index) return "history: it does not move";
         const Standing after = standing();
-        if (after.query != before.query)
+        if (after.query != before.query || m_desk.live()->buildQuery() != text)
             return "history: " + shown(m_desk.live()->buildQuery()) + "\n    was: " + shown(text);
         // The layer is the one in which the step was done.
         if (after.layers != before.layers || after.items == before.items) return {};
@@ -109,27 +110,10 @@ private:
     static QString shown(const std::string& text) {
         return QString::fromStdString(text).simplified();
     }
-    static QString plain(const std::string& text) {
-        return shown(text).remove(" ASC").remove("( ").remove(" )");
-    }
-    /// Nothing if it is refused.
-    std::optional<std::string> rewritten(const std::string& text) const {
-        const QBDatabaseInfo info = m_desk.live()->databaseInfo();
-        const std::string schema = m_desk.live()->currentSchema();
-        const OwnedStatement parsed(new SQLSelectStmtComponent);
-        if (!QBQueryParser::parseStatement(parsed.get(), text, info.databaseType, schema)
-                 .isAccepted())
-            return std::nullopt;
-        return statementText()(parsed.get(), info, schema, [&info](const std::string& name) {
-            return Callback::formatIdentifier(name, info.databaseType, info.databaseVersion);
-        });
-    }
 
     /// A missing value is marked in the layer that shows; in joins only their editors mark it.
-    bool isMarked(const std::string& text) const {
-        if (m_desk.builder->needShowBuildWarning() || shown(text).contains("( )")) return true;
-        const auto* const root =
-            dynamic_cast<SQLSelectStmtComponent*>(m_desk.live()->topLevelQueryComponent(0));
+    bool isMarked(const SQLSelectStmtComponent* root, const QString& text) const {
+        if (m_desk.builder->needShowBuildWarning() || text.contains("( )")) return true;
         const bool isRootShown = m_desk.live()->currentTopLevelQueryComponentLayer() == 0;
         if (isRootShown && (hasGap(root->whereExpr->root) || hasGap(root->havingExpr->root)))
             return false;
@@ -142,6 +126,22 @@ private:
             const auto* const join = dynamic_cast<const Join*>(part);
             const bool isBare = join && join->needsCondition() && !join->hasCondition();
             if (isBare || (value && !value->firstValue())) isFound = true;
+        });
+        return isFound;
+    }
+
+    /// In one FROM clause, at any depth.
+    static bool hasNamesakes(const SQLSelectStmtComponent* root) {
+        bool isFound = false;
+        Tools::visitOwnedComponents(root, [&](const auto* part) {
+            const auto* const statement = dynamic_cast<const SQLSelectStmtComponent*>(part);
+            std::set<std::string> names;
+            for (const Source* source : leaves(statement ? statement->sourceExpr->root : nullptr)) {
+                const auto* const table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
+                const std::string name =
+                    source->alias.empty() && table ? table->name : source->alias;
+                if (!name.empty() && !names.insert(name).second) isFound = true;
+            }
         });
         return isFound;
     }
@@ -186,15 +186,13 @@ private:
         const QBLumoBaseItemBody* const body = item->getBody();
         const LumoRect rect = item->getRect();
         const LumoRect canvas = drawer().diagram()->getRect();
-        const bool isInside = rect.origin.x >= 0 && rect.origin.y >= 0 &&
-                              rect.origin.x + rect.size.width <= canvas.size.width &&
-                              rect.origin.y + rect.size.height <= canvas.size.height;
-        if (!isInside) return "outside: " + DiagramPlaces::titleOf(item);
+        if (!lumoContainsRect(lumoInflateRect(canvas, m_desk.keyReach, m_desk.keyReach), rect))
+            return "outside: " + DiagramPlaces::titleOf(item);
         if (body->getAlias() != source->alias) return "alias of " + DiagramPlaces::titleOf(item);
         std::set<std::string> sure, possible;
         for (const auto* column : columns) {
             const auto* const field = dynamic_cast<const SQLFieldColumnComponent*>(column);
-            if (!field || !field->aggregateFunction.empty()) continue;  // which are no ticks
+            if (!field || !field->aggregateFunction.empty()) continue;
             if (field->source == source) sure.insert(field->fieldName);
             if (!field->source) possible.insert(field->fieldName);
         }
@@ -282,7 +280,7 @@ private:
             *lines << QString("%1%2 %3 %4").arg(join->joinType).arg(label, nameOf(a), nameOf(b));
         };
         std::vector<const SQLCompareConditionComponent*> compares;
-        collect(join->condition, &compares);
+        if (join->needsCondition()) collect(join->condition, &compares);
         std::pair<End, End> tables;
         if (!left.empty()) tables.first.source = left.back();
         if (!right.empty()) tables.second.source = right.front();
