@@ -1,15 +1,12 @@
 // Which joins foreign keys propose on well-known schemas: each pair of tables with a key between
 // them in both orders of adding, and all tables of a database one after the other. What is expected
-// comes from the server's catalogue by queries of the test's own; proposed_joins.txt shows it for
-// people.
+// comes from the server's catalogue by queries of the test's own. The window does it with SQLite.
 #include <gtest/gtest.h>
 
-#include <QFile>
-#include <algorithm>
 #include <map>
 #include <memory>
 
-#include "hostkit/host_session.h"
+#include "expected_joins.h"
 #include "hostkit/quoting.h"
 #include "known_database.h"
 #include "support/from_clause.h"
@@ -23,28 +20,6 @@ using namespace Component::SQL;
 
 namespace {
 
-using Table = QBIdentifierObjectPath;
-using Key = QBForeignKeyConstraint;
-using Texts = std::vector<std::string>;
-
-Table referring(const Key& key) {
-    return {key[0].first.schema, key[0].first.object};
-}
-
-Table referred(const Key& key) {
-    return {key[0].second.schema, key[0].second.object};
-}
-
-/// The two tables in byte order, and the keys between them, the first one first.
-using KeysByPair = std::map<std::pair<Table, Table>, std::vector<Key>>;
-
-KeysByPair keysByPair(const std::vector<Key>& keys) {
-    KeysByPair pairs;
-    for (const Key& key : keys)
-        pairs[std::minmax(referring(key), referred(key))].push_back(key);
-    return pairs;
-}
-
 std::string joined(const Texts& texts) {
     std::string all;
     for (const std::string& text : texts)
@@ -52,31 +27,15 @@ std::string joined(const Texts& texts) {
     return all;
 }
 
-/// "a.x = b.y AND ..." with the fields of @p left first.
-std::string joinBy(const Key& key, const Table& left) {
-    Texts texts;
-    for (auto [from, to] : key) {
-        if (!(referring(key) == left)) std::swap(from, to);
-        texts.push_back(from.object + "." + from.field + " = " + to.object + "." + to.field);
-    }
-    return joined(texts);
-}
-
 /// A user who drags tables of one database into a query.
 class User {
 public:
     User(const LiveServer& server, const KnownDatabase& database) : m_engine(server.family) {
         Callback::formatIdentifier = HostKit::formatIdentifier;
-        if (server.family == DatabaseTypeSQLite) {
-            EXPECT_EQ(m_opened.open(HostKit::ConnectionSettings::sqliteFile(database.file())), "");
-            m_session = std::make_unique<HostKit::HostSession>(m_opened, m_engine.get());
-            m_host.finishWorkers();
-        } else {
-            m_engine->registerForeignKeyConstraintSearcher(
-                [&keys = database.keys](const Table& object, const std::set<Table>& others) {
-                    return keysBetween(keys, object, others);
-                });
-        }
+        m_engine->registerForeignKeyConstraintSearcher(
+            [&keys = database.keys](const Table& object, const std::set<Table>& others) {
+                return keysBetween(keys, object, others);
+            });
     }
 
     /// One after the other, each of them with what it proposes.
@@ -134,8 +93,6 @@ private:
 
     HostCallbacks m_host;
     OwnedEngine<> m_engine;
-    HostKit::Database m_opened;
-    std::unique_ptr<HostKit::HostSession> m_session;
 };
 
 class ProposedJoins : public OnServer {
@@ -148,27 +105,6 @@ protected:
             server().run("SET GLOBAL optimizer_search_depth = 1");  // or it plans for hours
     }
 };
-
-/// What proposed_joins/ shows of a server. JOINERY_WRITE_JOINS has the lines written there anew,
-/// for review.
-void expectShown(const LiveServer& server, const std::string& lines) {
-    QFile file(QStringLiteral(JOINERY_TEST_DATA "/proposed_joins/%1.txt").arg(server.name));
-    if (qEnvironmentVariableIsSet("JOINERY_WRITE_JOINS")) {
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray::fromStdString(lines));
-        file.close();
-    }
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(lines, file.readAll().toStdString());
-}
-
-/// "sakila | film, language | 2 | film.language_id = language.language_id", with the number of keys
-/// and "-" for no join.
-std::string shownLine(const QString& database, const std::pair<Table, Table>& tables,
-                      std::size_t keys, const std::string& join) {
-    return database.toStdString() + " | " + tables.first.object + ", " + tables.second.object +
-           " | " + std::to_string(keys) + " | " + (join.empty() ? "-" : join) + "\n";
-}
 
 /// All, or those with keys where there are more than every server can join.
 std::vector<Table> tablesOfOneQuery(const KnownDatabase& database, const KeysByPair& pairs) {
@@ -184,38 +120,29 @@ void expectJoin(const KnownDatabase& database, User& user, const Table& left, co
     user.start({left, right});
     const bool isSelf = left == right;
     ASSERT_EQ(user.joins().size(), 1U);
-    EXPECT_EQ(joined(user.joins()[0]), isSelf ? "" : joinBy(keys[0], left)) << user.text();
+    EXPECT_EQ(user.joins()[0], isSelf ? Texts() : comparisonsOf(keys[0], left)) << user.text();
     EXPECT_EQ(isSelf ? QString() : database.refusal(user.text()), "") << user.text();
 }
 
-/// All that is compared, whichever side stands left.
+/// All that is compared: a join may bring several tables together.
 std::multiset<std::string> comparisons(const std::vector<Texts>& joins) {
     std::multiset<std::string> all;
     for (const Texts& join : joins)
-        for (const std::string& text : join) {
-            const std::size_t middle = text.find(" = ");
-            const std::string left = text.substr(0, middle);
-            const std::string right = text.substr(middle + 3);
-            all.insert(std::min(left, right) + " = " + std::max(left, right));
-        }
+        all.merge(comparisonSet(join));
     return all;
 }
 
 std::multiset<std::string> expectedComparisons(const KeysByPair& pairs) {
-    std::vector<Texts> joins;
-    for (const auto& [tables, keys] : pairs) {
-        if (tables.first == tables.second) continue;
-        for (const auto& pair : keys[0])
-            joins.push_back({joinBy({pair}, tables.first)});
-    }
-    return comparisons(joins);
+    std::multiset<std::string> all;
+    for (const std::multiset<std::string>& join : expectedJoins(pairs))
+        all.insert(join.begin(), join.end());
+    return all;
 }
 
 }  // namespace
 
 TEST_P(ProposedJoins, AreThoseOfTheKeysOnKnownSchemas) {
     std::size_t pairCount = 0;
-    std::string shown;
     for (const QString& name : databasesFor(GetParam())) {
         SCOPED_TRACE(name.toStdString());
         const KnownDatabase database(GetParam(), server(), name);
@@ -225,7 +152,6 @@ TEST_P(ProposedJoins, AreThoseOfTheKeysOnKnownSchemas) {
         for (const auto& [tables, keys] : pairs) {
             expectJoin(database, user, tables.second, tables.first, keys);
             expectJoin(database, user, tables.first, tables.second, keys);
-            shown += shownLine(name, tables, keys.size(), joined(user.joins().at(0)));
         }
         const std::vector<Table> tables = tablesOfOneQuery(database, pairs);
         user.start(tables);
@@ -235,7 +161,7 @@ TEST_P(ProposedJoins, AreThoseOfTheKeysOnKnownSchemas) {
         pairCount += pairs.size();
     }
     std::cout << GetParam().name << ": " << pairCount << " pairs of tables with keys\n";
-    expectShown(GetParam(), shown);
+    EXPECT_GE(pairCount, 100);
 }
 
 TEST_P(ProposedJoins, AreThoseThatAPersonHasChecked) {

@@ -9,7 +9,9 @@ namespace {
 /// QtSql finds its drivers through the application object.
 class Application : public testing::Environment {
 public:
-    void SetUp() override { m_application = std::make_unique<QCoreApplication>(m_argc, m_argv); }
+    void SetUp() override {
+        if (!qApp) m_application = std::make_unique<QCoreApplication>(m_argc, m_argv);
+    }
     void TearDown() override { m_application.reset(); }
 
 private:
