@@ -147,7 +147,8 @@ private:
     void showRefusedQuery(const QString& reason);
     void failQuery(const QString& message);
     void dropOpening();
-    void tellOtherDatabase(const QString& named);
+    bool isSchemaThere(const QString& schema) const;
+    void tellWhatIsNotThere(const Opening& opening);
     void askAboutLeftJournal();
     void continueLeftJournal();
     void setQueryFile(const QString& file);
@@ -158,6 +159,7 @@ private:
     bool confirmLosingWork();
     bool confirmLosingQuery(bool isTextAtStake);
     bool isBuilderUnsaved() const;
+    void noteQueryInSqlFile();
     void noteWork();
     void writeJournal();
     void updateHistoryActions();

@@ -56,6 +56,7 @@ void MainWindow::setUpQueries() {
     connect(m_sqlTab->applier(), &QueryApplier::ended, this,
             [this](bool isApplied, const QString& error) {
                 if (m_opening && m_opening->isLoading) finishQuery(isApplied, error);
+                noteQueryInSqlFile();
             });
     connect(this, &MainWindow::openFailed, this, [this](const QString& message) {
         if (m_opening) failQuery(message);
@@ -111,10 +112,19 @@ void MainWindow::updateHistoryActions() {
 
 // ---- What lies in no file
 
-/// A query that is the SQL text's, and has no file of its own, is saved with that text.
+/// What is unsaved with the SQL text, and has no file of its own, is asked about with that text.
 bool MainWindow::isBuilderUnsaved() const {
     if (m_builder->undoStack()->isClean()) return false;
-    return !m_queryFile.isEmpty() || !m_sqlTab->holdsQuery();
+    const bool isTextUnsaved = m_sqlTab->holdsQuery() && m_sqlTab->hasUnsavedText();
+    return !m_queryFile.isEmpty() || !isTextUnsaved;
+}
+
+/// A query that has no file of its own, and is that of the SQL file, lies there. Not what happens
+/// to its diagram from now on.
+void MainWindow::noteQueryInSqlFile() {
+    const bool isSaved = !m_sqlTab->filePath().isEmpty() && !m_sqlTab->hasUnsavedText();
+    if (m_queryFile.isEmpty() && isSaved && m_sqlTab->holdsQuery())
+        m_builder->undoStack()->setClean();
 }
 
 bool MainWindow::isWorkUnsaved() const {
@@ -224,8 +234,10 @@ void MainWindow::openQueryDatabase() {
 void MainWindow::loadQuery() {
     const QueryDocument& document = m_opening->document;
     m_messageBar->hide();
-    const std::string schema = document.schema.toStdString();
     QBEngine_LINUX* engine = m_workspace->engine();
+    const std::string schema = isSchemaThere(document.schema)
+                                   ? document.schema.toStdString()
+                                   : m_workspace->defaultSchema().toStdString();
     if (engine->currentSchema() != schema) engine->setCurrentSchema(schema);
     document.text ? m_sqlTab->openText(*document.text, !m_opening->isJournal)
                   : m_sqlTab->startAnew();
@@ -256,7 +268,7 @@ void MainWindow::finishQuery(bool isApplied, const QString& error) {
         m_recentQueries.add(opening.path);
         updateRecentFiles();
     }
-    if (opening.database == QueryDatabase::Named) tellOtherDatabase(opening.document.database);
+    tellWhatIsNotThere(opening);
     Q_EMIT queryOpened(opening.path);
 }
 
@@ -279,9 +291,8 @@ void MainWindow::showRefusedQuery(const QString& reason) {
     if (opening.isJournal) continueLeftJournal();
     if (!m_workspace) openLast();
     const QString message =
-        tr("The query in \"%1\" cannot be read: %2\nIts text is in the SQL tab; the query in the "
-           "builder is as it was.")
-            .arg(shownPath(opening.path), reason);
+        tr("\"%1\": %2\nIts text is in the SQL tab; the query in the builder is as it was.")
+            .arg(shownPath(opening.path), QString(reason).replace("\n\n", " "));
     showError(message);
     Q_EMIT queryFailed(message);
 }
@@ -298,12 +309,23 @@ void MainWindow::dropOpening() {
     if (isJournal && m_left) askAboutLeftJournal();
 }
 
-void MainWindow::tellOtherDatabase(const QString& named) {
-    if (named.isEmpty() || named == databaseFile()) return;
-    m_messageBar->show(MessageBar::Kind::Note,
-                       tr("The database \"%1\" of this query is not there. The query is opened on "
-                          "\"%2\".")
-                           .arg(shownPath(named), shownPath(databaseFile())));
+/// A file of SQLite has one schema as long as nobody attaches others.
+bool MainWindow::isSchemaThere(const QString& schema) const {
+    return schema.compare(m_workspace->defaultSchema(), Qt::CaseInsensitive) == 0;
+}
+
+void MainWindow::tellWhatIsNotThere(const Opening& opening) {
+    const QString& named = opening.document.database;
+    const QString& schema = opening.document.schema;
+    QStringList told;
+    if (opening.database == QueryDatabase::Named && !named.isEmpty() && named != databaseFile())
+        told += tr("The database \"%1\" of this query is not there. The query is opened on "
+                   "\"%2\".")
+                    .arg(shownPath(named), shownPath(databaseFile()));
+    if (!isSchemaThere(schema))
+        told += tr("The schema \"%1\" of this query is not there. Names are looked for in \"%2\".")
+                    .arg(schema, m_workspace->defaultSchema());
+    if (!told.isEmpty()) m_messageBar->show(MessageBar::Kind::Note, told.join(QLatin1Char('\n')));
 }
 
 // ---- Saving

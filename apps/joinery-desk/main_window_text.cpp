@@ -107,6 +107,7 @@ bool MainWindow::saveTextTo(const QString& file) {
         showError(error);
         return false;
     }
+    noteQueryInSqlFile();
     m_recentTexts.add(m_sqlTab->filePath());
     updateRecentFiles();
     showNote(
