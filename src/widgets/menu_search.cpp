@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QMenu>
+#include <algorithm>
 
 namespace QB {
 namespace {
@@ -21,8 +22,8 @@ protected:
         const QString text = static_cast<QKeyEvent*>(event)->text();
         if (text.isEmpty() || !text.at(0).isPrint()) return false;
         // The word whose first letters have opened this menu goes on.
-        MenuSearch* const outer = outerSearch();
-        return (outer && outer->isTyping() ? outer : this)->type(text);
+        MenuSearch* const outer = isTyping() ? nullptr : outerSearch();
+        return (outer && outer->goesOnWith(text) ? outer : this)->type(text);
     }
 
 private:
@@ -33,6 +34,14 @@ private:
         for (QObject* child : outer->children())
             if (auto* const search = dynamic_cast<MenuSearch*>(child)) return search;
         return nullptr;
+    }
+
+    bool goesOnWith(const QString& text) const {
+        if (!isTyping()) return false;
+        const QList<QAction*> entries = m_menu->actions();
+        return std::any_of(entries.begin(), entries.end(), [&](const QAction* entry) {
+            return entry->text().startsWith(m_typed + text, Qt::CaseInsensitive);
+        });
     }
 
     bool isTyping() const {

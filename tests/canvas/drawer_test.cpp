@@ -423,6 +423,12 @@ TEST(Drawer, OffersMenusForWhatIsClickedAndDoesWhatTheyAreAskedFor) {
     QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
     s.settle();
     EXPECT_EQ(s.take(), "order lang id 1; ");
+    s.key(Qt::Key_Menu);
+    for (const char letter : {'w', '>'})  // which go on in no word there
+        QTest::keyClick(QApplication::activePopupWidget(), letter);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    s.settle();
+    EXPECT_EQ(s.take().substr(0, 14), "where lang id ");
     s.click({20, 500}, Qt::RightButton);
     canvas.choose("canvas", {"Zoom", "Zoom in\tCtrl++; Ctrl+="});
     for (const auto& [entry, zoom] : {std::pair("Zoom in\tCtrl++; Ctrl+=", 1.21),

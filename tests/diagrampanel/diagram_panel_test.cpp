@@ -96,6 +96,8 @@ const Deed deeds[] = {
      "SELECT t.a FROM t INNER JOIN u ON t.a = u.a", "t: * [a] b c; u: * a d; inner t=u"},
     {"the same twice while it loads", "SELECT t.a FROM t", "busy; add w; add w; free",
      "SELECT t.a FROM t, w, w AS w_2", "t: * [a] b c; w (w_2): * a; w: * a"},
+    {"one of another schema is another table", "SELECT 1 FROM x.t", "add t",
+     "SELECT 1 FROM x.t, main.t", "t:; t: * a b c"},
     {"once more, where the next name is taken", "SELECT 1 FROM t, v AS t_2", "add t; add v",
      "SELECT 1 FROM t, v AS t_2, t AS t_3, v",
      "t (t_3): * a b c; t: * a b c; v (t_2): * a; v: * a"},

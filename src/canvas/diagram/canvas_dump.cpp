@@ -110,8 +110,11 @@ private:
                   << body->scrollView()->getContentOffsetY() << '\n';
         for (const QBLumoListView::Row& row : list->rows())
             writeRow(row);
+        std::multimap<std::string, const QBLumoFieldJoinLinkAdaptor*> adaptors;
         for (const auto* adaptor : body->findChildren<QBLumoFieldJoinLinkAdaptor>(false))
-            writeAdaptor("adaptor " + fieldOf(adaptor), adaptor);
+            adaptors.emplace(fieldOf(adaptor), adaptor);
+        for (const auto& [field, adaptor] : adaptors)
+            writeAdaptor("adaptor " + field, adaptor);
     }
 
     void writeRow(const QBLumoListView::Row& row) {
