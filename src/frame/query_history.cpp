@@ -88,10 +88,12 @@ private:
     void layerChanged();
     long rootId() const;
 
-    void takeModification(std::string record, const QString& name, std::vector<long> layerPath);
+    void takeModification(std::string record, const QueryOutline& outline, const QString& name,
+                          std::vector<long> layerPath);
     void push(const QString& name, QueryPlace before, QueryPlace after, bool isRepeatable);
     bool isPartOfLastStep(const QBNotificationParameters& params) const;
-    QString nameOf(const QBNotificationParameters& params) const;
+    QString nameOf(const QBNotificationParameters& params, const QueryOutline& outline) const;
+    QueryOutline outline() const { return outlineOf(engine()->topLevelQueryComponent(0)); }
 
     QueryStep* step(int index) const;
     QueryStep* lastStep() const;
@@ -159,7 +161,8 @@ void QBQueryHistory::Private::modified(const QBNotificationParameters& params) {
     if (isPartOfLastStep(params)) return followed(std::move(record));
     const QString given = std::exchange(nextName, QString());
     if (record == m_seen) return;
-    takeModification(std::move(record), given.isEmpty() ? nameOf(params) : given,
+    const QueryOutline present = outline();
+    takeModification(std::move(record), present, given.isEmpty() ? nameOf(params, present) : given,
                      engine()->layerPath());
 }
 
@@ -171,17 +174,18 @@ bool QBQueryHistory::Private::isPartOfLastStep(const QBNotificationParameters& p
     return followsUp->second.toInt() != 0 || stack.index() < stack.count();
 }
 
-QString QBQueryHistory::Private::nameOf(const QBNotificationParameters& params) const {
+QString QBQueryHistory::Private::nameOf(const QBNotificationParameters& params,
+                                        const QueryOutline& outline) const {
     const void* const parser = static_cast<QBEngine*>(m_engine);
     if (params.at("sender").toPointer() == parser) return Tolk::localize(Tolk::TextStepApplyText);
-    return stepName(m_outline, outlineOf(engine()->topLevelQueryComponent(0)), elementsOf(params));
+    return stepName(m_outline, outline, elementsOf(params));
 }
 
 /// A repair belongs to the step that made it necessary, or to where the steps begin.
 void QBQueryHistory::Private::followed(std::string record) {
     if (record == m_seen) return;
     m_seen = std::move(record);
-    m_outline = outlineOf(engine()->topLevelQueryComponent(0));
+    m_outline = outline();
     if (stack.index() < stack.count()) return;
     if (QueryStep* const last = lastStep()) {
         last->record = TextDifference(last->record.reverted(m_record), m_seen);
@@ -195,7 +199,8 @@ void QBQueryHistory::Private::layerChanged() {
     if (rootId() != m_rootId) return q->clear();
     std::string record = engine()->recordQuery();
     if (record != m_seen)
-        takeModification(std::move(record), Tolk::localize(Tolk::TextStepChangeQuery), m_layerPath);
+        takeModification(std::move(record), outline(), Tolk::localize(Tolk::TextStepChangeQuery),
+                         m_layerPath);
     keepPlaceHere();
     m_layerPath = engine()->layerPath();
     m_arranged = {};
@@ -203,11 +208,11 @@ void QBQueryHistory::Private::layerChanged() {
 
 // ---- taking steps -------------------------------------------------------------------------------
 
-void QBQueryHistory::Private::takeModification(std::string record, const QString& name,
-                                               std::vector<long> layerPath) {
+void QBQueryHistory::Private::takeModification(std::string record, const QueryOutline& outline,
+                                               const QString& name, std::vector<long> layerPath) {
     const QueryPlace before = {m_layerPath, encodeArrangement(standing())};
     m_seen = std::move(record);
-    m_outline = outlineOf(engine()->topLevelQueryComponent(0));
+    m_outline = outline;
     m_layerPath = std::move(layerPath);
     push(name, before, {m_layerPath, before.arrangement}, false);
 }
@@ -309,7 +314,7 @@ void QBQueryHistory::Private::startAnew() {
 /// Takes notice of how everything is.
 void QBQueryHistory::Private::lookAround() {
     m_seen = engine() ? engine()->recordQuery() : std::string();
-    m_outline = m_rootId ? outlineOf(engine()->topLevelQueryComponent(0)) : QueryOutline();
+    m_outline = m_rootId ? outline() : QueryOutline();
     m_layerPath = engine() ? engine()->layerPath() : std::vector<long>();
     m_arranged = diagram ? diagram->arrangement() : DiagramArrangement();
 }
@@ -342,7 +347,7 @@ int QBQueryHistory::Private::takeUnannounced(int wantedIndex) {
     if (record == m_seen) return wantedIndex;
     const int former = m_position;
     setStackIndex(former);
-    takeModification(std::move(record), Tolk::localize(Tolk::TextStepChangeQuery),
+    takeModification(std::move(record), outline(), Tolk::localize(Tolk::TextStepChangeQuery),
                      engine()->layerPath());
     if (wantedIndex > former) return m_position;
     return wantedIndex == former - 1 ? former : wantedIndex;

@@ -287,17 +287,16 @@ private:
     }
 
     /// What was referred to and not reached, by ids; nothing that is part of another such thing.
-    std::pair<ById<Source>, ById<Column>> findOrphans() const {
-        Reached reached = m_reached;
+    std::pair<ById<Source>, ById<Column>> findOrphans() {
         ById<const AbstractQueryComponent> orphans;
         std::vector<const AbstractQueryComponent*> pending = m_referenced;
         while (!pending.empty()) {
             const AbstractQueryComponent* const orphan = pending.back();
             pending.pop_back();
-            if (reached.count(orphan) > 0) continue;
+            if (m_reached.count(orphan) > 0) continue;
             Tools::visitOwnedComponents(orphan, [&](const AbstractQueryComponent* part) {
                 orphans.erase(part->id());
-                reached.insert(part);
+                m_reached.insert(part);
             });
             orphans.emplace(orphan->id(), orphan);
             DetachedParts::References further;
