@@ -2,12 +2,14 @@
 
 #include <utility>
 
+#include "model/kind_of.h"
+
 namespace QB::ConditionChain {
 
 using QBComponentsListLayout_Private::PlaceKind;
 
 SQLBracketedConditionComponent* asBracket(Component::AbstractQueryComponent* component) {
-    return dynamic_cast<SQLBracketedConditionComponent*>(component);
+    return ifKind<SQLBracketedConditionComponent>(component);
 }
 
 std::vector<Place> flatten(Slot head) {

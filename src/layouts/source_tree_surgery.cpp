@@ -7,6 +7,8 @@
 #include <set>
 #include <utility>
 
+#include "model/kind_of.h"
+
 namespace QB::SourceTree {
 
 using namespace Component::SQL;
@@ -259,22 +261,22 @@ Slot moveNextToLeft(const Fork& fork) {
 }  // namespace
 
 bool isJoin(const SQLAbstractSourceComponent* component) {
-    return dynamic_cast<const SQLJoinSourceNodeComponent*>(component);
+    return ifKind<SQLJoinSourceNodeComponent>(component);
 }
 
 bool isComma(const SQLAbstractSourceComponent* component) {
-    const auto* join = dynamic_cast<const SQLJoinSourceNodeComponent*>(component);
+    const auto* join = ifKind<SQLJoinSourceNodeComponent>(component);
     return join && join->joinType == SQLJoinTypeComma;
 }
 
 bool isBracket(const SQLAbstractSourceComponent* component) {
-    return dynamic_cast<const SQLBracketedSourceNodeComponent*>(component);
+    return ifKind<SQLBracketedSourceNodeComponent>(component);
 }
 
 bool isLeaf(const SQLAbstractSourceComponent* component) {
-    return dynamic_cast<const SQLIdentifierSourceComponent*>(component) ||
-           dynamic_cast<const SQLAnyExpressionSourceComponent*>(component) ||
-           dynamic_cast<const SQLSubquerySourceComponent*>(component);
+    return ifKind<SQLIdentifierSourceComponent>(component) ||
+           ifKind<SQLAnyExpressionSourceComponent>(component) ||
+           ifKind<SQLSubquerySourceComponent>(component);
 }
 
 Path pathToValue(Slot root, const SQLAbstractSourceComponent* value) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "model/element_expressions.h"
+#include "model/kind_of.h"
 #include "model/tree_walks.h"
 
 namespace QB {
@@ -37,9 +38,9 @@ using Statements = std::vector<SQLSelectStmtComponent*>;
 /// out const pointers to what the caller owns and may change.
 void addStatementOf(const AbstractQueryComponent* component, Statements& statements) {
     const AbstractQueryComponent* owned = component;
-    if (const auto* source = dynamic_cast<const SQLSubquerySourceComponent*>(component))
+    if (const auto* source = ifKind<SQLSubquerySourceComponent>(component))
         owned = source->subquery;
-    if (const auto* statement = dynamic_cast<const SQLSelectStmtComponent*>(owned))
+    if (const auto* statement = ifKind<SQLSelectStmtComponent>(owned))
         statements.push_back(const_cast<SQLSelectStmtComponent*>(statement));
 }
 
@@ -76,7 +77,7 @@ void destroyClausesIn(const Root* root) {
 
 void noteReferences(const AbstractQueryComponent* component,
                     DetachedParts::References& references) {
-    const auto* field = dynamic_cast<const SQLFieldColumnComponent*>(component);
+    const auto* field = ifKind<SQLFieldColumnComponent>(component);
     if (!field) return;
     if (field->source) references.insert(field->source);
     if (field->referencedColumn) references.insert(field->referencedColumn);

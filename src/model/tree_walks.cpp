@@ -2,12 +2,28 @@
 
 #include <set>
 
+#include "model/kind_of.h"
+
 namespace QB::Tools {
 
 using namespace Component;
 using namespace Component::SQL;
 
 namespace {
+
+/// Most of what a statement is made of.
+bool ownsNothing(const AbstractQueryComponent* component) {
+    return ModelKindList<SQLIdentifierSourceComponent, SQLAnyExpressionSourceComponent,
+                         SQLBracketedSourceNodeComponent, SQLFieldColumnComponent,
+                         SQLAnyExpressionColumnComponent>::holdsClassOf(component);
+}
+
+const SQLAbstractConditionComponent* asCondition(const AbstractQueryComponent* component) {
+    const bool isOne = ModelKindList<SQLConditionValueComponent, SQLCompareConditionComponent,
+                                     SQLBracketedConditionComponent>::holdsClassOf(component);
+    return isOne ? static_cast<const SQLAbstractConditionComponent*>(component)
+                 : dynamic_cast<const SQLAbstractConditionComponent*>(component);
+}
 
 /// What is still to be looked at in a walk over all owned components.
 class Walk {
@@ -41,28 +57,26 @@ private:
     }
 
     void addOwnedBy(const AbstractQueryComponent* component) {
-        if (const auto* condition = dynamic_cast<const SQLAbstractConditionComponent*>(component)) {
+        if (ownsNothing(component)) return;
+        if (const auto* condition = asCondition(component)) {
             addOwnedByCondition(condition);
-        } else if (const auto* join = dynamic_cast<const SQLJoinSourceNodeComponent*>(component)) {
+        } else if (const auto* join = ifKind<SQLJoinSourceNodeComponent>(component)) {
             add(join->condition);
-        } else if (const auto* derived =
-                       dynamic_cast<const SQLSubquerySourceComponent*>(component)) {
+        } else if (const auto* derived = ifKind<SQLSubquerySourceComponent>(component)) {
             add(derived->subquery);
-        } else if (const auto* statement = dynamic_cast<const SQLSelectStmtComponent*>(component)) {
+        } else if (const auto* statement = ifKind<SQLSelectStmtComponent>(component)) {
             addOwnedByStatement(statement);
         }
     }
 
     void addOwnedByCondition(const SQLAbstractConditionComponent* condition) {
         add(condition->next);
-        if (const auto* value = dynamic_cast<const SQLConditionValueComponent*>(condition)) {
+        if (const auto* value = ifKind<SQLConditionValueComponent>(condition)) {
             addAll(value->values);
-        } else if (const auto* compare =
-                       dynamic_cast<const SQLCompareConditionComponent*>(condition)) {
+        } else if (const auto* compare = ifKind<SQLCompareConditionComponent>(condition)) {
             add(compare->leftValue);
             add(compare->rightValue);
-        } else if (const auto* bracket =
-                       dynamic_cast<const SQLBracketedConditionComponent*>(condition)) {
+        } else if (const auto* bracket = ifKind<SQLBracketedConditionComponent>(condition)) {
             add(bracket->inner);
         }
     }
@@ -86,7 +100,7 @@ bool checkMultipleSchemaInvolved(const ELEMSQLSourceExpr* element) {
     if (!element) return false;
     std::set<std::string> schemas;
     visitSourceNodes(element->root, [&schemas](const SourceNode* node) {
-        const auto* source = dynamic_cast<const SQLIdentifierSourceComponent*>(node->value);
+        const auto* source = ifKind<SQLIdentifierSourceComponent>(node->value);
         if (source && !source->path.empty()) schemas.insert(source->path.back());
     });
     return schemas.size() > 1;
@@ -103,7 +117,7 @@ void visitSourceNodes(const SourceNode* root, const std::function<void(const Sou
         const Step step = steps.back();
         steps.pop_back();
         if (!step.node || !step.node->value) continue;
-        const bool isBracket = dynamic_cast<SQLBracketedSourceNodeComponent*>(step.node->value);
+        const bool isBracket = ifKind<SQLBracketedSourceNodeComponent>(step.node->value);
         if (step.isOpen || isBracket) visit(step.node);
         if (step.isOpen) continue;
         if (!isBracket) {

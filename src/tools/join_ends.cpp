@@ -7,6 +7,7 @@
 
 #include "layouts/condition_chain_surgery.h"
 #include "layouts/source_tree_surgery.h"
+#include "model/kind_of.h"
 #include "tools/join_sight.h"
 #include "tools/join_tools.h"
 
@@ -20,8 +21,8 @@ namespace {
 
 /// The field that an operand, or a condition of its own, begins with; null if it is none.
 SQLFieldColumnComponent* firstField(const SQLAbstractConditionComponent* condition) {
-    const auto* value = dynamic_cast<const SQLConditionValueComponent*>(condition);
-    return value ? dynamic_cast<SQLFieldColumnComponent*>(value->firstValue()) : nullptr;
+    const auto* value = ifKind<SQLConditionValueComponent>(condition);
+    return value ? ifKind<SQLFieldColumnComponent>(value->firstValue()) : nullptr;
 }
 
 /// The fields that the conditions in a chain compare, at any depth of brackets.
@@ -32,7 +33,7 @@ std::vector<SQLFieldColumnComponent*> comparedFields(SQLJoinSourceNodeComponent*
     };
     for (const ConditionChain::Place& place : ConditionChain::flatten(&join->condition)) {
         add(place.component);
-        const auto* compare = dynamic_cast<const SQLCompareConditionComponent*>(place.component);
+        const auto* compare = ifKind<SQLCompareConditionComponent>(place.component);
         if (!compare) continue;
         add(compare->leftValue);
         add(compare->rightValue);
@@ -45,7 +46,7 @@ std::vector<SQLFieldColumnComponent*> comparedFields(SQLJoinSourceNodeComponent*
 bool isNamedBy(const SQLAbstractSourceComponent* source,
                const std::vector<std::string>& qualifiers) {
     if (!source->alias.empty()) return qualifiers.size() == 1 && qualifiers[0] == source->alias;
-    const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
+    const auto* table = ifKind<SQLIdentifierSourceComponent>(source);
     if (!table || qualifiers.empty() || qualifiers.back() != table->name) return false;
     return qualifiers.size() == 1 || std::equal(qualifiers.begin(), qualifiers.end() - 1,
                                                 table->path.begin(), table->path.end());
@@ -132,7 +133,7 @@ const JoinEnds::Node* JoinEnds::find(const Source* source) const {
 
 const JoinEnds::Node* JoinEnds::findJoin(const Source* join) const {
     const Node* const node = find(join);
-    return node && dynamic_cast<const Join*>(node->value) ? node : nullptr;
+    return node && ifKind<Join>(node->value) ? node : nullptr;
 }
 
 /// The source below @p join that @p field belongs to; null if there is none.
@@ -155,7 +156,7 @@ JoinEnds::Neighbours JoinEnds::neighboursOf(const Source* join) const {
     const Span left = belowOf(node->left);
     auto* const component = static_cast<Join*>(node->value);
     for (const ConditionChain::Place& place : ConditionChain::flatten(&component->condition)) {
-        const auto* compare = dynamic_cast<const SQLCompareConditionComponent*>(place.component);
+        const auto* compare = ifKind<SQLCompareConditionComponent>(place.component);
         const Field* const a = compare ? firstField(compare->leftValue) : nullptr;
         const Field* const b = compare ? firstField(compare->rightValue) : nullptr;
         Source* const sourceA = a && b ? sourceOf(a, *node) : nullptr;

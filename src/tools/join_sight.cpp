@@ -4,6 +4,7 @@
 
 #include "layouts/condition_chain_surgery.h"
 #include "layouts/source_tree_layout.h"
+#include "model/kind_of.h"
 #include "model/tree_walks.h"
 #include "tools/join_tools.h"
 
@@ -44,8 +45,8 @@ SourceTreeLayout* treeWithRow(const QBComponentsListLayout* layout, unsigned lon
 }  // namespace
 
 bool hasFields(const SQLAbstractSourceComponent* source) {
-    return dynamic_cast<const SQLIdentifierSourceComponent*>(source) ||
-           dynamic_cast<const SQLSubquerySourceComponent*>(source);
+    return ifKind<SQLIdentifierSourceComponent>(source) ||
+           ifKind<SQLSubquerySourceComponent>(source);
 }
 
 JoinSight::JoinSight(Slot root) : m_places(SourceTree::flatten(root)) {
@@ -89,7 +90,7 @@ void JoinSight::findSpans(Slot root) {
 }
 
 SQLJoinSourceNodeComponent* JoinSight::joinAt(std::size_t row) const {
-    return dynamic_cast<SQLJoinSourceNodeComponent*>(m_places[row].component);
+    return ifKind<SQLJoinSourceNodeComponent>(m_places[row].component);
 }
 
 JoinSight::Span JoinSight::rowsInSight(std::size_t row) const {
@@ -121,9 +122,9 @@ bool JoinSight::isBlind(const SQLAbstractConditionComponent* condition, Span sig
     const auto look = [&](const AbstractQueryComponent* component) {
         isBlind = isBlind || isOutOfSight(component, sight);
     };
-    if (const auto* value = dynamic_cast<const SQLConditionValueComponent*>(condition)) {
+    if (const auto* value = ifKind<SQLConditionValueComponent>(condition)) {
         std::for_each(value->values.begin(), value->values.end(), look);
-    } else if (const auto* compare = dynamic_cast<const SQLCompareConditionComponent*>(condition)) {
+    } else if (const auto* compare = ifKind<SQLCompareConditionComponent>(condition)) {
         // Not the comparison itself: that owns the rest of the chain.
         visitOwnedComponents(compare->leftValue, look);
         visitOwnedComponents(compare->rightValue, look);
@@ -132,7 +133,7 @@ bool JoinSight::isBlind(const SQLAbstractConditionComponent* condition, Span sig
 }
 
 bool JoinSight::isOutOfSight(const AbstractQueryComponent* component, Span sight) const {
-    const auto* column = dynamic_cast<const SQLFieldColumnComponent*>(component);
+    const auto* column = ifKind<SQLFieldColumnComponent>(component);
     if (!column || !column->source) return false;
     const auto found = m_rows.find(column->source);
     return found == m_rows.end() || found->second < sight.first || found->second > sight.last;
