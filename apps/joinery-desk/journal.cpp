@@ -5,6 +5,7 @@
 #include <QLockFile>
 #include <QPointer>
 #include <QUuid>
+#include <cstring>
 #include <mutex>
 #include <utility>
 
@@ -14,9 +15,10 @@ namespace QB::Desk {
 namespace {
 
 const char* const suffix = ".joinery";
+const char* const lockSuffix = ".lock";
 
 std::unique_ptr<QLockFile> lockOf(const QString& path) {
-    auto lock = std::make_unique<QLockFile>(path + QLatin1String(".lock"));
+    auto lock = std::make_unique<QLockFile>(path + QLatin1String(lockSuffix));
     lock->setStaleLockTime(0);  // age says nothing: a window may stay open for weeks
     return lock;
 }
@@ -25,6 +27,17 @@ std::unique_ptr<QLockFile> lockOf(const QString& path) {
 QString movedAside(const QString& path) {
     const QString target = path + QLatin1String(".damaged");
     return QFile::rename(path, target) ? target : path;
+}
+
+/// Of programs that crashed with nothing unsaved.
+void removeLeftLocks(const QString& folder) {
+    const QString ending = QLatin1String(suffix) + QLatin1String(lockSuffix);
+    const QStringList names = QDir(folder).entryList({QLatin1Char('*') + ending}, QDir::Files);
+    for (const QString& name : names) {
+        const QString path = QDir(folder).filePath(name.chopped(int(std::strlen(lockSuffix))));
+        const auto lock = lockOf(path);
+        if (!QFileInfo::exists(path) && lock->tryLock(0)) lock->unlock();
+    }
 }
 
 }  // namespace
@@ -126,6 +139,7 @@ std::optional<LeftJournal> Journal::takeLeft() {
     const QStringList names = QDir(m_folder).entryList({QLatin1Char('*') + QLatin1String(suffix)},
                                                        QDir::Files, QDir::Time);
     if (m_folder.isEmpty()) return std::nullopt;
+    removeLeftLocks(m_folder);
     for (const QString& name : names) {
         LeftJournal journal;
         journal.path = QDir(m_folder).filePath(name);

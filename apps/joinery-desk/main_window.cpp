@@ -97,8 +97,9 @@ MainWindow::MainWindow(QSettings* settings, const QString& sampleFile, const Que
     connectTextActions();
     connectQueryActions();
     connect(m_grid, &ResultGrid::runningChanged, this, &MainWindow::updateActions);
-    HostKit::setErrorHandler(
-        [this](const std::string& text) { showError(QString::fromStdString(text)); });
+    HostKit::setErrorHandler([this](const std::string& text) {
+        m_messageBar->showOfQuery(QString::fromStdString(text));
+    });
     restoreSettings();
     updateRecentFiles();
     retranslate();
@@ -273,7 +274,7 @@ void MainWindow::connectEngine() {
     const Emitter* emitter = m_workspace->engine()->signalEmitter();
     connect(emitter, &Emitter::topLevelQueryComponentElementModified, this,
             [this](QBEngine*, const QSet<TopLevelQueryComponentElementEnum>& elements) {
-                m_messageBar->withdrawQuestion();  // it was about the query before
+                m_messageBar->withdrawOfQuery();
                 if (elements.contains(ElementSource)) Q_EMIT sourcesChanged();
             });
     connect(emitter, &Emitter::identifierCandidateChildrenUpdateEnded, this,
@@ -349,8 +350,8 @@ void MainWindow::updateTitle() {
     QStringList names;
     if (!m_queryFile.isEmpty()) names.append(QFileInfo(m_queryFile).fileName());
     if (m_workspace) names.append(m_workspace->database().settings().displayName());
-    if (!names.isEmpty()) names.first() += QLatin1String("[*]");
     names.append(QStringLiteral("Joinery"));
+    names.first() += QLatin1String("[*]");
     setWindowTitle(names.join(QStringLiteral(" – ")));
     setWindowModified(isWorkUnsaved());
 }

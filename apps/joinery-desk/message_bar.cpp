@@ -51,6 +51,7 @@ MessageBar::MessageBar(QWidget* parent)
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_icon->setContentsMargins(0, 2, 0, 0);  // on the first line of the text
     m_close->setAutoRaise(true);
+    m_close->setText(QStringLiteral("×"));  // the style's picture is dark in every theme
     m_close->setFocusPolicy(Qt::StrongFocus);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(8, 4, 4, 4);
@@ -72,6 +73,7 @@ MessageBar::MessageBar(QWidget* parent)
 
 void MessageBar::show(Kind kind, const QString& text) {
     m_kind = kind;
+    m_isOfQuery = kind == Kind::Question;
     forgetAnswers();
     m_text->setText(text);
     color();
@@ -103,8 +105,13 @@ void MessageBar::choose(std::size_t index) {
     if (chosen) chosen();
 }
 
-void MessageBar::withdrawQuestion() {
-    if (isAsking()) hide();
+void MessageBar::showOfQuery(const QString& error) {
+    show(Kind::Error, error);
+    m_isOfQuery = true;
+}
+
+void MessageBar::withdrawOfQuery() {
+    if (m_isOfQuery) hide();
 }
 
 void MessageBar::hideEvent(QHideEvent* event) {
@@ -126,7 +133,6 @@ void MessageBar::color() {
     const auto icon = iconOf(m_kind);
     const int side = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
     m_icon->setPixmap(style()->standardIcon(icon, nullptr, this).pixmap(side));
-    m_close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton, nullptr, this));
     setAccessibleName(nameOf(m_kind));
 }
 

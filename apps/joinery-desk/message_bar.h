@@ -33,7 +33,10 @@ public:
     /// another message takes its place.
     void ask(const QString& text, Answer answer, Answer other = {});
     bool isAsking() const { return m_chosen[0] != nullptr; }
-    void withdrawQuestion();
+    /// Shows an error that a change of the query may mend.
+    void showOfQuery(const QString& error);
+    /// The query changed: questions and such errors were about the one before.
+    void withdrawOfQuery();
     /// What is being told; empty while hidden.
     QString text() const;
 
@@ -56,6 +59,7 @@ private:
     std::array<std::function<void()>, 2> m_chosen;  ///< empty: nothing is being asked
     QPointer<QWidget> m_focusBefore;  // not owned: had the focus when the question came
     bool m_isColoring = false;
+    bool m_isOfQuery = false;
 };
 
 }  // namespace QB::Desk

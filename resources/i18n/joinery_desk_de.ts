@@ -304,10 +304,14 @@ Stellt SQL-Abfragen zusammen: Tabellen wählen, den Text wachsen sehen, ausführ
         <translation>„%1“ ist eine Abfrage für %2. Hier lassen sich nur Datenbanken von SQLite öffnen.</translation>
     </message>
     <message>
-        <source>The query in &quot;%1&quot; cannot be read: %2
+        <source>&quot;%1&quot;: %2
 Its text is in the SQL tab; the query in the builder is as it was.</source>
-        <translation>Die Abfrage in „%1“ lässt sich nicht lesen: %2
+        <translation>„%1“: %2
 Ihr Text steht im SQL-Reiter; die Abfrage im Generator ist, wie sie war.</translation>
+    </message>
+    <message>
+        <source>The schema &quot;%1&quot; of this query is not there. Names are looked for in &quot;%2&quot;.</source>
+        <translation>Das Schema „%1“ dieser Abfrage ist nicht da. Namen werden in „%2“ gesucht.</translation>
     </message>
     <message>
         <source>The database &quot;%1&quot; of this query is not there. The query is opened on &quot;%2&quot;.</source>
