@@ -68,6 +68,9 @@ TEST(CanvasAccessible, the_tree_names_items_links_rows_and_the_edit_button) {
     EXPECT_EQ(scene.root()->role(), QAccessible::LayeredPane);
     EXPECT_EQ(childNames(scene.root()).mid(0, 4).join("|"),
               "film|language (l)|recent|INNER JOIN: film and language (l)");
+    // In the order in which they came, whichever lies above the others.
+    scene.diagram->bringChildToFront(scene.film->item());
+    EXPECT_EQ(nameOf(scene.root()->child(0)), "film");
     EXPECT_EQ(childNames(scene.find("film")).join("|"), "*|id|title|language_id");
     EXPECT_EQ(childNames(scene.find("recent")).join("|"), "Edit the text");
     EXPECT_EQ(scene.find("recent")->text(QAccessible::Description), "SELECT id FROM rental");
@@ -100,6 +103,9 @@ TEST(CanvasAccessible, a_tour_through_actions_does_what_the_mouse_does) {
     EXPECT_FALSE(scene.find("title")->state().checked);
     ASSERT_TRUE(scene.act("title", Actions::toggleAction()));
     EXPECT_TRUE(scene.find("title")->state().checked);
+    ASSERT_TRUE(scene.act("title", Actions::setFocusAction()));
+    EXPECT_TRUE(scene.find("title")->state().focused);
+    EXPECT_FALSE(scene.find("id")->state().focused);
     ASSERT_TRUE(scene.act("*", Actions::toggleAction()));
     EXPECT_EQ(ticks, (std::vector<std::string>{"title+", "+"}));
 

@@ -177,8 +177,9 @@ TEST_F(Controls, ASplitterSharesItsLengthAndItsPanesFillTheOther) {
         QBLumoSplitter splitter(expected.vertical);
         splitter.setRect({20, 20, 300, 280});
         splitter.layout();
-        splitter.setRatio(expected.ratio);
         splitter.setRect({{20, 20}, expected.size});
+        splitter.layout();
+        splitter.setRatio(expected.ratio);
         splitter.layout();
         EXPECT_EQ(splitter.getHandleRect(), expected.handle);
         EXPECT_EQ(splitter.getFirstPane()->getRect(), expected.first);

@@ -72,6 +72,7 @@ TEST(Diagram, AsksForOneMenuAGestureAndNamesTheField) {
     EXPECT_EQ(scene.lastMenu()->extras.at("FieldName").toString(), "");
     scene.control.click(scene.title(scene.bodies["b"]), LumoButtonRight);
     EXPECT_EQ(scene.lastMenu()->extras.count("FieldName"), 0U);
+    EXPECT_EQ(scene.control.menuPlace, scene.title(scene.bodies["b"]));
     scene.control.click({50, 700}, LumoButtonRight);
     EXPECT_EQ(scene.lastMenu()->clicked, nullptr);
     EXPECT_EQ(scene.control.rightClicks.size(), 4U);

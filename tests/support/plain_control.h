@@ -27,8 +27,9 @@ public:
     void layoutWanted() override { ++layoutsWanted; }
     void updateRegion(const LumoRect& rect) override { dirty.push_back(rect); }
     void cursorChanged(int code) override { cursor = code; }
-    void rightClicked(const LumoMessageRightClickParam& param, LumoPoint) override {
+    void rightClicked(const LumoMessageRightClickParam& param, LumoPoint at) override {
         rightClicks.push_back(param.block());
+        menuPlace = at;
     }
 
     void press(LumoPoint at, int32_t keys = LumoButtonLeft) {
@@ -58,6 +59,7 @@ public:
     int cursor = 0;
     std::vector<LumoRect> dirty;
     std::vector<std::shared_ptr<void>> rightClicks;
+    LumoPoint menuPlace;  // of the last one
 
 private:
     LumoControlPoint inControl(LumoPoint at) const { return diagramSpaceToControlSpace(at); }
