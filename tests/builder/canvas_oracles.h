@@ -2,11 +2,11 @@
 
 #include <QScreen>
 
+#include "builder/canvas_probes.h"
 #include "builder/monkey_desk.h"
 #include "canvas/controls/scroll_view.h"
 #include "canvas/items/field_list.h"
 #include "platform/lumo/lumo_timer.h"
-#include "support/canvas_probes.h"
 
 namespace QB::Test {
 
