@@ -280,7 +280,7 @@ private:
             *lines << QString("%1%2 %3 %4").arg(join->joinType).arg(label, nameOf(a), nameOf(b));
         };
         std::vector<const SQLCompareConditionComponent*> compares;
-        if (join->needsCondition()) collect(join->condition, &compares);
+        collect(join->condition, &compares);
         std::pair<End, End> tables;
         if (!left.empty()) tables.first.source = left.back();
         if (!right.empty()) tables.second.source = right.front();
@@ -292,7 +292,8 @@ private:
                 isBound = true;
             }
             const auto fields = endsOf(compare, left, right, true);
-            if (fields.first.source && fields.second.source) add(fields.first, fields.second);
+            const bool isDrawn = join->needsCondition() && fields.first.source;
+            if (isDrawn && fields.second.source) add(fields.first, fields.second);
         }
         if (tables.first.source && tables.second.source) add(tables.first, tables.second);
     }
