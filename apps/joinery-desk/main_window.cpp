@@ -32,6 +32,7 @@
 #include "apps/joinery-desk/undo_keys.h"
 #include "apps/joinery-desk/window_actions.h"
 #include "apps/joinery-desk/workspace.h"
+#include "canvas/view/canvas_commands.h"
 #include "diagrampanel/diagram_object_tree_panel_widget.h"
 #include "frame/highlighting_query_preview_panel_widget.h"
 #include "frame/query_builder_widget.h"
@@ -418,6 +419,7 @@ void MainWindow::restoreSettings() {
 
 void MainWindow::restoreState(const WindowState& state) {
     m_builder->loadGlobalPreferences(state.preferences);
+    m_builder->canvasCommands()->setZoom(state.zoom);
     m_splitter->restoreState(state.rows);
     // Nothing moves under the hand of a user who has arranged the window while it was opening.
     if (std::exchange(m_restoredLayout, state.layout) == state.layout) return;
@@ -432,8 +434,9 @@ void MainWindow::setGivenSize(const QSize& size) {
 }
 
 void MainWindow::saveState() {
-    m_states.store(databaseFile(), {m_builder->obtainWidgetLayoutJsonString(),
-                                    m_splitter->saveState(), m_builder->obtainGlobalPreferences()});
+    m_states.store(databaseFile(),
+                   {m_builder->obtainWidgetLayoutJsonString(), m_splitter->saveState(),
+                    m_builder->obtainGlobalPreferences(), m_builder->canvasCommands()->zoom()});
     m_settings->setValue(QLatin1String(rowLimitKey), m_grid->rowLimit());
 }
 

@@ -26,7 +26,8 @@ std::optional<WindowState> WindowStates::read(const QString& key) const {
     const QString layout = m_settings->value(key + QLatin1String("/layout")).toString();
     if (layout.isEmpty()) return std::nullopt;
     return WindowState{layout, m_settings->value(key + QLatin1String("/rows")).toByteArray(),
-                       m_settings->value(key + QLatin1String("/preferences")).toMap()};
+                       m_settings->value(key + QLatin1String("/preferences")).toMap(),
+                       m_settings->value(key + QLatin1String("/zoom"), 1).toDouble()};
 }
 
 std::optional<WindowState> WindowStates::find(const QString& database) const {
@@ -43,6 +44,7 @@ void WindowStates::store(const QString& database, const WindowState& state) {
     m_settings->setValue(key + QLatin1String("/layout"), state.layout);
     m_settings->setValue(key + QLatin1String("/rows"), state.rows);
     m_settings->setValue(key + QLatin1String("/preferences"), state.preferences);
+    m_settings->setValue(key + QLatin1String("/zoom"), state.zoom);
     QStringList keys = order();
     keys.removeAll(key);
     keys.prepend(key);

@@ -15,6 +15,7 @@ struct WindowState {
     QString layout;   ///< of window and panes: QBQueryBuilderWidget::obtainWidgetLayoutJsonString
     QByteArray rows;  ///< of the splitter between builder and rows
     QMap<QString, QVariant> preferences;
+    double zoom = 1;  ///< of the diagram
 };
 
 /// The looks of the window for each database file, kept in the settings. Of the databases that were

@@ -4,6 +4,7 @@
 #include "apps/joinery-desk/sql_editor.h"
 #include "apps/joinery-desk/sql_tab.h"
 #include "desk/desk_fixture.h"
+#include "model/callbacks.h"
 #include "support/qt_animations.h"
 
 using QB::Test::DeskFixture;
@@ -76,6 +77,15 @@ private Q_SLOTS:
         m_desk->buildAndRun();
         QVERIFY(!bar->isVisible());
         QTRY_COMPARE(m_desk->model()->rowCount(), 2);
+
+        // So is an error that the library tells, in contrast to others.
+        bar->show(QB::Desk::MessageBar::Kind::Error, "a file");
+        apply("SELECT c.none FROM city c");
+        QCOMPARE(bar->text(), QString("a file"));
+        QB::Callback::showError("a name");
+        QTRY_COMPARE(bar->text(), QString("a name"));
+        apply("SELECT c.nothing FROM city c");
+        QCOMPARE(bar->text(), QString());
     }
 
     void theClausesFitASmallWindow() {

@@ -14,6 +14,7 @@
 #include "apps/joinery-desk/sql_editor.h"
 #include "apps/joinery-desk/sql_tab.h"
 #include "apps/joinery-desk/window_states.h"
+#include "canvas/view/canvas_commands.h"
 #include "desk/desk_fixture.h"
 
 using QB::Desk::Journal;
@@ -123,13 +124,16 @@ private Q_SLOTS:
         object["text"] = "-- typed";
         const QString path = m_desk->write("query.joinery", QJsonDocument(object).toJson());
         verifyRefused(path, "in the SQL tab");
+        QCOMPARE(m_desk->window->messageBar()->text().count("cannot be read"), 1);
         QTRY_COMPARE(m_desk->window->sqlTab()->state(), QB::Desk::SqlTab::State::Refused);
         QCOMPARE(editor()->text(), QString("SELECT name FROM city WHERE;\n\n-- typed"));
         QVERIFY(m_desk->window->isWorkUnsaved());  // the builder's, which nobody has saved
     }
 
     void unsavedWorkIsAskedAboutWhenAnotherQueryComes() {
-        const QString path = m_desk->write("q.joinery", QJsonDocument(wholeQuery()).toJson());
+        QJsonObject object = wholeQuery();
+        object["schema"] = "elsewhere";
+        const QString path = m_desk->write("q.joinery", QJsonDocument(object).toJson());
         int boxes = 0;
         answerNextBox(QMessageBox::Cancel, &boxes);
         m_desk->window->openAnyFile(path);
@@ -139,7 +143,9 @@ private Q_SLOTS:
         m_desk->window->openAnyFile(path);
         QTRY_COMPARE(m_desk->preview(), QString("SELECT name FROM city"));
         QCOMPARE(boxes, 1);
-        QVERIFY(m_desk->window->messageBar()->text().contains("gone.db"));  // which it names
+        for (const char* missing : {"gone.db", "elsewhere"})
+            QVERIFY(m_desk->window->messageBar()->text().contains(missing));
+        QTRY_VERIFY(m_desk->window->builder()->canvasCommands()->dump().contains("\"name\""));
     }
 
     // ---- the journal ------------------------------------------------------------------------
@@ -162,6 +168,8 @@ private Q_SLOTS:
         QFile damaged(journals + "/damaged.joinery");
         QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write("{") == 1);
         damaged.close();
+        const QString lock = QDir(journals).entryList({"*.lock"}).value(0);
+        QVERIFY(QFile::copy(journals + '/' + lock, journals + "/nothing.joinery.lock"));
 
         m_desk->window = std::make_unique<MainWindow>(&m_desk->settings, folder.filePath("x"));
         m_desk->window->setLanguage("en");
@@ -210,18 +218,21 @@ private Q_SLOTS:
         QVERIFY(m_desk->open(other.path()));
         QCOMPARE(m_desk->window->size(), mine);  // nothing is known of this one
         m_desk->window->resize(others);
+        builder()->canvasCommands()->zoomIn();
         builder()->loadGlobalPreferences({{"RelationMode", "2"}});
         QVERIFY(m_desk->open(m_desk->database->path()));
         QCOMPARE(m_desk->window->size(), mine);
+        QCOMPARE(builder()->canvasCommands()->zoom(), 1.0);
         QCOMPARE(builder()->obtainGlobalPreferences()["RelationMode"].toString(), QString("1"));
         QVERIFY(m_desk->open(other.path()));
         m_desk->window->close();
         m_desk->window = std::make_unique<MainWindow>(&m_desk->settings, QString());
         QCOMPARE(m_desk->window->size(), others);
+        QCOMPARE(builder()->canvasCommands()->zoom(), 1.1);
 
         QB::Desk::WindowStates states(&m_desk->settings);
         for (int i = 0; i < QB::Desk::WindowStates::limit; ++i)
-            states.store(QString::number(i), {"{}", {}, {}});
+            states.store(QString::number(i), {"{}", {}, {}, 1});
         QVERIFY(!states.find(other.path()) && states.find("0"));
     }
 

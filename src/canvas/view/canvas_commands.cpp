@@ -75,6 +75,10 @@ double QBCanvasCommands::zoom() const {
     return m_state->view->getControl()->getZoom();
 }
 
+void QBCanvasCommands::setZoom(double zoom) {
+    m_state->view->getControl()->setZoom(zoom, {0, 0});
+}
+
 bool QBCanvasCommands::isOverviewVisible() const {
     return m_state->overview->isWanted();
 }

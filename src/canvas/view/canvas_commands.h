@@ -27,6 +27,7 @@ public:
 
     /// From 0.25 to 4.
     double zoom() const;
+    void setZoom(double zoom);
     bool isOverviewVisible() const;
     bool canUndoArrange() const;
 
