@@ -166,12 +166,11 @@ void QBQueryHistory::Private::modified(const QBNotificationParameters& params) {
                      engine()->layerPath());
 }
 
-/// What comes late is a step of its own when the user has gone on. After an undo it is none: it
-/// must not take away what can be redone.
+/// What comes late is a step of its own when the user has gone on.
 bool QBQueryHistory::Private::isPartOfLastStep(const QBNotificationParameters& params) const {
     const auto followsUp = params.find("followsUp");
     if (followsUp == params.end()) return false;
-    return followsUp->second.toInt() != 0 || stack.index() < stack.count();
+    return followsUp->second.toInt() != 0;
 }
 
 QString QBQueryHistory::Private::nameOf(const QBNotificationParameters& params,

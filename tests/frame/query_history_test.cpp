@@ -460,6 +460,19 @@ private Q_SLOTS:
         QVERIFY(!desk.history->isBusy());
         desk.redo();
         QCOMPARE(desk.stack->index(), 2);
+
+        desk.undo();
+        const State before = desk.state();
+        desk.diagram()->setFocusedObject(desk.diagram()->items().front());
+        for (const Qt::Key key : {Qt::Key_R, Qt::Key_Right, Qt::Key_Return}) {
+            desk.pressOnCanvas(key);
+            desk.limit(key == Qt::Key_Right ? 5 : 6);  // from elsewhere
+            desk.settle();
+        }
+        desk.stack->setIndex(2);
+        QVERIFY(desk.state().arrangement == before.arrangement);
+        desk.stack->setIndex(1);
+        QCOMPARE(difference(before, desk.state()), QString());
     }
 
     void whatIsNotAnnouncedYetIsUndoneFirst() {
