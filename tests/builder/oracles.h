@@ -49,10 +49,9 @@ public:
         const TextReading reading =
             readOwnText(*root, engine->databaseType(), engine->currentSchema());
         const QString text = shown(reading.text);
-        if (!reading.isAccepted)
-            return isMarked(root, text) ? QString() : "text: refused, and not marked: " + text;
-        // Which of two sources of one name is meant no text can tell.
-        if (reading.faults.empty() || hasNamesakes(root)) return {};
+        if (isMarked(root, text)) return {};
+        if (!reading.isAccepted) return "text: refused, and not marked: " + text;
+        if (reading.faults.empty() || hasUnclearNames(root)) return {};
         return "text: " + shown(reading.faults) + "\n    in " + text;
     }
 
@@ -130,8 +129,9 @@ private:
         return isFound;
     }
 
-    /// In one FROM clause, at any depth.
-    static bool hasNamesakes(const SQLSelectStmtComponent* root) {
+    /// Which of two sources of one name is meant no text can tell, and schemas are written as the
+    /// current one asks, which what refers to them does not follow.
+    static bool hasUnclearNames(const SQLSelectStmtComponent* root) {
         bool isFound = false;
         Tools::visitOwnedComponents(root, [&](const auto* part) {
             const auto* const statement = dynamic_cast<const SQLSelectStmtComponent*>(part);
@@ -140,7 +140,8 @@ private:
                 const auto* const table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
                 const std::string name =
                     source->alias.empty() && table ? table->name : source->alias;
-                if (!name.empty() && !names.insert(name).second) isFound = true;
+                const bool isNew = name.empty() || names.insert(name).second;
+                if (!isNew || (table && !table->path.empty())) isFound = true;
             }
         });
         return isFound;
