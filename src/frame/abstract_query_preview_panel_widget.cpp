@@ -1,5 +1,7 @@
 #include "frame/abstract_query_preview_panel_widget.h"
 
+#include <iterator>
+#include <set>
 #include <utility>
 
 #include "engine/engine_core.h"
@@ -36,6 +38,7 @@ struct QBAbstractQueryPreviewPanelWidget::Result {
     bool isComplete = false;
     std::string text;
     ComponentRanges ranges;
+    ComponentIds ids;
 };
 
 QBAbstractQueryPreviewPanelWidget::QBAbstractQueryPreviewPanelWidget(QWidget* parent)
@@ -94,26 +97,37 @@ void QBAbstractQueryPreviewPanelWidget::topLevelQueryComponentLayerChanged(
 }
 
 void QBAbstractQueryPreviewPanelWidget::forgetFocus() {
-    m_focusedComponents.clear();
+    m_focusedIds.clear();
     highlightAllFocusedComponent();
 }
 
 void QBAbstractQueryPreviewPanelWidget::markFocusedComponent(
     Component::AbstractQueryComponent* component, bool focused) {
     if (focused)
-        m_focusedComponents.insert(component);
+        m_focusedIds[component] = component->id();
     else
-        m_focusedComponents.erase(component);
+        forgetFocusOf(component);
     highlightAllFocusedComponent();
+}
+
+/// It may be gone, so its id is the one that it had in the text, or when it got the focus.
+void QBAbstractQueryPreviewPanelWidget::forgetFocusOf(
+    const Component::AbstractQueryComponent* component) {
+    const auto shown = m_componentIds.find(component);
+    const auto focused = m_focusedIds.find(component);
+    if (shown == m_componentIds.end() && focused == m_focusedIds.end()) return;
+    const long id = shown != m_componentIds.end() ? shown->second : focused->second;
+    for (auto each = m_focusedIds.begin(); each != m_focusedIds.end();)
+        each = each->second == id ? m_focusedIds.erase(each) : std::next(each);
 }
 
 void QBAbstractQueryPreviewPanelWidget::highlightAllFocusedComponent() {
     std::vector<QBRange> ranges;
-    // Both are ordered by address: this is the order of the map.
-    for (const Component::AbstractQueryComponent* component : m_focusedComponents) {
-        const auto found = m_componentRanges.find(component);
-        if (found != m_componentRanges.end()) ranges.push_back(found->second);
-    }
+    std::set<long> focused;
+    for (const auto& [component, id] : m_focusedIds)
+        focused.insert(id);
+    for (const auto& [component, range] : m_componentRanges)
+        if (focused.count(m_componentIds.at(component)) > 0) ranges.push_back(range);
     highlightText(HighlightTypeFocusedComponent, std::move(ranges));
 }
 
@@ -181,6 +195,8 @@ void QBAbstractQueryPreviewPanelWidget::generateText(const Generation& generatio
             generation.core->addressNow(generation.statement, generation.statementId));
         const auto ranges = stringifier->componentRanges();
         result.ranges = ComponentRanges(ranges.begin(), ranges.end());
+        for (const auto& [component, range] : result.ranges)
+            result.ids.emplace(component, component->id());
     });
 }
 
@@ -191,6 +207,7 @@ void QBAbstractQueryPreviewPanelWidget::finishGeneration(const Generation& gener
         isEngineAlive && engine() != nullptr && engine()->id() == generation.engineId;
     if (isForThisEngine && result.isComplete) {
         m_componentRanges = result.ranges;
+        m_componentIds = result.ids;
         setPreviewQuery(result.text);
         highlightAllFocusedComponent();
     }

@@ -80,11 +80,13 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    using ComponentIds = std::map<const Component::AbstractQueryComponent*, long>;
     struct Generation;
     struct Result;
 
     void connectEngine();
     void forgetFocus();
+    void forgetFocusOf(const Component::AbstractQueryComponent* component);
     Component::AbstractTopLevelQueryComponent* shownStatement() const;
     static void run(const Generation& generation);
     static void generateText(const Generation& generation, Result& result);
@@ -96,7 +98,8 @@ private:
     bool m_needsUpdateQuery = false;
     bool m_showsCurrentLayerOnly = false;
     ComponentRanges m_componentRanges;
-    std::set<const Component::AbstractQueryComponent*> m_focusedComponents;
+    ComponentIds m_componentIds;                // of the same components
+    ComponentIds m_focusedIds;                  // after an undo these stand at other addresses
     QBLoadingIndicatorWidget* m_loadingWidget;  // not owned: a child
     QTimer m_unpaintedTimer;                    // runs while loading is not painted yet
     bool m_isGenerating = false;

@@ -194,6 +194,15 @@ private Q_SLOTS:
                 {"sender", static_cast<void*>(nullptr)}};
             engine->notifyChange("ComponentFocusChangedNotification", &params);
         };
+        // An undo brings it back at another address, with the same id.
+        const std::string record = engine->recordQuery();
+        QVERIFY(engine->restoreQuery(record, {}, nullptr));
+        preview.updatePreviewQuery();
+        runHeldWork();
+        QCOMPARE(int(preview.highlights.back().size()), 1);
+        column = static_cast<decltype(column)>(
+            dynamic_cast<Component::SQL::SQLSelectStmtComponent*>(engine->topLevelQueryComponent(0))
+                ->selectColumnExpr->columns.front());
         announce(0);
         QVERIFY(preview.highlights.back().empty());
         announce(1);
