@@ -17,10 +17,10 @@
 /// at once the panel has no new map yet while the announcement runs: it must not check then.
 /// A map's keys are compared, never dereferenced: what they name may be gone when they are used.
 ///
-/// Names are compared exactly, but for those of tables and fields where the server knows no case. A table that
-/// the candidates do not have passes with all of its fields; one whose fields are not fetched has
-/// none: who checks does it again when fields came. The result is empty without engine or
-/// statement, and for an element of another kind. Thread: main; not inside another modification
+/// Names are compared exactly, but for those of tables and fields where the server knows no case. A
+/// table that the candidates do not have passes with all of its fields; one whose fields are not
+/// fetched has none: who checks does it again when fields came. The result is empty without engine
+/// or statement, and for an element of another kind. Thread: main; not inside another modification
 /// block.
 namespace QB::Tools::Validation {
 

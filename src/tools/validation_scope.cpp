@@ -152,8 +152,7 @@ const QBIdentifierCandidate* ValidationScope::tableOf(const Source* source) {
 }
 
 FieldLookup::FieldLookup(const QBEngine* engine)
-    : m_engine(engine)
-    , m_hasCase(namesHaveCase(engine->databaseType())) {}
+    : m_engine(engine), m_hasCase(namesHaveCase(engine->databaseType())) {}
 
 void FieldLookup::run() {
     constexpr std::size_t atOnce = 1000;
