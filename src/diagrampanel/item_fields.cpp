@@ -93,6 +93,7 @@ DiagramParts ItemFields::currentParts() const {
 
 void ItemFields::askSubquery(const Subquery* subquery) {
     const long number = m_asked[subquery->id()];
+    m_waiting.insert(subquery->id());
     Tools::obtainAndFetchSubqueryFieldList(
         m_panel->engine(), subquery,
         [this, own = m_id, id = subquery->id(), number](const Subquery*, const auto& names) {
@@ -105,6 +106,7 @@ void ItemFields::askSubquery(const Subquery* subquery) {
 void ItemFields::answer(long id, long number, const std::vector<std::string>& names) {
     const auto asked = m_asked.find(id);
     if (asked == m_asked.end() || asked->second != number) return;
+    m_waiting.erase(id);
     for (const DiagramPart& part : currentParts()) {
         if (part.id == id) m_drawer->setItemFields(part.component, names);
     }
@@ -116,9 +118,25 @@ void ItemFields::loadEnded(const QBIdentifierCandidate* candidate) {
     const QBIdentifierCandidateSnapshot record = engine->candidateSnapshot(candidate);
     if (!record.parent || !isTableLike(record.type)) return;
     const std::string schema = engine->candidateSnapshot(record.parent).name;
+    const std::vector<std::string> fields = fieldsOf(engine, candidate);
     m_drawer->updateAllComponentsUsingIdentifier({schema, record.name}, engine->currentSchema(),
-                                                 fieldsOf(engine, candidate));
+                                                 fields);
+    const auto [former, isNew] = m_loaded.emplace(std::pair(schema, record.name), fields);
+    // A first load may be one that they wait for.
+    const bool mayYieldMore = isNew ? m_waiting.empty() : former->second != fields;
+    former->second = fields;
+    if (mayYieldMore) askSubqueries();
     m_filled();
+}
+
+/// What they yield may come from a table that has other fields now.
+void ItemFields::askSubqueries() {
+    Sources subqueries;
+    for (const DiagramPart& part : currentParts()) {
+        auto* const source = dynamic_cast<Subquery*>(part.component);
+        if (source) subqueries.push_back(source);
+    }
+    ask(subqueries, false);
 }
 
 }  // namespace QB

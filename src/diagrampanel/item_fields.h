@@ -2,7 +2,9 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "diagrampanel/diagram_sync.h"
@@ -39,16 +41,24 @@ public:
     /// the current statement.
     void ask(const Sources& sources, bool force);
     /// The source with that id is not drawn any more.
-    void forget(long id) { m_asked.erase(id); }
-    /// A load has ended: the items of a table get what it has now.
+    void forget(long id) {
+        m_asked.erase(id);
+        m_waiting.erase(id);
+    }
+    /// A load has ended: the items of a table get what it has now, and those of subqueries what
+    /// they yield then.
     void loadEnded(const QBIdentifierCandidate* candidate);
     /// Answers that are under way are not wanted any more.
-    void clear() { m_asked.clear(); }
+    void clear() {
+        m_asked.clear();
+        m_waiting.clear();
+    }
 
 private:
     void ask(Source* source, bool force);
     void askTable(Component::SQL::SQLIdentifierSourceComponent* table, bool force);
     void askSubquery(const Subquery* subquery);
+    void askSubqueries();
     void answer(long id, long number, const std::vector<std::string>& names);
     DiagramParts currentParts() const;
     void send();
@@ -59,6 +69,9 @@ private:
     const long m_id;                 ///< in the liveness registry, for the answers
     std::map<long, long> m_asked;    ///< the number of the last question, by the id of the source
     std::vector<long> m_subqueries;  ///< ids to be asked for
+    std::set<long> m_waiting;        ///< subqueries whose last question has no answer
+    /// By schema and name, the fields with which a table was loaded last.
+    std::map<std::pair<std::string, std::string>, std::vector<std::string>> m_loaded;
     bool m_isFetchDue = false;
     bool m_isCollecting = false;
     long m_questions = 0;

@@ -86,6 +86,8 @@ const Deed deeds[] = {
      "SELECT * FROM t ORDER BY t.b DESC", "t selected: * a b c"},
     {"open the editor of a join", "SELECT * FROM t INNER JOIN u ON t.a = u.a",
      "link 0; editor; key Esc", "", "t: * a b c; u: * a d; inner t=u"},
+    {"fields anew, in what yields them, too", "SELECT t.a FROM t, ( SELECT * FROM t ) AS s",
+     "server t a e; right t; choose Refresh", "", "s: * a e; t selected: * [a] e"},
     {"fields anew", "SELECT t.a FROM t", "server t a e; right t; choose Refresh", "",
      "t selected: * [a] e"},
     {"a step back", "SELECT t.a FROM t INNER JOIN u ON t.a = u.a",
