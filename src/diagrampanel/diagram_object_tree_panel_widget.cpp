@@ -152,7 +152,7 @@ QString QBDiagramObjectTreePanelWidget::obtainIdentifierCandidateKey(
 }
 
 bool QBDiagramObjectTreePanelWidget::isSettled() const {
-    return m_rows->isSettled();
+    return m_rows->isSettled() && !m_filterDelay->isActive();
 }
 
 void QBDiagramObjectTreePanelWidget::setLoadingWholeTree(bool isLoading) {

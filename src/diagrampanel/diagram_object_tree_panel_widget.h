@@ -62,7 +62,7 @@ public:
     /// root. Equal for candidates at the same place, also when one replaced the other.
     QString obtainIdentifierCandidateKey(QBIdentifierCandidate* candidate);
 
-    /// True while no rows wait to be created or filtered.
+    /// True while no rows wait to be created or filtered, and no typing to filter by.
     bool isSettled() const;
 
 public Q_SLOTS:
