@@ -82,7 +82,8 @@ void JoinEnds::addNodes(const SourceNode* root) {
     }
 }
 
-/// From the leaves up: how many rows lie below each node, for now from 0 on, and its outer leaves.
+/// From the leaves up: how many rows lie below each node, counted from 0 in each, and its outer
+/// leaves.
 void JoinEnds::measure() {
     std::for_each(m_nodes.rbegin(), m_nodes.rend(), [this](Node& node) {
         node.isComma = SourceTree::isComma(node.value);
