@@ -200,14 +200,6 @@ JoinEnds::Sides JoinEnds::sidesOf(const Source* join, const Sources& items) cons
 // ---- for one join, which names nothing but what is below it
 // -------------------------------------------------------------------------------
 
-void findNeighboursOfJoin(const SourceNode* joinNode, SQLAbstractSourceComponent*& left,
-                          SQLAbstractSourceComponent*& right) {
-    const auto found =
-        joinNode ? JoinEnds(joinNode).neighboursOf(joinNode->value) : JoinEnds::Neighbours{};
-    left = found.left;
-    right = found.right;
-}
-
 void findParentItemComponentOfJoinConditionFieldComponent(
     const SourceNode* joinNode,
     std::map<SQLFieldColumnComponent*, SQLAbstractSourceComponent*>& result) {

@@ -30,9 +30,11 @@ public:
         Source* left = nullptr;
         Source* right = nullptr;
     };
-    /// See findNeighboursOfJoin(); nulls for what is no join of the tree, as below.
+    /// The two sources that the link of a join stands between: those of the first comparison in its
+    /// condition that names a field of each side, or else the leaves next to the join. Each is null
+    /// where there is none, and both for what is no join of the tree.
     Neighbours neighboursOf(const Source* join) const;
-    /// See findParentItemComponentOfJoinConditionFieldComponent().
+    /// See findParentItemComponentOfJoinConditionFieldComponent(); empty for what is no join.
     std::map<Field*, Source*> sourcesOfFields(const Source* join) const;
 
     struct Sides {

@@ -77,14 +77,6 @@ void findParentItemComponentOfJoinConditionFieldComponent(
     std::map<Component::SQL::SQLFieldColumnComponent*, Component::SQL::SQLAbstractSourceComponent*>&
         result);
 
-/// The two sources that the link of the join in @p joinNode stands between: those of the first
-/// comparison in its condition that names a field of each side, or else the leaves next to the
-/// join. Each is null where there is none.
-/// Thread: the caller may read the statement.
-void findNeighboursOfJoin(const Component::SQL::SourceNode* joinNode,
-                          Component::SQL::SQLAbstractSourceComponent*& left,
-                          Component::SQL::SQLAbstractSourceComponent*& right);
-
 /// Which of @p items stand left and which right of a join in its group, for placing the ends of a
 /// link. Items of other groups are left out; the lists are replaced.
 void checkItemComponentsSideOnJoinComponent(
