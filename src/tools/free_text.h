@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "model/vocabulary.h"
 
@@ -16,8 +18,20 @@ std::string withLineEnded(const std::string& text, DatabaseType family);
 /// Thread: any.
 bool isOnePiece(const std::string& text, DatabaseType family);
 
-/// Whether @p text names something by the table of that name or alias before it, whatever the case.
+/// What texts may call a source: an alias, or the path and the name of a table, outermost first.
+struct SourceName {
+    std::vector<std::string> names;
+    bool isClear = true;  ///< the last of them does alone: no other source goes by it
+};
+
+enum class TextPlace { Value, Source };
+
+/// @p text with @p now wherever it names a field by @p former; null where that cannot be told from
+/// the tokens alone: a subquery in it may mean a source of its own, and a source may stand in the
+/// schema of that name; nor where @p now has no name. Linear.
 /// Thread: any.
-bool namesTable(const std::string& text, const std::string& table, DatabaseType family);
+std::optional<std::string> withSourceRenamed(const std::string& text, TextPlace place,
+                                             const SourceName& former, const SourceName& now,
+                                             const QBDatabaseInfo& info);
 
 }  // namespace QB

@@ -10,7 +10,6 @@
 #include "model/tree_walks.h"
 #include "platform/tolk/tolk.h"
 #include "stringifier/query_component_stringifier.h"
-#include "tools/free_text.h"
 #include "tools/join_edits.h"
 #include "tools/join_lack.h"
 #include "tools/join_sight.h"
@@ -223,36 +222,55 @@ void SourceEdits::takeOverFields(const Source* old, Source* replacement) const {
 }
 
 void SourceEdits::setAlias(int row, const std::string& alias) {
-    change<Source>(row, [&](Source* source) {
-        const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
-        const std::string former = table && source->alias.empty() ? table->name : source->alias;
-        source->alias = alias;
-        if (!former.empty() && former != alias) noteTextsNaming(former);
-    });
+    change<Source>(row, [&](Source* source) { rename(source, [&] { source->alias = alias; }); });
 }
 
-/// Of this statement: those of a subquery may mean one of its own.
-void SourceEdits::noteTextsNaming(const std::string& table) {
-    const auto note = [&](const std::string& text) {
-        if (namesTable(text, table, m_engine->databaseType()))
-            m_stale.append(QString::fromStdString(text));
+/// @p edit may give @p source another name.
+void SourceEdits::rename(const Source* source, const std::function<void()>& edit) {
+    const SourceName former = nameOf(source);
+    edit();
+    const SourceName now = nameOf(source);
+    if (!former.names.empty() && former.names != now.names) renameInTexts(former, now);
+}
+
+SourceName SourceEdits::nameOf(const Source* source) const {
+    SourceName name;
+    const auto* table = dynamic_cast<const SQLIdentifierSourceComponent*>(source);
+    if (!source->alias.empty()) {
+        name.names = {source->alias};
+    } else if (table) {
+        name.names = table->path;
+        name.names.push_back(table->name);
+        const bool haveCase = namesHaveCase(m_engine->databaseType());
+        name.isClear = isNameFree(*m_rows->root(), table->name, haveCase, source);
+    }
+    return name;
+}
+
+/// In those of this statement: a subquery may have a source of that name, too. The walks hand out
+/// const pointers to what this modification may change.
+void SourceEdits::renameInTexts(const SourceName& former, const SourceName& now) {
+    const auto renameIn = [&](const std::string& text, TextPlace place) {
+        const auto renamed = withSourceRenamed(text, place, former, now, m_engine->databaseInfo());
+        if (renamed) const_cast<std::string&>(text) = *renamed;
+        if (!renamed) m_stale.append(QString::fromStdString(text));
     };
-    const auto noteIn = [&](const AbstractQueryComponent* root) {
+    const auto renameBelow = [&](const AbstractQueryComponent* root) {
         Tools::visitOwnedComponents(root, [&](const AbstractQueryComponent* part) {
             const auto* column = dynamic_cast<const SQLAnyExpressionColumnComponent*>(part);
-            if (column) note(column->expression);
+            if (column) renameIn(column->expression, TextPlace::Value);
         });
     };
     const SQLSelectStmtComponent* const statement = Tools::Validation::currentStatement(m_engine);
     for (const auto* columns : {&statement->selectColumnExpr->columns,
                                 &statement->groupByExpr->columns, &statement->orderByExpr->columns})
-        std::for_each(columns->begin(), columns->end(), noteIn);
-    noteIn(statement->whereExpr->root);
-    noteIn(statement->havingExpr->root);
+        std::for_each(columns->begin(), columns->end(), renameBelow);
+    renameBelow(statement->whereExpr->root);
+    renameBelow(statement->havingExpr->root);
     Tools::visitSourceNodes(statement->sourceExpr->root, [&](const SourceNode* node) {
-        if (const auto* join = dynamic_cast<const Join*>(node->value)) noteIn(join->condition);
+        if (const auto* join = dynamic_cast<const Join*>(node->value)) renameBelow(join->condition);
         if (const auto* text = dynamic_cast<const SQLAnyExpressionSourceComponent*>(node->value))
-            note(text->expression);
+            renameIn(text->expression, TextPlace::Source);
     });
 }
 
@@ -262,14 +280,16 @@ void SourceEdits::setExpression(int row, const std::string& text) {
 
 void SourceEdits::setTable(int row, const std::vector<std::string>& path, const std::string& name) {
     change<SQLIdentifierSourceComponent>(row, [&](auto* table) {
-        table->path = path;
-        table->name = name;
+        rename(table, [&] {
+            table->path = path;
+            table->name = name;
+        });
     });
 }
 
 void SourceEdits::setStatement(int row, OwnedStatement statement, const std::string& alias) {
     change<SQLSubquerySourceComponent>(row, [&](auto* source) {
-        if (!alias.empty()) source->alias = alias;
+        if (!alias.empty()) rename(source, [&] { source->alias = alias; });
         DetachedParts old;
         old.add(std::unique_ptr<AbstractQueryComponent>(
             std::exchange(source->subquery, statement.release())));

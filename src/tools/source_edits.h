@@ -13,6 +13,7 @@
 #include "layouts/source_tree_layout.h"
 #include "model/components.h"
 #include "model/detached_parts.h"
+#include "tools/free_text.h"
 
 namespace QB {
 
@@ -70,7 +71,8 @@ public:
     void changeConditionForm(int row);
     /// Null: none.
     void setUsingList(int row, std::unique_ptr<Condition> list);
-    /// Fields follow. Texts that name the source do not: they are told.
+    /// Fields follow, and texts that name the source, where it is sure that they do: others are
+    /// told.
     void setAlias(int row, const std::string& alias);
     void setTable(int row, const std::vector<std::string>& path, const std::string& name);
     void setExpression(int row, const std::string& text);
@@ -106,7 +108,9 @@ private:
     void removeBlind(Slot root, const Conditions& before, const std::set<const Source*>& gone);
     void tellBlind(Slot root, const Conditions& before);
     QString textOf(const Condition* condition) const;
-    void noteTextsNaming(const std::string& table);
+    SourceName nameOf(const Source* source) const;
+    void rename(const Source* source, const std::function<void()>& edit);
+    void renameInTexts(const SourceName& former, const SourceName& now);
 
     QBEngine* const m_engine;  // not owned
     Rows* const m_rows;        // not owned

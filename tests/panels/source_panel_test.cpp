@@ -120,16 +120,28 @@ const Test::Story stories[] = {
     {"and no two sources get one name", "SELECT * FROM main.t, s.t, main.w AS u, main.u",
      "click 0 main; tab 1; type f(1); outside; click 6 main; tab 1; type f(1); outside",
      "SELECT * FROM f(1), s.t, main.w AS u, f(1)"},
-    {"another table", "SELECT x.a, u.b FROM t AS x, u",
-     "click 0 main; outside; click 2 main; pick v", "SELECT x.a, v.b FROM t AS x, v"},
+    {"another table", "SELECT x.a, u.b, u.b + 1 FROM t AS x, u",
+     "click 0 main; outside; click 2 main; pick v", "SELECT x.a, v.b, v.b + 1 FROM t AS x, v"},
     // aliases
     {"fields follow an alias", "SELECT t.a FROM t INNER JOIN u ON t.a = u.a",
      "click 0 aliasLabel; type x; key Return", "SELECT x.a FROM t AS x INNER JOIN u ON x.a = u.a"},
-    {"texts do not follow, and are told",
-     "SELECT lower(t.a), lower(x.t.a), lower('t.a') FROM t INNER JOIN u ON t.a = upper(`t`.b)",
+    {"texts follow, too",
+     "SELECT lower(t.a), lower(main.t.a), lower(x.t.a), lower('t.a') FROM t INNER JOIN u ON t.a = "
+     "upper(`t`.b), f(t.c) WHERE t.b > (SELECT max(w.b) FROM w WHERE w.a = t.a) ORDER BY t.a + 1 "
+     "ASC",
      "click 0 aliasLabel; type x; key Return",
-     "SELECT lower(t.a), lower(x.t.a), lower('t.a') FROM t AS x INNER JOIN u ON x.a = upper(`t`.b)",
-     "lower(t.a)\nupper(`t`.b)"},
+     "SELECT lower(x.a), lower(x.a), lower(x.t.a), lower('t.a') FROM t AS "
+     "x INNER JOIN u ON x.a = upper(x.b), f(x.c) WHERE "
+     "x.b > (SELECT max(w.b) FROM w WHERE w.a = x.a) ORDER BY x.a + 1 ASC"},
+    {"texts keep apart two aliases that change places", "SELECT x.a || y.b FROM t AS x, u AS y",
+     "click 0 aliasLabel; type z; key Return; click 2 aliasLabel; type x; key Return; click 0 "
+     "aliasLabel; type y; key Return",
+     "SELECT y.a || x.b FROM t AS y, u AS x"},
+    {"texts that may mean another source stay and are told",
+     "SELECT t.a + (SELECT max(t.a) FROM w AS t), t.a + (SELECT max(x.a) FROM w AS x) FROM t",
+     "click 0 aliasLabel; type x; key Return",
+     "SELECT t.a + (SELECT max(t.a) FROM w AS t), t.a + (SELECT max(x.a) FROM w AS x) FROM t AS x",
+     "t.a + (SELECT max(t.a) FROM w AS t)\nt.a + (SELECT max(x.a) FROM w AS x)"},
     {"an alias is taken away", "SELECT x.a FROM t AS x",
      "click 0 aliasLabel; key Del; outside; click 0 aliasLabel; type y; key Esc",
      "SELECT t.a FROM t"},
@@ -217,9 +229,9 @@ const Test::Story stories[] = {
      "SELECT x.a FROM ( SELECT t.a FROM t ) AS x",
      "menu 0 Edit as plain text; key Ctrl+A; key Del; key Ctrl+Return; key Esc",
      "SELECT x.a FROM ( SELECT t.a FROM t ) AS x", "text is empty"},
-    {"a subquery as text with another alias", "SELECT x.a FROM ( SELECT t.a FROM t ) AS x",
+    {"a subquery as text with another alias", "SELECT x.a, -x.a FROM ( SELECT t.a FROM t ) AS x",
      "menu 0 Edit as plain text; key Ctrl+A; type (SELECT u.a FROM u) AS y; key Ctrl+Return",
-     "SELECT y.a FROM ( SELECT u.a FROM u ) AS y"},
+     "SELECT y.a, -y.a FROM ( SELECT u.a FROM u ) AS y"},
     {"a refused text changes nothing and can be mended", "SELECT * FROM ( SELECT 1 ) AS x",
      "menu 0 Edit as plain text; key Ctrl+End; type  FROM; key Ctrl+Return; type  t; key "
      "Ctrl+Return",
