@@ -117,7 +117,7 @@ TEST(DiagramKeyboard, WalksTheRowsOfAnItemAndTicksThem) {
     EXPECT_GT(body->scrollView()->getContentOffsetY(), 500) << "the row is out of sight";
     walk(&scene, {{LumoKeyDown, none, true, "a40", "", ""},
                   {LumoKeyHome, none, true, "a0", "", ""},
-                  {LumoKeyPageDown, none, true, "a8", "", ""},
+                  {LumoKeyPageDown, none, true, "a9", "", ""},
                   {LumoKeyPageUp, none, true, "a0", "", ""},
                   {LumoKeyEscape, none, true, "a", "", ""},
                   {LumoKeySpace, none, true, "a", "a", " +a"},

@@ -489,12 +489,12 @@ TEST(Drawer, PutsTheMiddleOfATitleWhereItWasDroppedInsideOfTheCanvas) {
     for (const double zoom : {1.0, 2.0, 0.5}) {
         control->setZoom(zoom, {0, 0});
         control->setScrollOrigin({300, 200});
-        const auto* const made = dropped(400, 150);
+        const auto* const made = dropped(400, 120);
         const LumoRect title = scene.body(made)->titleRect();
         scene.diagram()->layout();
         const QPoint middle =
             scene.inView({title.size.width / 2, title.size.height / 2}, scene.body(made));
-        EXPECT_LE((middle - QPoint(400, 150)).manhattanLength(), 4) << zoom;
+        EXPECT_LE((middle - QPoint(400, 120)).manhattanLength(), 4) << zoom;
     }
     control->setZoom(1, {0, 0});
     control->setScrollOrigin({0, 0});

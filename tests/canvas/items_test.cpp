@@ -158,18 +158,18 @@ TEST_F(Items, ShowTheFieldsOfATextBesideItAndTheButtonInItsTitle) {
 TEST_F(Items, AreAsHighAsTheirFieldsUntilTheUserResizesThem) {
     QBLumoDatabaseItemBody* const body = scene.table("orders", {40, 40});
     QBLumoItem* const item = body->item();
-    EXPECT_EQ(item->getRect(), LumoRect(40, 40, 218, 238));
+    EXPECT_EQ(item->getRect(), LumoRect(40, 40, 218, 245));
     body->setFields({"a", "b", "c"});
     EXPECT_EQ(item->getRect(), LumoRect(40, 40, 218, 125)) << "four rows with the wildcard";
     body->setFields(numberedFields(30));
-    EXPECT_EQ(item->getRect().size.height, 238);
+    EXPECT_EQ(item->getRect().size.height, 245);
 
     scene.control.drag({150, 277}, {150, 327});
     scene.control.release({150, 327});
-    EXPECT_EQ(item->getRect(), LumoRect(40, 40, 218, 288));
+    EXPECT_EQ(item->getRect(), LumoRect(40, 40, 218, 295));
     EXPECT_TRUE(item->isSizedByUser());
     body->setFields({"a"});
-    EXPECT_EQ(item->getRect().size.height, 288) << "the user's size";
+    EXPECT_EQ(item->getRect().size.height, 295) << "the user's size";
 
     QBLumoDatabaseItemBody* const low = scene.table("low", {400, 780}, {"a"});
     low->setFields(numberedFields(30));

@@ -98,16 +98,16 @@ std::vector<LumoRect> rectsOf(const QBLumoDiagram& diagram) {
     return rects;
 }
 
-const std::string kept = "40,40 218x238 358,40 218x238 676,40 218x105 40,400 258x128 ";
+const std::string kept = "40,40 218x245 358,40 218x245 676,40 218x105 40,400 258x128 ";
 
 }  // namespace
 
 TEST(Layouts, MoveWhatTheyKnowAndTellWhetherAllFitted) {
     const std::string canvas = keys("5,6,4000,2000");
-    const std::string all = entry(0, "100,500,218,238") + "," + entry(1, "400,500,300,238") + "," +
+    const std::string all = entry(0, "100,500,218,245") + "," + entry(1, "400,500,300,245") + "," +
                             entry(2, "800,500,218,105") + "," + entry(3, "1100,500,258,129");
     const std::string placed =
-        "100,500 218x238 400,500 300x238* 800,500 218x105 1100,500 258x129* ";
+        "100,500 218x245 400,500 300x245* 800,500 218x105 1100,500 258x129* ";
     const std::string renamed = R"({"Alias":"g","Name":"film","Schema":"",)";
     struct Case {
         const char* what;
@@ -127,16 +127,16 @@ TEST(Layouts, MoveWhatTheyKnowAndTellWhetherAllFitted) {
         {"another alias", document(canvas, renamed + keys("1,500,258,128") + "}"), false,
          kept + "5,6 4000x2000"},
         {"a bad entry, then a good one",
-         document(canvas, entry(0, "1,2,3,true") + "," + entry(0, "1,600,218,238")), false,
-         "1,600 218x238 358,40 218x238 676,40 218x105 40,400 258x128 5,6 4000x2000"},
+         document(canvas, entry(0, "1,2,3,true") + "," + entry(0, "1,600,218,245")), false,
+         "1,600 218x245 358,40 218x245 676,40 218x105 40,400 258x128 5,6 4000x2000"},
         {"overlap that the user made",
-         document(canvas, entry(0, "600,500,218,238") + "," + entry(1, "650,520,218,238")), false,
-         "600,500 218x238 650,520 218x238 676,40 218x105 40,400 258x128 5,6 4000x2000"},
-        {"over what it does not know", document(canvas, entry(0, "650,60,218,238")), false,
-         "650,60 218x238 358,40 218x238 40,40 218x105 40,400 258x128 5,6 4000x2000"},
+         document(canvas, entry(0, "600,500,218,245") + "," + entry(1, "650,520,218,245")), false,
+         "600,500 218x245 650,520 218x245 676,40 218x105 40,400 258x128 5,6 4000x2000"},
+        {"over what it does not know", document(canvas, entry(0, "650,60,218,245")), false,
+         "650,60 218x245 358,40 218x245 40,40 218x105 40,400 258x128 5,6 4000x2000"},
         {"one place for two",
-         document(canvas, entry(0, "900,60,218,238") + "," + entry(1, "900,60,218,238")), false,
-         "900,60 218x238 40,40 218x238 676,40 218x105 40,400 258x128 5,6 4000x2000"},
+         document(canvas, entry(0, "900,60,218,245") + "," + entry(1, "900,60,218,245")), false,
+         "900,60 218x245 40,40 218x245 676,40 218x105 40,400 258x128 5,6 4000x2000"},
     };
     for (const Case& each : cases) {
         LayoutScene scene;
@@ -151,9 +151,9 @@ TEST(Layouts, OfSourcesThatLookAlikeGoToThemInOrder) {
     LayoutScene scene;
     scene.table("film", {1000, 40});
     scene.read(document(keys("0,0,3000,1600"),
-                        entry(1, "400,600,218,238") + "," + entry(1, "100,600,218,238")));
-    EXPECT_EQ(text(rectsOf(scene.diagram)[1]), "400,600 218x238");
-    EXPECT_EQ(text(rectsOf(scene.diagram)[4]), "100,600 218x238");
+                        entry(1, "400,600,218,245") + "," + entry(1, "100,600,218,245")));
+    EXPECT_EQ(text(rectsOf(scene.diagram)[1]), "400,600 218x245");
+    EXPECT_EQ(text(rectsOf(scene.diagram)[4]), "100,600 218x245");
 }
 
 TEST(Layouts, AreNotExchangedByWhatLiesAbove) {
@@ -192,10 +192,10 @@ TEST(Layouts, OfAnyKindLeaveTheDiagramUsable) {
         at("-2147483648,-2147483648,-2147483648,-2147483648"),
         at("-2147483648,2147483647,2147483647,-1"),
         at("-50,-50,0,0"),
-        at("2990,1590,218,238"),
+        at("2990,1590,218,245"),
         document(small, entry(0, "2147483647,2147483647,2147483647,10") + "," +
                             entry(1, "2147483638,2147483647,2147483647,9")),
-        document(small, entry(0, "-900,0,218,238") + "," + entry(1, "-90,0,218,238")),
+        document(small, entry(0, "-900,0,218,245") + "," + entry(1, "-90,0,218,245")),
         document(small, entry(3, "0,0,3000,3000")),
         document(small, many + "{}"),
         document(small, std::string(1000, '[') + std::string(1000, ']')),
@@ -251,8 +251,9 @@ TEST(Layouts, SizesCountAsTheUsersUnlessItemsTakeThemByThemselves) {
         int height;  // with 20 fields that come later
     };
     for (const Case& each :
-         {Case{"218,238", 0, 238}, Case{"218,105", 0, 238}, Case{"218,106", 0, 106},
-          Case{"300,200", 0, 200}, Case{"218,105", 2, 238}, Case{"218,125", 2, 125}}) {
+         {Case{"218,245", 0, 245}, Case{"218,105", 0, 245}, Case{"218,106", 0, 106},
+          Case{"300,200", 0, 200}, Case{"218,105", 2, 245}, Case{"218,125", 2, 125},
+          Case{"0,0", 0, 245}, Case{"300,-9", 2, 245}, Case{"47,300", 0, 245}}) {
         LayoutScene scene;
         QBLumoBaseItemBody* const film = scene.diagram.items()[0]->getBody();
         film->setFields(numberedFields(each.fields));

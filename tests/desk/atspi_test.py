@@ -113,7 +113,7 @@ def check(canvas):
     assert len(items) == 200 and len(links) == 300, (len(items), len(links))
     assert items[0].title() == "customer_0", items[0].title()
     assert " JOIN: " in links[0].title(), links[0].title()
-    assert items[0].extents()[2:] == (200, 230), items[0].extents()
+    assert items[0].extents()[2:] == (200, 237), items[0].extents()
 
     row = items[0].children()[1]
     assert (row.role(), row.title()) == ("check box", "id")

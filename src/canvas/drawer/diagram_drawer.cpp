@@ -201,8 +201,9 @@ void QBLumoDiagramDrawer::addItemComponentInDiagram(Source* component, int x, in
         putTitleAt(item, x, y);
     item->getBody()->setRequireToVerifyLayout(true);
     m_items[component] = {item, component->id(), dynamic_cast<Subquery*>(component)};
-    showInView(item);
     requestFields(component);
+    // With fields that are known it has its real height now; who was asked may have done anything.
+    if (itemOf(component) == item) showInView(item);
 }
 
 std::unique_ptr<QBLumoItem> QBLumoDiagramDrawer::makeItem(Source* component) {

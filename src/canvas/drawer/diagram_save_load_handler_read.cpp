@@ -53,11 +53,25 @@ LumoSize canvasSizeOf(const std::pair<int32_t, int32_t>& asked) {
             std::clamp(asked.second, smallestCanvas, largestCanvas)};
 }
 
+/// What @p item takes by itself: of a table, what the fields need that are known.
+LumoSize defaultSizeOf(const QBLumoItem* item) {
+    const auto* const table = dynamic_cast<const QBLumoDatabaseItemBody*>(item->getBody());
+    if (!table) return itemSizeFor(defaultTextBodySize());
+    const int fields = int(table->fieldNames().size());
+    const int rows = fields == 0 ? mostDefaultRows : fields + 1;
+    return itemSizeFor({defaultTableBodySize().width, tableBodyHeightFor(rows)});
+}
+
+/// Nobody can have made an item smaller than its least size: that is none.
+LumoSize usableSize(const QBLumoItem* item, const LumoSize& asked) {
+    const LumoSize least = itemSizeFor(item->getBody()->minimumSize());
+    if (asked.width < least.width || asked.height < least.height) return defaultSizeOf(item);
+    return {std::min(asked.width, largestItem), std::min(asked.height, largestItem)};
+}
+
 /// What @p item can be of @p asked.
 LumoRect usableRect(const QBLumoItem* item, const LumoRect& asked) {
-    const LumoSize least = itemSizeFor(item->getBody()->minimumSize());
-    const LumoSize size{std::clamp(asked.size.width, least.width, largestItem),
-                        std::clamp(asked.size.height, least.height, largestItem)};
+    const LumoSize size = usableSize(item, asked.size);
     return {{std::clamp(asked.origin.x, 0, largestCanvas - size.width),
              std::clamp(asked.origin.y, 0, largestCanvas - size.height)},
             size};
@@ -66,15 +80,12 @@ LumoRect usableRect(const QBLumoItem* item, const LumoRect& asked) {
 /// True for a size that items take by themselves: of a table the height that its fields need, and
 /// while these are not known, any height that fields may need.
 bool isDefaultSize(const QBLumoItem* item, LumoSize size) {
+    if (size == defaultSizeOf(item)) return true;
     const auto* const table = dynamic_cast<const QBLumoDatabaseItemBody*>(item->getBody());
-    if (!table) return size == itemSizeFor(defaultTextBodySize());
-    const auto isFor = [&](int rows) {
-        return size == itemSizeFor({defaultTableBodySize().width, tableBodyHeightFor(rows)});
-    };
-    if (!table->fieldNames().empty()) return isFor(int(table->fieldNames().size()) + 1);
-    const int most = defaultTableBodySize().height / fieldRowHeight;
-    for (int rows = 1; rows <= most; ++rows)
-        if (isFor(rows)) return true;
+    if (!table || !table->fieldNames().empty()) return false;
+    for (int rows = fewestDefaultRows; rows < mostDefaultRows; ++rows)
+        if (size == itemSizeFor({defaultTableBodySize().width, tableBodyHeightFor(rows)}))
+            return true;
     return false;
 }
 

@@ -145,7 +145,7 @@ LumoRect draggedRect(const ItemDrag& drag, LumoPoint point) {
 }
 
 LumoSize defaultTableBodySize() {
-    return {200, 230};
+    return {200, tableBodyHeightFor(mostDefaultRows)};
 }
 
 LumoSize defaultTextBodySize() {
@@ -153,9 +153,8 @@ LumoSize defaultTextBodySize() {
 }
 
 int tableBodyHeightFor(int rows) {
-    const int needed =
-        fieldListInsets.top + std::max(rows, 3) * fieldRowHeight + fieldListInsets.bottom;
-    return std::min(needed, defaultTableBodySize().height);
+    const int shown = std::clamp(rows, fewestDefaultRows, mostDefaultRows);
+    return fieldListInsets.top + shown * fieldRowHeight + fieldListInsets.bottom;
 }
 
 }  // namespace QB::DiagramLumo

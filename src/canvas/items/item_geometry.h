@@ -37,10 +37,12 @@ inline constexpr LumoPadding fieldListInsets{31, 6, 1, 6};  // top, bottom, left
 inline constexpr int fieldRowHeight = 20;
 
 /// Default sizes of bodies: a table's and a text's.
-LumoSize defaultTableBodySize();  // 200 x 230
+LumoSize defaultTableBodySize();  // 200 x 237
 LumoSize defaultTextBodySize();   // 240 x 120
-/// The height of a table body with @p rows rows that nobody has resized: what they need, for at
-/// least 3, at most the default.
+/// How many rows a table body shows that nobody has resized: whole ones.
+inline constexpr int fewestDefaultRows = 3;
+inline constexpr int mostDefaultRows = 10;
+/// The height of such a body with @p rows rows.
 int tableBodyHeightFor(int rows);
 
 }  // namespace QB::DiagramLumo
