@@ -2,7 +2,9 @@
 
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPointer>
 #include <QShortcut>
+#include <utility>
 
 #include "diagrampanel/diagram_object_tree_item_delegate.h"
 #include "diagrampanel/diagram_panel_widget.h"
@@ -56,6 +58,7 @@ void QBDiagramObjectTreePanelWidget::setUpTree() {
             &QBDiagramObjectTreePanelWidget::showCurrentSchema);
     connect(m_rows.get(), &ObjectTreeRows::settled, this, [this] {
         ui->noMatchLabel->setVisible(m_rows->isFilterWithoutMatch());
+        followKeys();
         Q_EMIT signalTreeSettled();
     });
 }
@@ -66,6 +69,7 @@ void QBDiagramObjectTreePanelWidget::setUpFilterLine() {
     m_filterDelay->setInterval(filterDelay);
     connect(ui->filterLineEdit, &QLineEdit::textChanged, m_filterDelay,
             qOverload<>(&QTimer::start));
+    connect(ui->filterLineEdit, &QLineEdit::textChanged, this, [this] { m_keysAhead.clear(); });
     connect(m_filterDelay, &QTimer::timeout, this, &QBDiagramObjectTreePanelWidget::applyFilter);
 }
 
@@ -280,6 +284,7 @@ bool QBDiagramObjectTreePanelWidget::treeKeyPressed(int key, bool isPlain) {
 bool QBDiagramObjectTreePanelWidget::filterKeyPressed(int key) {
     switch (key) {
         case Qt::Key_Escape:
+            m_keysAhead.clear();
             // Without a text the key belongs to the window, which may want to close.
             if (ui->filterLineEdit->text().isEmpty()) return false;
             ui->filterLineEdit->clear();
@@ -288,7 +293,9 @@ bool QBDiagramObjectTreePanelWidget::filterKeyPressed(int key) {
         case Qt::Key_Down:
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            leaveFilterLine();
+            m_keysAhead.push_back(key);
+            applyFilter();
+            followKeys();
             return true;
         default:
             return false;
@@ -303,8 +310,21 @@ void QBDiagramObjectTreePanelWidget::applyFilter() {
     m_rows->setFilter(text);
 }
 
+/// The first key leaves the filter line, the others mean the row that it leads to: so all wait
+/// until the filter has found that. What the user turns to meanwhile comes before them.
+void QBDiagramObjectTreePanelWidget::followKeys() {
+    if (m_keysAhead.empty() || !isSettled()) return;
+    const std::vector<int> keys = std::exchange(m_keysAhead, {});
+    if (window()->focusWidget() != ui->filterLineEdit) return;
+    leaveFilterLine();
+    const QPointer<QTreeWidget> tree(ui->diagramPaneObjectTreeWidget);
+    for (std::size_t i = 1; i < keys.size() && tree; ++i) {
+        QKeyEvent press(QEvent::KeyPress, keys[i], Qt::NoModifier);
+        QCoreApplication::sendEvent(tree, &press);
+    }
+}
+
 void QBDiagramObjectTreePanelWidget::leaveFilterLine() {
-    applyFilter();
     QTreeWidget* tree = ui->diagramPaneObjectTreeWidget;
     tree->setFocus(Qt::TabFocusReason);
     tree->setCurrentItem(rowAfterFilterLine());
@@ -318,9 +338,7 @@ QTreeWidgetItem* QBDiagramObjectTreePanelWidget::rowAfterFilterLine() const {
         return row && row->text(0).contains(m_appliedFilter, Qt::CaseInsensitive);
     };
     if (isFound(tree->currentItem())) return tree->currentItem();
-    // The rows that are still to be filtered away may be very many.
-    QTreeWidgetItem* row = isSettled() ? tree->topLevelItem(0) : nullptr;
-    for (; row; row = tree->itemBelow(row))
+    for (QTreeWidgetItem* row = tree->topLevelItem(0); row; row = tree->itemBelow(row))
         if (isFound(row)) return row;
     return tree->currentItem() ? tree->currentItem() : tree->topLevelItem(0);
 }

@@ -36,8 +36,8 @@ struct QBIdentifierCandidate;
 /// Mouse and keyboard: a double click, Enter or Return hands a table or view to the partner
 /// diagram, as does dragging it there; F5 refreshes the current row, or everything if there is
 /// none; the menu key opens the row's menu; Ctrl+F, in the diagram too, goes to the filter line,
-/// from which Escape clears the text, and Down or Enter goes on to the first row found. Thread:
-/// main.
+/// from which Escape clears the text, and Down or Enter goes on to the first row found, as soon as
+/// it is found. Thread: main.
 class QB_EXPORT QBDiagramObjectTreePanelWidget : public QBPanelWidget {
     Q_OBJECT
 
@@ -101,6 +101,7 @@ private:
     bool treeKeyPressed(int key, bool isPlain);
     bool filterKeyPressed(int key);
     void applyFilter();
+    void followKeys();
     void leaveFilterLine();
     QTreeWidgetItem* rowAfterFilterLine() const;
 
@@ -110,7 +111,8 @@ private:
     std::unique_ptr<ObjectTreeRows> m_rows;
     QTimer* m_filterDelay;  // owned by the widget
     QString m_appliedFilter;
-    QPointer<QWidget> m_focusedBefore;   // not owned; had the focus when the panel was disabled
+    std::vector<int> m_keysAhead;       ///< pressed in the filter line before it has found its rows
+    QPointer<QWidget> m_focusedBefore;  // not owned; had the focus when the panel was disabled
     QPointer<QWidget> m_focusMeanwhile;  // not owned; what got the focus then
 };
 

@@ -427,6 +427,24 @@ private Q_SLOTS:
                     qulonglong(reinterpret_cast<quintptr>(record.candidate)))
                 QFAIL(qPrintable("wrong row " + QString::number(i)));
         }
+
+        // Keys that come before the row is found mean that row, unless typing goes on.
+        desk.filterLine->setFocus();
+        QTest::keyClicks(desk.filterLine, "table7777");
+        QTest::keyClick(desk.filterLine, Qt::Key_Down);
+        QVERIFY(!desk.panel.isSettled());
+        QTest::keyClicks(desk.filterLine, "6");
+        desk.settle();
+        QVERIFY(desk.filterLine->hasFocus());
+        desk.filterLine->selectAll();
+        QTest::keyClicks(desk.filterLine, "table12345");
+        for (const int key : {Qt::Key_Down, Qt::Key_Return})
+            QTest::keyClick(desk.filterLine, Qt::Key(key));
+        QVERIFY(!desk.panel.isSettled());
+        desk.settle();
+        desk.host.finishWorkers();
+        QVERIFY(desk.tree->hasFocus());
+        QCOMPARE(desk.sources(), QStringList("main.table12345"));
     }
 
     void aFilterWithoutAMatchSaysSo() {
