@@ -110,6 +110,7 @@ public:
         if (!meeting) return false;
         auto* join = dynamic_cast<SQLJoinSourceNodeComponent*>((*meeting->join)->value);
         const bool isConverted = convertComma(join);
+        if (isConverted) bracketRightSide(root, *meeting->join);
         const bool hasGrown = addCondition(join, meeting->isInOrder);
         return meeting->isMoved || isConverted || hasGrown;
     }
@@ -125,6 +126,13 @@ private:
         join->joinType = SQLJoinTypeInner;
         join->joinText.clear();
         return true;
+    }
+
+    /// Where joins stand on the right, as they are read: without brackets the new one would come
+    /// before them, and the list of sources could not show which it binds.
+    static void bracketRightSide(Slot root, SourceNode* join) {
+        if (SourceTree::isJoin(join->right->value))
+            SourceTree::wrap(root, &join->right, &join->right);
     }
 
     /// What a comparison more comes to where it is not what was drawn.

@@ -97,7 +97,7 @@ private:
     /// The clause before an edit, to compare with what it is after.
     struct Picture {
         std::string dump;
-        std::multiset<long> operands;
+        std::multiset<long> operands;            // without brackets, which links may bring
         std::map<long, Comparison> comparisons;  // by id
 
         std::set<long> idsNotIn(const Picture& other) const {
@@ -147,7 +147,7 @@ private:
         for (Source* source : all<Source>()) {
             auto* join = dynamic_cast<Join*>(source);
             if (join) readComparisons(join, join->condition, picture);
-            if (!join) picture.operands.insert(source->id());
+            if (SourceTree::isLeaf(source)) picture.operands.insert(source->id());
         }
         return picture;
     }
