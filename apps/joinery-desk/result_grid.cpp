@@ -213,7 +213,9 @@ void ResultGrid::end(const QString& error) {
     Q_EMIT ended(error);
 }
 
+/// Rows, or an error, have the room that nothing needs before a query ran.
 void ResultGrid::showStatus() {
+    setVisible(m_state != State::Idle);
     m_cancel->setVisible(isRunning());
     m_status->setText(statusText());
 }

@@ -18,7 +18,8 @@ class MessageBar;
 class ResultModel;
 
 /// Runs a statement and shows its rows as they come, with their number, the time, and a button that
-/// stops it; what went wrong stands above the rows. Main thread.
+/// stops it; what went wrong stands above the rows. Hidden, but for the foot line, until a
+/// statement runs on the present database. Main thread.
 class ResultGrid : public QWidget {
     Q_OBJECT
 

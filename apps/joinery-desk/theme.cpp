@@ -1,7 +1,6 @@
 #include "apps/joinery-desk/theme.h"
 
 #include <QApplication>
-#include <QPainter>
 #include <QProxyStyle>
 #include <QStyle>
 #include <QStyleOption>
@@ -9,6 +8,7 @@
 #include <utility>
 
 #include "hostkit/threads.h"
+#include "widgets/visible_edges.h"
 
 namespace QB::Desk {
 namespace {
@@ -56,20 +56,29 @@ QPalette paletteOf(const Shades& shades) {
 
 const char* const ownStyle = "joinery-fusion";
 
-/// A native style may paint its own colours over a palette; this one takes what it is given. But it
-/// makes the edge of a check box darker than the window, which nobody sees on a dark one.
+/// A native style may paint its own colours over a palette; this one takes what it is given, but
+/// for edges that nobody would see.
 class OwnStyle : public QProxyStyle {
 public:
     OwnStyle() : QProxyStyle(QStringLiteral("Fusion")) { setObjectName(QLatin1String(ownStyle)); }
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override {
+        if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option))
+            return drawEdged(element, *button, painter, widget);
+        if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option))
+            return drawEdged(element, *frame, painter, widget);
+        if (const auto* menu = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
+            return drawEdged(element, *menu, painter, widget);
         QProxyStyle::drawPrimitive(element, option, painter, widget);
-        const bool isDark = option->palette.color(QPalette::Window).lightness() < 128;
-        if (element != PE_IndicatorCheckBox || !isDark) return;
-        painter->setPen(option->palette.color(QPalette::PlaceholderText));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    }
+
+private:
+    template <typename Option>
+    void drawEdged(PrimitiveElement element, Option option, QPainter* painter,
+                   const QWidget* widget) const {
+        option.palette.setColor(QPalette::Window, edgedWindowColour(option.palette));
+        QProxyStyle::drawPrimitive(element, &option, painter, widget);
     }
 };
 

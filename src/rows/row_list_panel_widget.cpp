@@ -15,6 +15,7 @@
 #include "rows/nested_list_row_widget.h"
 #include "rows/row_interfaces.h"
 #include "widgets/menu_search.h"
+#include "widgets/visible_edges.h"
 
 namespace QB {
 namespace {
@@ -470,8 +471,7 @@ void QBRowListPanelWidget::popupMenu(QMenu* menu, const QPoint& position) {
     connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
     d->menu = menu;
     letTypingFindEntries(menu);
-    for (QMenu* inner : menu->findChildren<QMenu*>())
-        letTypingFindEntries(inner);
+    showEdges(menu);
     menu->popup(m_view->viewport()->mapToGlobal(position));
 }
 

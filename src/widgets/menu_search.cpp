@@ -83,6 +83,8 @@ private:
 
 void letTypingFindEntries(QMenu* menu) {
     new MenuSearch(menu);
+    for (QMenu* inner : menu->findChildren<QMenu*>())
+        new MenuSearch(inner);
 }
 
 }  // namespace QB

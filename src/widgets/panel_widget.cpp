@@ -1,10 +1,12 @@
 #include "widgets/panel_widget.h"
 
+#include <QEvent>
 #include <QIcon>
 #include <algorithm>
 
 #include "engine/engine_linux.h"
 #include "engine/engine_signal_emitter.h"
+#include "widgets/visible_edges.h"
 
 namespace QB {
 namespace {
@@ -44,6 +46,11 @@ void QBPanelWidget::setEngine(QBEngine_LINUX* engine) {
 
 QBEngine_LINUX* QBPanelWidget::engine() const {
     return m_emitter ? m_engine : nullptr;
+}
+
+bool QBPanelWidget::event(QEvent* event) {
+    if (event->type() == QEvent::Show || event->type() == QEvent::PaletteChange) showEdges(this);
+    return QWidget::event(event);
 }
 
 QBTopLevelElementPanelWidget::QBTopLevelElementPanelWidget(QWidget* parent)

@@ -40,6 +40,9 @@ Q_SIGNALS:
     /// The panel has got an engine. Fires on the main thread inside setEngine().
     void engineSet();
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     QBEngine_LINUX* m_engine = nullptr;  // not owned: m_emitter tells whether it still lives
     QPointer<QObject> m_emitter;         // not owned: the engine's signal emitter

@@ -18,6 +18,7 @@
 #include "platform/tolk/tolk.h"
 #include "widgets/condition_operators.h"
 #include "widgets/menu_search.h"
+#include "widgets/visible_edges.h"
 
 namespace QB {
 
@@ -93,8 +94,7 @@ void QBLumoDiagramDrawer_LINUX::Menus::show(const LumoUIRightClickParam& param) 
 
     QObject::connect(menu.get(), &QMenu::aboutToHide, menu.get(), &QObject::deleteLater);
     letTypingFindEntries(menu.get());
-    for (QMenu* inner : menu->findChildren<QMenu*>())
-        letTypingFindEntries(inner);
+    showEdges(menu.get());
     m_menu = menu.release();
     m_menu->popup(param.point());
 }
