@@ -620,6 +620,10 @@
         <translation>Ohne Bedingung vergleicht dieser Join alle gleichnamigen Spalten (NATURAL).</translation>
     </message>
     <message>
+        <source>Without a condition this join combines every row with every row. Give it a condition, or choose CROSS JOIN.</source>
+        <translation>Ohne Bedingung verbindet dieser Join jede Zeile mit jeder. Geben Sie ihm eine Bedingung, oder wählen Sie CROSS JOIN.</translation>
+    </message>
+    <message>
         <source>Move the row up</source>
         <translation>Die Zeile nach oben verschieben</translation>
     </message>
@@ -650,6 +654,10 @@
     <message>
         <source>Leave out rows that are the same. Needs at least one column in the list.</source>
         <translation>Gleiche Zeilen weglassen. Braucht mindestens eine Spalte in der Liste.</translation>
+    </message>
+    <message>
+        <source>%s (needs a column)</source>
+        <translation>%s (braucht eine Spalte)</translation>
     </message>
     <message>
         <source>An option of this query. It stays as long as the box is checked.</source>
@@ -820,8 +828,8 @@
         <translation>Join-Art: %s</translation>
     </message>
     <message>
-        <source>This kind of join takes no condition. The conditions are kept for the case that it becomes another one again.</source>
-        <translation>Diese Join-Art hat keine Bedingung. Die Bedingungen bleiben erhalten, falls wieder eine andere daraus wird.</translation>
+        <source>This kind of join takes no condition. The conditions are kept for the case that it becomes another one again, but they are not part of the query: a saved query opens without them.</source>
+        <translation>Diese Join-Art hat keine Bedingung. Die Bedingungen bleiben erhalten, falls wieder eine andere daraus wird, gehören aber nicht zur Abfrage: eine gespeicherte Abfrage öffnet sich ohne sie.</translation>
     </message>
     <message>
         <source>Edit the alias</source>

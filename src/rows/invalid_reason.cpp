@@ -32,6 +32,8 @@ QString joinLackText(const Component::SQL::SQLJoinSourceNodeComponent* join, Dat
     switch (Tools::SQL::lackOf(join, type)) {
         case Tools::SQL::JoinLack::Condition:
             return Tolk::localize(Tolk::TextJoinConditionLacking);
+        case Tools::SQL::JoinLack::Cross:
+            return Tolk::localize(Tolk::TextJoinIsCross);
         case Tools::SQL::JoinLack::Natural:
             return Tolk::localize(Tolk::TextJoinIsNatural);
         default:

@@ -71,13 +71,22 @@ void QBSourceSelectionJoinRowWidget::slotOnComponentChanged() {
     const auto* join = ifKind<SQLJoinSourceNodeComponent>(component());
     const QString word = join ? joinWord(join) : QString();
     showRowText(m_ui->joinLabel, textOrPrompt(word, Tolk::TextPromptJoinType));
-    // A comma and CROSS JOIN take none, and one that is left over is not part of the query.
     const bool takesCondition = !join || join->needsCondition();
-    m_ui->conditionLabel->setVisible(takesCondition);
+    const bool isKept = join && join->joinType == SQLJoinTypeCross && join->hasCondition();
+    m_ui->conditionLabel->setVisible(takesCondition || isKept);
+    if (isKept) return showKeptCondition(join);
     if (!takesCondition) return;
     const QString fault =
         m_conditionFault.isEmpty() ? invalidReasonText(invalidReason()) : m_conditionFault;
     showRowText(m_ui->conditionLabel, conditionText(join, database()), fault);
+}
+
+/// What was written before the join became one without condition.
+void QBSourceSelectionJoinRowWidget::showKeptCondition(const SQLJoinSourceNodeComponent* join) {
+    RowText kept = conditionText(join, database());
+    kept.colour = LabelColour::Placeholder;
+    kept.toolTip = Tolk::localize(Tolk::TextJoinTakesNoCondition);
+    showRowText(m_ui->conditionLabel, kept);
 }
 
 void QBSourceSelectionJoinRowWidget::setConditionFault(const QString& fault) {

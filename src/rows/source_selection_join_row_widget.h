@@ -41,6 +41,8 @@ Q_SIGNALS:
     void signalEditConditionRequested();
 
 private:
+    void showKeptCondition(const Component::SQL::SQLJoinSourceNodeComponent* join);
+
     QString m_conditionFault;
     const std::unique_ptr<Ui::QBSourceSelectionJoinRowWidget> m_ui;
 };

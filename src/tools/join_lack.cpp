@@ -24,7 +24,6 @@ bool isOuter(const Join* join) {
            join->joinType == SQLJoinTypeFullOuter;
 }
 
-/// Others take it for a CROSS JOIN.
 bool refusesBareInnerJoin(DatabaseType type) {
     return type == DatabaseTypePostgreSQL || type == DatabaseTypeOracle ||
            type == DatabaseTypeSQLServer;
@@ -49,7 +48,7 @@ JoinLack lackOf(const Join* join, DatabaseType type) {
     if (!join->needsCondition() || join->hasCondition()) return JoinLack::None;
     if (join->isUsing) return JoinLack::Condition;
     if (join->joinType == SQLJoinTypeInner)
-        return refusesBareInnerJoin(type) ? JoinLack::Condition : JoinLack::None;
+        return refusesBareInnerJoin(type) ? JoinLack::Condition : JoinLack::Cross;
     if (!isOuter(join)) return JoinLack::None;
     if (type == DatabaseTypeSQLServer) return JoinLack::Condition;
     return saysNatural(join) ? JoinLack::None : JoinLack::Natural;

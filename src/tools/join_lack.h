@@ -12,6 +12,7 @@ namespace QB::Tools::SQL {
 enum class JoinLack {
     None,       ///< it has one, takes none, or can do without
     Condition,  ///< servers refuse it without one
+    Cross,      ///< servers take it for a CROSS JOIN, which nobody wrote
     /// Its text says NATURAL, so that it compares all columns of the same name, which nobody wrote.
     Natural,
 };

@@ -156,6 +156,10 @@ const Test::Story stories[] = {
      "SELECT * FROM t RIGHT JOIN u ON t.a = u.a"},
     {"the kind by key", "SELECT * FROM t INNER JOIN u ON t.a = u.a",
      "click 1 row; key Return; key Down; key Return", "SELECT * FROM t LEFT JOIN u ON t.a = u.a"},
+    {"a join with its condition, from nothing", "SELECT 1",
+     "click 0 main; pick t; click 0 addLabel; pick u; click 1 conditionLabel; key Ins; key Return; "
+     "pick t.a; key Return; pick u.d; key Esc",
+     "SELECT 1 FROM t INNER JOIN u ON t.a = u.d"},
     {"a comma keeps the condition for later", "SELECT * FROM t LEFT JOIN u ON t.a = u.a",
      "click 1 joinLabel; join 1; click 1 joinLabel; join 2",
      "SELECT * FROM t INNER JOIN u ON t.a = u.a"},
@@ -325,15 +329,40 @@ private Q_SLOTS:
     }
 
     void aJoinWithoutWhatItNeedsIsMarked() {
-        Desk desk(Delivery::Later, DatabaseTypeSQLServer);
-        desk.parse("SELECT * FROM t LEFT JOIN u ON t.a = u.a");
-        QVERIFY(!desk.sources()->hasInvalidComponents());
-        QVERIFY(desk.run("click 1 conditionLabel; key Del; key Esc"));
-        QVERIFY(desk.sources()->hasInvalidComponents());
-        QCOMPARE(desk.part(1, "conditionLabel")->colour(), LabelColour::Invalid);
-        QVERIFY(desk.part(1, "conditionLabel")->toolTip().contains("needs a condition"));
+        const struct {
+            DatabaseType family;
+            const char* before;
+            const char* events;
+            const char* told;
+        } lines[] = {
+            {DatabaseTypeSQLServer, "SELECT * FROM t LEFT JOIN u ON t.a = u.a",
+             "click 1 conditionLabel; key Del; key Esc", "needs a condition"},
+            {DatabaseTypeSQLite,
+             "SELECT * FROM t INNER JOIN u ON t.a = u.a INNER JOIN v ON v.a = u.a",
+             "click 2 deleteLabel", "every row"},
+        };
+        for (const auto& line : lines) {
+            Desk desk(Delivery::Later, line.family);
+            desk.parse(line.before);
+            QVERIFY(!desk.sources()->hasInvalidComponents());
+            QVERIFY(desk.run(line.events));
+            QVERIFY(desk.sources()->hasInvalidComponents());
+            QCOMPARE(desk.part(1, "conditionLabel")->colour(), LabelColour::Invalid);
+            QVERIFY(desk.part(1, "conditionLabel")->toolTip().contains(line.told));
+            QVERIFY(desk.run("click 1 joinLabel; join 5"));
+            QVERIFY(!desk.sources()->hasInvalidComponents());
+        }
+    }
+
+    void aConditionThatACrossJoinKeepsIsShownAsLeftOut() {
+        Desk desk(Delivery::Later);
+        desk.parse("SELECT * FROM t INNER JOIN u ON t.a = u.a");
         QVERIFY(desk.run("click 1 joinLabel; join 5"));
-        QVERIFY(!desk.sources()->hasInvalidComponents());
+        QBLabel* const kept = desk.part(1, "conditionLabel");
+        QCOMPARE(kept->colour(), LabelColour::Placeholder);
+        QVERIFY(kept->isVisible() && kept->toolTip().contains("not part of the query"));
+        QVERIFY(desk.run("click 1 conditionLabel; key Del; key Esc"));
+        QVERIFY(!desk.part(1, "conditionLabel")->isVisible());
     }
 
     void ownEditsKeepTheRowsAndForeignOnesRebuildThem() {

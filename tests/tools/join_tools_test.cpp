@@ -217,7 +217,7 @@ TEST_F(JoinTools, KnowWhichJoinLacksACondition) {
     constexpr auto postgres = DatabaseTypePostgreSQL, server = DatabaseTypeSQLServer;
     const Line lines[] = {
         {"JCX", {mySql, postgres, server}, JoinLack::None},
-        {"I", {mySql, sqlite, DatabaseTypeMariaDB}, JoinLack::None},
+        {"I", {mySql, sqlite, DatabaseTypeMariaDB}, JoinLack::Cross},
         {"I", {postgres, server, DatabaseTypeOracle}, JoinLack::Condition},
         {"LRF", {mySql, sqlite, postgres, DatabaseTypeOracle}, JoinLack::Natural},
         {"LRF", {server}, JoinLack::Condition},

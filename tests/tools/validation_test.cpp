@@ -278,18 +278,24 @@ TEST(Validation, EachFaultIsFoundOnceRepairedAndAnnouncedOnlyAsNews) {
     }
 }
 
-// Bare, it would be read as a field of another source.
-TEST(Validation, AColumnWhoseSubqueryIsGoneKeepsItsQualifier) {
-    Validator v("SELECT s.id FROM t a, (SELECT t.id FROM t) s");
-    auto* column =
-        dynamic_cast<SQLFieldColumnComponent*>(v.statement()->selectColumnExpr->columns[0]);
-    column->parentPath.clear();  // as a tick makes it
+// Bare, or by an alias that another source has got, it would be read as a field of that.
+TEST(Validation, AColumnWhoseSourceIsGoneKeepsItsQualifier) {
+    Validator v("SELECT s.id, b.id FROM t a, (SELECT t.id FROM t) s, u b");
+    const auto path = [&v](std::size_t column) -> std::vector<std::string>& {
+        return dynamic_cast<SQLFieldColumnComponent*>(
+                   v.statement()->selectColumnExpr->columns[column])
+            ->parentPath;
+    };
+    path(0).clear();  // as a tick makes it
+    v.source("b")->alias.clear();
     v.removeSource(v.source("s"));
-    EXPECT_EQ(v.faults(v.check(nullptr)), "0:id=1 ");
-    EXPECT_EQ(column->parentPath, std::vector<std::string>{"s"});
-    EXPECT_EQ(v.faults(v.check(nullptr)), "0:id=2 ");
+    v.removeSource(v.source(""));
+    EXPECT_EQ(v.faults(v.check(nullptr)), "0:id=1 0:id=1 ");
+    EXPECT_EQ(path(0), std::vector<std::string>{"s"});
+    EXPECT_EQ(path(1), (std::vector<std::string>{"main", "u"}));
+    EXPECT_EQ(v.faults(v.check(nullptr)), "0:id=2 0:id=2 ");
     v.source("a")->alias = "s";
-    EXPECT_EQ(v.faults(v.check(nullptr)), "");
+    EXPECT_EQ(v.faults(v.check(nullptr)), "0:id=2 ");
 }
 
 TEST(Validation, NothingIsFoundWithoutEngineStatementOrFittingElement) {
@@ -346,7 +352,7 @@ TEST(Validation, JoinsAndOtherLayersAreLookedAtWithoutAChange) {
         {"t LEFT JOIN u ON (u.id = 1 OR t.id = missing)", DatabaseTypeMySQL, "6 ", true},
         {"t INNER JOIN u ON t.no = u.id", DatabaseTypeSQLite, "3 ", false},
         {"t CROSS JOIN u", DatabaseTypeSQLServer, "- ", false},
-        {"t INNER JOIN u", DatabaseTypeMySQL, "- ", false},
+        {"t INNER JOIN u", DatabaseTypeMySQL, "6 ", true},
         {"t NATURAL LEFT JOIN u", DatabaseTypeMySQL, "- ", false},
         {"t, u INNER JOIN v ON v.id = t.id", DatabaseTypePostgreSQL, "- 1 ", true},
         {"t INNER JOIN u USING (id)", DatabaseTypeMySQL, "- ", false},
