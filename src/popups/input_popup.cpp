@@ -1,5 +1,6 @@
 #include "popups/input_popup.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -15,6 +16,7 @@
 #include "popups/popup_content.h"
 #include "popups/second_press_guard.h"
 #include "ui_input_popup.h"
+#include "widgets/visible_edges.h"
 
 namespace QB {
 namespace {
@@ -36,6 +38,18 @@ void selectText(QWidget* widget) {
     cursor.movePosition(QTextCursor::End);
     cursor.movePosition(QTextCursor::Start, QTextCursor::KeepAnchor);
     text->setTextCursor(cursor);
+}
+
+/// What the window below @p popup does at a key for undo or redo; null for other keys.
+QAction* historyAction(const QWidget* popup, const QKeyEvent& key) {
+    if (!key.matches(QKeySequence::Undo) && !key.matches(QKeySequence::Redo)) return nullptr;
+    const QWidget* window = popup;
+    while (window->parentWidget() && window->windowType() == Qt::Popup)
+        window = window->parentWidget()->window();
+    const QKeySequence pressed(static_cast<int>(key.modifiers()) + key.key());
+    for (QAction* action : window->findChildren<QAction*>())
+        if (action->isEnabled() && action->shortcuts().contains(pressed)) return action;
+    return nullptr;
 }
 
 /// @p start, moved so that @p length from there lie inside [low, high], or begin there.
@@ -252,8 +266,16 @@ bool QBInputPopup::eventFilter(QObject* watched, QEvent* event) {
     return d->handleCancelKey(event);
 }
 
+void QBInputPopup::keyPressEvent(QKeyEvent* event) {
+    QAction* const action = historyAction(this, *event);
+    if (!action) return QWidget::keyPressEvent(event);
+    event->accept();
+    action->trigger();  // last: what is undone may be what the popup is for
+}
+
 void QBInputPopup::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    showEdges(this);
     Q_EMIT onShow();
 }
 
@@ -274,7 +296,7 @@ void QBInputPopup::closeEvent(QCloseEvent* event) {
 
 void QBInputPopup::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setPen(palette().color(QPalette::Mid));
+    painter.setPen(edgeColour(palette()));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 

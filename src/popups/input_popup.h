@@ -12,7 +12,8 @@ namespace QB {
 /// A frameless popup that holds one content widget next to another widget. It closes with Escape
 /// (cancelled), with a click outside (accepted: who opened it checks what it holds), when its
 /// parent is hidden (cancelled) or by closePopup(), and destroys itself then. Popups nest: keys go
-/// to the innermost.
+/// to the innermost. Those for undo and redo that its content leaves trigger the action that has
+/// them in the window below, which gets no shortcuts while a popup is open.
 ///
 /// Its parent is the panel, never the anchor, which a refresh may destroy. Code outside holds it by
 /// QPointer; panels use QBPanelPopup.
@@ -57,6 +58,7 @@ Q_SIGNALS:
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;

@@ -23,7 +23,8 @@ using Test::Delivery;
 ///     rename t x    another one changes an alias; turn 0 3: the kind of a join
 ///     unlink 0      a join becomes a comma; empty: the FROM clause is emptied
 ///     push x, pop, parse SQL, family, kill, drop: layers, engine and panel
-///     undo          the statement as it was before the events, under the same ids
+///     undo          the statement as it was before the events, under the same ids; Ctrl+Z is the
+///                   key of the window for it
 ///
 /// What must be so:
 ///
@@ -45,6 +46,9 @@ public:
         window.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&window));
         view->setFocus();
+        auto* const undo = new QAction(&window);
+        undo->setShortcuts(QKeySequence::Undo);
+        QObject::connect(undo, &QAction::triggered, [this] { runOwn("undo", {}); });
     }
     ~Desk() override { popups.reset(); }
 
@@ -244,6 +248,13 @@ const Test::Story stories[] = {
     {"an undone change leaves the editor", TU,
      "link 0; turn 0 4; undo; shows t INNER JOIN u; key Up; key Del; kind; join 5",
      "SELECT * FROM t CROSS JOIN u"},
+    {"undone by its key from inside", TU,
+     "link 0; kind; join 3; key Ctrl+Z; shows t INNER JOIN u; kind; join 4; kind; key Ctrl+Z; "
+     "open; "
+     "key Esc; shows t INNER JOIN u; key Return; key Down; key Return; key Esc; closed",
+     "SELECT * FROM t LEFT JOIN u ON t.a = u.a"},
+    {"undone by its key with the join itself", "SELECT * FROM t, u",
+     "turn 0 2; link 0; key Ctrl+Z; closed", "SELECT * FROM t, u"},
     {"a layer of its own", SUB, "push x; link 0; kind; join 2; key Esc; pop",
      "SELECT x.a FROM ( SELECT t.a FROM t INNER JOIN u ON t.a = u.a ) AS x, v"},
     {"told late, another one has the alias before the answer", "SELECT 1 FROM t, u",
