@@ -67,8 +67,10 @@ void QBSourceColumnSelectionPanelWidget::renewRoot() {
 
 void QBSourceColumnSelectionPanelWidget::retranslate() {
     m_ui->tableView->setAccessibleName(Tolk::localizeWithArgs(Tolk::TextColumnsOfClause, "SELECT"));
-    for (QAbstractButton* box : m_extraOptionsGroup->buttons())
+    for (QAbstractButton* box : m_extraOptionsGroup->buttons()) {
         explainBox(box);
+        showEffect(box);
+    }
 }
 
 // ---- rows -----------------------------------------------------------------------------------
@@ -167,6 +169,7 @@ void QBSourceColumnSelectionPanelWidget::showOptions(const std::vector<QBSelectO
         QAbstractButton* box = earlier.take(option.text);
         if (!box) box = createBox(option.text);
         box->setChecked(option.isChosen);
+        showEffect(box);
         m_extraOptionsGroup->addButton(box);
         row->removeWidget(box);
         row->addWidget(box);
@@ -179,15 +182,32 @@ void QBSourceColumnSelectionPanelWidget::showOptions(const std::vector<QBSelectO
 }
 
 QAbstractButton* QBSourceColumnSelectionPanelWidget::createBox(const QString& option) {
-    // A long text, which nobody asked for, must not make the whole panel wide.
-    QString text = fontMetrics().elidedText(option, Qt::ElideRight, widestBoxText);
-    text.replace(QLatin1Char('&'), QLatin1String("&&"));
-    auto* const box = new QCheckBox(text, m_ui->extraOptionsContainer);
+    auto* const box = new QCheckBox(m_ui->extraOptionsContainer);
     box->setProperty(optionProperty, option);
     explainBox(box);
     connect(box, &QCheckBox::clicked, this,
             &QBSourceColumnSelectionPanelWidget::slotExtraOptionChanged);
     return box;
+}
+
+/// An option is written before columns only. One that waits for them can still be taken back.
+void QBSourceColumnSelectionPanelWidget::showEffect(QAbstractButton* box) {
+    const SQLSelectStmtComponent* const current = statement();
+    const bool hasEffect = current && !current->selectColumnExpr->columns.empty();
+    // A long text, which nobody asked for, must not make the whole panel wide.
+    QString text = fontMetrics().elidedText(optionOf(box), Qt::ElideRight, widestBoxText);
+    text.replace(QLatin1Char('&'), QLatin1String("&&"));
+    const bool isWaiting = box->isChecked() && !hasEffect;
+    box->setText(
+        isWaiting ? Tolk::localizeWithArgs(Tolk::TextOptionNeedsColumn, text.toUtf8().constData())
+                  : text);
+    box->setEnabled(hasEffect || box->isChecked());
+}
+
+void QBSourceColumnSelectionPanelWidget::rowsRefreshed() {
+    QBColumnListPanelWidget::rowsRefreshed();
+    for (QAbstractButton* box : m_extraOptionsGroup->buttons())
+        showEffect(box);
 }
 
 void QBSourceColumnSelectionPanelWidget::explainBox(QAbstractButton* box) {

@@ -43,6 +43,7 @@ protected:
     void setupChooser(QBColumnSelectionPopupWidget* chooser) override;
     void retranslate() override;
     void renewRoot() override;
+    void rowsRefreshed() override;
 
 private:
     /// Shows the option words of the family and those of the statement. A box that is still wanted
@@ -51,6 +52,7 @@ private:
     void showOptions(const std::vector<QBSelectOption>& options);
     QAbstractButton* createBox(const QString& option);
     void explainBox(QAbstractButton* box);
+    void showEffect(QAbstractButton* box);
     std::vector<QBSelectOption> shownOptions() const;
     void storeOptions(const std::vector<QBSelectOption>& options);
     void setAlias(QBRowKey key, const QString& alias);

@@ -39,7 +39,7 @@ public:
     QCheckBox* box(const QString& option) const {
         const auto boxes = panel->findChildren<QCheckBox*>();
         for (QCheckBox* each : boxes) {
-            if (each->text() == option) return each;
+            if (each->text().startsWith(option)) return each;
         }
         return nullptr;
     }
@@ -334,7 +334,12 @@ private Q_SLOTS:
             dynamic_cast<SQLSubquerySourceComponent*>(desk.statement()->sourceExpr->root->value);
         desk.engine->pushNewLayerTopLevelQueryComponent(derived->subquery, "x");
         QCOMPARE(boxes(desk), QStringList("[ ] DISTINCT"));
-        QVERIFY(desk.run("tick DISTINCT; click 0 add; pick t.b"));
+        QVERIFY(desk.run("tick DISTINCT; click 0 row; key Del"));
+        QCOMPARE(boxes(desk), QStringList("[x] DISTINCT (needs a column)"));
+        QVERIFY(desk.box("DISTINCT")->isEnabled());
+        QVERIFY(desk.run("tick DISTINCT"));
+        QVERIFY2(!desk.box("DISTINCT")->isEnabled(), "it would not be written");
+        QVERIFY(desk.run("click 0 add; pick t.a; tick DISTINCT; click 0 add; pick t.b"));
         desk.engine->popCurrentLayerTopLevelQueryComponent();
         QCOMPARE(boxes(desk), QStringList("[x] DISTINCT"));
         QCOMPARE(desk.text(), QString("SELECT DISTINCT x.a FROM ( SELECT DISTINCT t.a, t.b FROM t )"
