@@ -1,0 +1,3 @@
+-- mysql mariadb postgresql oracle sqlite sqlserver
+SELECT
+	*

@@ -1,7 +1,0 @@
-SELECT
-	`t`.`a`
-FROM
-	`t`
-ORDER BY
-	`t`.`a` ASC
-LIMIT 5, 10

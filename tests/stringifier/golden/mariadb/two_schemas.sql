@@ -1,7 +1,0 @@
-SELECT
-	`shop`.`a`.`x`, 
-	`depot`.`b`.`y`, 
-	`shop`.`a`.*
-FROM
-	`shop`.`a`,
-	`depot`.`b`

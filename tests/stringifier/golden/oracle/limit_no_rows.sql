@@ -1,7 +1,0 @@
-SELECT
-	"t"."a"
-FROM
-	"t"
-ORDER BY
-	"t"."a" ASC
-FETCH FIRST 0 ROWS ONLY

@@ -1,5 +1,0 @@
-SELECT
-	"t"."a"
-FROM
-	"t"
-FETCH FIRST 10 ROWS ONLY

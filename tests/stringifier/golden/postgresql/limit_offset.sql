@@ -1,5 +1,0 @@
-SELECT
-	"t"."a"
-FROM
-	"t"
-OFFSET 0

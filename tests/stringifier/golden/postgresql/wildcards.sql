@@ -1,7 +1,0 @@
-SELECT
-	u.*, 
-	*, 
-	"COUNT"(*) AS "n", 
-	"SUM"(u."a") AS "total"
-FROM
-	"t" AS "u"

@@ -1,6 +1,0 @@
-SELECT
-	"t"."a"
-FROM
-	"t"
-LIMIT -1
-OFFSET 0

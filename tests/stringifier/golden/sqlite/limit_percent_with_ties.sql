@@ -1,8 +1,0 @@
-SELECT
-	"t"."a"
-FROM
-	"t"
-ORDER BY
-	"t"."a" ASC
-LIMIT 10
-OFFSET 5

@@ -1,5 +1,0 @@
-SELECT
-	"t"."a"
-FROM
-	"t"
-LIMIT 10

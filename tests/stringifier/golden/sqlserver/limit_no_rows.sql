@@ -1,8 +1,0 @@
-SELECT
-	[t].[a]
-FROM
-	[t]
-ORDER BY
-	[t].[a] ASC
-OFFSET 0 ROWS
-FETCH NEXT 0 ROWS ONLY

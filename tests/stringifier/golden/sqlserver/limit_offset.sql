@@ -1,6 +1,0 @@
-SELECT
-	[t].[a]
-FROM
-	[t]
-ORDER BY 1
-OFFSET 0 ROWS

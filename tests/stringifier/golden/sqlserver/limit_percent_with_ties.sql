@@ -1,8 +1,0 @@
-SELECT
-	[t].[a]
-FROM
-	[t]
-ORDER BY
-	[t].[a] ASC
-OFFSET 5 ROWS
-FETCH NEXT 10 ROWS ONLY

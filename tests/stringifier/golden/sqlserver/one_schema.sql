@@ -1,7 +1,0 @@
-SELECT
-	[a].[x], 
-	[b].[y], 
-	[a].*
-FROM
-	[shop].[a],
-	[shop].[b]
