@@ -185,11 +185,6 @@ TEST(AutoLayout, CrossesAsRarelyAsTheBestOfAllOrders) {
     EXPECT_GT(met, 10) << "too few of these graphs must have crossings";
 }
 
-TEST(AutoLayout, CentresABoxAmongItsNeighbours) {
-    const LayoutGraph graph = graphOf(4, {{0, 1}, {0, 2}, {0, 3}});
-    EXPECT_EQ(layoutInLayers(graph), (Places{{40, 318}, {358, 40}, {358, 318}, {358, 596}}));
-}
-
 struct CrossingCase {
     const char* name;
     Edges edges;

@@ -38,18 +38,6 @@ TEST(MarginConstraint, KeepsWhatItsMaskSaysAndRecoversFromASqueeze) {
     }
 }
 
-TEST(CanvasObject, TellsOfItsFormerRectangleOnceForAChange) {
-    QBLumoObject object;
-    std::vector<LumoRect> told;
-    const QBEventListener listener;
-    object.rectChanged()->addListener([&](QBLumoObject*, LumoRect was) { told.push_back(was); },
-                                      listener.guarantor());
-    object.setRect({1, 2, 3, 4});
-    object.setRect({1, 2, 3, 4});
-    object.setRect({5, 2, 3, 4});
-    EXPECT_EQ(told, (std::vector<LumoRect>{{}, {1, 2, 3, 4}}));
-}
-
 TEST(Animation, RunsToItsEndWhileOthersComeAndGo) {
     LumoObject owner;
     QBLumoAnimationTimer timer(nullptr, &owner);
@@ -88,19 +76,6 @@ TEST(Animation, EndsWithTheTimerOrTheTimerWithoutIt) {
         timer.step(0.1);
     }
     EXPECT_FALSE(survivor.isRunning());
-}
-
-TEST(CanvasContext, LetsASlotReplaceItself) {
-    QBLumoContext context;
-    context.diagramEmptinessChanged(true);  // nobody listens
-    int calls = 0;
-    context.setDiagramEmptinessChanged([&](bool) {
-        ++calls;
-        context.setDiagramEmptinessChanged(nullptr);
-    });
-    context.diagramEmptinessChanged(true);
-    context.diagramEmptinessChanged(true);
-    EXPECT_EQ(calls, 1);
 }
 
 }  // namespace

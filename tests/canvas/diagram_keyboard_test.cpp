@@ -213,22 +213,4 @@ TEST(DiagramKeyboard, AsksForTheMenuOfWhatHasTheFocus) {
     EXPECT_EQ(menu(nullptr, -1)->clicked, nullptr);
 }
 
-TEST(DiagramKeyboard, FollowsTheMouseWithoutARing) {
-    DiagramScene scene;
-    std::string changes;
-    const auto owner = std::make_shared<QBEventListenerGuarantor>();
-    scene.diagram.focusChanged()->addListener(
-        [&](LumoObject*, int row) { changes += ' ' + focus(scene) + ':' + std::to_string(row); },
-        owner);
-    scene.control.click(scene.row(scene.bodies["b"], 1));
-    EXPECT_EQ(focus(scene), "b");
-    EXPECT_FALSE(scene.diagram.isFocusRingShown());
-    EXPECT_TRUE(scene.key(LumoKeyTab));
-    EXPECT_TRUE(scene.diagram.isFocusRingShown());
-    scene.control.click({50, 700});
-    EXPECT_EQ(focus(scene), "-");
-    scene.diagram.setFocusedObject(scene.item("a"), 99);
-    EXPECT_EQ(changes, " b:-1 c:-1 -:-1 a:-1");
-}
-
 }  // namespace QB::DiagramLumo

@@ -310,16 +310,6 @@ TEST(Diagram, ForgetsWhatLeavesInTheMiddleOfAGesture) {
     }
 }
 
-TEST(Diagram, LetsWhatIsNoChildOfItKeepItsLinks) {
-    DiagramScene scene;
-    scene.fieldLink("a", "b");
-    const std::string before = dumpCanvas(&scene.diagram);
-    for (LumoObject* stranger :
-         {static_cast<LumoObject*>(nullptr), static_cast<LumoObject*>(scene.bodies["a"])})
-        scene.diagram.removeChild(stranger);
-    EXPECT_EQ(dumpCanvas(&scene.diagram), before);
-}
-
 TEST(Diagram, MovesNothingDuringALinkDragAndEndsItWithItsItem) {
     DiagramScene scene;
     scene.control.drag(scene.row(scene.bodies["a"], 1), scene.row(scene.bodies["b"], 1));
@@ -332,38 +322,6 @@ TEST(Diagram, MovesNothingDuringALinkDragAndEndsItWithItsItem) {
     delete source;
     EXPECT_FALSE(scene.diagram.isLinkDragActive());
     EXPECT_EQ(scene.take().find('='), std::string::npos);
-}
-
-TEST(Diagram, HidesLinksOfTheOtherModeFromSelectionAndFocus) {
-    DiagramScene scene;
-    QBLumoJoinLink* const ofTables = scene.tableLink("a", "b");
-    QBLumoJoinLink* const ofFields = scene.fieldLink("b", "c");
-    scene.diagram.selectAll();
-    EXPECT_EQ(scene.diagram.selectedJoinLinks(), std::vector<QBLumoJoinLink*>{ofTables});
-    scene.diagram.setFocusedObject(ofTables);
-    scene.diagram.setRelationMode(FieldRelation);
-    EXPECT_TRUE(scene.diagram.selectedJoinLinks().empty());
-    EXPECT_FALSE(ofTables->getSelected());
-    EXPECT_EQ(scene.diagram.focusedObject(), nullptr);
-    scene.diagram.setRelationMode(7);
-    scene.diagram.selectAll();
-    EXPECT_EQ(scene.diagram.selectedJoinLinks(), std::vector<QBLumoJoinLink*>{ofFields});
-}
-
-TEST(Diagram, TellsOfEmptinessOnChangesOnly) {
-    QBLumoContext context;
-    std::string told;
-    context.setDiagramEmptinessChanged([&](bool empty) { told += empty ? " empty" : " filled"; });
-    {
-        QBLumoDiagram diagram(&context, nullptr);
-        diagram.clearChildren();
-        diagram.addChild(new QBLumoItem);
-        diagram.addChild(new QBLumoItem, 0);
-        delete diagram.items().front();
-        diagram.clearChildren();
-        diagram.addChild(new QBLumoItem);
-    }
-    EXPECT_EQ(told, " filled empty filled") << "a diagram that dies tells nothing";
 }
 
 TEST(Diagram, PlacesItemsInARowAndArrangesOnlyWhatIsSelected) {
@@ -502,24 +460,6 @@ TEST(DiagramInAWindow, ScrollsAtTheEdgeAndKeepsTheItemUnderThePointer) {
         scene.move(edge + QPoint(3, 0));
         EXPECT_TRUE(scene.origin() == stopped);
     }
-}
-
-TEST(DiagramInAWindow, KeepsADraggedEdgeUnderThePointerWhenTheCanvasEndsWithinAStep) {
-    ViewScene scene;
-    const int width = scene.view->viewport()->width() + 64;  // steps of 3
-    scene.diagram.setRect({0, 0, width, 1600});
-    QBLumoItem* const item = scene.item("a");
-    const QPoint from = scene.at({lumoMaxX(item->getRect()) - 5, 160});
-    const QPoint edge(scene.view->viewport()->width() - 6, from.y());
-    const int grip = lumoMaxX(item->getRect()) - scene.in(from).x;
-    scene.press(from);
-    scene.move(edge);
-    const auto atEnd = [&] {
-        return lumoMaxX(scene.view->getControl()->getDisplayRect()) == width;
-    };
-    ASSERT_TRUE(QTest::qWaitFor(atEnd));
-    EXPECT_EQ(lumoMaxX(item->getRect()), scene.in(edge).x + grip);
-    scene.release(edge);
 }
 
 TEST(DiagramInAWindow, PansByTheMiddleButtonWithoutAJumpAtTheSecondTime) {

@@ -246,31 +246,5 @@ TEST_F(FieldList, ScrollsWhileALinkIsDrawnOverItsLastRow) {
     EXPECT_FALSE(overlay->isScrolling());
 }
 
-TEST_F(FieldList, OpensByADoubleClickOnTheTitleOnly) {
-    int opened = 0;
-    context().setItemBodyDoubleClicked([&](QBLumoBaseItemBody*) { ++opened; });
-    const auto doubleClick = [this](LumoPoint at) {
-        scene.control.dispatcher()->mouseDoubleClick({at.x, at.y}, LumoButtonLeft);
-        scene.control.release(at);
-    };
-    doubleClick(scene.row(left, 1));
-    EXPECT_EQ(opened, 0);
-    doubleClick(scene.title(left));
-    EXPECT_EQ(opened, 1);
-}
-
-TEST_F(FieldList, ScrollsByTheWheelUnlessALinkIsDrawn) {
-    const LumoPoint at = scene.row(right, 3);
-    const auto wheel = [&](int32_t pixels) {
-        scene.control.dispatcher()->mouseWheel({at.x, at.y}, {0, pixels}, 0);
-        return right->scrollView()->getContentOffsetY();
-    };
-    const long once = wheel(lumoWheelNotch);
-    EXPECT_EQ(once, 40) << "a fifth of what shows";
-    EXPECT_EQ(wheel(-10 * lumoWheelNotch), 0);
-    right->scrollView()->setVerticalScrollDisabled(true);
-    EXPECT_EQ(wheel(lumoWheelNotch), 0);
-}
-
 }  // namespace
 }  // namespace QB::DiagramLumo

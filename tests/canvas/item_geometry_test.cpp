@@ -5,36 +5,6 @@
 namespace QB::DiagramLumo {
 namespace {
 
-TEST(ItemGeometry, FindsTheEdgesThatThePointerWouldDragAndTheirCursors) {
-    const LumoRect body(9, 4, 200, 100);
-    const struct {
-        LumoPoint point;
-        int32_t edges;
-        int cursor;
-    } cases[] = {
-        {{100, 50}, 0, 0},
-        {{4, 50}, EdgeLeft, 32},
-        {{14, 50}, EdgeLeft, 32},
-        {{3, 50}, 0, 0},
-        {{15, 50}, 0, 0},
-        {{214, 50}, EdgeRight, 32},
-        {{215, 50}, 0, 0},
-        {{100, 0}, EdgeTop, 33},
-        {{100, 9}, EdgeTop, 33},
-        {{100, 10}, 0, 0},
-        {{100, 109}, EdgeBottom, 33},
-        {{5, 0}, EdgeLeft | EdgeTop, 34},
-        {{209, 104}, EdgeRight | EdgeBottom, 34},
-        {{209, 4}, EdgeRight | EdgeTop, 35},
-        {{9, 104}, EdgeLeft | EdgeBottom, 35},
-        {{4, 4}, EdgeLeft, 32},  // five beside is too far for the top edge
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(hoverEdgesAt(body, c.point), c.edges) << c.point.x << "," << c.point.y;
-        EXPECT_EQ(cursorForEdges(c.edges), c.cursor);
-    }
-}
-
 TEST(ItemGeometry, DragsTheRectangleInsideTheCanvas) {
     constexpr int32_t move = 0;
     constexpr int32_t bottomRight = EdgeRight | EdgeBottom;

@@ -234,44 +234,5 @@ TEST_F(Items, KeepTheirPictureWhileTheyMove) {
     EXPECT_NE(body->item()->pictureSerial(), picture);
 }
 
-// ---- looks ----
-
-TEST_F(Items, HaveCrispBordersAtEveryScale) {
-    for (const bool dark : {false, true}) {
-        callbacks.isDark = dark;
-        ItemScene fresh;
-        QBLumoDatabaseItemBody* const body = fresh.table("orders", {41, 43});
-        const ItemColors colors = itemColors(false);
-        const auto rgb = [](const LumoColor& c) {
-            return qRgb(c.red, c.green, c.blue);
-        };
-        for (const double scale : {1.0, 2.0, 0.35, 0.83, 1.21, 1.5}) {
-            const QImage image = fresh.picture(scale);
-            const int y = int((lumoMinY(body->item()->getRect()) + 150) * scale);
-            int column = 0;
-            while (qAlpha(image.pixel(column, y)) == 0)
-                ++column;
-            EXPECT_NEAR(column, 50 * scale, 1) << scale;
-            const int thickness = std::max(1, int(scale));
-            for (int i = 0; i < thickness; ++i)
-                EXPECT_EQ(image.pixel(column + i, y), rgb(colors.border)) << scale;
-            EXPECT_EQ(image.pixel(column + thickness, y), rgb(colors.body)) << scale;
-            const int inTitle = int((lumoMinY(body->item()->getRect()) + 8) * scale);
-            EXPECT_EQ(image.pixel(column + int(100 * scale), inTitle), rgb(colors.title)) << scale;
-        }
-    }
-}
-
-TEST_F(Items, ShowTheSelectionAsARingAroundTheBody) {
-    QBLumoDatabaseItemBody* const body = scene.table("orders", {40, 40});
-    const LumoPoint beside{47, 150};  // two beside the body
-    EXPECT_EQ(qAlpha(scene.picture(1).pixel(beside.x, beside.y)), 0);
-    scene.diagram.selectObject(body->item(), true);
-    const QRgb ring = scene.picture(1).pixel(beside.x, beside.y);
-    EXPECT_NEAR(qAlpha(ring), 102, 2);
-    EXPECT_EQ(qAlpha(scene.picture(1).pixel(43, 150)), 0) << "four wide";
-    EXPECT_EQ(scene.picture(1).pixel(100, 50), qRgb(168, 216, 244));
-}
-
 }  // namespace
 }  // namespace QB::DiagramLumo

@@ -147,15 +147,6 @@ TEST(Layouts, MoveWhatTheyKnowAndTellWhetherAllFitted) {
     }
 }
 
-TEST(Layouts, OfSourcesThatLookAlikeGoToThemInOrder) {
-    LayoutScene scene;
-    scene.table("film", {1000, 40});
-    scene.read(document(keys("0,0,3000,1600"),
-                        entry(1, "400,600,218,245") + "," + entry(1, "100,600,218,245")));
-    EXPECT_EQ(text(rectsOf(scene.diagram)[1]), "400,600 218x245");
-    EXPECT_EQ(text(rectsOf(scene.diagram)[4]), "100,600 218x245");
-}
-
 TEST(Layouts, AreNotExchangedByWhatLiesAbove) {
     LayoutScene scene;
     const std::vector<QBLumoItem*> items = scene.diagram.items();

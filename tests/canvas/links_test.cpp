@@ -20,21 +20,6 @@ namespace {
 
 // ---- numbers ----
 
-TEST(LinkGeometry, TurnsSegmentsAndTextIntoTheirAngles) {
-    const struct {
-        LumoDoublePoint to;
-        double angle;
-        double upright;
-    } cases[] = {{{10, 0}, 0, 0},       {{10, 10}, 45, 45},    {{0, 10}, 90, 90},
-                 {{-10, 10}, 135, -45}, {{-10, 0}, -180, 0},   {{-10, -10}, -135, 45},
-                 {{0, -10}, -90, 90},   {{10, -10}, -45, -45}, {{0, 0}, -90, 90}};
-    for (const auto& c : cases) {
-        const double angle = segmentAngle({3, 4}, {3 + c.to.x, 4 + c.to.y});
-        EXPECT_NEAR(angle, c.angle, 1e-5) << c.to.x << ' ' << c.to.y;
-        EXPECT_NEAR(uprightAngle(angle), c.upright, 1e-5) << c.to.x << ' ' << c.to.y;
-    }
-}
-
 AdaptorEnd endAt(int x, int y, int width) {
     return {{x, y, width, 6}, {x, y + 3}, {x + width, y + 3}};
 }
@@ -72,13 +57,6 @@ TEST(LinkGeometry, DocksEachEndAtTheSideThatFacesTheCentre) {
     }
     EXPECT_EQ(routeMiddle({16777216, 0}, {16777218, 1}), (LumoPoint{16777216, 0}))
         << "in single precision";
-}
-
-TEST(LinkGeometry, TakesRoomAroundAdaptorsAndDirtiesOnlyTheRoute) {
-    EXPECT_EQ(linkRect({100, 200, 1000, 50}), LumoRect(100, -175, 1000, 800));
-    EXPECT_EQ(linkRect({10, 0, 5, 900}), LumoRect(-387, 0, 800, 900));
-    EXPECT_EQ(routeBox({{100, 50}, {300, 20}, false, true}), LumoRect(76, -4, 248, 78));
-    EXPECT_EQ(routeBox({{100, 50}, {100, 20}, false, false}), LumoRect(76, -4, 56, 78));
 }
 
 double distanceTo(LumoDoublePoint a, LumoDoublePoint b, LumoPoint point) {
@@ -136,28 +114,6 @@ TEST(LinkGeometry, HitsABandAroundTheLineAndTheDiscsOfTheSymbol) {
     EXPECT_GT(lineHits, 20000);
     EXPECT_GT(symbolHits, 20000);
     EXPECT_FALSE(LinkHit().hits({0, 0}, true, true)) << "no route";
-}
-
-TEST(LinkGeometry, SendsThreeWavesAndOneFlashAndThenRests) {
-    EXPECT_NEAR(promptFlashAlpha(0), 0.8, 1e-6);
-    EXPECT_NEAR(promptFlashAlpha(0.3), 0.4, 1e-6);
-    EXPECT_NEAR(promptFlashAlpha(0.61), 0, 1e-6);
-    const struct {
-        double t;
-        std::vector<std::pair<double, double>> waves;  // h, alpha
-    } cases[] = {{0, {{0, 0.3}}},
-                 {0.2, {{5, 0.258}, {3, 0.258}}},
-                 {0.4, {{10, 0}, {8, 0.108}, {4, 0.216}}},
-                 {0.65, {}},
-                 {1, {}}};
-    for (const auto& c : cases) {
-        const std::vector<PromptWave> waves = promptWaves(c.t);
-        ASSERT_EQ(waves.size(), c.waves.size()) << c.t;
-        for (size_t i = 0; i < waves.size(); ++i) {
-            EXPECT_NEAR(waves[i].h, c.waves[i].first, 1e-6) << c.t;
-            EXPECT_NEAR(waves[i].alpha, c.waves[i].second, 1e-6) << c.t;
-        }
-    }
 }
 
 // ---- in a diagram ----

@@ -103,26 +103,6 @@ int countIn(const QBLumoDiagram& diagram, const LumoRect& rect) {
     return count;
 }
 
-TEST_F(PaintCounters, NothingIsPaintedWhileNothingHappens) {
-    const int before = view->paintPasses();
-    ASSERT_GT(before, 0);
-    settle();
-    // Nor where the pointer moves over the empty canvas, or what changes is out of sight.
-    QTest::mouseMove(view->windowHandle(), windowPoint({20, 20}));
-    QTest::mouseMove(view->windowHandle(), windowPoint({24, 22}));
-    QBLumoItem* const outOfSight = itemWithLinksOutOfSight();
-    ASSERT_TRUE(outOfSight);
-    outOfSight->setRect(lumoMovedRect(outOfSight->getRect(), {-7, -7}));
-    diagram->layout();
-    settle();
-    EXPECT_EQ(view->paintPasses(), before);
-
-    ASSERT_TRUE(itemInView());
-    itemInView()->repaint();
-    settle();
-    EXPECT_EQ(view->paintPasses(), before + 1) << "or the counter counts nothing";
-}
-
 TEST_F(PaintCounters, AStepOfADragPaintsOnceAndOnlyWhatItTouches) {
     const QBLumoItem* const item = itemInView();
     ASSERT_TRUE(item);
@@ -149,14 +129,6 @@ TEST_F(PaintCounters, AStepOfADragPaintsOnceAndOnlyWhatItTouches) {
         EXPECT_LT(view->objectsInLastPass(), allInView);
     }
     QTest::mouseRelease(window, Qt::LeftButton, {}, windowPoint(place));
-}
-
-TEST_F(PaintCounters, AFullRepaintPaintsNothingOutOfSight) {
-    view->viewport()->update();
-    settle();
-    // Items are one object each, whatever they hold: their pictures are kept.
-    EXPECT_LE(view->objectsInLastPass(), countIn(*diagram, view->getControl()->getDisplayRect()));
-    EXPECT_GT(view->objectsInLastPass(), 10);
 }
 
 }  // namespace

@@ -19,19 +19,6 @@ std::string text(const LumoRect& rect) {
 
 }  // namespace
 
-TEST(Placement, PutsTenItemsInOneRowWithGapsOfAHundredAndWidensTheCanvasOnce) {
-    std::vector<LumoRect> items;
-    LumoSize size = canvas;
-    for (int i = 0; i < 10; ++i) {
-        const Placement place = findPlace(table, size, items);
-        EXPECT_EQ(text(place.rect), text({40 + i * 318, 40, 218, 238}));
-        EXPECT_EQ(place.diagram.width, i < 9 ? 3000 : 6000);
-        EXPECT_EQ(place.diagram.height, 1600);
-        size = place.diagram;
-        items.push_back(place.rect);
-    }
-}
-
 TEST(Placement, StepsOverWhatStandsInTheWay) {
     const struct {
         const char* what;
@@ -114,28 +101,6 @@ TEST(Placement, StopsAGroupAtTheEdges) {
     // The top edge takes the left edge's value.
     EXPECT_EQ(clampedGroupDelta({60, 40, 10, 10}, {0, -30}, {50, 20, 500, 500}),
               (LumoPoint{0, 10}));
-}
-
-TEST(Placement, ScrollsFasterTheFartherThePointerIs) {
-    const std::vector<std::pair<int, int>> steps = {
-        {0, 0}, {1, 1}, {2, 1}, {3, 1}, {5, 1}, {6, 2}, {99, 33}, {100, 33}, {101, 33}, {5000, 33}};
-    for (const auto& [distance, step] : steps) {
-        EXPECT_EQ(autoScrollStep(distance), step);
-        EXPECT_EQ(autoScrollStep(-distance), -step);
-    }
-    const LumoRect inner{15, 15, 100, 50};
-    EXPECT_EQ(autoScrollStep({15, 64}, inner), (LumoPoint{0, 0}));
-    EXPECT_EQ(autoScrollStep({14, 65}, inner), (LumoPoint{-1, 1}));
-    EXPECT_EQ(autoScrollStep({144, 0}, inner), (LumoPoint{10, -5}));
-}
-
-TEST(Placement, ReadsRowsFromLeftToRight) {
-    const std::vector<LumoRect> items = {
-        {500, 60, 200, 200},  {40, 400, 200, 200}, {40, 40, 200, 200},
-        {300, 139, 200, 400}, {700, 140, 10, 10},
-    };
-    EXPECT_EQ(readingOrder(items), (std::vector<size_t>{2, 3, 0, 4, 1}));
-    EXPECT_EQ(text(rubberBandRect({30, 10}, {10, 40})), "9,9 20x30");
 }
 
 }  // namespace QB::DiagramLumo

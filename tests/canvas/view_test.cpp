@@ -19,8 +19,6 @@
 namespace QB::DiagramLumo {
 namespace {
 
-bool isDarkHost = false;
-
 struct CommandScene : ViewScene {
     CommandScene() : commands(new QBCanvasCommands(view.get())) { settle(); }
     OverviewMap* map() const { return view->findChild<OverviewMap*>(); }
@@ -91,18 +89,6 @@ TEST(CanvasView, the_overview_shows_moves_hides_and_rests) {
     EXPECT_TRUE(scene.map()->isHidden());
 }
 
-TEST(CanvasView, the_overview_keeps_off_items_where_nearly_all_shows) {
-    CommandScene scene;
-    scene.table("upper", {500, 20}, {"id"});
-    scene.table("lower", {500, 330}, {"id"});
-    scene.view->resize(700, 500);
-    scene.settle();
-    EXPECT_TRUE(scene.map()->isHidden());
-    scene.view->resize(400, 300);
-    scene.settle();
-    EXPECT_TRUE(scene.map()->isVisible());
-}
-
 TEST(CanvasView, arrange_is_taken_back_but_not_over_what_moved_since) {
     CommandScene scene;
     std::vector<LumoRect> before;
@@ -163,46 +149,6 @@ TEST(CanvasView, pictures_are_written_and_read_and_failures_are_told) {
     scene.diagram->clearChildren();
     EXPECT_FALSE(scene.commands->exportPng(png, 1).isEmpty());
     EXPECT_FALSE(scene.commands->exportPdf(pdf).isEmpty());
-}
-
-TEST(CanvasView, another_theme_reaches_canvas_items_and_titles_at_once) {
-    isDarkHost = false;
-    Callback::isDarkTheme = [] {
-        return isDarkHost;
-    };
-    CommandScene scene;
-    const LumoRect film = scene.film->item()->getRect();
-    const LumoPoint places[] = {{450, 100},                                          // canvas
-                                {lumoMaxX(film) - 20, film.origin.y + 4 + 30 + 10},  // a row
-                                {lumoMaxX(film) - 20, film.origin.y + 4 + 15}};      // title
-    const auto titleText = [&] {
-        // The ink of the title is what differs most from its ground.
-        const QImage picture = scene.view->viewport()->grab().toImage();
-        const QColor ground = scene.pixel(places[2]);
-        QColor ink = ground;
-        int most = 0;
-        for (int x = film.origin.x + 15; x < film.origin.x + 60; ++x)
-            for (int y = film.origin.y + 8; y < film.origin.y + 30; ++y) {
-                const QColor here = picture.pixelColor(x, y);
-                const int distance = std::abs(here.lightness() - ground.lightness());
-                if (distance > most) ink = here;
-                most = std::max(most, distance);
-            }
-        return ink;
-    };
-    std::vector<QColor> light;
-    for (const LumoPoint place : places)
-        light.push_back(scene.pixel(place));
-    const QColor lightInk = titleText();
-
-    isDarkHost = true;
-    QEvent change(QEvent::PaletteChange);
-    QCoreApplication::sendEvent(scene.view.get(), &change);
-    scene.settle();
-    for (size_t i = 0; i < std::size(places); ++i)
-        EXPECT_TRUE(differs(scene.pixel(places[i]), light[i])) << i;
-    EXPECT_TRUE(differs(titleText(), lightInk));
-    Callback::isDarkTheme = nullptr;
 }
 
 TEST(CanvasView, tips_tell_what_is_cut_and_nothing_else) {
@@ -311,26 +257,6 @@ TEST(CanvasView, the_keyboard_comes_in_leads_through_and_goes_out) {
     EXPECT_FALSE(scene.diagram->isFocusRingShown());
     layout->removeWidget(scene.view.get());
     scene.view->setParent(nullptr);
-}
-
-TEST(CanvasView, the_host_keeps_its_shortcuts) {
-    CommandScene scene;
-    const struct {
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-        bool ours;
-    } cases[] = {
-        {Qt::Key_Delete, Qt::NoModifier, true},  {Qt::Key_0, Qt::ControlModifier, true},
-        {Qt::Key_A, Qt::ControlModifier, true},  {Qt::Key_R, Qt::NoModifier, true},
-        {Qt::Key_F2, Qt::NoModifier, true},      {Qt::Key_R, Qt::ControlModifier, false},
-        {Qt::Key_S, Qt::ControlModifier, false}, {Qt::Key_Return, Qt::ControlModifier, false},
-        {Qt::Key_F5, Qt::NoModifier, false},     {Qt::Key_Tab, Qt::ControlModifier, false}};
-    for (const auto& one : cases) {
-        QKeyEvent event(QEvent::ShortcutOverride, one.key, one.modifiers);
-        event.ignore();
-        QCoreApplication::sendEvent(scene.view.get(), &event);
-        EXPECT_EQ(event.isAccepted(), one.ours) << one.key;
-    }
 }
 
 }  // namespace
