@@ -180,15 +180,6 @@ TEST_F(Dispatch, HitsTopmostFirstChildrenBeforeParentsThenWhatLiesBelow) {
     EXPECT_EQ(told({"Down"}), "over Down, I Down, D Down");
 }
 
-TEST_F(Dispatch, GivesPointsInTheSpaceOfTheReceiverAtAnyZoomAndOrigin) {
-    control.zoom = 2;
-    control.origin = {100, 60};
-    press({(115 * 2) - 100, (125 * 2) - 60});
-    EXPECT_EQ(points("R", "Down"), std::vector<LumoPoint>({{5, 5}}));
-    EXPECT_EQ(points("I", "Down"), std::vector<LumoPoint>({{15, 25}}));
-    EXPECT_EQ(points("D", "Down"), std::vector<LumoPoint>({{115, 125}}));
-}
-
 TEST_F(Dispatch, HitsWhatSticksOutUnlessItIsClipped) {
     Object* const knob = add("knob", item, {-10, 40, 20, 20});
     press({95, 150});
@@ -436,22 +427,6 @@ TEST_F(Dispatch, LivesOnWhenTheDiagramOrTheContextDiesInsideAnEvent) {
     shown.reset();
     late.dispatcher()->mouseMove(onCanvas, left);
     late.dispatcher()->mouseRelease(onCanvas, left);
-}
-
-TEST_F(Dispatch, LivesOnWhenTheControlDiesInsideAnEvent) {
-    for (const char* what : {"Down", "Drag", "drag", "Drop", "Up", "Move"}) {
-        auto gone = std::make_unique<QB::Test::PlainControl>(&context, LumoSize{1000, 1000});
-        context.setActiveDiagram(gone.get(), diagram.get());
-        on(diagram.get(), what, [&gone] { gone.reset(); });
-        const auto feed = [&](auto event) {
-            if (gone) event(*gone->dispatcher());
-        };
-        feed([](LumoDispatcher& to) { to.mousePress(onRow, left); });
-        feed([](LumoDispatcher& to) { to.mouseMove(onCanvas, left); });
-        feed([](LumoDispatcher& to) { to.mouseRelease(onCanvas, left); });
-        EXPECT_FALSE(gone) << what;
-        diagram->reactions.clear();
-    }
 }
 
 // ---- hover and cursor ----

@@ -52,24 +52,6 @@ struct Story {
     }
 };
 
-// ---- values ----
-
-TEST(LumoRect, KnowsWhatTouchesIntersectsAndContains) {
-    const LumoRect rect(10, 10, 20, 20);
-    EXPECT_TRUE(lumoPointInRect({10, 29}, rect));
-    EXPECT_FALSE(lumoPointInRect({30, 10}, rect));
-    EXPECT_TRUE(lumoIntersectsRect(rect, {29, 29, 5, 5}));
-    EXPECT_FALSE(lumoIntersectsRect(rect, {30, 10, 5, 5}));
-    EXPECT_FALSE(lumoIntersectsRect(rect, {15, 15, 0, 5}));
-    EXPECT_TRUE(lumoContainsRect(rect, rect));
-    EXPECT_FALSE(lumoContainsRect(rect, {10, 10, 21, 20}));
-    EXPECT_EQ(lumoUnionRect(rect, LumoRect()), rect);
-    EXPECT_EQ(lumoUnionRect({0, 0, 5, 5}, rect), LumoRect(0, 0, 30, 30));
-    EXPECT_EQ(lumoIntersectedRect(rect, {0, 20, 100, 100}), LumoRect(10, 20, 20, 10));
-    EXPECT_EQ(lumoInflateRect(rect, -11, 2), LumoRect(21, 8, 0, 24));
-    EXPECT_EQ(lumoMaxX({INT_MAX - 5, 0, 20, 20}), INT_MAX);
-}
-
 // ---- tree ----
 
 TEST(LumoObjectTree, DestroysTheLastChildFirstAndEachWithoutAParent) {
@@ -85,25 +67,6 @@ TEST(LumoObjectTree, DestroysTheLastChildFirstAndEachWithoutAParent) {
         EXPECT_EQ(root.getChildren().size(), 2u);
     }
     EXPECT_EQ(log, (Names{"~kept", "~b", "~a", "~inner"}));
-}
-
-TEST(LumoObjectTree, KeepsTheOrderThatIsAskedFor) {
-    LumoObject root, other;
-    LumoObject* const top = addObject(&root, {});
-    auto* const bottom = new LumoObject;
-    root.addChild(bottom, -1);
-    LumoObject* const moved = addObject(&other, {});
-    root.addChild(moved, 1);
-    EXPECT_TRUE(other.getChildren().empty());
-    EXPECT_EQ(root.getChildren(), (std::vector<LumoObject*>{bottom, moved, top}));
-    root.bringChildToFront(bottom);
-    EXPECT_EQ(root.getChildren(), (std::vector<LumoObject*>{moved, top, bottom}));
-    EXPECT_EQ(root.findChildren<LumoDiagram>(true).size(), 0u);
-    EXPECT_EQ(moved->findParent<LumoObject>(), &root);
-    root.removeChild(1);
-    delete top;
-    delete moved;  // leaves by itself
-    EXPECT_EQ(root.getChildren(), (std::vector<LumoObject*>{bottom}));
 }
 
 TEST(LumoObjectTree, SurvivesAResponderThatDestroysItsObject) {
@@ -266,26 +229,6 @@ TEST(LumoObjectLayout, ReachesWhatAHookAddsOrResizes) {
     list->setRequireToVerifyLayout(true);
     EXPECT_EQ(story.layout(), (Names{"list", "list"}));
     EXPECT_FALSE(story.scene.diagram.requireLayout());
-}
-
-class CountingDiagram : public LumoDiagram {
-public:
-    using LumoDiagram::LumoDiagram;
-    std::vector<size_t> childrenAtMark;
-
-protected:
-    void requireLayoutMarked() override { childrenAtMark.push_back(getChildren().size()); }
-};
-
-TEST(LumoObjectLayout, TellsADiagramOfEachChildThatComesOrGoes) {
-    Scene scene;
-    CountingDiagram diagram(&scene.context);
-    LumoObject* const child = addObject(&diagram, {});
-    addObject(&diagram, {});
-    diagram.removeChild(child);
-    diagram.clearChildren();
-    EXPECT_EQ(diagram.childrenAtMark, (std::vector<size_t>{1, 2, 1, 0}));
-    delete child;
 }
 
 // ---- dirty rectangles and pictures ----

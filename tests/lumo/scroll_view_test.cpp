@@ -78,29 +78,6 @@ protected:
     Block* content = nullptr;
 };
 
-TEST(ScrollThumb, StandsForThePartThatShows) {
-    const struct {
-        LumoScrollRange range;
-        int groove;
-        double start, length;
-    } cases[] = {
-        {{1000, 200, 0}, 200, 0, 40},
-        {{1000, 200, 800}, 200, 160, 40},
-        {{1000, 200, 400}, 200, 80, 40},
-        {{100000, 200, 99800}, 200, 180, 20},  // not too short to be held
-        {{1000, 200, 800}, 10, 0, 10},         // nor longer than its groove
-        {{100, 200, 0}, 200, 0, 200},
-    };
-    for (const auto& [range, groove, start, length] : cases) {
-        const LumoScrollThumb thumb = lumoScrollThumb(range, groove);
-        EXPECT_DOUBLE_EQ(thumb.start, start);
-        EXPECT_DOUBLE_EQ(thumb.length, length);
-        EXPECT_EQ(lumoScrollOffsetAt(range, groove, thumb.start), range.offset);
-    }
-    EXPECT_EQ(lumoScrollOffsetAt({1000, 200, 0}, 200, 1e6), 800);
-    EXPECT_EQ(lumoScrollOffsetAt({1000, 200, 800}, 200, -5), 0);
-}
-
 TEST_F(ScrollView, KeepsItsOffsetWithinTheContent) {
     view->setContentOffsetY(5000);
     EXPECT_EQ(view->getContentOffsetY(), 800);
@@ -169,12 +146,6 @@ TEST_F(ScrollView, ScrollsByTheWheelOrLetsItGoOn) {
     view->setScrollViewDelegate(nullptr);
 }
 
-TEST_F(ScrollView, AddsUpTheSmallStepsOfATouchpad) {
-    for (int i = 0; i < 30; ++i)
-        scene.control.dispatcher()->mouseWheel({60, 60}, {0, 1}, 0);
-    EXPECT_NEAR(double(view->getContentOffsetY()), 20, 1);
-}
-
 TEST_F(ScrollView, IsScrolledByItsBar) {
     // The bar is at x = 142 to 150 of the canvas, its thumb 40 long.
     scene.drag({146, 60}, {146, 100});
@@ -233,45 +204,6 @@ TEST_F(ScrollView, DirtiesNoMoreThanShows) {
     scene.settle();
     row->setSelected(true);
     EXPECT_TRUE(scene.settle().empty());
-}
-
-TEST_F(ScrollView, PaintsABarThatLightsUpUnderThePointer) {
-    below->setVisible(false);
-    content->setVisible(false);
-    scene.settle();
-    const auto greyAt = [&](int scale, QPoint at) {
-        return QB::Test::meanAt(rendered(scale), at * scale).red();
-    };
-    for (const int scale : {1, 2}) {
-        scene.control.dispatcher()->mouseMove({10, 10}, 0);
-        EXPECT_NEAR(greyAt(scale, {146, 70}), 185, 24);  // thumb
-        EXPECT_NEAR(greyAt(scale, {146, 200}), 255, 0);  // groove
-        scene.control.dispatcher()->mouseMove({146, 200}, 0);
-        EXPECT_NEAR(greyAt(scale, {146, 70}), 155, 12);
-        EXPECT_NEAR(greyAt(scale, {146, 200}), 236, 12);
-    }
-}
-
-TEST(LumoLabel, TellsWhetherItIsCut) {
-    QB::Test::needApplication();
-    Scene scene;
-    auto* const label = added(&scene.diagram, new LumoLabel, {0, 0, 300, 20});
-    label->setFont(LumoFont("Sans Serif", 11));
-    label->setText("customer_address");
-    EXPECT_FALSE(label->isElided());
-    const int width = int(lumoLayoutHelper().measureText(label->getText(), label->getFont()).width);
-    label->setRect({0, 0, width - 5, 20});
-    EXPECT_TRUE(label->isElided());
-    scene.settle();
-    label->setText("customer_address");
-    EXPECT_TRUE(scene.settle().empty());
-    label->setText("id");
-    EXPECT_FALSE(label->isElided());
-    EXPECT_EQ(scene.settle().size(), 1u);
-    int presses = 0;
-    label->registerEventResponder(LumoMouseDown, [&](const LumoEvent&) { return ++presses > 0; });
-    scene.click({5, 5});
-    EXPECT_EQ(presses, 0);
 }
 
 }  // namespace

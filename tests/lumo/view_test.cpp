@@ -136,20 +136,6 @@ protected:
 
 // ---- where the view stands ----
 
-TEST_F(LumoView, KeepsAnOriginThatWasSetBeforeItShows) {
-    control()->setScrollOrigin({4000, 400});
-    diagram->setRect({0, 0, 6000, 1600});
-    EXPECT_EQ(origin(), LumoControlPoint({4000, 400}));
-    show();
-    EXPECT_EQ(origin(), LumoControlPoint({4000, 400}));
-    EXPECT_EQ(view->horizontalScrollBar()->value(), 4000);
-    control()->setScrollOrigin({99999, -5});
-    const QSize size = view->viewport()->size();
-    EXPECT_EQ(origin(), LumoControlPoint({6000 - size.width(), 0})) << "clamped to the canvas";
-    const LumoRect shown(origin().x, 0, size.width(), size.height());
-    EXPECT_EQ(control()->getDisplayRect(), shown);
-}
-
 TEST_F(LumoView, KeepsThePlaceUnderThePointerAtEveryStepOfTheZoom) {
     show();
     for (const QPoint pointer : {QPoint(37, 211), QPoint(300, 150)}) {
@@ -230,20 +216,6 @@ TEST_F(LumoView, GivesAWheelToTheObjectsAndThenToTheBars) {
 }
 
 // ---- mouse ----
-
-TEST_F(LumoView, DeliversDragsAtTheDistanceOfTheSystem) {
-    show();
-    const QPoint from = onDiagram({110, 110});
-    drag(from, from + QPoint(4, 3));
-    EXPECT_EQ(box->told[LumoMouseDragging], 0);
-    QTest::mouseMove(native(), from + QPoint(20, 0));
-    EXPECT_EQ(box->told[LumoMouseDragging], 2);
-    EXPECT_EQ(box->last[LumoMouseDragging].point, LumoPoint({30, 10}));
-    QTest::mouseRelease(native(), Qt::LeftButton, {}, from + QPoint(20, 0));
-    EXPECT_EQ(box->told[LumoMouseUp], 1);
-    EXPECT_EQ(box->told[LumoMouseDrop], 1);
-    EXPECT_EQ(box->last[LumoMouseDrop].keys, LumoButtonLeft);
-}
 
 TEST_F(LumoView, EndsGestureAndHoverWhenItLosesTheFocusOrHides) {
     show();
@@ -375,24 +347,6 @@ TEST_F(LumoView, ZoomsAndScrollsByTheKeysThatTheDiagramLeaves) {
     EXPECT_TRUE(view->hasFocus());
 }
 
-TEST_F(LumoView, ShowsTheHandlersCursorOrItsOwn) {
-    show();
-    view->setLumoCursorToCursorHandler(
-        [](int code) { return code == LumoCursorHand ? nullptr : new QCursor(Qt::CrossCursor); });
-    int code = LumoCursorHand;
-    box->react = [&](int type) {
-        if (type == LumoMouseMove) context->notifyCursorChange(diagram.get(), code);
-    };
-    QTest::mouseMove(native(), onDiagram({110, 110}));
-    EXPECT_EQ(view->viewport()->cursor().shape(), Qt::PointingHandCursor);
-    code = LumoCursorOpenHand;
-    QTest::mouseMove(native(), onDiagram({111, 110}));
-    EXPECT_EQ(view->viewport()->cursor().shape(), Qt::CrossCursor);
-    code = LumoCursorDefault;
-    QTest::mouseMove(native(), onDiagram({112, 110}));
-    EXPECT_EQ(view->viewport()->cursor().shape(), Qt::ArrowCursor);
-}
-
 // ---- painting ----
 
 TEST_F(LumoView, PaintsWhatBecameDirtyOnceAndNothingWhenIdle) {
@@ -434,20 +388,6 @@ TEST_F(LumoView, PaintsTheSameInPartsAsWhole) {
         EXPECT_EQ(inParts.convertToFormat(QImage::Format_RGB32),
                   window.grab().toImage().convertToFormat(QImage::Format_RGB32))
             << zoom;
-    }
-}
-
-TEST_F(LumoView, RendersWithoutAWidget) {
-    for (const int scale : {1, 2}) {
-        QImage image(200 * scale, 100 * scale, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::blue);
-        QPainter painter(&image);
-        LumoUIScrollView::renderTo(&painter, diagram.get(), {90, 90, 100, 50},
-                                   QRectF(image.rect()));
-        painter.end();
-        EXPECT_EQ(image.pixelColor(15 * scale, 15 * scale), QColor(Qt::white));
-        EXPECT_EQ(image.pixelColor(30 * scale, 30 * scale), QColor(200, 0, 0));
-        EXPECT_EQ(image.pixelColor(190 * scale, 95 * scale), QColor(Qt::white));
     }
 }
 
