@@ -36,26 +36,6 @@ void walkAndDestroyNested(Hang hang) {
 
 }  // namespace
 
-TEST(Statement, ElementGivesEachClauseAndRefusesAnythingElse) {
-    SQLSelectStmtComponent s;
-    ELEMAbstractTopLevelQueryExpr* const clauses[] = {
-        s.selectColumnExpr, s.sourceExpr,  s.whereExpr, s.groupByExpr,
-        s.havingExpr,       s.orderByExpr, s.limitExpr};
-    const auto elementAt = [&s](int i) {
-        return s.element(static_cast<TopLevelQueryComponentElementEnum>(i));
-    };
-    for (int i = 0; i < 7; ++i)
-        EXPECT_EQ(elementAt(i), clauses[i]);
-    for (const int wrong : {7, -1}) {
-        try {
-            elementAt(wrong);
-            ADD_FAILURE() << wrong;
-        } catch (const std::runtime_error& error) {
-            EXPECT_STREQ(error.what(), "Unexpected TopLevelQueryComponentElement");
-        }
-    }
-}
-
 TEST(Conditions, ALongChainAndDeepNestingAreWalkedAndDestroyedOnADefaultStack) {
     using Condition = SQLAbstractConditionComponent*;
     using Compare = SQLCompareConditionComponent;

@@ -96,16 +96,6 @@ TEST(Accessors, GiveStretchesOfTheTextThatWasPassed) {
               "SELECT 1 -- one\n FROM t");
 }
 
-TEST(Accessors, OutliveTheTextThatWasPassed) {
-    auto text = std::make_unique<std::string>("SELECT alpha FROM beta");
-    const QB::ParserHandle parser = parsed(SQLite, text->c_str());
-    text->assign(text->size(), '#');
-    text.reset();
-    SqletSelect* select = sqlet_select(parser.get());
-    EXPECT_STREQ(sqlet_select_column_name(sqlet_select_column_at(select, 0)), "alpha");
-    EXPECT_STREQ(sqlet_select_tab_complex(sqlet_select_tab(select)), "beta");
-}
-
 TEST(Accessors, TakeADialectThatDoesNotExist) {
     for (const int dialect : {-1, 0, 6, 99}) {
         const QB::ParserHandle parser = parsed(dialect, "SELECT 1");

@@ -237,55 +237,6 @@ TEST(Lexer, ReadsTheLongestOperatorButNoneThatTheServerReadsApart) {
     });
 }
 
-unsigned flagsOf(const char* word, int dialect) {
-    return lex(word, dialect)[0].flags & (TokenTouchesNext - 1U);
-}
-
-TEST(Lexer, TellsWhatAWordIsInTheDialectAtHand) {
-    EXPECT_EQ(lex("sElEcT", MySQL)[0].keyword, Keyword::Select);
-    EXPECT_EQ(lex("match_recognizE", SQLite)[0].keyword, Keyword::MatchRecognize);
-    EXPECT_EQ(lex("sql_calc_found_rows", MySQL)[0].keyword, Keyword::SqlCalcFoundRows);
-    EXPECT_EQ(lex("sql_calc_fount_rows", MySQL)[0].keyword, Keyword::None);
-    EXPECT_EQ(lex("selec\xC3\x94", MySQL)[0].keyword, Keyword::None);
-    EXPECT_EQ(lex("\"select\"", PostgreSQL)[0].keyword, Keyword::None);
-    EXPECT_TRUE(flagsOf("ilike", PostgreSQL) & SQLET_WORD_RESERVED);
-    EXPECT_FALSE(flagsOf("ilike", MySQL) & SQLET_WORD_RESERVED);
-    EXPECT_TRUE(flagsOf("Sysdate", Oracle) & SQLET_WORD_CONSTANT);
-    EXPECT_TRUE(flagsOf("precision", PostgreSQL) & SQLET_WORD_NO_BARE_ALIAS);
-    EXPECT_TRUE(flagsOf("count", SQLite) & SQLET_WORD_FUNCTION);
-    // Reserved in MySQL alone, in MariaDB alone, in both.
-    EXPECT_EQ(flagsOf("rank", MySQL), SQLET_WORD_KEYWORD);
-    EXPECT_EQ(flagsOf("returning", MySQL), SQLET_WORD_KEYWORD);
-    EXPECT_TRUE(flagsOf("select", MySQL) & SQLET_WORD_RESERVED);
-}
-
-TEST(Lexer, KnowsEveryWordOfEveryFamily) {
-    constexpr unsigned barred = SQLET_WORD_RESERVED | SQLET_WORD_NO_BARE_ALIAS;
-    for (int family = 1; family <= 6; ++family) {
-        const bool isShared = family == 1 || family == 6;  // MySQL's dialect
-        unsigned flags = 0;
-        for (int i = 0; const char* word = sqlet_words(family, i, &flags); ++i) {
-            const unsigned seen = flagsOf(word, isShared ? MySQL : family);
-            EXPECT_TRUE(isShared || seen == flags) << word;
-            EXPECT_EQ(seen & flags & ~barred, flags & ~barred) << word;
-            EXPECT_EQ(seen & barred & ~flags, 0U) << word;
-        }
-    }
-}
-
-TEST(Lexer, SaysWhichTokensTouch) {
-    const auto touches = [](const char* text) {
-        const TokenList list = lex(text, MySQL);
-        std::string written;
-        for (TokenIndex i = 0; i < list.count(); ++i)
-            written += list[i].flags & TokenTouchesNext ? '1' : '0';
-        return written;
-    };
-    EXPECT_EQ(touches("count(a) , b.c"), "11100111");
-    EXPECT_EQ(touches("count (a/**/,b -- c"), "01010");
-    EXPECT_EQ(touches("'a' 'b'+1 "), "110");
-}
-
 std::string partnersOf(std::string_view text, int dialect) {
     const TokenList list = lex(text, dialect);
     EXPECT_EQ(list.partner.size(), list.tokens.size());
@@ -352,13 +303,6 @@ TEST(Lexer, LosesNoByteOfAnyText) {
             expectWhole(text, dialect);
         if (HasFatalFailure()) return;
     }
-}
-
-TEST(Lexer, ReadsAnyDialectNumber) {
-    for (const int dialect : {-1, 0, 6, 7, 1000})
-        EXPECT_EQ(tokensOf("SELECT 'a', b", dialect), "W:SELECT S:'a' , W:b");
-    EXPECT_TRUE(lexTraits(6).hashComments);
-    EXPECT_FALSE(lexTraits(7).hashComments);
 }
 
 }  // namespace

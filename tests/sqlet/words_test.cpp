@@ -37,13 +37,6 @@ TEST_P(EachFamily, ListsItsWordsSortedAndFindsEachInAnyCase) {
     EXPECT_EQ(sqlet_words(GetParam(), -1, &flags), nullptr);
 }
 
-TEST(Words, DifferBetweenRelatedServers) {
-    EXPECT_TRUE(classOf(MySQL, "rank") & SQLET_WORD_RESERVED);
-    EXPECT_FALSE(classOf(MariaDB, "rank") & SQLET_WORD_RESERVED);
-    EXPECT_TRUE(classOf(MariaDB, "returning") & SQLET_WORD_RESERVED);
-    EXPECT_FALSE(classOf(MySQL, "returning") & SQLET_WORD_RESERVED);
-}
-
 TEST(Words, AreReadAsNamesInTheCaseThatTheServerFoldsTo) {
     EXPECT_TRUE(readsAsName(PostgreSQL, "o_1"));
     EXPECT_FALSE(readsAsName(PostgreSQL, "O_1"));
