@@ -102,24 +102,6 @@ private Q_SLOTS:
         QCOMPARE(isTold, isToldWhy);
     }
 
-    void returnOnWhatIsNoValueTellsWhyAndTheLineStays() {
-        for (const QByteArray& typed : {QByteArray("+"), QByteArray("2147483648")}) {
-            QLineEdit* line = openLine("clicklabel_rowCount");
-            QWindow* popup = line->window()->windowHandle();
-            for (const char c : typed)
-                QTest::keyClick(popup, c);
-            QToolTip::hideText();
-            QTest::keyClick(popup, Qt::Key_Return);
-            QVERIFY(line->isVisible() && !line->accessibleDescription().isEmpty());
-            QVERIFY(QToolTip::isVisible());
-            QTest::keyClick(popup, Qt::Key_Backspace);
-            QTest::keyClick(popup, '4');
-            QTest::keyPress(popup, Qt::Key_Return);
-            QTRY_VERIFY(QApplication::activePopupWidget() == nullptr);
-            QCOMPARE(limit()->rowCount, typed == "+" ? 4 : 2147483644);
-        }
-    }
-
     void keysReachBothLabelsOpenThemAndCount() {
         m_panel->setFocus();
         QVERIFY(label("clicklabel_offset")->hasFocus());
@@ -140,21 +122,6 @@ private Q_SLOTS:
         }
         const QString text = QString::fromStdString((*m_engine)->buildQuery());
         QVERIFY2(text.simplified().endsWith("LIMIT 1"), qPrintable(text));
-    }
-
-    void aHostThatNotifiesLaterSeesTheNumberAtOnceAndOneChange() {
-        std::vector<std::function<void()>> later;
-        static std::vector<std::function<void()>>* posted = nullptr;
-        posted = &later;
-        Callback::runOperationOnMainThread = [](std::function<void()> f) {
-            posted->push_back(std::move(f));
-        };
-        m_panel->setFocus();
-        press(Qt::Key_Up);
-        QCOMPARE(label("clicklabel_offset")->text(), QString("0"));
-        QCOMPARE(int(later.size()), 1);
-        later.front()();
-        QCOMPARE(label("clicklabel_offset")->text(), QString("0"));
     }
 
     void foreignChangesShowAndPercentagesAreLeftAsTheyAre() {

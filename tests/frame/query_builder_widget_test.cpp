@@ -119,25 +119,6 @@ private Q_SLOTS:
             QCOMPARE(m_builder->panel(i)->engine(), engine.get());
     }
 
-    void eachClauseHasItsPanelAndAllFitASmallScreen() {
-        Test::OwnedEngine<> engine;
-        QBQueryBuilderWidget builder;
-        builder.setEngine(engine.get());
-        engine->setDatabaseInfo(DatabaseTypePostgreSQL, 150000);
-        const auto* tabs = builder.findChild<QTabWidget*>("tabWidget");
-        for (int i = 0; i < tabs->count(); ++i) {
-            const auto* panel = qobject_cast<QBTopLevelElementPanelWidget*>(tabs->widget(i));
-            QCOMPARE(panel->engine(), engine.get());
-            QCOMPARE(panel->accessibleName(), tabs->tabText(i));
-        }
-
-        builder.resize(800, 600);
-        builder.show();
-        QCOMPARE(builder.size(), QSize(800, 600));
-        QVERIFY(tabs->height() > 150);
-        QVERIFY(builder.findChild<QBDiagramPanelWidget*>()->width() > 150);
-    }
-
     void aPanelThatLosesItsTabComesBackAndIsNeverDoubled() {
         Test::OwnedEngine<> engine(DatabaseTypeMySQL);
         m_builder->setEngine(engine.get());
@@ -300,46 +281,6 @@ private Q_SLOTS:
         m_builder->resize(1200, 600);
         QTest::mouseClick(m_builder->findChild<QToolButton*>("objectTreeButton"), Qt::LeftButton);
         QCOMPARE(splitter->sizes()[0], 200);
-    }
-
-    void anotherPreviewReplacesTheFirst() {
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
-        m_builder->setEngine(engine.get());
-        const QPointer<QBAbstractQueryPreviewPanelWidget> old = m_builder->queryPreviewPanel();
-        auto* preview = new QBHighlightingQueryPreviewPanelWidget;
-        m_builder->setQueryPreviewPanel(preview);
-        m_builder->setQueryPreviewPanel(preview);
-        m_builder->setQueryPreviewPanel(nullptr);
-        QVERIFY(old.isNull());
-        QCOMPARE(m_builder->queryPreviewPanel(), preview);
-        QCOMPARE(preview->engine(), engine.get());
-        QCOMPARE(preview->parentWidget()->objectName(), QString("previewContainer"));
-    }
-
-    void closingTellsTheHostOnce() {
-        const QSignalSpy closing(m_builder.get(), &QBQueryBuilderWidget::aboutToClose);
-        m_builder->show();
-        QVERIFY(m_builder->close());
-        QCOMPARE(closing.count(), 1);
-    }
-
-    void aChangeOfLanguageReachesEveryText() {
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
-        m_builder->setEngine(engine.get());
-        m_builder->setQueryPreviewPanel(new QBHighlightingQueryPreviewPanelWidget);
-        m_builder->show();
-        Test::Capitals translator;
-        QCoreApplication::installTranslator(&translator);
-        QCoreApplication::processEvents();
-        QCOMPARE(m_builder->button(QDialogButtonBox::Yes)->text(), QString("BUILD && &RUN"));
-        QCOMPARE(m_builder->findChild<QPushButton*>("copyButton")->text(), QString("COP&Y"));
-        QCOMPARE(m_builder->tabs()->accessibleName(), QString("CLAUSES OF THE QUERY"));
-        QCOMPARE(m_builder->findChild<QToolButton*>("previewButton")->toolTip(),
-                 QString("SHOW OR HIDE THE QUERY PREVIEW"));
-        QCOMPARE(engine->topLevelQueryComponentLayerName(0), std::string("(MAIN QUERY)"));
-        QCoreApplication::removeTranslator(&translator);
-        QCoreApplication::processEvents();
-        QCOMPARE(m_builder->button(QDialogButtonBox::Cancel)->text(), QString("Cancel"));
     }
 
     void tabGoesFromTheTreeOverThePreviewToTheButtons() {

@@ -334,6 +334,9 @@ private Q_SLOTS:
             HistoryDesk desk(hostOfTest(), twoTables);
             desk.select(0);
             desk.panel->drawer()->getView()->setFocus();
+            // Not where the automatic layout has it.
+            QBLumoItem* const item = desk.panel->drawer()->diagram()->items().back();
+            item->setRect({{700, 300}, item->getRect().size});
             const State before = desk.state();
             kind.make(desk);
             desk.settle();
@@ -435,80 +438,6 @@ private Q_SLOTS:
             desk.stack->setIndex(0);
             QCOMPARE(difference(before, desk.state()), QString());
         }
-    }
-
-    void whileSomethingIsUnderWayTheStackStays() {
-        HistoryDesk desk(Delivery::Later, twoTables);
-        desk.limit(1);
-        desk.settle();
-        desk.live()->parseQuery("SELECT 1", {});
-        QVERIFY(desk.history->isBusy());
-        desk.stack->undo();
-        QCOMPARE(desk.stack->index(), 1);
-        QCOMPARE(desk.current()->limitExpr->rowCount, 1);
-        desk.settle();
-        QCOMPARE(desk.stack->index(), 2);
-
-        desk.undo();
-        desk.diagram()->setFocusedObject(desk.diagram()->items().front());
-        desk.pressOnCanvas(Qt::Key_R);
-        QVERIFY(desk.history->isBusy());
-        desk.redo();
-        desk.undo();
-        QCOMPARE(desk.stack->index(), 1);
-        desk.pressOnCanvas(Qt::Key_Escape);
-        QVERIFY(!desk.history->isBusy());
-        desk.redo();
-        QCOMPARE(desk.stack->index(), 2);
-
-        desk.undo();
-        const State before = desk.state();
-        desk.diagram()->setFocusedObject(desk.diagram()->items().front());
-        for (const Qt::Key key : {Qt::Key_R, Qt::Key_Right, Qt::Key_Return}) {
-            desk.pressOnCanvas(key);
-            desk.limit(key == Qt::Key_Right ? 5 : 6);  // from elsewhere
-            desk.settle();
-        }
-        desk.stack->setIndex(2);
-        QVERIFY(desk.state().arrangement == before.arrangement);
-        desk.stack->setIndex(1);
-        QCOMPARE(difference(before, desk.state()), QString());
-    }
-
-    void whatIsNotAnnouncedYetIsUndoneFirst() {
-        HistoryDesk desk(Delivery::Later, twoTables);
-        desk.limit(1);
-        desk.settle();
-        const State before = desk.state();
-        desk.limit(2);
-        desk.undo();
-        QCOMPARE(difference(before, desk.state()), QString());
-        QCOMPARE(desk.stack->index(), 1);
-        QCOMPARE(desk.stack->count(), 2);
-        desk.limit(3);
-        desk.redo();
-        QCOMPARE(desk.current()->limitExpr->rowCount, 3);
-        QVERIFY(!desk.stack->canRedo());
-    }
-
-    void anotherQueryEmptiesTheHistory() {
-        HistoryDesk desk(Delivery::AtOnce, twoTables);
-        desk.limit(1);
-        QCOMPARE(desk.stack->count(), 1);
-        desk.stack->clear();  // by the host
-        desk.limit(2);
-        QCOMPARE(desk.stack->count(), 1);
-        desk.undo();
-        QCOMPARE(desk.current()->limitExpr->rowCount, 1);
-        desk.live()->setDatabaseInfo(DatabaseTypeSQLite, 1);
-        QCOMPARE(desk.stack->count(), 0);
-        desk.limit(1);
-        desk.live()->registerNotifyChangeListener(
-            QB::Notification::topLevelQueryComponentElementModified,
-            [&desk](const std::string&, const auto*) { desk.kill(); });
-        desk.undo();
-        QCOMPARE(desk.stack->count(), 0);
-        desk.stack->undo();
     }
 
     void tenThousandStepsTakeAFewMegabytes() {

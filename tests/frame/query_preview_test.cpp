@@ -273,15 +273,6 @@ private Q_SLOTS:
         }
     }
 
-    void thePanelMayGoDuringTheRun() {
-        Test::OwnedEngine<> engine(DatabaseTypeSQLite);
-        auto preview = std::make_unique<RecordingPreview>();
-        preview->setEngine(engine.get());
-        preview->updatePreviewQuery();
-        preview.reset();
-        m_host->finishWorkers();
-    }
-
     void quotingThatThrowsLeavesThePanelUsable() {
         Callback::formatIdentifier = [](const std::string&, DatabaseType, int) -> std::string {
             throw std::runtime_error("no connection");
@@ -292,36 +283,6 @@ private Q_SLOTS:
         preview.updatePreviewQuery();
         QVERIFY_EXCEPTION_THROWN(runHeldWork(), std::runtime_error);
         QVERIFY(preview.isEnabled());
-    }
-
-    void loadingDisablesShowsTheRingAndGivesTheFocusBack() {
-        QWidget window;
-        auto* column = new QVBoxLayout(&window);
-        auto* preview = new RecordingPreview;
-        auto* other = new QLineEdit;
-        auto* edit = preview->findChild<QLineEdit*>();
-        column->addWidget(preview);
-        column->addWidget(other);
-        window.show();
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        edit->setFocus();
-        preview->setLoading(true);
-        QVERIFY(!preview->isEnabled());
-        QVERIFY(preview->ring()->isVisible());
-        QCOMPARE(preview->ring()->geometry(), preview->rect());
-        QVERIFY2(!preview->updatesEnabled(), "a short load is not painted");
-        QVERIFY2(window.focusWidget() == nullptr, "the next widget must not get what is typed");
-        preview->setLoading(false);
-        QVERIFY(preview->ring()->isHidden());
-        QCOMPARE(window.focusWidget(), edit);
-
-        preview->setLoading(true);
-        QTRY_VERIFY2(preview->updatesEnabled(), "a long load is");
-        other->setFocus();
-        preview->setLoading(false);
-        QCOMPARE(window.focusWidget(), other);
-        QVERIFY(preview->isEnabled() && preview->updatesEnabled());
     }
 
     void theSimplePanelShowsPlainTextAndMarksNothing() {
@@ -348,20 +309,6 @@ private Q_SLOTS:
         }
         preview.setPreviewQuery("other");
         QVERIFY(!edit->textCursor().hasSelection());
-    }
-
-    void theHighlightingPanelMarksTheFocusWithItsIndentation() {
-        QBHighlightingQueryPreviewPanelWidget preview;
-        auto* view = preview.findChild<QBSqlTextView*>("textEdit");
-        const std::string text = u8"SELECT 'ä😀',\n\tfocused";
-        preview.setPreviewQuery(text);
-        const auto location = static_cast<std::int32_t>(text.find("focused"));
-        preview.highlightText(QBAbstractQueryPreviewPanelWidget::HighlightTypeFocusedComponent,
-                              {{location, 7}});
-        QCOMPARE(view->extraSelections().size(), 1);
-        QCOMPARE(view->extraSelections()[0].cursor.selectedText(), QString("\tfocused"));
-        preview.setPreviewQuery("SELECT 1");
-        QVERIFY2(view->extraSelections().isEmpty(), "marks go with their text");
     }
 
     void theCopyButtonCopiesTheWholeTextAsItWasGenerated() {

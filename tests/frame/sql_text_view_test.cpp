@@ -66,19 +66,6 @@ private Q_SLOTS:
         QVERIFY(coloredParts(*m_view, manyLines / 4).isEmpty());
     }
 
-    void aSmallEditCostsAFewLines() {
-        std::string text = bigText();
-        m_view->setSqlText(text);
-        m_view->show();
-        const int scanned = m_view->scannedLineCount();
-        const int colored = m_view->coloredLineCount();
-        text.replace(text.find("column_10000 "), 12, "renamed");
-        m_view->setSqlText(text);
-        QVERIFY(m_view->scannedLineCount() - scanned < 5);
-        QVERIFY(m_view->coloredLineCount() - colored < 5);
-        QCOMPARE(m_view->toPlainText().toStdString(), text);
-    }
-
     void anOpenedCommentReachesTheLinesBelowAndAClosedOneLeavesThem() {
         m_view->show();
         m_view->setSqlText("select 1,\nselect 2\nselect 3");
@@ -118,25 +105,6 @@ private Q_SLOTS:
         }
     }
 
-    void placeAndSelectionSurviveAChangeElsewhere() {
-        std::string text = bigText();
-        m_view->setSqlText(text);
-        m_view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
-        QTextCursor cursor = m_view->document()->find("column_5000 ");
-        m_view->setTextCursor(cursor);
-        const QString topLine =
-            m_view->document()->findBlockByNumber(m_view->verticalScrollBar()->value()).text();
-        text.insert(text.find("\tcolumn_10 "), "\tnew,\n\tnewer,\n");
-        m_view->setSqlText(text);
-        QCOMPARE(m_view->textCursor().selectedText(), QString("column_5000 "));
-        QCOMPARE(m_view->document()->findBlockByNumber(m_view->verticalScrollBar()->value()).text(),
-                 topLine);
-        const int value = m_view->verticalScrollBar()->value();
-        m_view->setSqlText(text + "tail");
-        QCOMPARE(m_view->verticalScrollBar()->value(), value);
-    }
-
     void theKeyboardSelectsAndCopiesWithoutChangingBlanks() {
         const QString text = QString::fromUtf8("SELECT 'a\u00a0b',\n'ä'");
         m_view->setSqlText(text.toStdString());
@@ -149,36 +117,6 @@ private Q_SLOTS:
         QTest::keyClick(m_view.get(), Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
         QTest::keyClick(m_view.get(), Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QGuiApplication::clipboard()->text(), text);
-    }
-
-    void theFontIsOfFixedWidthAndLinesAreNotWrapped() {
-        QVERIFY(QFontInfo(m_view->font()).fixedPitch());
-        m_view->setSqlText(std::string(5000, 'x'));
-        m_view->show();
-        QTRY_VERIFY(m_view->horizontalScrollBar()->maximum() > 1000);
-    }
-
-    void theThemeChoosesTheColorsAgain() {
-        m_view->setSqlText("select 1");
-        m_view->setMarks({{0, 6}});
-        m_view->show();
-        const auto keywordColor = [this] {
-            return m_view->document()
-                ->firstBlock()
-                .layout()
-                ->formats()
-                .value(0)
-                .format.foreground();
-        };
-        const QBrush light = keywordColor();
-        const QBrush lightMark = m_view->extraSelections().first().format.background();
-        m_host.isDark = true;
-        QPalette palette = m_view->palette();
-        palette.setColor(QPalette::Base, Qt::black);
-        m_view->setPalette(palette);
-        QVERIFY(keywordColor() != light);
-        QVERIFY(m_view->extraSelections().first().format.background() != lightMark);
-        m_host.isDark = false;
     }
 
 private:

@@ -47,12 +47,6 @@ private Q_SLOTS:
         QCOMPARE(document.blockCount(), 4);
     }
 
-    void theMarkOfTheEncodingIsNoPosition() {
-        const std::string text = u8"\uFEFFSELECT a";
-        QCOMPARE(shown(text, documentSpans(text, {rangeOf(text, "SELECT")}).front()),
-                 QString("SELECT"));
-    }
-
     void rangesAreClampedAndEmptyOnesLeftOut() {
         const std::vector<QBRange> ranges = {{3, 0}, {2, 100}, {50, 3}, {-4, 6}, {0, -2}, {3, 1}};
         const std::vector<TextSpan> expected = {{2, 3}, {0, 2}, {3, 1}};

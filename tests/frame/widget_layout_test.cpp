@@ -136,14 +136,6 @@ private Q_SLOTS:
         }
     }
 
-    void aPaneThatWasHiddenSinceTheStartHasItsFirstWidth() {
-        Desk desk(false);
-        desk.load(sampleWith(noTree));
-        desk.show();
-        desk.toggleTree();
-        QCOMPARE(desk.widths()[0], 230);
-    }
-
     void aMaximisedWindowHasItsPanesToo() {
         for (const bool isShownFirst : {true, false}) {
             Desk desk(isShownFirst);

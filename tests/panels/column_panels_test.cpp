@@ -349,22 +349,6 @@ private Q_SLOTS:
         QCOMPARE(desk.panel->rowCount(), 0);
         QVERIFY(desk.run("key Ins; key Del"));
     }
-
-    void moveButtonsFollowTheCurrentRow() {
-        Desk desk(Delivery::AtOnce, G, DatabaseTypeMySQL);
-        desk.parse("SELECT t.a FROM t GROUP BY t.a, t.b, t.c");
-        auto* const up = desk.panel->findChild<QAbstractButton*>("moveUpButton");
-        auto* const down = desk.panel->findChild<QAbstractButton*>("moveDownButton");
-        QVERIFY(!up->isEnabled() && !down->isEnabled());
-        QVERIFY(desk.run("click 0 row"));
-        QVERIFY(!up->isEnabled() && down->isEnabled());
-        QVERIFY(desk.run("button moveDownButton"));
-        QVERIFY(up->isEnabled() && down->isEnabled());
-        QVERIFY(desk.run("click 1 row; button moveDownButton"));
-        QVERIFY(up->isEnabled() && !down->isEnabled());
-        QVERIFY(!desk.part(0, "order")->isVisible());
-        QVERIFY(!desk.run("click 0 order"));
-    }
 };
 
 }  // namespace QB

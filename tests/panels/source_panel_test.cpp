@@ -416,24 +416,6 @@ private Q_SLOTS:
             QCOMPARE(desk.text(), QString("SELECT 1 FROM v"));
         }
     }
-
-    void theRowShowsWhatItsConditionHasBecome() {
-        Desk desk(Delivery::Later);
-        desk.parse("SELECT 1 FROM t INNER JOIN u ON t.a = u.a");
-        QVERIFY(desk.run("click 1 conditionLabel"));
-        const QPointer<QWidget> row = desk.view()->rowWidget(1);
-        QVERIFY(desk.run("key Home; key Del"));
-        QVERIFY2(row && desk.view()->rowWidget(1) == row, "the anchor stays under the popup");
-        QCOMPARE(desk.text(), QString("SELECT 1 FROM t INNER JOIN u"));
-        QVERIFY(desk.run("outside"));
-        QVERIFY(desk.part(1, "conditionLabel")->fullText().endsWith("...>"));
-    }
-
-    void schemasOfTheStatementComeBehindTheCurrentOne() {
-        Desk desk(Delivery::AtOnce);
-        desk.parse("SELECT 1 FROM t, s2.a, main.u, s1.b, s2.c");
-        QCOMPARE(desk.sources()->obtainExtraSchemaList(), QStringList({"s2", "s1"}));
-    }
 };
 
 }  // namespace QB

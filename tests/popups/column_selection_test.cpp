@@ -151,18 +151,6 @@ private Q_SLOTS:
         QCOMPARE(checked, 6 * long(cases.size() - 2));
     }
 
-    void aChosenTableIsToldBySchemaAndName() {
-        Chooser chooser;
-        chooser.loadAll();
-        chooser.open(QBColumnChoice::Sources);
-        chooser.click("other/town");
-        QCOMPARE(chooser.popup->chosenSource().catalogOrSchemaName, "other");
-        QCOMPARE(chooser.popup->chosenSource().objectName, "town");
-        QCOMPARE(chooser.popup->chosenColumn().kind, QBChosenColumn::Nothing);
-        chooser.popup->tabWidget()->setCurrentIndex(1);
-        QVERIFY(chooser.popup->chosenSource().objectName.isEmpty());
-    }
-
     void whatHasLeftTheStatementIsNotChosenAnyMore() {
         for (const bool isLate : {false, true}) {
             Chooser chooser;
@@ -330,28 +318,6 @@ private Q_SLOTS:
         QCOMPARE(chooser.popup->chosenColumn().fieldName, std::string("total"));
     }
 
-    void tabGoesFromTheTabsOverFilterAndTreeToTheAggregate() {
-        Chooser chooser;
-        chooser.loadAll();
-        chooser.setSources();
-        chooser.open(QBColumnChoice::SelectFields);
-        QCOMPARE(QApplication::focusWidget(), chooser.tree);
-        chooser.press(Qt::Key_Tab);
-        QComboBox* const aggregates = chooser.popup->aggregateComboBox();
-        QVERIFY(aggregates->hasFocus());
-        chooser.type("sum");
-        QCOMPARE(aggregates->currentText(), "sum");
-        chooser.press(Qt::Key_Tab);
-        QVERIFY(qobject_cast<QTabBar*>(QApplication::focusWidget()));
-        chooser.press(Qt::Key_Tab);
-        QVERIFY(chooser.popup->filterLineEdit()->hasFocus());
-        QCOMPARE(aggregates->currentText(), "sum");
-        chooser.press(Qt::Key_Tab);
-        QVERIFY(chooser.tree->hasFocus());
-        QVERIFY(!chooser.tree->currentItem());
-        QVERIFY(!chooser.popup->hasChoice());
-    }
-
     // ---- what comes late ----------------------------------------------------------------------
 
     void fieldsThatArriveLateAppearAndTheEditedOneIsSelectedThen() {
@@ -372,17 +338,6 @@ private Q_SLOTS:
             QVERIFY(!chooser.popup->hasChanged());
             QTRY_VERIFY(!chooser.engine->isRefreshingIdentifierCandidateChildren());
         }
-    }
-
-    void whatTheServerDoesNotKnowStopsLoading() {
-        Chooser chooser;
-        setSource(*chooser.engine.get(), table("nosuchtable", {}, {"main"}));
-        chooser.server.hold();
-        chooser.open(QBColumnChoice::Fields);
-        QCOMPARE(chooser.shown(), "nosuchtable [Loading...]");
-        chooser.server.release();
-        chooser.settle();
-        QCOMPARE(chooser.shown(), "nosuchtable");
     }
 
     void whatArrivesWhenTheChooserHasGoneIsLetGo() {
@@ -429,16 +384,6 @@ private Q_SLOTS:
         chooser.refreshAndWait({});
         chooser.refreshAndWait({"other", "city"});
         QCOMPARE(chooser.shown(), "city [id, name]");
-    }
-
-    void namesThatLookLikeMarkupAreShownAsTheyAre() {
-        Chooser chooser;
-        chooser.server.set("main.city", {{"<b>bold", IdentifierTypeField}});
-        chooser.setSources();
-        chooser.open(QBColumnChoice::Fields);
-        chooser.settle();
-        QCOMPARE(chooser.item("b/<b>bold")->toolTip(0), "<span>&lt;b&gt;bold</span>");
-        QCOMPARE(chooser.item("b")->toolTip(0), "<span>main.city AS b</span>");
     }
 };
 

@@ -197,16 +197,6 @@ private Q_SLOTS:
         QVERIFY(isAnswered && !host.panel->popup.isOpen());
     }
 
-    void onlyOnePopupOpensAtATime() {
-        Host host;
-        host.panel->popup.open(fixedContent(), host.panel->anchor, {});
-        const QPointer<QWidget> second = new QWidget;
-        QVERIFY(!host.panel->popup.open(second, host.panel->anchor, {}));
-        QVERIFY(!second);
-        QVERIFY(!host.panel->popup.openLine("", host.panel->anchor, {}));
-        QVERIFY(!host.panel->popup.openText("", host.panel->anchor, {}));
-    }
-
     void escapeClosesTheInnermost() {
         Host host;
         auto* inner = new Panel;
@@ -270,22 +260,6 @@ private Q_SLOTS:
         QTRY_VERIFY(!popup);
     }
 
-    void aPopupWithoutItsAnchorStaysAndAnswers() {
-        Host host;
-        host.panel->anchor->setFocus();
-        int answers = 0;
-        QWidget* content = fixedContent();
-        QBInputPopup* popup =
-            host.panel->popup.open(content, host.panel->anchor, [&] { ++answers; });
-        const QRect before = popup->geometry();
-        delete host.panel->anchor;
-        content->setFixedHeight(150);
-        QTRY_COMPARE(popup->geometry(), before.adjusted(0, 0, 0, 52));
-        host.clickOutside();
-        QCOMPARE(answers, 1);
-        QVERIFY2(host.panel->list->hasFocus(), "the panel stands in for what had the focus");
-    }
-
     void aPopupStandsUnderOrAboveItsAnchorInsideTheScreen() {
         const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
         const int right = room.right() - 199;
@@ -321,38 +295,6 @@ private Q_SLOTS:
             QVERIFY2(popup->geometry() == QRect(each.expected, QSize(200, 100)), each.what);
             popup->close();
         }
-    }
-
-    void aPopupFollowsItsContentAndStaysInside() {
-        const int bottom = QGuiApplication::primaryScreen()->availableGeometry().bottom() + 1;
-        QWidget window(nullptr, Qt::FramelessWindowHint);
-        window.setGeometry(10, bottom - 150, 350, 20);
-        window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window));
-        auto* popup = new QBInputPopup(&window);
-        QWidget* content = fixedContent();
-        popup->setContent(content, false);
-        popup->popup(&window);
-        content->setFixedHeight(198);
-        QTRY_COMPARE(popup->geometry(), QRect(10, bottom - 351, 200, 200));
-        content->setFixedSize(98, 18);
-        QTRY_COMPARE(popup->geometry(), QRect(10, bottom - 130, 100, 20));
-        content->setMaximumSize(QWIDGETSIZE_MAX, bottom - 50);
-        content->setMinimumHeight(0);
-        auto* layout = new QVBoxLayout(content);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->addSpacerItem(new QSpacerItem(98, bottom, {}, QSizePolicy::Preferred));
-        QTRY_COMPARE(popup->geometry(), QRect(10, 0, 100, bottom - 151));
-        popup->setFullWidth(true);
-        QCOMPARE(popup->width(), 350);
-        popup->close();
-    }
-
-    void theFirstKeyReplacesTheTextAlsoThroughAFocusProxy() {
-        Host host;
-        QPlainTextEdit* text = host.panel->popup.openText("one\ntwo", host.panel->anchor, {});
-        QTest::keyClick(host.handle(), Qt::Key_X);
-        QCOMPARE(text->toPlainText(), QString("x"));
     }
 
     void noKeyOfAPopupReachesTheHost() {

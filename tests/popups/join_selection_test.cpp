@@ -127,12 +127,6 @@ private Q_SLOTS:
         QCOMPARE(choice.selection(), QString("0 , x"));
     }
 
-    void aCustomJoinStartsInItsText() {
-        Choice choice(SQLJoinTypeCustom, "STRAIGHT_JOIN");
-        QVERIFY(choice.line->hasFocus());
-        QCOMPARE(choice.selection(), QString("0 STRAIGHT_JOIN"));
-    }
-
     void aClickChoosesAKindAndOnTheCustomOneBeginsToEdit() {
         Choice choice(SQLJoinTypeInner, QString());
         choice.widget.resize(500, 800);
@@ -179,27 +173,6 @@ private Q_SLOTS:
             }
         QApplication::setFont(usual);
         Tolk::setLanguage(QLocale::c());
-    }
-
-    void textsCanBeReadOnEveryRowAlsoAfterAChangeOfTheme() {
-        const QPalette usual = QApplication::palette();
-        Choice choice(SQLJoinTypeInner);
-        for (const bool isDark : {false, true}) {
-            QPalette palette = usual;
-            palette.setColor(QPalette::Base, isDark ? QColor(35, 35, 35) : QColor(Qt::white));
-            palette.setColor(QPalette::Text, isDark ? QColor(Qt::white) : QColor(Qt::black));
-            QApplication::setPalette(palette);
-            QTest::qWait(1);
-            const QPalette shown = choice.list->palette();
-            QCOMPARE(shown.color(QPalette::Base), palette.color(QPalette::Base));
-            const auto labels = choice.list->findChildren<QLabel*>();
-            for (const QLabel* label : labels)
-                for (const auto background : {QPalette::Base, QPalette::Highlight})
-                    QVERIFY2(contrastRatio(label->palette().color(label->foregroundRole()),
-                                           shown.color(background)) >= 4.5,
-                             qPrintable(label->text()));
-        }
-        QApplication::setPalette(usual);
     }
 };
 

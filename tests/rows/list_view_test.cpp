@@ -216,34 +216,6 @@ private Q_SLOTS:
         }
     }
 
-    void a_click_below_the_rows_changes_nothing() {
-        show(3);
-        view->selectOnly(1);
-        QTest::mouseClick(window(), Qt::LeftButton, {}, QPoint(150, 180));
-        QCOMPARE(view->selectedRowNumbers(), Rows{1});
-        QTest::mouseClick(window(), Qt::LeftButton, Qt::ControlModifier, place(2));
-        QCOMPARE(view->selectedRowNumbers(), (Rows{1, 2}));
-    }
-
-    void floating_widgets_leave_room_and_give_way_to_the_scroll_bar() {
-        auto* button = new QPushButton("X", view.get());
-        view->bottomLayout()->addStretch();
-        view->bottomLayout()->addWidget(button);
-        show(3);
-        const int right = view->width() - 1 - button->geometry().right();
-        QCOMPARE(right, 5);
-        QCOMPARE(view->viewport()->height(),
-                 view->height() - view->bottomLayout()->sizeHint().height());
-        columns->append(50);
-        view->refreshRows();
-        QTest::qWait(1);
-        QScrollBar* bar = view->verticalScrollBar();
-        QCOMPARE(view->width() - 1 - button->geometry().right(), bar->width() + 6);
-        bar->setValue(bar->maximum());
-        QVERIFY(view->visualRect(index(52)).bottom() < button->y());
-        QVERIFY(view->rowWidget(52)->geometry().right() <= view->viewport()->width());
-    }
-
     void keys_choose_rows_parts_and_actions_and_leave_a_dialog_alone() {
         QDialog dialog;
         auto* layout = new QVBoxLayout(&dialog);
@@ -404,16 +376,6 @@ private Q_SLOTS:
         QCOMPARE(heard[0], qMakePair(QAccessible::Cell, first));
         QCOMPARE(heard[1].first, QAccessible::PushButton);
         QCOMPARE(heard[2], heard[0]);
-    }
-
-    void selected_rows_are_filled_a_quarter_strong() {
-        show(5);
-        view->selectOnly(3);
-        const QImage picture = view->grab().toImage();
-        const QPoint indentation(4, view->visualRect(index(3)).center().y());
-        QCOMPARE(picture.pixelColor(indentation), selectedRowColour(view->palette()));
-        // Below the rows and below what floats there.
-        QCOMPARE(picture.pixelColor(150, 198), view->palette().color(QPalette::Base));
     }
 
 private:

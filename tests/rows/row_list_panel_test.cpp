@@ -104,18 +104,6 @@ private Q_SLOTS:
         desk.press("Ins");
     }
 
-    void aMenuStandsAtItsRowAndGoesWhenTheRowsChange() {
-        Desk desk(Delivery::AtOnce);
-        desk.window.move(60, 90);
-        QVERIFY(desk.run("click 1 row; key Menu"));
-        const QPointer<QWidget> menu = QApplication::activePopupWidget();
-        QVERIFY(menu);
-        const int y = desk.view()->viewport()->mapFromGlobal(menu->pos()).y();
-        QVERIFY(y >= desk.place(1).top() && y <= desk.place(1).bottom() + 1);
-        desk.dropSelectColumn();
-        QVERIFY(!menu);
-    }
-
     void aHiddenPanelLetsItsRowsGoAndRefreshesWhenShown() {
         Desk desk(Delivery::AtOnce, 60);
         desk.view()->selectOnly(40);

@@ -231,29 +231,6 @@ private Q_SLOTS:
         QVERIFY(!shown(row.get()).isEmpty());
     }
 
-    /// Fainter than the others it would read as disabled on the row that the keys are on.
-    void theDeleteControlFadesUnderTheMouseOnly() {
-        const Part part(table({"shop"}, "film"));
-        const Row row = sourceRow(part, mySQL);
-        auto* const deletable = dynamic_cast<IQBNestedListRowWidgetDeleteSupported*>(row.get());
-        QVERIFY(deletable);
-        const auto look = [deletable] {
-            return deletable->deleteLabel()->pixmap(Qt::ReturnByValue).toImage();
-        };
-        const QImage plain = look();
-        row->setCurrentLook(true);
-        QVERIFY(row->areControlsLit());
-        QCOMPARE(look(), plain);
-        QEvent leave(QEvent::Leave);
-        QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
-        QCoreApplication::sendEvent(row.get(), &enter);
-        QVERIFY(look() != plain);
-        row->setCurrentLook(false);
-        QVERIFY(look() != plain);
-        QCoreApplication::sendEvent(row.get(), &leave);
-        QCOMPARE(look(), plain);
-    }
-
     void aClickOnAPartTellsWhatIsWanted_data() {
         QTest::addColumn<int>("index");
         QTest::addColumn<QStringList>("signalsInOrder");
@@ -303,17 +280,6 @@ private Q_SLOTS:
         }
         QCOMPARE(heard, signalsInOrder);
         QCOMPARE(row->mainPart(), row->parts().first());
-    }
-
-    void theCaptionOfASubqueryOpensItToo() {
-        const Part part(subquery(false));
-        const Row row = subqueryRow(part, mySQL);
-        row->resize(700, 23);
-        row->show();
-        const auto spies = spiesOn(row.get());
-        click(row->findChild<QBLabel*>("subqueryLabel"));
-        for (const auto& spy : spies)
-            QCOMPARE(spy->count(), nameOf(*spy) == "signalJumpToSubqueryRequested" ? 1 : 0);
     }
 
     void aRowIsUsedAgainForAnotherComponent() {
@@ -378,48 +344,6 @@ private Q_SLOTS:
         QCOMPARE(dummy.parts(), QList<QBLabel*>({dummy.promptLabel(), dummy.addRowLabel()}));
         QVERIFY(dummy.qt_metacast("IQBNestedListRowWidgetAddBracketSupported"));
         QVERIFY(!dummy.qt_metacast("IQBNestedListRowWidgetDeleteSupported"));
-    }
-
-    void aNarrowRowKeepsItsShortTexts() {
-        const Part part(subquery(false, "longest"));
-        const Row row = subqueryRow(part, mySQL);
-        row->resize(300, 23);
-        row->show();
-        const QBLabel* alias = row->findChild<QBLabel*>("aliasLabel");
-        QTRY_VERIFY(alias->width() >= alias->sizeHint().width());
-        QVERIFY(row->findChild<QBLabel*>("subqueryLabel")->isHidden());
-        row->resize(700, 23);
-        QVERIFY(!row->findChild<QBLabel*>("subqueryLabel")->isHidden());
-    }
-
-    void allTextsFollowTheLanguage() {
-        const Part part(subquery(true));
-        QBNestedListSubqueryRowWidget row(part.get(), mySQL, "shop", nullptr);
-        row.setInvalidReason(5);
-        const QString english = row.addRowLabel()->toolTipText();
-        Test::Capitals translator;
-        QCoreApplication::installTranslator(&translator);
-        QCoreApplication::processEvents();
-        QCOMPARE(shown(&row), QString("SUBQUERY: | !<EMPTY SUBQUERY> | !<ALIAS>"));
-        QCOMPARE(row.addRowLabel()->toolTipText(), english.toUpper());
-        QCOMPARE(row.addRowLabel()->accessibleName(), english.toUpper());
-    }
-
-    void everyFaultHasAWordAndASchemaIsLeftOutOnlyIfThereIsOne() {
-        QSet<QString> texts;
-        for (int reason = 0; reason <= 6; ++reason)
-            texts << invalidReasonText(reason);
-        QCOMPARE(texts.size(), 7);
-        QVERIFY(!texts.contains(QString()));
-        QVERIFY(invalidReasonText(-1).isEmpty() && invalidReasonText(7).isEmpty());
-
-        const std::unique_ptr<SQLSubquerySourceComponent> source(subquery(false));
-        auto* statement = static_cast<SQLSelectStmtComponent*>(source->subquery);
-        QCOMPARE(schemaLeftOut(statement, "shop"), std::string("shop"));
-        QCOMPARE(schemaLeftOut(nullptr, "shop"), std::string());
-        SourceNode*& root = statement->sourceExpr->root;
-        root = Test::join(root, SQLJoinTypeComma, Test::table("t", {}, {"other"}));
-        QCOMPARE(schemaLeftOut(statement, "shop"), std::string());
     }
 
 private:

@@ -32,15 +32,6 @@ public:
     QBLabel* const label = new QBLabel;
 };
 
-/// Whether some pixel of @p widget has just that colour.
-bool shows(QWidget& widget, const QColor& colour) {
-    const QImage image = widget.grab().toImage();
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixelColor(x, y) == colour) return true;
-    return false;
-}
-
 }  // namespace
 
 class LabelTest : public QObject {
@@ -74,26 +65,6 @@ private Q_SLOTS:
         palette.setColor(QPalette::Highlight, Qt::black);
         QCOMPARE(selectedRowColour(palette).name(), QString("#bfbfbf"));
         QVERIFY(readableColour(Qt::black, Qt::white) == QColor(Qt::black));
-    }
-
-    void aTextIsPaintedInTheColourOfWhatItIs() {
-        QBLabel label;
-        QFont font = label.font();
-        font.setPixelSize(60);
-        font.setBold(true);
-        label.setFont(font);
-        label.setText("MMM");
-        const QSize plain = label.sizeHint();
-        label.resize(plain * 2);
-        for (const LabelColour colour : colours) {
-            label.setLabelColour(colour);
-            QVERIFY(shows(label, labelColour(colour)));
-            label.setSelectedLook(true);
-            QVERIFY(shows(label,
-                          readableColour(labelColour(colour), selectedRowColour(label.palette()))));
-            label.setSelectedLook(false);
-        }
-        QVERIFY2(label.sizeHint().width() > plain.width(), "an invalid text has a mark in front");
     }
 
     void markupAndLineBreaksAreTextAndLongTextsAreCut() {
@@ -165,18 +136,6 @@ private Q_SLOTS:
         QVERIFY(actions->actionNames().contains(QAccessibleActionInterface::pressAction()));
         actions->doAction(QAccessibleActionInterface::pressAction());
         QCOMPARE(clicks.count(), 1);
-    }
-
-    void theMarkOfTheKeyboardShows() {
-        QBLabel label;
-        label.setText("alias");
-        label.resize(80, 23);
-        const QImage plain = label.grab().toImage();
-        label.setCurrentPart(true);
-        QVERIFY(QAccessible::queryAccessibleInterface(&label)->state().focused);
-        QVERIFY(label.grab().toImage() != plain);
-        label.setCurrentPart(false);
-        QVERIFY(label.grab().toImage() == plain);
     }
 
 private:

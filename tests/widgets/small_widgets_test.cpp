@@ -19,21 +19,6 @@
 namespace QB {
 namespace {
 
-void enter(QWidget* widget) {
-    QEnterEvent event(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
-    QCoreApplication::sendEvent(widget, &event);
-}
-
-void leave(QWidget* widget) {
-    QEvent event(QEvent::Leave);
-    QCoreApplication::sendEvent(widget, &event);
-}
-
-int alphaInTheMiddle(const QLabel& label) {
-    const QImage image = label.pixmap(Qt::ReturnByValue).toImage();
-    return image.pixelColor(image.rect().center()).alpha();
-}
-
 QTimer* loadingTimer() {
     const auto timers = QCoreApplication::instance()->findChildren<QTimer*>();
     return timers.isEmpty() ? nullptr : timers.first();
@@ -62,53 +47,6 @@ private Q_SLOTS:
         QTest::mousePress(&label, Qt::LeftButton);
         QTest::mouseRelease(&label, Qt::LeftButton, {}, QPoint(300, 300));
         QCOMPARE(clicks.count(), 3);
-    }
-
-    void aTextIsUnderlinedUnderTheMouseOrWhileItsRowIsHovered() {
-        QBLabel label;
-        label.setText("alias");
-        enter(&label);
-        QVERIFY(label.font().underline());
-        label.setHovered(true);
-        leave(&label);
-        QVERIFY2(label.font().underline(), "the row is still hovered");
-        label.setHovered(false);
-        QVERIFY(!label.font().underline());
-
-        QFont underlined = label.font();
-        underlined.setUnderline(true);
-        label.setFont(underlined);
-        enter(&label);
-        leave(&label);
-        QVERIFY2(label.font().underline(), "it was underlined at first");
-    }
-
-    void anImageFadesUnderTheMouseAndKeepsItsResolution() {
-        QPixmap pixmap(32, 32);
-        pixmap.fill(Qt::black);
-        pixmap.setDevicePixelRatio(2);
-        QBLabel label;
-        label.setPixmap(pixmap);
-        enter(&label);
-        QVERIFY(qAbs(alphaInTheMiddle(label) - 150) <= 1);
-        QCOMPARE(label.pixmap(Qt::ReturnByValue).devicePixelRatio(), 2.0);
-        QVERIFY(!label.font().underline());
-        leave(&label);
-        QCOMPARE(alphaInTheMiddle(label), 255);
-
-        label.setHovered(true);
-        label.setText("text");
-        QVERIFY2(label.font().underline(), "the hover look follows the new content");
-    }
-
-    void aBorderButtonIsFlatUntilTheMouseIsOverIt() {
-        QBMouseOverBorderButton button;
-        QVERIFY(button.testAttribute(Qt::WA_MouseTracking));
-        QVERIFY(button.isFlat());
-        enter(&button);
-        QVERIFY(!button.isFlat());
-        leave(&button);
-        QVERIFY(button.isFlat());
     }
 
     void aClickOnALayerTellsItsNumberAndMayReplaceTheNames() {
@@ -236,31 +174,6 @@ private Q_SLOTS:
         ring->show();
         delete ring;
         QVERIFY(!loadingTimer()->isActive());
-    }
-
-    void twoRingsTurnTogether() {
-        QBLoadingIndicatorWidget first;
-        QBLoadingIndicatorWidget second;
-        first.resize(64, 64);
-        second.resize(64, 64);
-        first.show();
-        second.show();
-        const QImage before = first.grab().toImage();
-        QTRY_VERIFY(first.grab().toImage() != before);
-        QCOMPARE(first.grab().toImage(), second.grab().toImage());
-        first.hide();
-        QVERIFY(loadingTimer()->isActive());
-        second.hide();
-        QVERIFY(!loadingTimer()->isActive());
-    }
-
-    void iconsDependOnTheKindAndForSchemasOnTheFamily() {
-        QVERIFY(iconForIdentifierType(IdentifierTypeReserved, DatabaseTypeMySQL).isNull());
-        QVERIFY(iconForIdentifierType(IdentifierType(42), DatabaseTypeMySQL).isNull());
-        for (const IdentifierType type :
-             {IdentifierTypeQuery, IdentifierTypeSchema, IdentifierTypeTable, IdentifierTypeView,
-              IdentifierTypeMaterializedView, IdentifierTypeField})
-            QVERIFY(!iconForIdentifierType(type, DatabaseTypeOracle).isNull());
     }
 
 private:
