@@ -13,18 +13,6 @@ const std::string modified = Notification::topLevelQueryComponentElementModified
 
 // ---- server and layers ------------------------------------------------------------------------
 
-TEST_F(EngineTest, WithoutAStatementModelThereIsARootLayerAtMostAndNoText) {
-    for (const int layer : {-1, 0}) {
-        if (layer == 0) engine->setDatabaseInfo(DatabaseTypeMongoDB, 5);
-        EXPECT_EQ(engine->currentTopLevelQueryComponentLayer(), layer);
-        EXPECT_EQ(engine->currentTopLevelQueryComponent(), nullptr);
-        EXPECT_EQ(engine->modify_obtainElement(ElementSource, 0), nullptr);
-        EXPECT_EQ(engine->buildQuery(), "");
-        EXPECT_TRUE(engine->findAllIdentifierRefreshPathInCurrentQueryLevel().empty());
-    }
-    EXPECT_EQ(engine->topLevelQueryComponentLayerName(0), "(Root)");
-}
-
 TEST_F(StatementTest, OnlyAServerOrSchemaThatDiffersIsAnnouncedAndAServerFreesTheStatement) {
     const auto* earlier = root();
     const long id = earlier->id();
@@ -100,23 +88,6 @@ TEST_F(StatementTest, AChangeIsAnnouncedWithElementLayerAndSenderAfterTheLockIsF
     EXPECT_EQ(params.at("sender").toPointer(), &sender);
     EXPECT_EQ(params.at("elements.size").toInt(), 1);
     EXPECT_EQ(params.at("elements[0]").toInt(), ElementHaving);
-}
-
-TEST_F(StatementTest, AnElementOfAnotherKindOrPlaceIsReportedAndTheBlockDoesNotRun) {
-    const auto fail = [](auto*) {
-        ADD_FAILURE();
-        return true;
-    };
-    const auto expectReport = [](const std::function<void()>& misuse) {
-        ::testing::internal::CaptureStderr();
-        misuse();
-        EXPECT_EQ(
-            ::testing::internal::GetCapturedStderr().rfind("Inconsistent component requested"), 0U);
-    };
-    expectReport([&] { modify<ELEMSQLColumnExpr>(ElementSelectColumn, fail); });
-    for (const int layer : {-1, 1})
-        expectReport([&] { modify<ELEMSQLSourceExpr>(ElementSource, fail, layer); });
-    EXPECT_TRUE(engine->notices.empty());
 }
 
 TEST_F(StatementTest, AnEmptyBlockIsAnErrorAndAThrowingOneFreesTheLock) {

@@ -87,20 +87,3 @@ TEST_F(ModificationTest, ABlockThatLeavesSomethingBrokenEndsTheProgramAndSaysWha
     EXPECT_DEATH(modify(ElementWhere, [](void*) { return true; }),
                  "film.title.*is read as a field of another source");
 }
-
-TEST_F(ModificationTest, AHugeStatementIsLookedAtOnceInAWhile) {
-    if (!checksModifications) GTEST_SKIP() << "no assertions in this build";
-    constexpr std::size_t rounds = 10;
-    auto& columns = root()->selectColumnExpr->columns;
-    for (std::size_t i = 0; i < rounds * ModificationCheck::alwaysChecked; ++i)
-        columns.push_back(new SQLFieldColumnComponent);
-    const auto modifyOften = [this](std::size_t times) {
-        for (std::size_t i = 0; i < times; ++i)
-            modify(ElementWhere, [](void*) { return false; });
-    };
-    modifyOften(1);
-    columns.push_back(nullptr);
-    modifyOften(rounds);
-    EXPECT_DEATH(modifyOften(1), "a column of the list is null");
-    columns.pop_back();
-}

@@ -21,22 +21,6 @@ TEST(ConditionEdits, TakeAnIndexOutOfRangeForTheEnd) {
     EXPECT_EQ(edit.chain(), "&b|c&a");
 }
 
-TEST(ConditionRows, ReadAsTheTextDoes) {
-    ChainUnderEdit edit("a|![b=&[]]");
-    auto* compare = dynamic_cast<SQLCompareConditionComponent*>(edit.row(2)->component);
-    compare->compareOp = CompareOpBetween;
-    compare->rightValue = makeValue("1");
-    compare->rightValue->next = makeValue("2");
-    EXPECT_EQ(dumpRows(edit.layout),
-              "0: level 0 value (expression \"a\")\n"
-              "1: level 0 or not bracket\n"
-              "2: level 1 compare op=18 (expression \"b\") (expression \"1\") (expression \"2\")\n"
-              "3: level 1 and bracket\n"
-              "4: level 2 placeholder tail\n"
-              "5: level 1 close of 3 tail\n"
-              "6: level 0 close of 1 tail\n");
-}
-
 TEST(ConditionEdits, ABracketMovesByOnePlaceAsABlock) {
     ChainUnderEdit edit("a&[b&c]&d");
     const int up[] = {-1, -1, -1, -1, -4, -1};

@@ -203,31 +203,4 @@ TEST_F(Facade, AListenerStillSeesWhatWentAndMayInstallANewImplementation) {
     EXPECT_EQ(tree(), "a");
 }
 
-TEST_F(Facade, WithoutStatementOrImplementationTheCallerKeepsTheComponent) {
-    SQLIdentifierSourceComponent table;
-    EXPECT_TRUE(m_layout.addItem(m_engine.get(), ElementSource, nullptr, &table, 0).empty());
-    EXPECT_TRUE(m_layout.items().empty());
-    EXPECT_FALSE(m_layout.canGroupItemsByBracket({}));
-    SourceNode* root = nullptr;
-    install(std::make_unique<SourceTreeLayout>(&root));
-    EXPECT_TRUE(m_layout.insertItem(m_engine.get(), ElementSource, nullptr, &table, 0).empty());
-    EXPECT_EQ(root, nullptr);
-    EXPECT_EQ(notifications(), 0u);
-}
-
-TEST_F(Facade, ColumnsAreEditedUnderTheirOwnElement) {
-    open("a");
-    auto& columns = m_statement->selectColumnExpr->columns;
-    install(std::make_unique<ColumnVectorLayout>(&columns));
-    for (const char* name : {"a", "b"})
-        m_layout.addItem(m_engine.get(), ElementSelectColumn, &m_sender, makeColumn(name), -1);
-    m_layout.moveItem(m_engine.get(), ElementSelectColumn, &m_sender, row(1), 0);
-    ASSERT_EQ(columns.size(), 2u);
-    EXPECT_EQ(dynamic_cast<SQLFieldColumnComponent*>(columns[0])->fieldName, "b");
-    m_layout.removeItems(m_engine.get(), ElementSelectColumn, &m_sender, m_layout.items());
-    EXPECT_TRUE(columns.empty());
-    m_layout.moveItem(m_engine.get(), ElementSelectColumn, &m_sender, row(0), 1);
-    EXPECT_EQ(notifications(), 4u) << "a placeholder moved";
-}
-
 }  // namespace QB::Test

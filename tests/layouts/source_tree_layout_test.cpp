@@ -39,22 +39,6 @@ void apply(TreeUnderEdit& edit, const Case& c) {
 
 }  // namespace
 
-TEST(SourceTreeRows, ReadAsTheTextDoes) {
-    const TreeUnderEdit edit("L(I(a,b),[R(c,[_])])");
-    EXPECT_EQ(dumpRows(edit.layout),
-              "0: level 0 table \"a\"\n"
-              "1: level 0 join INNER JOIN\n"
-              "2: level 0 table \"b\"\n"
-              "3: level 0 join LEFT JOIN\n"
-              "4: level 0 bracket\n"
-              "5: level 1 table \"c\"\n"
-              "6: level 1 join RIGHT JOIN\n"
-              "7: level 1 bracket\n"
-              "8: level 2 placeholder tail\n"
-              "9: level 1 close of 7 tail\n"
-              "10: level 0 close of 4 tail\n");
-}
-
 /// What the random runs leave open: which join binds what.
 TEST(SourceTreeEdits, LeaveTheTreeThatTheirTextMeans) {
     const Case cases[] = {

@@ -110,15 +110,6 @@ TEST_F(SelectionTools, TicksChangeTheColumnsOfTheirSourceAlone) {
     }
 }
 
-TEST_F(SelectionTools, TicksOfTwoAliasesOfOneTableAreToldApart) {
-    open("SELECT 1 FROM shop.orders x, shop.orders y");
-    act("+all", source(0));
-    act("+all", source(1));
-    EXPECT_EQ(columns(), "1, x.id, x.total, y.id, y.total");
-    act("-all", source(1));
-    EXPECT_EQ(columns(), "1, x.id, x.total");
-}
-
 TEST_F(SelectionTools, AColumnThatGoesStaysInMemoryWhileTheOrderRefersToIt) {
     open("SELECT orders.id AS nr, orders.total FROM orders ORDER BY nr");
     act("-all", source(0));
