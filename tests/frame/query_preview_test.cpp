@@ -285,6 +285,36 @@ private Q_SLOTS:
         QVERIFY(preview.isEnabled());
     }
 
+    void loadingDisablesShowsTheRingAndGivesTheFocusBack() {
+        QWidget window;
+        auto* column = new QVBoxLayout(&window);
+        auto* preview = new RecordingPreview;
+        auto* other = new QLineEdit;
+        auto* edit = preview->findChild<QLineEdit*>();
+        column->addWidget(preview);
+        column->addWidget(other);
+        window.show();
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        edit->setFocus();
+        preview->setLoading(true);
+        QVERIFY(!preview->isEnabled());
+        QVERIFY(preview->ring()->isVisible());
+        QCOMPARE(preview->ring()->geometry(), preview->rect());
+        QVERIFY2(!preview->updatesEnabled(), "a short load is not painted");
+        QVERIFY2(window.focusWidget() == nullptr, "the next widget must not get what is typed");
+        preview->setLoading(false);
+        QVERIFY(preview->ring()->isHidden());
+        QCOMPARE(window.focusWidget(), edit);
+
+        preview->setLoading(true);
+        QTRY_VERIFY2(preview->updatesEnabled(), "a long load is");
+        other->setFocus();
+        preview->setLoading(false);
+        QCOMPARE(window.focusWidget(), other);
+        QVERIFY(preview->isEnabled() && preview->updatesEnabled());
+    }
+
     void theSimplePanelShowsPlainTextAndMarksNothing() {
         QBSimpleQueryPreviewPanelWidget preview;
         auto* edit = preview.findChild<QTextEdit*>("textEdit");

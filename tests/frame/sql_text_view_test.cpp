@@ -66,6 +66,19 @@ private Q_SLOTS:
         QVERIFY(coloredParts(*m_view, manyLines / 4).isEmpty());
     }
 
+    void aSmallEditCostsAFewLines() {
+        std::string text = bigText();
+        m_view->setSqlText(text);
+        m_view->show();
+        const int scanned = m_view->scannedLineCount();
+        const int colored = m_view->coloredLineCount();
+        text.replace(text.find("column_10000 "), 12, "renamed");
+        m_view->setSqlText(text);
+        QVERIFY(m_view->scannedLineCount() - scanned < 5);
+        QVERIFY(m_view->coloredLineCount() - colored < 5);
+        QCOMPARE(m_view->toPlainText().toStdString(), text);
+    }
+
     void anOpenedCommentReachesTheLinesBelowAndAClosedOneLeavesThem() {
         m_view->show();
         m_view->setSqlText("select 1,\nselect 2\nselect 3");

@@ -260,6 +260,22 @@ private Q_SLOTS:
         QTRY_VERIFY(!popup);
     }
 
+    void aPopupWithoutItsAnchorStaysAndAnswers() {
+        Host host;
+        host.panel->anchor->setFocus();
+        int answers = 0;
+        QWidget* content = fixedContent();
+        QBInputPopup* popup =
+            host.panel->popup.open(content, host.panel->anchor, [&] { ++answers; });
+        const QRect before = popup->geometry();
+        delete host.panel->anchor;
+        content->setFixedHeight(150);
+        QTRY_COMPARE(popup->geometry(), before.adjusted(0, 0, 0, 52));
+        host.clickOutside();
+        QCOMPARE(answers, 1);
+        QVERIFY2(host.panel->list->hasFocus(), "the panel stands in for what had the focus");
+    }
+
     void aPopupStandsUnderOrAboveItsAnchorInsideTheScreen() {
         const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
         const int right = room.right() - 199;
