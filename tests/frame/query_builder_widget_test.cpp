@@ -283,6 +283,13 @@ private Q_SLOTS:
         QCOMPARE(splitter->sizes()[0], 200);
     }
 
+    void closingTellsTheHostOnce() {
+        const QSignalSpy closing(m_builder.get(), &QBQueryBuilderWidget::aboutToClose);
+        m_builder->show();
+        QVERIFY(m_builder->close());
+        QCOMPARE(closing.count(), 1);
+    }
+
     void tabGoesFromTheTreeOverThePreviewToTheButtons() {
         Test::OwnedEngine<> engine(DatabaseTypeSQLite);
         m_builder->setQueryPreviewPanel(new QBHighlightingQueryPreviewPanelWidget);
