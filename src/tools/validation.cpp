@@ -47,7 +47,7 @@ public:
         const SQLAbstractSourceComponent* const source = m_scope.sourceOf(field);
         if (const auto fault = m_scope.findFault(field, source)) {
             if (fault == InvalidSource && m_isRepairing) {
-                m_scope.keepAlias(field);
+                m_scope.keepName(field);
                 repair(field->source);
             }
             return add(key, *fault);

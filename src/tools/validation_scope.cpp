@@ -7,6 +7,7 @@
 #include "model/detached_parts.h"
 #include "model/element_expressions.h"
 #include "model/kind_of.h"
+#include "model/names.h"
 #include "model/tree_walks.h"
 #include "tools/identifier_tools.h"
 
@@ -37,6 +38,13 @@ Names pathOf(const SQLIdentifierSourceComponent* source) {
     Names path = source->path;
     path.push_back(source->name);
     return path;
+}
+
+/// The alias, or else the path of a table.
+Names nameOf(const Source* source) {
+    if (!source->alias.empty()) return {source->alias};
+    const auto* named = ifKind<SQLIdentifierSourceComponent>(source);
+    return named ? pathOf(named) : Names();
 }
 
 /// True if @p inner is the right side of a join of a kind that the model does not know. CROSS APPLY
@@ -119,18 +127,22 @@ std::optional<InvalidReason> ValidationScope::findFault(const Field* field,
     return {};
 }
 
-void ValidationScope::keepAlias(Field* field) {
-    const std::string* alias = aliasOfRetired(field->source);
-    if (alias && !alias->empty()) field->parentPath = {*alias};
+void ValidationScope::keepName(Field* field) {
+    const Names name = nameOfRetired(field->source);
+    std::vector<std::string>& path = field->parentPath;
+    if (name.empty()) return;
+    const bool isAlias = name.size() == 1;
+    const bool isByAnotherName = !path.empty() && !equalWithoutCase(path.back(), name.back());
+    if (isAlias || isByAnotherName) path = name;
 }
 
-/// Null for an address that is not kept, which must not be read.
-const std::string* ValidationScope::aliasOfRetired(const Source* source) {
-    if (!m_retiredAliases) {
-        m_retiredAliases.emplace();
+/// Empty for an address that is not kept, which must not be read.
+ValidationScope::Names ValidationScope::nameOfRetired(const Source* source) {
+    if (!m_retiredNames) {
+        m_retiredNames.emplace();
         const auto note = [this](const AbstractQueryComponent* component) {
             const auto* gone = dynamic_cast<const Source*>(component);
-            if (gone) m_retiredAliases->emplace(gone, gone->alias);
+            if (gone) m_retiredNames->emplace(gone, nameOf(gone));
         };
         m_engine->core()->retired.visit([&note](const DetachedParts& parts) {
             parts.visitParts([&note](const SourceNode* tree, const AbstractQueryComponent* single) {
@@ -138,8 +150,8 @@ const std::string* ValidationScope::aliasOfRetired(const Source* source) {
             });
         });
     }
-    const auto found = m_retiredAliases->find(source);
-    return found == m_retiredAliases->end() ? nullptr : &found->second;
+    const auto found = m_retiredNames->find(source);
+    return found == m_retiredNames->end() ? Names() : found->second;
 }
 
 const QBIdentifierCandidate* ValidationScope::tableOf(const Source* source) {

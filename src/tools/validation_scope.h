@@ -47,10 +47,11 @@ public:
     const Source* sourceOf(const Field* field) const;
     /// What is wrong with the source or the path of @p field, which has @p source. Changes nothing.
     std::optional<InvalidReason> findFault(const Field* field, const Source* source) const;
-    /// Puts the alias of the source, which is no longer in the statement, before the name of @p
-    /// field. Without the reference nothing else would say what the field belonged to, and the text
-    /// could name a field of another source. Nothing for a source without alias: the path has it.
-    void keepAlias(Field* field);
+    /// Puts the name of the source, which is no longer in the statement, before that of @p field,
+    /// as the text has it: the alias, or the path of a table where the field still has an alias
+    /// that was taken from it. Without the reference nothing else would say what the field belonged
+    /// to, and the text could name a field of another source.
+    void keepName(Field* field);
     /// The candidate that a valid source names; null if nothing is known of it.
     const QBIdentifierCandidate* tableOf(const Source* source);
 
@@ -60,14 +61,14 @@ private:
     void addOwnSources(const Statement* statement);
     void addNamesAround(const Statement* statement, const Statement* inner);
     void addOutsideNames(const Source* source);
-    const std::string* aliasOfRetired(const Source* source);
+    Names nameOfRetired(const Source* source);
 
     QBEngine* const m_engine;
     std::unordered_set<const Source*> m_sources;
     std::map<Names, const Source*> m_byPath;  ///< the innermost, and the first in text order
     std::unordered_map<const Source*, const QBIdentifierCandidate*> m_tables;
     /// Of the sources that were taken out and are kept; filled when first asked for.
-    std::optional<std::unordered_map<const Source*, std::string>> m_retiredAliases;
+    std::optional<std::unordered_map<const Source*, Names>> m_retiredNames;
 };
 
 /// Names of fields that are looked up in many tables at once: the candidates are read as far as
