@@ -64,6 +64,19 @@ DiagramParts drawnParts(const QBLumoDiagramDrawer& drawer) {
     return parts;
 }
 
+/// The same items at the same places, none of which the user has given a size.
+bool standsAsIn(const DiagramArrangement& first, const DiagramArrangement& now) {
+    std::map<long, LumoPoint> places;
+    for (const DiagramArrangement::Entry& entry : first.entries)
+        places[entry.componentId] = entry.rect.origin;
+    const auto stands = [&places](const DiagramArrangement::Entry& entry) {
+        const auto found = places.find(entry.componentId);
+        return found != places.end() && found->second == entry.rect.origin && !entry.isSizedByUser;
+    };
+    return first.entries.size() == now.entries.size() &&
+           std::all_of(now.entries.begin(), now.entries.end(), stands);
+}
+
 QString stepName(QBLumoContext::Arrangement how) {
     switch (how) {
         case QBLumoContext::Arrangement::Resized:
@@ -254,7 +267,8 @@ int QBDiagramPanelWidget::pendingItemCount() const {
 // ---- what the engine tells --------------------------------------------------------------------
 
 void QBDiagramPanelWidget::candidateLoaded(QBIdentifierCandidate* candidate) {
-    updateAllComponentsUsingIdentifier(candidate);
+    m_fields->loadEnded(candidate);
+    arrangeByRealHeights();
     m_pendingItems->loadEnded(*engine(), candidate);
 }
 
@@ -426,6 +440,7 @@ void QBDiagramPanelWidget::saveShownLayer() {
 /// Items that have just been drawn go where a layout has them; if none has any of them they are
 /// arranged.
 void QBDiagramPanelWidget::placeItems() {
+    m_firstArrangement.reset();
     if (!hasItems()) return;
     m_drawer->matchLayouts(layerPaths());
     const auto layer = static_cast<std::uint64_t>(m_shownLayerId);
@@ -434,7 +449,16 @@ void QBDiagramPanelWidget::placeItems() {
     const DiagramArrangement after = m_drawer->arrangement();
     if (isCovered || after.entries != before.entries) return;
     m_drawer->scrollToOrigin();  // where nothing of the layout fits, neither does where it looked
-    if (after.entries.size() > 1) m_drawer->arrangeAll();
+    if (after.entries.size() < 2) return;
+    m_drawer->arrangeAll();
+    if (m_fields->isTableAwaited()) m_firstArrangement = m_drawer->arrangement();
+}
+
+/// Once more when all fields have come, unless anything was moved, added or taken away meanwhile.
+void QBDiagramPanelWidget::arrangeByRealHeights() {
+    if (!m_firstArrangement || m_fields->isTableAwaited()) return;
+    const DiagramArrangement first = *std::exchange(m_firstArrangement, std::nullopt);
+    if (!isGestureUnderWay() && standsAsIn(first, m_drawer->arrangement())) m_drawer->arrangeAll();
 }
 
 QBDiagramPanelWidget::LayerPaths QBDiagramPanelWidget::layerPaths() const {
@@ -453,6 +477,7 @@ std::string QBDiagramPanelWidget::saveLayout() {
 }
 
 void QBDiagramPanelWidget::restoreLayout(const std::string& text) {
+    m_firstArrangement.reset();
     m_drawer->importLayouts(text, layerPaths());
     m_isLayoutForNextText = engine() && engine()->isParsingQuery();
     if (m_isLayoutForNextText || !hasItems()) return;
@@ -474,6 +499,7 @@ DiagramArrangement QBDiagramPanelWidget::arrangement() const {
 }
 
 void QBDiagramPanelWidget::setArrangement(const DiagramArrangement& arrangement) {
+    m_firstArrangement.reset();
     m_drawer->setArrangement(arrangement);
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -153,6 +154,7 @@ private:
     void saveShownLayer();
     void turnToLayer(long id);
     void placeItems();
+    void arrangeByRealHeights();
     bool hasItems() const;
 
     const std::unique_ptr<Ui::QBDiagramPanelWidget> ui;
@@ -166,6 +168,8 @@ private:
     /// A layout was loaded for the text that is being parsed: what the canvas shows now is another
     /// query's.
     bool m_isLayoutForNextText = false;
+    /// How items were arranged while fields were to come that decide about heights.
+    std::optional<DiagramArrangement> m_firstArrangement;
     const std::unique_ptr<ItemFields> m_fields;
     const std::unique_ptr<DiagramCallbacks> m_callbacks;  // last: its popups go first
 };

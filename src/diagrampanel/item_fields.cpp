@@ -1,10 +1,12 @@
 #include "diagrampanel/item_fields.h"
 
 #include <QScopedValueRollback>
+#include <iterator>
 #include <set>
 #include <utility>
 
 #include "canvas/drawer/diagram_drawer.h"
+#include "diagrampanel/candidate_loads.h"
 #include "diagrampanel/diagram_sync.h"
 #include "diagrampanel/object_tree_item.h"
 #include "engine/engine_linux.h"
@@ -56,6 +58,7 @@ void ItemFields::ask(const Sources& sources, bool force) {
 
 void ItemFields::ask(Source* source, bool force) {
     m_asked[source->id()] = ++m_questions;
+    m_tables.erase(source->id());
     if (auto* table = dynamic_cast<SQLIdentifierSourceComponent*>(source))
         return askTable(table, force);
     if (dynamic_cast<Subquery*>(source)) return m_subqueries.push_back(source->id());
@@ -68,8 +71,10 @@ void ItemFields::askTable(SQLIdentifierSourceComponent* table, bool force) {
     const bool isKnown = found.candidate && engine->candidateSnapshot(found.candidate).hasChildren;
     if (isKnown && !force) return m_drawer->setItemFields(table, fieldsOf(engine, found.candidate));
     // By its path: the schema itself may not be known yet.
-    engine->addRefreshIdentifierCandidateChildrenRequest(
-        Tools::Identifier::tablePath(table->path, table->name, engine->currentSchema()), force);
+    const auto path =
+        Tools::Identifier::tablePath(table->path, table->name, engine->currentSchema());
+    engine->addRefreshIdentifierCandidateChildrenRequest(path, force);
+    if (!isKnown) m_tables[table->id()] = path;
     m_isFetchDue = true;
 }
 
@@ -114,6 +119,8 @@ void ItemFields::answer(long id, long number, const std::vector<std::string>& na
 }
 
 void ItemFields::loadEnded(const QBIdentifierCandidate* candidate) {
+    dropAnswered(candidate);
+    if (!candidate) return;
     const QBEngine* const engine = m_panel->engine();
     const QBIdentifierCandidateSnapshot record = engine->candidateSnapshot(candidate);
     if (!record.parent || !isTableLike(record.type)) return;
@@ -127,6 +134,13 @@ void ItemFields::loadEnded(const QBIdentifierCandidate* candidate) {
     former->second = fields;
     if (mayYieldMore) askSubqueries();
     m_filled();
+}
+
+void ItemFields::dropAnswered(const QBIdentifierCandidate* loaded) {
+    for (auto table = m_tables.begin(); table != m_tables.end();) {
+        const bool isAnswered = isLoadDecided(*m_panel->engine(), table->second, loaded);
+        table = isAnswered ? m_tables.erase(table) : std::next(table);
+    }
 }
 
 /// What they yield may come from a table that has other fields now.

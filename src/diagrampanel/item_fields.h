@@ -44,14 +44,18 @@ public:
     void forget(long id) {
         m_asked.erase(id);
         m_waiting.erase(id);
+        m_tables.erase(id);
     }
-    /// A load has ended: the items of a table get what it has now, and those of subqueries what
-    /// they yield then.
+    /// A load has ended, null stands for the root: the items of a table get what it has now, and
+    /// those of subqueries what they yield then.
     void loadEnded(const QBIdentifierCandidate* candidate);
+    /// Whether a table that was asked for has no answer yet: its item has not its own height.
+    bool isTableAwaited() const { return !m_tables.empty(); }
     /// Answers that are under way are not wanted any more.
     void clear() {
         m_asked.clear();
         m_waiting.clear();
+        m_tables.clear();
     }
 
 private:
@@ -59,6 +63,7 @@ private:
     void askTable(Component::SQL::SQLIdentifierSourceComponent* table, bool force);
     void askSubquery(const Subquery* subquery);
     void askSubqueries();
+    void dropAnswered(const QBIdentifierCandidate* loaded);
     void answer(long id, long number, const std::vector<std::string>& names);
     DiagramParts currentParts() const;
     void send();
@@ -70,6 +75,7 @@ private:
     std::map<long, long> m_asked;    ///< the number of the last question, by the id of the source
     std::vector<long> m_subqueries;  ///< ids to be asked for
     std::set<long> m_waiting;        ///< subqueries whose last question has no answer
+    std::map<long, std::vector<std::string>> m_tables;  ///< that are awaited: path by source id
     /// By schema and name, the fields with which a table was loaded last.
     std::map<std::pair<std::string, std::string>, std::vector<std::string>> m_loaded;
     bool m_isFetchDue = false;

@@ -3,27 +3,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "diagrampanel/candidate_loads.h"
 #include "engine/engine.h"
 #include "engine/engine_core.h"
 
 namespace QB {
 namespace {
-
-using Path = std::vector<std::string>;
-
-/// Whether the end of a load at @p loaded decides about the table at @p path.
-bool isDecided(const QBEngine& engine, const Path& path, const Path& loaded) {
-    if (path == loaded) return true;
-    const bool isAbove =
-        loaded.size() < path.size() && std::equal(loaded.begin(), loaded.end(), path.begin());
-    if (!isAbove) return false;
-    const QBIdentifierCandidate* node = nullptr;
-    for (const std::string& name : path) {
-        node = engine.findChildCandidate(node, name);
-        if (!node) return true;  // the table is gone, and its load will find nothing
-    }
-    return engine.candidateSnapshot(node).hasChildren;
-}
 
 /// The index of the layer whose statement has that id; -1 if it is not open.
 int openLayer(const QBEngine& engine, long statementId) {
@@ -53,9 +38,8 @@ void PendingDiagramItems::add(const QBEngine& engine, const QBIdentifierCandidat
 void PendingDiagramItems::loadEnded(const QBEngine& engine,
                                     const QBIdentifierCandidate* candidate) {
     if (m_items.empty()) return;
-    const Path loaded = engine.candidatePath(candidate);
     for (Item& item : m_items)
-        item.isReady = item.isReady || isDecided(engine, item.path, loaded);
+        item.isReady = item.isReady || isLoadDecided(engine, item.path, candidate);
     deliverReady(engine);
 }
 

@@ -2,6 +2,7 @@
 #include <QtTest>
 #include <memory>
 
+#include "canvas/diagram/auto_layout.h"
 #include "canvas/drawer/diagram_hint_widget.h"
 #include "diagrampanel/diagram_desk.h"
 
@@ -210,6 +211,38 @@ private Q_SLOTS:
             QCOMPARE(top("t"), top("u"));  // the search for free places puts all into one row
             QVERIFY(top("v") > top("t"));
         }
+    }
+
+    /// Fields, and with them the heights of items, come when these are arranged already.
+    void aLoadedTextIsArrangedByTheHeightsThatItemsGet_data() {
+        QTest::addColumn<QString>("meanwhile");
+        QTest::addColumn<bool>("isArranged");
+        QTest::addRow("untouched") << "" << true;
+        QTest::addRow("a field is ticked") << "tick t.a" << true;
+        QTest::addRow("one is moved") << "select w; key Down" << false;
+        QTest::addRow("a table comes") << "add u" << false;
+    }
+    void aLoadedTextIsArrangedByTheHeightsThatItemsGet() {
+        QFETCH(QString, meanwhile);
+        QFETCH(bool, isArranged);
+        DiagramDesk desk(Delivery::AtOnce);
+        desk.parse("SELECT t.b FROM t, u");  // whose fields are known from then on
+        desk.server.hold();
+        desk.isHeld = true;
+        desk.engine->parseQuery(
+            "SELECT v.a FROM t INNER JOIN v ON t.a = v.a INNER JOIN w ON t.b = w.a, nowhere", {});
+        QTRY_VERIFY((desk.host.runPending(), desk.item("w")));
+        QVERIFY(desk.run(meanwhile));
+        const QStringList first = desk.places().split("; ");
+        QVERIFY(desk.run("free"));
+        const auto gap = [&desk] {
+            return lumoMinY(desk.item("w")->getRect()) - lumoMaxY(desk.item("v")->getRect());
+        };
+        QCOMPARE(desk.item("v")->getRect().size.height, 105);
+        QCOMPARE(gap() == LayoutSpacing().below, isArranged);
+        if (isArranged) return;
+        for (const QString& place : first)
+            QVERIFY2(desk.places().split("; ").contains(place), qPrintable(place));
     }
 
     void droppedTablesGoToTheirPoints_data() { addHosts(); }
