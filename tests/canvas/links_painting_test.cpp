@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "canvas/base/canvas_style.h"
+#include "canvas/item_scene.h"
 #include "canvas/link_scene.h"
 #include "platform/lumo/lumo_control.h"
 #include "platform/lumo/lumo_picture_cache.h"
@@ -133,6 +134,34 @@ TEST(JoinLink, PaintsOnlyInsideOfWhatItMakesDirty) {
             scene.diagram.removeChild(link);
             delete link;
         }
+    }
+}
+
+TEST(JoinLink, ShinesThroughWhatLiesBetweenItsEndsButNotThroughATitlesText) {
+    for (const LumoPoint place : {LumoPoint{640, 40}, LumoPoint{640, 340}}) {
+        ItemScene scene;
+        QBLumoItem* const a = scene.table("a", {40, 40})->item();
+        QBLumoItem* const between = scene.table("between", {340, 40}, numberedFields(9))->item();
+        QBLumoItem* const b = scene.table("b", place)->item();
+        auto* const link = new QBLumoJoinLink;
+        scene.diagram.addChild(link, 0);
+        link->setTableAdaptors(a->getAdaptor(), b->getAdaptor());
+        const QImage whole = scene.picture(1);
+        link->setVisible(false);
+        const QImage without = scene.picture(1);
+        /// How many pixels of the rectangle, in the space of the item's body, the link changes.
+        const auto changed = [&](const QBLumoItem* item, const LumoRect& rect) {
+            const LumoPoint origin = item->getBody()->translatePoint(rect.origin, &scene.diagram);
+            int count = 0;
+            for (int y = origin.y; y < origin.y + rect.size.height; ++y)
+                for (int x = origin.x; x < origin.x + rect.size.width; ++x)
+                    count += whole.pixel(x, y) != without.pixel(x, y);
+            return count;
+        };
+        const int column = changed(between, {150, 1, 1, 230});
+        EXPECT_TRUE(column >= 2 && column <= 5) << column;
+        EXPECT_EQ(changed(between, between->getBody()->titleTextPlace()), 0);
+        EXPECT_EQ(changed(a, {10, 1, 180, 220}) + changed(b, {10, 1, 180, 220}), 0);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "canvas/diagram/diagram_link_drag.h"
 #include "canvas/diagram/diagram_walk.h"
 #include "canvas/items/item.h"
+#include "canvas/links/covered_lines.h"
 #include "canvas/links/join_link.h"
 #include "canvas/links/join_link_adaptor.h"
 #include "platform/lumo/lumo_paint.h"
@@ -167,6 +168,9 @@ void QBLumoDiagram::tellEmptiness() {
 void QBLumoDiagram::paint(LumoPaintConfig* config, LumoRect rect) {
     LumoDiagram::paint(config, rect);
     LumoPainter painter(config, this);
+    painter.save();
+    paintCoveredLines(&painter, this, rect);
+    painter.restore();
     painter.save();
     m_gestures->paint(&painter);
     painter.restore();

@@ -1,6 +1,7 @@
 #include "canvas/items/base_item_body.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "canvas/base/canvas_style.h"
@@ -237,6 +238,15 @@ LumoRect QBLumoBaseItemBody::titleTextRect() const {
 
 bool QBLumoBaseItemBody::isTitleElided() const {
     return title().isElided(lumoWidth(titleTextRect()));
+}
+
+LumoRect QBLumoBaseItemBody::titleTextPlace() const {
+    const LumoRect area = titleTextRect();
+    const LumoDoubleSize text =
+        lumoLayoutHelper().measureText(lineStart(titleText(), lumoWidth(area)), Style::itemFont);
+    const int width = std::min(int(std::ceil(text.width)), lumoWidth(area));
+    const int height = std::min(int(std::ceil(text.height)), lumoHeight(area));
+    return {lumoMinX(area), lumoMinY(area) + (lumoHeight(area) - height) / 2, width, height};
 }
 
 const std::vector<double>& QBLumoBaseItemBody::borderDash() const {

@@ -67,6 +67,8 @@ public:
     /// One line that names the source: the title as shown, not cut.
     std::string titleText() const { return title().whole(); }
     bool isTitleElided() const;
+    /// What the title's text covers, in own space.
+    LumoRect titleTextPlace() const;
 
     virtual bool isItemSelected() const;
     virtual LumoSize minimumSize() const;  // 30 x 30

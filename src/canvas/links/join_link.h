@@ -69,6 +69,8 @@ public:
     bool hitTest(LumoPoint point, bool line, bool symbol) const;
     /// One for each pair, as of the last layout.
     const std::vector<Route>& routes() const { return m_routes; }
+    /// The one that is drawn.
+    const Route& shownRoute() const { return m_primary; }
     /// Visible, with a line to be seen.
     bool isShown() const { return getVisible() && !m_primary.isEmpty(); }
     /// Lights up for 2.5 seconds, if the link shows.

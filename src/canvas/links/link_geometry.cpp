@@ -97,6 +97,30 @@ bool operator==(const Route& a, const Route& b) {
            a.endIsRight == b.endIsRight;
 }
 
+std::optional<std::pair<LumoDoublePoint, LumoDoublePoint>> partInside(LumoPoint from, LumoPoint to,
+                                                                      const LumoRect& rect) {
+    const LumoPoint way = to - from;
+    double first = 0;  // as parts of the way
+    double last = 1;
+    const auto narrow = [&](int32_t start, int32_t length, int32_t low, int32_t high) {
+        if (length == 0) {
+            if (start < low || start > high) last = -1;
+            return;
+        }
+        const auto [enters, leaves] =
+            std::minmax({double(low - start) / length, double(high - start) / length});
+        first = std::max(first, enters);
+        last = std::min(last, leaves);
+    };
+    narrow(from.x, way.x, lumoMinX(rect), lumoMaxX(rect));
+    narrow(from.y, way.y, lumoMinY(rect), lumoMaxY(rect));
+    if (!(first < last)) return std::nullopt;
+    const auto at = [&](double part) {
+        return LumoDoublePoint{from.x + way.x * part, from.y + way.y * part};
+    };
+    return std::make_pair(at(first), at(last));
+}
+
 LumoDoublePoint AdaptorEnd::centre() const {
     return {double(rect.origin.x + rect.size.width / 2),
             double(rect.origin.y + rect.size.height / 2)};

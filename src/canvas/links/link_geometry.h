@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/lumo/lumo_types.h"
@@ -38,6 +40,8 @@ struct Route {
     /// Of the line between the stubs.
     double angle() const;
     Route movedBy(LumoPoint delta) const;
+    /// The ends and the stubs' ends, in the order of the line.
+    std::vector<LumoPoint> corners() const { return {start, startStub(), endStub(), end}; }
 };
 bool operator==(const Route& a, const Route& b);
 
@@ -53,6 +57,11 @@ struct AdaptorEnd {
 LumoDoublePoint linkCentre(const AdaptorEnd& a, const AdaptorEnd& b);
 /// Each end docks at the side that faces @p centre; an end at the centre takes its right side.
 Route routeBetween(const AdaptorEnd& a, const AdaptorEnd& b, LumoDoublePoint centre);
+
+/// The part of the segment from @p from to @p to that lies in @p rect, in its direction; none if
+/// that is a point at most.
+std::optional<std::pair<LumoDoublePoint, LumoDoublePoint>> partInside(LumoPoint from, LumoPoint to,
+                                                                      const LumoRect& rect);
 
 /// The rectangle that a link takes for painting around @p adaptors: at least 800 x 800.
 LumoRect linkRect(const LumoRect& adaptors);
