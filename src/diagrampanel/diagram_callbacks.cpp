@@ -173,15 +173,14 @@ void DiagramCallbacks::editAndShow(TopLevelQueryComponentElementEnum element,
 
 // ---- items ------------------------------------------------------------------------------------
 
-// The canvas destroys what the user deletes, whatever comes of it: what stays in the query is drawn
-// again.
+// The canvas destroys what the user deletes, whatever comes of it: what stays in the query, during
+// a parse, is drawn again.
 
 decltype(DiagramCallbacks::Callbacks::requestRemoveComponents)
 DiagramCallbacks::requestRemoveComponentsCallback() const {
     return [this](std::vector<Source*>& sources) {
-        m_panel->synchroniseLater();
         auto* const present = statement();
-        if (!present || engine()->isParsingQuery()) return;
+        if (!present || engine()->isParsingQuery()) return m_panel->synchroniseLater();
         const auto rows = rowsOf<SourceTreeLayout>(&present->sourceExpr->root);
         SourceEdits edits(engine(), rows.get(), m_panel);
         edits.remove(sources);

@@ -84,7 +84,7 @@ public:
 
 private:
     void modified(const QBNotificationParameters& params);
-    void followed(std::string record);
+    void followed(std::string record, const QueryOutline& outline);
     void layerChanged();
     long rootId() const;
 
@@ -94,6 +94,7 @@ private:
     bool isPartOfLastStep(const QBNotificationParameters& params) const;
     QString nameOf(const QBNotificationParameters& params, const QueryOutline& outline) const;
     QueryOutline outline() const { return outlineOf(engine()->topLevelQueryComponent(0)); }
+    QueryOutline outlineAfter(const Elements& changed) const;
 
     QueryStep* step(int index) const;
     QueryStep* lastStep() const;
@@ -158,12 +159,20 @@ long QBQueryHistory::Private::rootId() const {
 void QBQueryHistory::Private::modified(const QBNotificationParameters& params) {
     if (m_isRestoring || rootId() != m_rootId) return;
     std::string record = engine()->recordQuery();
-    if (isPartOfLastStep(params)) return followed(std::move(record));
+    // Seen with a step before it, perhaps, of which only the other clause was announced.
+    const QueryOutline present = outlineAfter(elementsOf(params));
+    if (record == m_seen) m_outline = present;
+    if (isPartOfLastStep(params)) return followed(std::move(record), present);
     const QString given = std::exchange(nextName, QString());
     if (record == m_seen) return;
-    const QueryOutline present = outline();
     takeModification(std::move(record), present, given.isEmpty() ? nameOf(params, present) : given,
                      engine()->layerPath());
+}
+
+/// What a change of the other clauses leaves as it was.
+QueryOutline QBQueryHistory::Private::outlineAfter(const Elements& changed) const {
+    const bool isOther = changed.count(ElementSource) + changed.count(ElementSelectColumn) > 0;
+    return isOther ? outline() : m_outline;
 }
 
 /// What comes late is a step of its own when the user has gone on.
@@ -181,10 +190,10 @@ QString QBQueryHistory::Private::nameOf(const QBNotificationParameters& params,
 }
 
 /// A repair belongs to the step that made it necessary, or to where the steps begin.
-void QBQueryHistory::Private::followed(std::string record) {
+void QBQueryHistory::Private::followed(std::string record, const QueryOutline& outline) {
     if (record == m_seen) return;
     m_seen = std::move(record);
-    m_outline = outline();
+    m_outline = outline;
     if (stack.index() < stack.count()) return;
     if (QueryStep* const last = lastStep()) {
         last->record = TextDifference(last->record.reverted(m_record), m_seen);
