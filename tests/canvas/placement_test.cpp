@@ -103,4 +103,17 @@ TEST(Placement, StopsAGroupAtTheEdges) {
               (LumoPoint{0, 10}));
 }
 
+TEST(Placement, ScrollsFasterTheFartherThePointerIs) {
+    const std::vector<std::pair<int, int>> steps = {
+        {0, 0}, {1, 1}, {2, 1}, {3, 1}, {5, 1}, {6, 2}, {99, 33}, {100, 33}, {101, 33}, {5000, 33}};
+    for (const auto& [distance, step] : steps) {
+        EXPECT_EQ(autoScrollStep(distance), step);
+        EXPECT_EQ(autoScrollStep(-distance), -step);
+    }
+    const LumoRect inner{15, 15, 100, 50};
+    EXPECT_EQ(autoScrollStep({15, 64}, inner), (LumoPoint{0, 0}));
+    EXPECT_EQ(autoScrollStep({14, 65}, inner), (LumoPoint{-1, 1}));
+    EXPECT_EQ(autoScrollStep({144, 0}, inner), (LumoPoint{10, -5}));
+}
+
 }  // namespace QB::DiagramLumo
