@@ -165,62 +165,6 @@ TEST(JoinLink, ShinesThroughWhatLiesBetweenItsEndsButNotThroughATitlesText) {
     }
 }
 
-TEST(JoinLinkAdaptor, MarksTheSidesThatLinksUseAndLightsUpWithThem) {
-    LinkScene scene;
-    auto* const hub = scene.dock({400, 400, 200, 50});
-    EXPECT_TRUE(touchedPart(painted(hub, scene)).isEmpty());
-    auto* const far = scene.dock({900, 400, 200, 50});
-    QBLumoJoinLink* const link = scene.link(hub, far);
-    const QRect right(596, 411, 8, 8);  // a disc of radius 4 on the edge of the box
-    const QRect left = right.translated(-200, 0);
-    EXPECT_EQ(touchedPart(painted(hub, scene)), right);
-    link->setSelected(true);
-    EXPECT_TRUE(touchedPart(painted(hub, scene)).contains(right.adjusted(-2, -2, 2, 2)));
-    EXPECT_TRUE(dirtyPart(hub, scene).contains(touchedPart(painted(hub, scene))));
-    link->setSelected(false);
-    scene.move(far, {10, 400});
-    EXPECT_EQ(touchedPart(painted(hub, scene)), left);
-    scene.link(hub, scene.dock({900, 500, 200, 50}));
-    EXPECT_EQ(touchedPart(painted(hub, scene)), left | right);
-}
-
-TEST(JoinLink, FlashesForItsTimeAndDirtiesOnlyItsOwnBox) {
-    struct RecordingContext : QBLumoContext {
-        std::vector<LumoRect> dirty;
-        void setDirtyRect(LumoDiagram*, const LumoRect& rect) override { dirty.push_back(rect); }
-    };
-    QB::Test::needApplication();
-    RecordingContext context;
-    LinkScene scene(&context);
-    QBLumoJoinLink* const link =
-        scene.link(scene.dock({100, 300, 100, 50}), scene.dock({500, 320, 100, 50}));
-    QBLumoAnimationTimer* const timer = scene.diagram.getAnimationTimer();
-    const QImage still = painted(link, scene);
-    context.dirty.clear();
-
-    link->playPromptAnimation();
-    for (int tick = 0; tick < 24; ++tick) {
-        timer->step(0.1);
-        EXPECT_TRUE(link->isPromptRunning()) << tick;
-        // Waves to 0.64 of the time.
-        EXPECT_EQ(painted(link, scene) != still, tick < 15) << tick;
-    }
-    timer->step(0.2);
-    EXPECT_FALSE(link->isPromptRunning());
-    EXPECT_EQ(painted(link, scene), still);
-    const QRect box = dirtyPart(link, scene).adjusted(-8, -8, 8, 8);
-    for (const LumoRect& rect : context.dirty)
-        EXPECT_TRUE(
-            box.contains(QRect(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height)));
-
-    // Gone while it flashes.
-    link->playPromptAnimation();
-    scene.diagram.removeChild(link);
-    timer->step(0.1);
-    EXPECT_FALSE(link->isPromptRunning());
-    delete link;
-}
-
 // ---- clicks, at the window ----
 
 struct ClickCase {
