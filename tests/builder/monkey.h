@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QNativeGestureEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <map>
 
@@ -283,7 +284,9 @@ private:
             &Monkey::pressOther,     &Monkey::reload};
         m_desk.rest();
         const QPoint from = inWindow(canvasPoint());
-        const Qt::MouseButton button = m_dice.pickFrom(buttons);
+        Qt::MouseButton button = m_dice.pickFrom(buttons);
+        // Qt waits in the menu of a scroll bar, and nothing here would end that.
+        if (button == Qt::RightButton && isScrollBarAt(from)) button = Qt::LeftButton;
         note(QString::number(button));
         note(from);
         send(QEvent::MouseMove, from);
@@ -297,6 +300,9 @@ private:
         if (m_dice.isOneIn(2)) m_desk.settle();
         wander();
         send(QEvent::MouseButtonRelease, from + QPoint(m_dice.pick(90), 20), button);
+    }
+    bool isScrollBarAt(QPoint place) const {
+        return qobject_cast<QScrollBar*>(m_desk.window.childAt(place)) != nullptr;
     }
     void pressOther() {
         const QPoint place = inWindow(pointIn(places().view()->viewport()));
