@@ -53,7 +53,7 @@ inline Statement brackets() {
     Statement s = newStatement();
     SourceNode* a = table("a");
     SourceNode* b = table("b");
-    SourceNode* inner = join(b, SQLJoinTypeComma, bracket(table("c"), "k"));
+    SourceNode* inner = join(b, SQLJoinTypeComma, bracket(table("c")));
     s->sourceExpr->root =
         join(a, SQLJoinTypeCross, bracket(join(inner, SQLJoinTypeInner, table("d"))));
     const auto isOne = [](SourceNode* source) {
@@ -142,7 +142,7 @@ inline Statement schemasBySubquery() {
     SourceNode* a = table("a", "", {"shop"});
     SourceNode* deep = table("deep", "", {"server", "shop"});
     s->sourceExpr->root =
-        join(join(a, SQLJoinTypeComma, subquery(twoSchemas(), "s")), SQLJoinTypeComma, deep);
+        join(join(a, SQLJoinTypeComma, subquery(twoSchemas())), SQLJoinTypeComma, deep);
     s->selectColumnExpr->columns = {field(a, "x"), field(deep, "z")};
     s->whereExpr->root = compare(field(a, "x"), CompareOpIsNotNull);
     return s;
@@ -165,7 +165,7 @@ inline Statement aliases() {
 
 inline Statement wildcards() {
     Statement s = newStatement();
-    SourceNode* t = table("t", "u");
+    SourceNode* t = table("t");
     s->sourceExpr->root = t;
     s->selectColumnExpr->columns = {field(t, "", "ignored"), field(nullptr, "", "ignored"),
                                     aggregate("COUNT", field(nullptr, "", "n")),
@@ -197,7 +197,7 @@ inline Statement betweenShapes() {
 
 inline Statement groupsAndFreeText() {
     Statement s = newStatement();
-    SourceNode* made = freeSource("generate_series(1, 3)", "g");
+    SourceNode* made = freeSource("generate_series(1, 3)");
     s->sourceExpr->root = made;
     s->selectColumnExpr->selectOption = "DISTINCT";
     s->selectColumnExpr->columns = {expression("g % 2", "odd"), expression("now()")};

@@ -1,4 +1,4 @@
--- mysql mariadb postgresql sqlite sqlserver
+-- mysql mariadb postgresql oracle sqlite sqlserver
 SELECT
 	*
 FROM
@@ -8,30 +8,7 @@ FROM
 		"b",
 		(
 			"c"
-		) AS "k"
-		INNER JOIN
-		"d"
-	)
-WHERE
-	NOT "a"."x" = 1 AND
-	(
-		"a"."x" = 1 OR
-		NOT (
-			"b"."x" = 1
 		)
-	) AND
-	y
--- oracle
-SELECT
-	*
-FROM
-	"a"
-	CROSS JOIN
-	(
-		"b",
-		(
-			"c"
-		) "k"
 		INNER JOIN
 		"d"
 	)

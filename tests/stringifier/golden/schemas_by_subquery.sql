@@ -1,4 +1,4 @@
--- mysql mariadb postgresql sqlite
+-- mysql mariadb postgresql oracle sqlite
 SELECT
 	"a"."x", 
 	"server"."shop"."deep"."z"
@@ -12,25 +12,7 @@ FROM
 		FROM
 			"shop"."a",
 			"depot"."b"
-	) AS "s",
-	"server"."shop"."deep"
-WHERE
-	"a"."x" IS NOT NULL
--- oracle
-SELECT
-	"a"."x", 
-	"server"."shop"."deep"."z"
-FROM
-	"a",
-	(
-		SELECT
-			"shop"."a"."x", 
-			"depot"."b"."y", 
-			"shop"."a".*
-		FROM
-			"shop"."a",
-			"depot"."b"
-	) "s",
+	),
 	"server"."shop"."deep"
 WHERE
 	"a"."x" IS NOT NULL
@@ -48,7 +30,7 @@ FROM
 		FROM
 			"shop"."a",
 			"depot"."b"
-	) AS "s",
+	),
 	"server"."shop"."deep"
 WHERE
 	"a"."x" IS NOT NULL

@@ -1,16 +1,8 @@
--- mysql mariadb postgresql sqlite sqlserver
+-- mysql mariadb postgresql oracle sqlite sqlserver
 SELECT
-	u.*, 
+	"t".*, 
 	*, 
 	"COUNT"(*) AS "n", 
-	"SUM"(u."a") AS "total"
+	"SUM"("t"."a") AS "total"
 FROM
-	"t" AS "u"
--- oracle
-SELECT
-	"u".*, 
-	*, 
-	"COUNT"(*) AS "n", 
-	"SUM"("u"."a") AS "total"
-FROM
-	"t" "u"
+	"t"
