@@ -38,7 +38,8 @@ QString saveSvg(const QBCanvasCommands& commands, const QString& file) {
     if (commands.pictureRect().isEmpty()) return Tolk::localize(Tolk::TextCanvasNothingToExport);
     QSaveFile target(file);
     const QByteArray text = svgOf(commands);
-    if (target.open(QIODevice::WriteOnly) && target.write(text) == text.size() && target.commit())
+    if (target.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+        target.write(text) == text.size() && target.commit())
         return QString();
     return Tolk::localizeWithArgs(Tolk::TextCanvasPictureNotWritten, file.toUtf8().constData());
 }

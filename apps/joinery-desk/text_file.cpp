@@ -78,7 +78,9 @@ QString readTextFile(const QString& path, qint64 limit, QByteArray& bytes) {
 
 QString writeTextFile(const QString& path, const QByteArray& bytes) {
     QSaveFile target(path);
-    if (target.open(QIODevice::WriteOnly) && target.write(bytes) == bytes.size() && target.commit())
+    // What a buffer holds back, commit() would write without looking: on a full disk, nothing.
+    if (target.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+        target.write(bytes) == bytes.size() && target.commit())
         return QString();
     return text(QT_TRANSLATE_NOOP("TextFile", "\"%1\" cannot be written: %2"))
         .arg(QDir::toNativeSeparators(path), target.errorString());

@@ -50,9 +50,11 @@ QString replaceText(const QString& file, const std::string& text) {
     // A pipe or a device would be renamed over.
     if (!QFileInfo(file).isFile()) return QStringLiteral("not a regular file");
     QSaveFile target(file);
-    if (!target.open(QIODevice::WriteOnly)) return target.errorString();
-    target.write(text.data(), static_cast<qint64>(text.size()));
-    return target.commit() ? QString() : target.errorString();
+    const auto size = static_cast<qint64>(text.size());
+    // What a buffer holds back, commit() would write without looking: on a full disk, nothing.
+    const bool isReplaced = target.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+                            target.write(text.data(), size) == size && target.commit();
+    return isReplaced ? QString() : target.errorString();
 }
 
 bool writeOut(std::string_view text) {

@@ -27,6 +27,11 @@ constexpr int pictureMargin = 20;
 constexpr int pdfDotsPerInch = 96;     // a pixel of the diagram is a pixel of the page
 constexpr double longestPage = 14400;  // points: the most that a PDF page may have
 
+/// What is still in the buffer, commit() would write without looking: on a full disk, nothing.
+bool isWritten(QSaveFile& target) {
+    return target.flush() && target.commit();
+}
+
 QString notWritten(const QString& file) {
     return Tolk::localizeWithArgs(Tolk::TextCanvasPictureNotWritten, file.toUtf8().constData());
 }
@@ -172,7 +177,7 @@ QString QBCanvasCommands::exportPng(const QString& file, double scale) const {
     renderTo(&painter, {{0, 0}, QSizeF(image.size())});
     painter.end();
     QSaveFile target(file);
-    if (!target.open(QIODevice::WriteOnly) || !image.save(&target, "PNG") || !target.commit())
+    if (!target.open(QIODevice::WriteOnly) || !image.save(&target, "PNG") || !isWritten(target))
         return notWritten(file);
     return {};
 }
@@ -193,7 +198,7 @@ QString QBCanvasCommands::exportPdf(const QString& file) const {
     if (!painter.begin(&writer)) return notWritten(file);
     renderTo(&painter, {{0, 0}, page * pdfDotsPerInch / 72.0});
     painter.end();
-    return target.commit() ? QString() : notWritten(file);
+    return isWritten(target) ? QString() : notWritten(file);
 }
 
 QString QBCanvasCommands::dump() const {
