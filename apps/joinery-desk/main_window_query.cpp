@@ -24,6 +24,7 @@
 #include "frame/query_history.h"
 #include "hostkit/driver_description.h"
 #include "hostkit/threads.h"
+#include "tools/empty_lists.h"
 
 namespace QB::Desk {
 namespace {
@@ -65,7 +66,10 @@ void MainWindow::setUpQueries() {
     connect(m_builder->undoStack(), &QUndoStack::cleanChanged, this, &MainWindow::noteWork);
     connect(m_sqlTab, &SqlTab::changed, this, &MainWindow::noteWork);
     connect(&m_journal, &Journal::due, this, &MainWindow::writeJournal);
-    connect(&m_journal, &Journal::failed, this, &MainWindow::showNote);
+    connect(&m_journal, &Journal::failed, this, [this](const QString& message) {
+        if (m_messageBar->isAsking()) return showNote(message);
+        m_messageBar->show(MessageBar::Kind::Note, message);
+    });
     connect(m_wholeText, &BuilderText::ready, this, [this] {
         if (!isWorkUnsaved()) return;
         m_journal.write(queryDocument(QString::fromStdString(m_wholeText->text()), true));
@@ -257,11 +261,13 @@ void MainWindow::applyQuery() {
 void MainWindow::finishQuery(bool isApplied, const QString& error) {
     if (!isApplied) return failQuery(error);
     const Opening opening = *std::exchange(m_opening, std::nullopt);
+    Tools::SQL::emptySelectLists(m_workspace->engine(), opening.document.listSizes, this);
     m_builder->loadGlobalPreferences(opening.document.preferences);
     m_builder->loadDiagramLayoutJsonString(opening.document.layouts);
     m_builder->history()->clear();
     setQueryFile(opening.isJournal ? opening.document.file : opening.path);
     if (opening.isJournal) {
+        m_queryFileTime = opening.document.fileTime;
         m_builder->undoStack()->resetClean();
         continueLeftJournal();
     } else {
@@ -346,9 +352,13 @@ QueryDocument MainWindow::queryDocument(const QString& builtText, bool isJournal
     document.family = DatabaseTypeSQLite;
     document.layouts = m_builder->obtainDiagramLayoutJsonString();
     document.preferences = m_builder->obtainGlobalPreferences();
-    if (isJournal) document.file = m_queryFile;
+    if (isJournal) {
+        document.file = m_queryFile;
+        document.fileTime = m_queryFileTime;
+    }
     if (!m_workspace) return document;
     const QBEngine_LINUX* engine = m_workspace->engine();
+    document.listSizes = Tools::SQL::selectListSizes(engine);
     document.family = engine->databaseType();
     document.schema = QString::fromStdString(engine->currentSchema());
     document.database = databaseFile();
@@ -382,6 +392,7 @@ bool MainWindow::saveQueryTo(const QString& file) {
         showError(error);
         return false;
     }
+    m_messageBar->hide();  // it may tell why this went wrong before
     setQueryFile(file);
     if (m_sqlTab->filePath().isEmpty()) m_sqlTab->markSaved();
     m_builder->undoStack()->setClean();

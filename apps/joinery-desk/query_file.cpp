@@ -44,8 +44,9 @@ public:
         return QJsonValue();
     }
     QString takeText(const char* name) { return take(name, QJsonValue::String).toString(); }
+    bool has(const char* name) const { return m_object.contains(QLatin1String(name)); }
     std::optional<QString> takeOptionalText(const char* name) {
-        if (!m_object.contains(QLatin1String(name))) return std::nullopt;
+        if (!has(name)) return std::nullopt;
         return takeText(name);
     }
 
@@ -88,6 +89,16 @@ QString takeDatabase(Members& members, const QDir& folder) {
     return path.isEmpty() ? path : QDir::cleanPath(folder.absoluteFilePath(path));
 }
 
+/// A number that is none fits no list, and so does no harm.
+std::vector<int> takeListSizes(Members& members) {
+    std::vector<int> sizes;
+    if (!members.has("listSizes")) return sizes;
+    const QJsonArray values = members.take("listSizes", QJsonValue::Array).toArray();
+    for (const QJsonValue& value : values)
+        sizes.push_back(value.toInt(-1));
+    return sizes;
+}
+
 QMap<QString, QVariant> takePreferences(Members& members) {
     const QJsonObject object = members.take("preferences", QJsonValue::Object).toObject();
     for (const QJsonValue& value : object)
@@ -106,10 +117,13 @@ QString takeDocument(const QJsonObject& object, const QDir& folder, QueryDocumen
     document.database = takeDatabase(members, folder);
     document.sql = members.takeText("sql");
     document.text = members.takeOptionalText("text");
+    document.listSizes = takeListSizes(members);
     const QJsonArray layouts = members.take("layouts", QJsonValue::Array).toArray();
     document.layouts = QString::fromUtf8(QJsonDocument(layouts).toJson(QJsonDocument::Compact));
     document.preferences = takePreferences(members);
     document.file = members.takeOptionalText("file").value_or(QString());
+    document.fileTime = QDateTime::fromString(
+        members.takeOptionalText("fileTime").value_or(QString()), Qt::ISODateWithMs);
     return members.error();
 }
 
@@ -124,6 +138,13 @@ QString relativeIfBelow(const QDir& folder, const QString& path) {
     return path.startsWith(root) ? path.mid(root.size()) : path;
 }
 
+QJsonArray encoded(const std::vector<int>& sizes) {
+    QJsonArray values;
+    for (const int size : sizes)
+        values.append(size);
+    return values;
+}
+
 QByteArray encoded(const QueryDocument& document, const QDir& folder) {
     QJsonObject object;
     object[QLatin1String("format")] = QLatin1String(formatName);
@@ -133,9 +154,14 @@ QByteArray encoded(const QueryDocument& document, const QDir& folder) {
     object[QLatin1String("database")] = relativeIfBelow(folder, document.database);
     object[QLatin1String("sql")] = document.sql;
     if (document.text) object[QLatin1String("text")] = *document.text;
+    if (!document.listSizes.empty())
+        object[QLatin1String("listSizes")] = encoded(document.listSizes);
     object[QLatin1String("layouts")] = QJsonDocument::fromJson(document.layouts.toUtf8()).array();
     object[QLatin1String("preferences")] = QJsonObject::fromVariantMap(document.preferences);
-    if (!document.file.isEmpty()) object[QLatin1String("file")] = document.file;
+    if (!document.file.isEmpty()) {
+        object[QLatin1String("file")] = document.file;
+        object[QLatin1String("fileTime")] = document.fileTime.toUTC().toString(Qt::ISODateWithMs);
+    }
     return QJsonDocument(object).toJson();
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QMap>
 #include <QString>
 #include <QVariant>
 #include <optional>
+#include <vector>
 
 #include "model/vocabulary.h"
 
@@ -20,9 +22,12 @@ struct QueryDocument {
     /// What the SQL tab has of its own and no other file keeps; if it is the same as sql, the
     /// builder has it, too.
     std::optional<QString> text;
+    std::vector<int>
+        listSizes;    ///< Tools::SQL::selectListSizes of the main query; empty: not known
     QString layouts;  ///< of the diagrams, as the builder gives them
     QMap<QString, QVariant> preferences;
-    QString file;  ///< in a journal: where the query was to be saved; else empty
+    QString file;        ///< in a journal: where the query was to be saved; else empty
+    QDateTime fileTime;  ///< in a journal: when that was written, as far as the window knew
 };
 
 /// Files above this are refused: a query of 1,000 tables takes less than a hundredth of it.

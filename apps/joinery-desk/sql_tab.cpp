@@ -447,13 +447,19 @@ void SqlTab::showState() {
     if (m_state != State::Refused && m_state != State::Checking) m_editor->clearError();
     showMessage();
     showPlace();
-    m_apply->setEnabled(canApply());
-    m_load->setEnabled(engine() && !m_isFollowing);
+    setEnabled(m_apply, canApply());
+    setEnabled(m_load, engine() && !m_isFollowing);
     if (earlier != m_state && m_state == State::Refused) {
         QAccessibleEvent told(m_message, QAccessible::Alert);
         QAccessible::updateAccessibility(&told);
     }
     Q_EMIT changed();
+}
+
+/// Without this the focus of a button that has done its work would go to another pane.
+void SqlTab::setEnabled(QPushButton* button, bool isEnabled) {
+    if (!isEnabled && button->hasFocus()) m_editor->setFocus(Qt::OtherFocusReason);
+    button->setEnabled(isEnabled);
 }
 
 QString SqlTab::message() const {

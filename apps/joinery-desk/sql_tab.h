@@ -135,6 +135,7 @@ private:
     bool isBlank() const;
     State judge() const;
     void showState();
+    void setEnabled(QPushButton* button, bool isEnabled);
     void showMessage();
     void showPlace();
     QString stateText() const;

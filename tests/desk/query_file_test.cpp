@@ -1,3 +1,4 @@
+#include <sys/resource.h>
 #include <QAction>
 #include <QApplication>
 #include <QFileDialog>
@@ -9,13 +10,16 @@
 #include <QToolButton>
 #include <QUndoStack>
 #include <QUrl>
+#include <csignal>
 
 #include "apps/joinery-desk/query_file.h"
 #include "apps/joinery-desk/sql_editor.h"
 #include "apps/joinery-desk/sql_tab.h"
 #include "apps/joinery-desk/window_states.h"
+#include "apps/joinery-desk/workspace.h"
 #include "canvas/view/canvas_commands.h"
 #include "desk/desk_fixture.h"
+#include "tools/empty_lists.h"
 
 using QB::Desk::Journal;
 using QB::Desk::MainWindow;
@@ -81,6 +85,20 @@ private Q_SLOTS:
         verifyRefused(huge.fileName(), "too large");
         verifyRefused(m_desk->folder.path(), "is a folder");
         verifyRefused("/nowhere/x.joinery", "There is no file");
+    }
+
+    void onAFullDiskTheOldFileStays() {
+        const QString path = m_desk->write("query.joinery", "old");
+        rlimit whole;
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &whole), 0);
+        const auto former = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small = {100, whole.rlim_max};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+        const QString error = QB::Desk::writeQueryFile(path, QB::Desk::QueryDocument());
+        setrlimit(RLIMIT_FSIZE, &whole);
+        std::signal(SIGXFSZ, former);
+        QVERIFY2(error.contains("cannot be written"), qPrintable(error));
+        QCOMPARE(QFileInfo(path).size(), 3);
     }
 
     void aSavedQueryComesBackWithItsTextLayoutsAndPreferences() {
@@ -185,6 +203,8 @@ private Q_SLOTS:
         auto* restore = bar(*m_desk->window)->findChild<QPushButton*>("messageAnswer");
         QTest::mouseClick(restore, Qt::LeftButton);
         QTRY_COMPARE(m_desk->preview(), QString("SELECT * FROM station"));
+        const auto* engine = m_desk->window->workspace()->engine();
+        QTRY_COMPARE(QB::Tools::SQL::selectListSizes(engine), std::vector<int>{0});
         QVERIFY(m_desk->window->isWorkUnsaved() && !bar(*m_desk->window)->isAsking());
         QCOMPARE(leftIn(journals).size(), 1);
         m_desk->window.reset();

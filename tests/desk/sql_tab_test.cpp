@@ -145,6 +145,11 @@ private Q_SLOTS:
         QTRY_VERIFY(editor()->hasFocus());
         QVERIFY(!m_desk->grid()->isRunning());
         QCOMPARE(m_desk->model()->columnCount(), 0);
+        // Who applies by the button goes on typing.
+        type("SELECT name FROM city");
+        QTRY_COMPARE(tab()->state(), SqlTab::State::Acceptable);
+        QTest::mouseClick(button("sqlApply"), Qt::LeftButton);
+        QTRY_VERIFY(tab()->state() == SqlTab::State::Held && editor()->hasFocus());
     }
 
     void aRefusedTextIsUnderlinedWhereItIsWrongAndChangesNothing_data() {

@@ -45,9 +45,10 @@ private Q_SLOTS:
 
         desk.doubleClick(desk.row("city"));
         QTRY_COMPARE(desk.preview(), QString("SELECT * FROM city"));
+        QVERIFY(!desk.grid()->isVisible());
         desk.buildAndRun();
         QTRY_COMPARE(desk.model()->rowCount(), 3);
-        QTRY_VERIFY(!desk.grid()->isRunning());
+        QTRY_VERIFY(!desk.grid()->isRunning() && desk.grid()->isVisible());
         QCOMPARE(desk.cell(0, 1), QString("Köln"));
         QVERIFY2(desk.status().startsWith("3 rows in "), qPrintable(desk.status()));
 
