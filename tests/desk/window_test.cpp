@@ -210,32 +210,22 @@ private Q_SLOTS:
         QVERIFY(desk.row("city"));
     }
 
-    void theLastOfSeveralOpeningsCounts() {
+    void theLastOfSeveralOpeningsCountsAndStartsWithAnEmptyQueryAndNoRows() {
         DeskFixture& desk = *m_desk;
         const SqliteFile first(cities, "first.db");
-        const SqliteFile second("CREATE TABLE only (x)", "second.db");
-        const QSignalSpy opened(desk.window.get(), &QB::Desk::MainWindow::databaseOpened);
-        desk.window->openFile(first.path());
-        QVERIFY(desk.open(second.path()));
-        QCOMPARE(opened.count(), 1);
-        QVERIFY(desk.window->windowTitle().startsWith("second.db"));
-        QVERIFY(desk.row("only") && !desk.row("city"));
-    }
-
-    void anotherDatabaseStartsWithAnEmptyQueryAndNoRows() {
-        DeskFixture& desk = *m_desk;
-        const SqliteFile first(cities);
         const SqliteFile second("CREATE TABLE only (x)", "second.db");
         QVERIFY(desk.openAndAdd(first.path(), "city"));
         desk.buildAndRun();
         QTRY_COMPARE(desk.model()->rowCount(), 3);
+        const QSignalSpy opened(desk.window.get(), &QB::Desk::MainWindow::databaseOpened);
         int boxes = 0;
         answerNextBox(QMessageBox::Discard, &boxes);
+        desk.window->openFile(first.path());
         QVERIFY(desk.open(second.path()));
+        QCOMPARE(opened.count(), 1);
+        QVERIFY(desk.window->windowTitle().startsWith("second.db"));
+        QVERIFY(desk.row("only") && !desk.row("city") && desk.model()->rowCount() == 0);
         QTRY_VERIFY2(!desk.preview().contains("city"), qPrintable(desk.preview()));
-        QCOMPARE(desk.model()->rowCount(), 0);
-        desk.doubleClick(desk.row("only"));
-        QTRY_COMPARE(desk.preview(), QString("SELECT * FROM only"));
         QCOMPARE(desk.settings.value("recentFiles").toStringList(),
                  QStringList({second.path(), first.path()}));
     }
