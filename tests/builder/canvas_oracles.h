@@ -58,7 +58,8 @@ private:
 
     bool isGrabLost() const { return dispatcher()->isGrabbing() && !MonkeyDesk::isPopupOpen(); }
     void nudge() {
-        const QPoint middle = view()->mapTo(&m_desk.window, view()->rect().center());
+        const QWidget* const viewport = view()->viewport();
+        const QPoint middle = viewport->mapTo(&m_desk.window, viewport->rect().center());
         QTest::mouseMove(m_desk.window.windowHandle(), middle + QPoint(m_nudges++ % 2, 0));
         m_desk.settle();
     }
