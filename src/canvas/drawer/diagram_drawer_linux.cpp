@@ -27,6 +27,13 @@ void provideImages() {
 }  // namespace
 
 struct QBLumoDiagramDrawer_LINUX::State {
+    /// Qt may paint an opaque viewport over what lies on it after both have moved.
+    void showHint(bool isShown) {
+        if (!hint || !view) return;
+        view->viewport()->setAttribute(Qt::WA_OpaquePaintEvent, !isShown);
+        hint->setVisible(isShown);
+    }
+
     QBLumoContext context;
     QPointer<QWidget> widget;  // owned by its parent, if it has one
     QPointer<QBLumoUIView> view;
@@ -81,9 +88,10 @@ void QBLumoDiagramDrawer_LINUX::setupDiagram(QWidget** outWidget, const Callback
     m_state->commands = new QBCanvasCommands(view);
 
     Callbacks own = callbacks;
-    own.diagramEmptyChanged = [hint = m_state->hint](bool empty) {
-        if (hint) hint->setVisible(empty);
+    own.diagramEmptyChanged = [this](bool empty) {
+        m_state->showHint(empty);
     };
+    m_state->showHint(true);
     setupDiagram(own);
     m_state->menus = std::make_unique<Menus>(this);
     QObject::connect(

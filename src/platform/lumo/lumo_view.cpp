@@ -47,8 +47,7 @@ LumoUIScrollView::LumoUIScrollView(LumoContext* context, QWidget* parent)
     qRegisterMetaType<LumoUIRightClickParam>();
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setMouseTracking(true);
-    // Everything is painted, but the viewport does not say that it is opaque: Qt then moves it
-    // with what is on the screen, and forgets a widget that came over it meanwhile.
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     viewport()->setAutoFillBackground(false);
 }
 
