@@ -110,6 +110,8 @@ SqletTable* Grammar::bracketedSource(std::uint32_t parens) {
         if (hadAlias) unsupported(m_position - 1, "a second alias");
     } else if (!takeSourceAlias(content)) {
         return content;
+    } else if (content->form != TableForm::Join) {
+        unsupported(m_position - 1, "such an alias behind a bracket");
     }
     if (is(T::LeftParen)) unsupported(m_position, "a column list behind the alias of a bracket");
     return content;
